@@ -1,0 +1,76 @@
+# Every target of ours takes its flags from lumetra_flags and its include paths from the rooms
+# that it links: a room shows its headers through a folder of links of its own, so a header can
+# be included only by targets that link the room it belongs to.
+
+add_library(lumetra_flags INTERFACE)
+target_compile_options(lumetra_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+  -Wold-style-cast -Wnull-dereference -Werror)
+target_compile_definitions(lumetra_flags INTERFACE
+  QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING QT_DEPRECATED_WARNINGS
+  QT_DISABLE_DEPRECATED_BEFORE=0x050E00)
+
+if(LUMETRA_SANITIZER STREQUAL "address")
+  set(_sanitizer -fsanitize=address,undefined -fno-sanitize-recover=undefined
+    -fno-omit-frame-pointer -O1 -g)
+elseif(LUMETRA_SANITIZER STREQUAL "thread")
+  set(_sanitizer -fsanitize=thread -O1 -g)
+  target_compile_definitions(lumetra_flags INTERFACE LUMETRA_THREAD_SANITIZER)
+elseif(LUMETRA_SANITIZER)
+  message(FATAL_ERROR "LUMETRA_SANITIZER is '${LUMETRA_SANITIZER}'; use address or thread.")
+endif()
+if(_sanitizer)
+  # The optimiser's view of instrumented code gives false null-dereference warnings.
+  target_compile_options(lumetra_flags INTERFACE ${_sanitizer} -Wno-null-dereference)
+  target_link_options(lumetra_flags INTERFACE ${_sanitizer})
+endif()
+if(LUMETRA_COVERAGE)
+  target_compile_options(lumetra_flags INTERFACE --coverage -O0 -g)
+  target_link_options(lumetra_flags INTERFACE --coverage)
+endif()
+
+# lumetra_room(<target> FOLDER <folder> SOURCES <file>... [LINK <target>...])
+# A static library whose headers are included as "<folder>/<header>".
+function(lumetra_room target)
+  cmake_parse_arguments(ARG "" "FOLDER" "SOURCES;LINK" ${ARGN})
+  add_library(${target} STATIC ${ARG_SOURCES})
+  set(root ${CMAKE_BINARY_DIR}/rooms/${target})
+  file(MAKE_DIRECTORY ${root}/${ARG_FOLDER})
+  foreach(source IN LISTS ARG_SOURCES)
+    if(source MATCHES "\\.h$")
+      file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR}/${source} ${root}/${ARG_FOLDER}/${source}
+        SYMBOLIC)
+    endif()
+  endforeach()
+  target_include_directories(${target} PUBLIC ${root})
+  target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE lumetra_flags)
+endfunction()
+
+# lumetra_test(<name> SOURCES <file>... [LINK <target>...] [TIMEOUT <seconds>])
+# A Qt Test executable, run headless with a home of its own.
+function(lumetra_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LINK} lumetra_flags Qt5::Test)
+  add_test(NAME ${name} COMMAND ${name})
+  set(home ${CMAKE_BINARY_DIR}/homes/${name})
+  file(MAKE_DIRECTORY ${home})
+  set_tests_properties(${name} PROPERTIES
+    TIMEOUT ${ARG_TIMEOUT}
+    ENVIRONMENT "${LUMETRA_TEST_ENVIRONMENT};HOME=${home}")
+endfunction()
+
+set(LUMETRA_TEST_ENVIRONMENT
+  QT_QPA_PLATFORM=offscreen
+  QT_FONT_DPI=96
+  QT_SCALE_FACTOR=1
+  QT_STYLE_OVERRIDE=Fusion
+  LC_ALL=C.UTF-8
+  XDG_RUNTIME_DIR=${CMAKE_BINARY_DIR}/homes
+  "ASAN_OPTIONS=detect_leaks=1:detect_stack_use_after_return=1:check_initialization_order=1"
+  "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0"
+  "UBSAN_OPTIONS=print_stacktrace=1"
+  "TSAN_OPTIONS=ignore_noninstrumented_modules=1 exitcode=66 second_deadlock_stack=1")

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QColor>
+#include <QString>
+
+/// The live record of one connection: kept by the main window, shown by the system overview.
+struct ConnectionStatus
+{
+    QString label;
+    QString address;
+    /// Whether the flags below were read from a controller that is connected now.
+    bool statusValid = false;
+    bool stabilised1 = false;
+    bool stabilised2 = false;
+    bool active1 = false;
+    bool active2 = false;
+    QColor colorX;
+    QColor colorY;
+    QColor colorI;
+    bool displayed = false;
+    /// Colours of the display path of a common detector.
+    QColor commonColorX;
+    QColor commonColorY;
+    QColor commonColorI;
+    int groupId = 0;
+    bool multiplex1 = false;
+    bool multiplex2 = false;
+};

@@ -1,0 +1,41 @@
+#include "model/measurestore.h"
+
+measureStore::measureStore(int slotCount)
+    : capacity(slotCount)
+    , samples(std::make_unique<MeasureSample[]>(static_cast<std::size_t>(slotCount)))
+{
+    Q_ASSERT(slotCount >= 2);
+}
+
+void measureStore::storeSample(const MeasureSample& sample)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    const bool full = (tail - head + capacity) % capacity == 1;
+    if (full)
+        tail = (tail + 1) % capacity;
+    samples[static_cast<std::size_t>(head)] = sample;
+    head = (head + 1) % capacity;
+}
+
+int measureStore::takeSample(MeasureSample& out)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (head == tail)
+        return 0;
+    out = samples[static_cast<std::size_t>(tail)];
+    tail = (tail + 1) % capacity;
+    return 1;
+}
+
+int measureStore::sampleCount() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return (head + capacity - tail) % capacity;
+}
+
+void measureStore::clearSamples()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    head = 0;
+    tail = 0;
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "model/measuresample.h"
+
+#include <QObject>
+
+#include <memory>
+#include <mutex>
+
+/// Ring of samples between a connection's thread, which stores, and the GUI thread, which takes.
+/// It never grows and never makes the writer wait: when the reader falls behind, the oldest
+/// samples are lost. A store of capacity N holds at most N - 1 samples. Every operation may be
+/// called on any thread, as long as one thread stores and one takes.
+class measureStore final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `capacity` is the number of slots and at least 2.
+    explicit measureStore(int capacity);
+
+    /// Adds a sample, dropping the oldest if the ring is full.
+    void storeSample(const MeasureSample& sample);
+    /// Moves the oldest sample to `out` and returns 1; returns 0 and leaves `out` alone if the
+    /// store is empty.
+    int takeSample(MeasureSample& out);
+    int sampleCount() const;
+    void clearSamples();
+
+private:
+    const int capacity;
+    std::unique_ptr<MeasureSample[]> samples;
+    mutable std::mutex mutex;
+    /// Slot to write next.
+    int head = 0;
+    /// Oldest slot that was not taken yet.
+    int tail = 0;
+};
