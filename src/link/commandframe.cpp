@@ -1,0 +1,111 @@
+#include "link/commandframe.h"
+
+bool CommandFrame::startsStream() const
+{
+    return message.size() > 2
+           && (message.startsWith("SLS") || message.startsWith("SGS") || message.startsWith("SPS"));
+}
+
+namespace command {
+
+namespace {
+
+void appendValue(QByteArray& bytes, quint16 value)
+{
+    bytes.append(static_cast<char>(value >> 8));
+    bytes.append(static_cast<char>(value & 0xFF));
+}
+
+} // namespace
+
+CommandFrame frame(const char* mnemonic, const QByteArray& argument, int answerLength)
+{
+    QByteArray message(mnemonic);
+    message += argument.isEmpty() ? QByteArray(1, terminator) : argument;
+    return {message, answerLength};
+}
+
+QByteArray stageArgument(int stage)
+{
+    QByteArray bytes(1, static_cast<char>(stage));
+    bytes.append(terminator);
+    return bytes;
+}
+
+QByteArray stageAxisArgument(int stage, char axis)
+{
+    QByteArray bytes(1, static_cast<char>(stage));
+    bytes.append(axis).append(terminator);
+    return bytes;
+}
+
+QByteArray stageValueArgument(int stage, qint16 valueMv)
+{
+    QByteArray bytes(1, static_cast<char>(stage));
+    appendValue(bytes, static_cast<quint16>(valueMv));
+    return bytes.append(terminator);
+}
+
+QByteArray stageAxisValueArgument(int stage, char axis, qint16 valueMv)
+{
+    QByteArray bytes(1, static_cast<char>(stage));
+    bytes.append(axis);
+    appendValue(bytes, static_cast<quint16>(valueMv));
+    return bytes.append(terminator);
+}
+
+QByteArray labelArgument(const QByteArray& label)
+{
+    return label.leftJustified(labelLength, ' ', true).append(terminator);
+}
+
+QByteArray streamArgument(quint16 rateHz)
+{
+    QByteArray bytes(2, '\0');
+    appendValue(bytes, rateHz);
+    return bytes.append(terminator);
+}
+
+QByteArray baudRateArgument(int baudRate)
+{
+    QByteArray bytes;
+    switch (baudRate) {
+    case 115200:
+        bytes.append('\x01');
+        break;
+    case 460800:
+        bytes.append('\x04');
+        break;
+    case 921600:
+        bytes.append('\x09');
+        break;
+    default:
+        break;
+    }
+    return bytes.append(terminator);
+}
+
+QByteArray withoutRate(const QByteArray& argument)
+{
+    QByteArray bytes = argument;
+    return bytes.remove(2, 2);
+}
+
+qint16 signedValueAt(const char* bytes, int offset)
+{
+    const auto high = static_cast<quint8>(bytes[offset]);
+    const auto low = static_cast<quint8>(bytes[offset + 1]);
+    return static_cast<qint16>(high << 8 | low);
+}
+
+bool isAccepted(const QByteArray& reply)
+{
+    return reply.size() > 1 && reply.at(0) == '\0' && reply.at(1) == terminator;
+}
+
+bool isRefused(const QByteArray& reply)
+{
+    return !reply.isEmpty() && reply.at(0) == '\x01';
+}
+
+} // namespace command

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QByteArray>
+
+/// One command to the controller, and the length of the reply that it answers with.
+struct CommandFrame
+{
+    QByteArray message;
+    int answerLength = 0;
+
+    bool isStop() const { return message == "CLS;"; }
+    bool startsStream() const;
+};
+
+/// Frames and arguments of the controller's protocol. A frame is a mnemonic of three characters,
+/// raw argument bytes and a closing ';'. 16-bit values go high byte first.
+namespace command {
+
+constexpr char terminator = ';';
+
+/// Length of the shortest reply: status and terminator.
+constexpr int statusReplyLength = 2;
+/// Length of one packet of the measurement stream.
+constexpr int packetLength = 25;
+/// Length that a label has on the wire.
+constexpr int labelLength = 25;
+constexpr int maxSamplingRateHz = 500;
+
+/// A command whose argument, if any, already ends in ';'.
+CommandFrame frame(const char* mnemonic, const QByteArray& argument, int answerLength);
+
+/// Argument bytes with their closing ';'. A stage is 1, 2, or 3 for both; an axis is 'x' or 'y'.
+QByteArray stageArgument(int stage);
+QByteArray stageAxisArgument(int stage, char axis);
+QByteArray stageValueArgument(int stage, qint16 valueMv);
+QByteArray stageAxisValueArgument(int stage, char axis, qint16 valueMv);
+/// The label cut or padded with blanks to its length on the wire.
+QByteArray labelArgument(const QByteArray& label);
+/// The stream rate in packets per second, behind two zero bytes.
+QByteArray streamArgument(quint16 rateHz);
+/// Code of a baud rate of the serial line; just ';' for a rate that has none.
+QByteArray baudRateArgument(int baudRate);
+
+/// The start of a stream that follows trigger pulses has no rate.
+QByteArray withoutRate(const QByteArray& streamArgument);
+
+/// Signed 16-bit value at `offset` of a reply or packet.
+qint16 signedValueAt(const char* bytes, int offset);
+
+/// Whether a reply says accepted: more than one byte, 0x00 and ';'.
+bool isAccepted(const QByteArray& reply);
+/// Whether a reply begins with the refusal byte 0x01.
+bool isRefused(const QByteArray& reply);
+
+} // namespace command

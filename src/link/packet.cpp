@@ -1,0 +1,75 @@
+#include "link/packet.h"
+
+namespace packet {
+
+namespace {
+
+constexpr std::size_t separatorOffset = 1;
+constexpr std::size_t flagsAOffset = 2;
+constexpr std::size_t flagsBOffset = 3;
+constexpr std::size_t endMarkOffset = command::packetLength - 1;
+
+constexpr quint8 multiplex1 = 0x01;
+constexpr quint8 multiplex2 = 0x02;
+constexpr quint8 withheldFromVm = 0x04;
+
+bool isSet(char flags, quint8 mask)
+{
+    return (static_cast<quint8>(flags) & mask) != 0;
+}
+
+quint8 bit(char flags, quint8 mask)
+{
+    return isSet(flags, mask) ? 1 : 0;
+}
+
+} // namespace
+
+bool isAligned(const PacketBytes& bytes)
+{
+    return bytes[0] == '\0' && bytes[separatorOffset] == command::terminator
+           && bytes[endMarkOffset] == command::terminator;
+}
+
+bool isLast(const PacketBytes& bytes, int firmwareVersion)
+{
+    return hasFlags(firmwareVersion) && isSet(bytes[flagsAOffset], statusflag::lastPacket);
+}
+
+bool isWithheld(const PacketBytes& bytes, int firmwareVersion, bool vmFirmware)
+{
+    return vmFirmware && hasFlags(firmwareVersion) && isSet(bytes[flagsBOffset], withheldFromVm);
+}
+
+MeasureSample toSample(const PacketBytes& bytes, int firmwareVersion, quint64 timeMs)
+{
+    const auto signedAt = [&](int offset) { return command::signedValueAt(bytes.data(), offset); };
+    const auto unsignedAt = [&](int offset) { return static_cast<quint16>(signedAt(offset)); };
+
+    MeasureSample sample;
+    sample.timeMs = timeMs;
+    sample.x1 = signedAt(4);
+    sample.y1 = signedAt(6);
+    sample.intensity1 = unsignedAt(8);
+    sample.x2 = signedAt(10);
+    sample.y2 = signedAt(12);
+    sample.intensity2 = unsignedAt(14);
+    sample.rx1 = signedAt(16);
+    sample.ry1 = signedAt(18);
+    sample.rx2 = signedAt(20);
+    sample.ry2 = signedAt(22);
+
+    if (hasFlags(firmwareVersion)) {
+        const char flagsA = bytes[flagsAOffset];
+        const char flagsB = bytes[flagsBOffset];
+        sample.stabilised1 = bit(flagsA, statusflag::stabilised1);
+        sample.stabilised2 = bit(flagsA, statusflag::stabilised2);
+        sample.active1 = bit(flagsA, statusflag::active1);
+        sample.active2 = bit(flagsA, statusflag::active2);
+        sample.multiplex1 = bit(flagsB, multiplex1);
+        sample.multiplex2 = bit(flagsB, multiplex2);
+    }
+    return sample;
+}
+
+} // namespace packet

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "link/commandframe.h"
+#include "model/measuresample.h"
+
+#include <array>
+
+/// The bytes of one packet of the measurement stream.
+using PacketBytes = std::array<char, command::packetLength>;
+
+/// The status flags that a `GSF` reply and a stream packet share.
+namespace statusflag {
+constexpr quint8 stabilised1 = 0x08;
+constexpr quint8 stabilised2 = 0x10;
+constexpr quint8 active1 = 0x20;
+constexpr quint8 active2 = 0x40;
+/// In a packet: the last one of the stream. In a status that the host asked for: a failed read.
+constexpr quint8 lastPacket = 0x80;
+} // namespace statusflag
+
+namespace packet {
+
+/// From the firmware version above this on a packet carries status flags and an end mark.
+constexpr int lastFirmwareWithoutFlags = 10;
+
+constexpr bool hasFlags(int firmwareVersion)
+{
+    return firmwareVersion > lastFirmwareWithoutFlags;
+}
+
+/// Whether status, separator and end mark stand at their places.
+bool isAligned(const PacketBytes& bytes);
+/// Whether this packet ends the stream; never with a firmware without flags.
+bool isLast(const PacketBytes& bytes, int firmwareVersion);
+/// Whether the packet is not to be stored.
+bool isWithheld(const PacketBytes& bytes, int firmwareVersion, bool vmFirmware);
+/// The packet as a sample that was read at `timeMs`, milliseconds since the epoch.
+MeasureSample toSample(const PacketBytes& bytes, int firmwareVersion, quint64 timeMs);
+
+} // namespace packet

@@ -1,0 +1,66 @@
+#include "link/postedsend.h"
+
+#include "link/threadmarks.h"
+#include "link/triggerobject.h"
+
+#include <chrono>
+
+void SendDelivery::finish()
+{
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        finished = true;
+    }
+    changed.notify_all();
+}
+
+void SendDelivery::wait()
+{
+    std::unique_lock<std::mutex> lock(mutex);
+    changed.wait(lock, [this] { return finished; });
+}
+
+bool SendDelivery::waitUntil(const QDeadlineTimer& deadline)
+{
+    std::unique_lock<std::mutex> lock(mutex);
+    const auto patience = std::chrono::milliseconds(deadline.remainingTime());
+    return changed.wait_for(lock, patience, [this] { return finished; });
+}
+
+struct PostedSend::Call
+{
+    Call(TriggerObject& to, CommandFrame what, std::shared_ptr<SendDelivery> tell)
+        : receiver(to)
+        , frame(std::move(what))
+        , delivery(std::move(tell))
+    {}
+    ~Call() { delivery->finish(); }
+    Q_DISABLE_COPY(Call)
+
+    TriggerObject& receiver;
+    const CommandFrame frame;
+    const std::shared_ptr<SendDelivery> delivery;
+};
+
+PostedSend::PostedSend(TriggerObject& receiver, CommandFrame frame,
+                       std::shared_ptr<SendDelivery> delivery)
+    : call(std::make_shared<Call>(receiver, std::move(frame), std::move(delivery)))
+{}
+
+PostedSend::PostedSend(const PostedSend& other)
+    : call(other.call)
+{
+    threadmarks::handOver(this);
+}
+
+PostedSend::~PostedSend()
+{
+    threadmarks::takeOver(this);
+}
+
+void PostedSend::operator()()
+{
+    threadmarks::takeOver(this);
+    call->receiver.sendMessage(call->frame.message, call->frame.answerLength);
+    call->delivery->finish();
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "link/commandframe.h"
+
+#include <QDeadlineTimer>
+
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+
+class TriggerObject;
+
+/// Tells when a posted send has been taken by the connection's thread, or can not be any more
+/// because its receiver went away. Any thread may wait.
+class SendDelivery
+{
+public:
+    void finish();
+    void wait();
+    /// Waits at most until `deadline` and returns whether the delivery has finished.
+    bool waitUntil(const QDeadlineTimer& deadline);
+
+private:
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool finished = false;
+};
+
+/// The call that carries a command through the event queue into the connection's thread. Its
+/// delivery finishes when it ran, and also when the queue threw it away with its receiver.
+class PostedSend
+{
+public:
+    PostedSend(TriggerObject& receiver, CommandFrame frame, std::shared_ptr<SendDelivery> delivery);
+    /// The queue keeps a copy, which its own thread reads and deletes.
+    PostedSend(const PostedSend& other);
+    PostedSend& operator=(const PostedSend&) = delete;
+    ~PostedSend();
+
+    void operator()();
+
+private:
+    struct Call;
+    std::shared_ptr<Call> call;
+};

@@ -1,0 +1,154 @@
+#include "link/serialport.h"
+
+#include "app/logging.h"
+#include "link/replyboundary.h"
+#include "link/triggerobject.h"
+
+#include <QCoreApplication>
+#include <QSerialPort>
+
+#include <fcntl.h>
+#include <linux/serial.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int resyncMs = 1000;
+
+/// Errors that are told without the port being lost.
+bool isHarmless(QSerialPort::SerialPortError error)
+{
+    return error == QSerialPort::NoError || error == QSerialPort::TimeoutError
+           || error == QSerialPort::UnsupportedOperationError;
+}
+
+/// A driver without these requests changes nothing, which does no harm.
+void requestLowLatency(int descriptor)
+{
+    serial_struct settings{};
+    ioctl(descriptor, TIOCGSERIAL, &settings);
+    settings.flags |= ASYNC_LOW_LATENCY;
+    ioctl(descriptor, TIOCSSERIAL, &settings);
+}
+
+} // namespace
+
+SerialPort::~SerialPort()
+{
+    SerialPort::releaseInPlace();
+}
+
+void SerialPort::releaseInPlace()
+{
+    if (released)
+        return;
+    released = true;
+    logMessage().debug() << "Deleting serial connection";
+    releaseCore();
+}
+
+bool SerialPort::init(const QString& address, int baudOrPort)
+{
+    logMessage().debug() << "Initializing serial connection" << address;
+    portName = address;
+    baudRate_ = baudOrPort;
+    return address.startsWith(QLatin1String("ttyUSB"))
+           || address.startsWith(QLatin1String("ttyACM"))
+           || address.startsWith(QLatin1String("COM")) || address.startsWith(QLatin1String("ttyS"));
+}
+
+QSerialPort* SerialPort::port() const
+{
+    return static_cast<QSerialPort*>(device());
+}
+
+bool SerialPort::openPort()
+{
+    port()->setPortName(portName);
+    port()->setBaudRate(baudRate_, QSerialPort::AllDirections);
+    port()->setFlowControl(QSerialPort::HardwareControl);
+    port()->setDataBits(QSerialPort::Data8);
+    port()->setParity(QSerialPort::NoParity);
+    port()->setStopBits(QSerialPort::OneStop);
+    if (!port()->open(QIODevice::ReadWrite))
+        return false;
+    setlowlatency();
+    return port()->isOpen();
+}
+
+void SerialPort::run()
+{
+    linkState_ = LinkState::NotConnected;
+    makeEndpoint(std::make_unique<QSerialPort>());
+    if (!openPort()) {
+        linkState_ = LinkState::OpenFailed;
+        deleteEndpoint();
+        return;
+    }
+
+    connect(
+        port(), &QSerialPort::errorOccurred, this,
+        [this](QSerialPort::SerialPortError error) {
+            if (!isHarmless(error))
+                handleDisCon();
+        },
+        Qt::DirectConnection);
+    watchInput();
+    discardInput();
+    publishConnected();
+
+    exec();
+
+    ignoreInput();
+    disconnect(port(), &QSerialPort::errorOccurred, this, nullptr);
+    QCoreApplication::processEvents();
+    logMessage().debug() << "Closing connection" << label();
+    port()->close();
+    deleteEndpoint();
+}
+
+bool SerialPort::setlowlatency()
+{
+    if (!port()->isOpen())
+        return false;
+    port()->close();
+    const QByteArray path = QByteArray("/dev/") + portName.toLocal8Bit();
+    const int descriptor = ::open(path.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
+    if (descriptor < 0)
+        return false;
+    requestLowLatency(descriptor);
+    ::close(descriptor);
+    port()->open(QIODevice::ReadWrite);
+    return true;
+}
+
+void SerialPort::handleDisCon()
+{
+    reportLostPort();
+    port()->close();
+}
+
+void SerialPort::sendMessage(QByteArray message, int answerLength)
+{
+    Connection::sendMessage(message, answerLength);
+    if (device() && device()->isOpen())
+        port()->flush();
+}
+
+void SerialPort::discardInput()
+{
+    port()->readAll();
+    port()->clear(QSerialPort::AllDirections);
+}
+
+void SerialPort::resync()
+{
+    logMessage().debug() << "Resyncing (serial)";
+    sendMessage("GSF;", command::statusReplyLength);
+    findReplyBoundary(*device(), QDeadlineTimer(resyncMs), [] {
+        QCoreApplication::processEvents();
+        msleep(1);
+    });
+    logMessage().debug() << "Finished resyncing";
+}

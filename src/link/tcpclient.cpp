@@ -1,0 +1,128 @@
+#include "link/tcpclient.h"
+
+#include "app/logging.h"
+#include "link/replyboundary.h"
+#include "link/triggerobject.h"
+
+#include <QCoreApplication>
+#include <QTcpSocket>
+#include <QTimer>
+
+namespace {
+
+constexpr int portLimit = 65536;
+/// The adapter talks to the controller at this rate, whatever the network does.
+constexpr int adapterBaudRate = 921600;
+constexpr int resyncMs = 1000;
+
+} // namespace
+
+TcpClient::TcpClient()
+{
+    baudRate_ = adapterBaudRate;
+}
+
+TcpClient::~TcpClient()
+{
+    TcpClient::releaseInPlace();
+}
+
+void TcpClient::releaseInPlace()
+{
+    if (released)
+        return;
+    released = true;
+    logMessage().debug() << "Deleting TCP connection";
+    releaseCore();
+}
+
+QString TcpClient::address() const
+{
+    return hostAddress.toString();
+}
+
+bool TcpClient::init(const QString& address, int baudOrPort)
+{
+    logMessage().debug() << "Initializing TCP connection" << address;
+    if (address.isEmpty() || baudOrPort >= portLimit)
+        return false;
+    QHostAddress parsed;
+    if (!parsed.setAddress(address))
+        return false;
+    hostAddress = parsed;
+    port = baudOrPort;
+    return true;
+}
+
+QTcpSocket* TcpClient::socket() const
+{
+    return static_cast<QTcpSocket*>(device());
+}
+
+void TcpClient::run()
+{
+    linkState_ = LinkState::NotConnected;
+    makeEndpoint(std::make_unique<QTcpSocket>());
+    connect(socket(), &QTcpSocket::connected, this, &TcpClient::firstTalk, Qt::DirectConnection);
+    connect(socket(), &QTcpSocket::disconnected, this, &TcpClient::handleDisCon,
+            Qt::DirectConnection);
+
+    connectTimer = std::make_unique<QTimer>();
+    connect(connectTimer.get(), &QTimer::timeout, this, &TcpClient::checkConnection,
+            Qt::DirectConnection);
+    connectTimer->start(timeoutMs_);
+    socket()->connectToHost(hostAddress, static_cast<quint16>(port), QIODevice::ReadWrite);
+
+    exec();
+
+    disconnect(socket(), &QTcpSocket::disconnected, this, nullptr);
+    ignoreInput();
+    disconnect(socket(), &QTcpSocket::connected, this, nullptr);
+    logMessage().debug() << "Closing connection" << label();
+    socket()->disconnectFromHost();
+    QCoreApplication::processEvents();
+    connectTimer.reset();
+    deleteEndpoint();
+}
+
+void TcpClient::firstTalk()
+{
+    connectTimer->stop();
+    disconnect(connectTimer.get(), &QTimer::timeout, this, nullptr);
+    watchInput();
+    discardInput();
+    publishConnected();
+}
+
+void TcpClient::checkConnection()
+{
+    disconnect(connectTimer.get(), &QTimer::timeout, this, nullptr);
+    exit(0);
+}
+
+void TcpClient::handleDisCon()
+{
+    reportLostPort();
+}
+
+void TcpClient::sendMessage(QByteArray message, int answerLength)
+{
+    Connection::sendMessage(message, answerLength);
+    if (device())
+        socket()->flush();
+}
+
+void TcpClient::discardInput()
+{
+    if (device() && device()->isOpen())
+        device()->readAll();
+}
+
+void TcpClient::resync()
+{
+    logMessage().debug() << "Resyncing (TCP)";
+    if (!isStreaming())
+        sendMessage("GSF;", command::statusReplyLength);
+    findReplyBoundary(*device(), QDeadlineTimer(resyncMs), [] { msleep(1); });
+    logMessage().debug() << "Finished resyncing (TCP)";
+}
