@@ -43,8 +43,8 @@ ControllerIdentity readIdentity(const QByteArray& idReply)
 
     identity.triggerCapable =
         idReply.size() > triggerMarkOffset && idReply.at(triggerMarkOffset) == triggerMark;
-    const QString text = QString::fromUtf8(idReply);
-    identity.id = text.mid(makerOffset, text.size() - makerOffset - 1);
+    identity.id =
+        QString::fromUtf8(idReply.mid(makerOffset).chopped(idReply.size() > makerOffset ? 1 : 0));
     return identity;
 }
 

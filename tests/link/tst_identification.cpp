@@ -1,0 +1,62 @@
+#include "link/identification.h"
+
+#include <QtTest>
+
+namespace {
+
+QByteArray reply(const QByteArray& text)
+{
+    return QByteArray("\0;", 2) + text + ';';
+}
+
+} // namespace
+
+class TestIdentification : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void identityIsReadFromTheReply_data();
+    void identityIsReadFromTheReply();
+    void idIsTheReplyWithoutItsFrame();
+};
+
+void TestIdentification::identityIsReadFromTheReply_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("isController");
+    QTest::addColumn<int>("firmware");
+    QTest::addColumn<bool>("vm");
+    QTest::addColumn<bool>("trigger");
+
+    QTest::newRow("plain") << reply("Zev-Box-B-0001-V40-2020") << true << 40 << false << false;
+    QTest::newRow("VM") << reply("Zev-Box-B-0001-VM12-2020") << true << 12 << true << false;
+    QTest::newRow("trigger capable")
+        << reply("Zev-Box-A-0001-V40-x") << true << 40 << false << true;
+    QTest::newRow("version at the end") << reply("Zev-Box-B-V9") << true << 0 << false << false;
+    QTest::newRow("no version") << reply("Zev-Box-B-0001") << true << 0 << false << false;
+    QTest::newRow("other maker") << reply("Abc-Box-B-V40-2020") << false << 40 << false << false;
+    QTest::newRow("refusal") << QByteArray("\x01;") << false << 0 << false << false;
+    QTest::newRow("empty") << QByteArray() << false << 0 << false << false;
+    QTest::newRow("no separator") << QByteArray("\0xZev-V40-;", 11) << false << 40 << false
+                                  << false;
+}
+
+void TestIdentification::identityIsReadFromTheReply()
+{
+    QFETCH(QByteArray, bytes);
+    const ControllerIdentity identity = readIdentity(bytes);
+    QTEST(identity.isController, "isController");
+    QTEST(identity.firmwareVersion, "firmware");
+    QTEST(identity.vmFirmware, "vm");
+    QTEST(identity.triggerCapable, "trigger");
+}
+
+void TestIdentification::idIsTheReplyWithoutItsFrame()
+{
+    QCOMPARE(readIdentity(reply("Zev-Box-B-0001-V40-2020")).id,
+             QStringLiteral("Zev-Box-B-0001-V40-2020"));
+}
+
+QTEST_GUILESS_MAIN(TestIdentification)
+#include "tst_identification.moc"

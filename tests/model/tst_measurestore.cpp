@@ -1,0 +1,134 @@
+#include "model/measurestore.h"
+
+#include <QtTest>
+
+#include <thread>
+
+namespace {
+
+constexpr int capacity = 1040;
+
+MeasureSample numbered(quint64 number)
+{
+    MeasureSample sample;
+    sample.timeMs = number;
+    return sample;
+}
+
+void storeNumbers(measureStore& store, quint64 from, quint64 to)
+{
+    for (quint64 number = from; number < to; ++number)
+        store.storeSample(numbered(number));
+}
+
+} // namespace
+
+class TestMeasureStore : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void fullStoreDropsTheOldest();
+    void countIsRightAfterTheWrap();
+    void clearedStoreIsEmptyAndBeginsAnew();
+    void emptyStoreLeavesTheOutputAlone();
+    void samplesComeOutInOrder();
+    void writerAndReaderLoseNothingWhileThereIsRoom();
+};
+
+void TestMeasureStore::fullStoreDropsTheOldest()
+{
+    measureStore store(capacity);
+    storeNumbers(store, 0, capacity);
+
+    MeasureSample first;
+    QCOMPARE(store.sampleCount(), capacity - 1);
+    QCOMPARE(store.takeSample(first), 1);
+    QCOMPARE(first.timeMs, quint64(1));
+}
+
+void TestMeasureStore::countIsRightAfterTheWrap()
+{
+    // 1038 taken, then five stored: the next slot to write is 3, the oldest unread is 1038.
+    measureStore store(capacity);
+    MeasureSample sample;
+    for (quint64 number = 0; number < 1038; ++number) {
+        store.storeSample(numbered(number));
+        store.takeSample(sample);
+    }
+    storeNumbers(store, 0, 5);
+
+    QCOMPARE(store.sampleCount(), 5);
+    for (quint64 number = 0; number < 5; ++number) {
+        QCOMPARE(store.takeSample(sample), 1);
+        QCOMPARE(sample.timeMs, number);
+    }
+}
+
+void TestMeasureStore::clearedStoreIsEmptyAndBeginsAnew()
+{
+    measureStore store(capacity);
+    storeNumbers(store, 0, capacity + 10);
+
+    store.clearSamples();
+    QCOMPARE(store.sampleCount(), 0);
+
+    // From slot 0 on there is room for all but one slot before anything is lost.
+    storeNumbers(store, 100, 100 + capacity - 1);
+    MeasureSample first;
+    QCOMPARE(store.sampleCount(), capacity - 1);
+    QCOMPARE(store.takeSample(first), 1);
+    QCOMPARE(first.timeMs, quint64(100));
+}
+
+void TestMeasureStore::emptyStoreLeavesTheOutputAlone()
+{
+    measureStore store(capacity);
+    MeasureSample sample = numbered(77);
+    QCOMPARE(store.takeSample(sample), 0);
+    QCOMPARE(sample.timeMs, quint64(77));
+}
+
+void TestMeasureStore::samplesComeOutInOrder()
+{
+    measureStore store(4);
+    storeNumbers(store, 0, 3);
+    MeasureSample sample;
+    for (quint64 number = 0; number < 3; ++number) {
+        QCOMPARE(store.takeSample(sample), 1);
+        QCOMPARE(sample.timeMs, number);
+    }
+    QCOMPARE(store.takeSample(sample), 0);
+}
+
+void TestMeasureStore::writerAndReaderLoseNothingWhileThereIsRoom()
+{
+    constexpr quint64 count = 20000;
+    measureStore store(capacity);
+    std::thread writer([&store] {
+        for (quint64 number = 0; number < count;) {
+            if (store.sampleCount() < capacity - 1)
+                store.storeSample(numbered(number++));
+            else
+                std::this_thread::yield();
+        }
+    });
+
+    quint64 expected = 0;
+    bool inOrder = true;
+    while (expected < count) {
+        MeasureSample sample;
+        if (store.takeSample(sample) == 0) {
+            std::this_thread::yield();
+            continue;
+        }
+        inOrder = inOrder && sample.timeMs == expected;
+        ++expected;
+    }
+    writer.join();
+    QVERIFY(inOrder);
+    QCOMPARE(store.sampleCount(), 0);
+}
+
+QTEST_GUILESS_MAIN(TestMeasureStore)
+#include "tst_measurestore.moc"
