@@ -1,0 +1,88 @@
+#include "plots/counter.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QSpinBox>
+#include <QWheelEvent>
+
+namespace {
+
+/// Lets the wheel pass by unless the user works in the box: a pointer that only rests on it must
+/// not change a rate.
+class CalmSpinBox final : public QSpinBox
+{
+public:
+    explicit CalmSpinBox(QWidget* parent)
+        : QSpinBox(parent)
+    {
+        setFocusPolicy(Qt::StrongFocus);
+    }
+
+protected:
+    void wheelEvent(QWheelEvent* event) override
+    {
+        if (hasFocus())
+            QSpinBox::wheelEvent(event);
+        else
+            event->ignore();
+    }
+};
+
+} // namespace
+
+Counter::Counter(QWidget* parent, const QString& prefix, const QString& suffix, int min, int max,
+                 int step, Counter* partnerCounter)
+    : QWidget(parent)
+    , spinBox(new CalmSpinBox(this))
+    , partner(partnerCounter)
+    , minimum(min)
+{
+    auto* row = new QHBoxLayout(this);
+    if (!prefix.isEmpty())
+        addLabel(prefix + QLatin1Char(' '));
+    spinBox->setAlignment(Qt::AlignRight);
+    spinBox->setRange(min, max);
+    spinBox->setSingleStep(step);
+    spinBox->setGroupSeparatorShown(true);
+    spinBox->setAccessibleName(prefix);
+    row->addWidget(spinBox);
+    setFocusProxy(spinBox);
+    connect(spinBox, qOverload<int>(&QSpinBox::valueChanged), this, &Counter::valueChanged);
+    if (partner)
+        followPartner();
+    if (!suffix.isEmpty())
+        addLabel(QLatin1Char(' ') + suffix);
+}
+
+void Counter::addLabel(const QString& text)
+{
+    auto* label = new QLabel(text, this);
+    label->setBuddy(spinBox);
+    layout()->addWidget(label);
+}
+
+void Counter::followPartner()
+{
+    connect(spinBox, qOverload<int>(&QSpinBox::valueChanged), this, &Counter::stayBelowPartner);
+    connect(partner->spinBox, qOverload<int>(&QSpinBox::valueChanged), this,
+            &Counter::returnToWish);
+}
+
+void Counter::stayBelowPartner(int value)
+{
+    if (partner && spinBox->value() > partner->spinBox->value())
+        spinBox->setValue(partner->spinBox->value());
+    if (spinBox->hasFocus())
+        wishedValue = value;
+}
+
+void Counter::returnToWish(int partnerValue)
+{
+    // What the partner brings about is no wish of the user, even with the focus in here.
+    const int wish = wishedValue;
+    if (partnerValue <= wish)
+        spinBox->setValue(partnerValue);
+    else if (spinBox->value() != wish)
+        spinBox->setValue(wish);
+    wishedValue = wish;
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+class QSpinBox;
+
+/// A labelled number in the tool bar. With a partner it never exceeds the partner's number, and
+/// returns to what the user wished once the partner rises again.
+class Counter final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// `prefix` and `suffix` stand before and behind the number; `partner` may be null.
+    Counter(QWidget* parent, const QString& prefix, const QString& suffix, int min, int max,
+            int step, Counter* partner);
+
+    QSpinBox* spinBox;
+    QPointer<Counter> partner;
+    /// The lower bound given at construction.
+    int minimum;
+    /// What the user typed last. Who sets the number from the program sets the wish, too.
+    int wishedValue = 0;
+
+signals:
+    void valueChanged(int value);
+
+private:
+    void addLabel(const QString& text);
+    void followPartner();
+    void stayBelowPartner(int value);
+    void returnToWish(int partnerValue);
+};

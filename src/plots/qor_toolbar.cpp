@@ -1,0 +1,1 @@
+#include "plots/qor_toolbar.h"
