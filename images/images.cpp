@@ -1,0 +1,8 @@
+#include "images/images.h"
+
+#include <QDir>
+
+void initImages()
+{
+    Q_INIT_RESOURCE(images);
+}

@@ -1,0 +1,168 @@
+#include "plots/colorscalesframe.h"
+#include "plots/qor_toolbar.h"
+#include "plots/thermoslider.h"
+#include "widgetcheck.h"
+
+#include <QtTest>
+
+namespace {
+
+const QColor good("lightgreen");
+const QColor limit("red");
+
+QImage picture(QWidget& widget)
+{
+    return widget.grab().toImage();
+}
+
+int pixelsOf(const QColor& color, const QImage& image)
+{
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            count += image.pixelColor(x, y) == color ? 1 : 0;
+    }
+    return count;
+}
+
+/// Height of the coloured column in pixels.
+int filledHeight(double value)
+{
+    ThermoSlider slider(nullptr);
+    slider.resize(60, 200);
+    slider.setValue(value);
+    const QImage image = picture(slider);
+    int highest = 0;
+    for (int x = 0; x < image.width(); ++x) {
+        int height = 0;
+        for (int y = 0; y < image.height(); ++y)
+            height += image.pixelColor(x, y) == QColor(Qt::darkCyan) ? 1 : 0;
+        highest = qMax(highest, height);
+    }
+    return highest;
+}
+
+} // namespace
+
+class DisplayWidgetsTest final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { QCOMPARE(leftWidgets(), QString()); }
+
+    void piezoBarIsANarrowUprightBarFromZeroToTen();
+    void piezoBarFillsWithItsValue();
+    void valueBeyondTheScaleFillsNoMoreThanThePipe();
+
+    void colourBandsDivideTheHeight_data();
+    void colourBandsDivideTheHeight();
+    void colourScaleIsFivePixelsWide();
+    void colourScaleIsGreenBetweenTwoRedEnds();
+    void lowFrameShowsNoBands();
+
+    void toolBarIsAPlainToolBar();
+};
+
+void DisplayWidgetsTest::piezoBarIsANarrowUprightBarFromZeroToTen()
+{
+    const ThermoSlider slider(nullptr);
+    QCOMPARE(slider.orientation(), Qt::Vertical);
+    QCOMPARE(slider.scalePosition(), QwtThermo::TrailingScale);
+    QCOMPARE(slider.fillBrush(), QBrush(Qt::darkCyan));
+    QCOMPARE(slider.lowerBound(), 0.0);
+    QCOMPARE(slider.upperBound(), 10.0);
+    QCOMPARE(slider.pipeWidth(), 4);
+    QCOMPARE(slider.spacing(), 0);
+    QCOMPARE(slider.value(), 0.0);
+    QCOMPARE(slider.font().family(), QStringLiteral("Sans Serif"));
+    QCOMPARE(slider.font().pointSize(), 8);
+    QCOMPARE(slider.scaleMaxMinor(), 0);
+}
+
+void DisplayWidgetsTest::piezoBarFillsWithItsValue()
+{
+    const int empty = filledHeight(0.0);
+    QVERIFY(empty <= 1);
+    const int full = filledHeight(10.0);
+    QVERIFY(full > 150);
+    QVERIFY(qAbs(filledHeight(5.0) * 2 - full) <= 2);
+}
+
+void DisplayWidgetsTest::valueBeyondTheScaleFillsNoMoreThanThePipe()
+{
+    QCOMPARE(filledHeight(12.5), filledHeight(10.0));
+    QCOMPARE(filledHeight(-3.0), filledHeight(0.0));
+}
+
+void DisplayWidgetsTest::colourBandsDivideTheHeight_data()
+{
+    QTest::addColumn<int>("height");
+    QTest::addColumn<int>("goodTop");
+    QTest::addColumn<int>("goodBottom");
+    QTest::addColumn<int>("upperBottom");
+    QTest::addColumn<int>("lowerTop");
+    QTest::addColumn<int>("lowerBottom");
+    QTest::newRow("multiple of 8") << 80 << 10 << 69 << 14 << 70 << 79;
+    QTest::newRow("remainder stays empty") << 87 << 10 << 69 << 14 << 70 << 79;
+    QTest::newRow("lowest that shows") << 8 << 1 << 6 << 5 << 7 << 7;
+    QTest::newRow("too low") << 7 << 0 << -1 << 4 << 0 << -1;
+}
+
+void DisplayWidgetsTest::colourBandsDivideTheHeight()
+{
+    QFETCH(int, height);
+    const ColorScaleBands bands = colorScaleBands(height);
+    for (const QRect& band : {bands.good, bands.upperLimit, bands.lowerLimit}) {
+        QCOMPARE(band.left(), 5);
+        QCOMPARE(band.right(), 9);
+    }
+    QTEST(bands.good.top(), "goodTop");
+    QTEST(bands.good.bottom(), "goodBottom");
+    QCOMPARE(bands.upperLimit.top(), 5);
+    QTEST(bands.upperLimit.bottom(), "upperBottom");
+    QTEST(bands.lowerLimit.top(), "lowerTop");
+    QTEST(bands.lowerLimit.bottom(), "lowerBottom");
+}
+
+void DisplayWidgetsTest::colourScaleIsFivePixelsWide()
+{
+    ColorScalesFrame frame(nullptr);
+    frame.resize(16, 80);
+    const QImage image = picture(frame);
+    const QColor empty = image.pixelColor(0, 40);
+    for (int x = 0; x < 16; ++x)
+        QCOMPARE(image.pixelColor(x, 40) != empty, x >= 5 && x <= 9);
+    for (int y = 0; y < 80; ++y)
+        QCOMPARE(image.pixelColor(7, y) != empty, y >= 5);
+}
+
+void DisplayWidgetsTest::colourScaleIsGreenBetweenTwoRedEnds()
+{
+    ColorScalesFrame frame(nullptr);
+    frame.resize(16, 80);
+    const QImage image = picture(frame);
+    QCOMPARE(image.pixelColor(7, 6), limit);
+    QCOMPARE(image.pixelColor(7, 13), limit);
+    QCOMPARE(image.pixelColor(7, 15), good);
+    QCOMPARE(image.pixelColor(7, 68), good);
+    QCOMPARE(image.pixelColor(7, 71), limit);
+    QCOMPARE(image.pixelColor(7, 78), limit);
+}
+
+void DisplayWidgetsTest::lowFrameShowsNoBands()
+{
+    ColorScalesFrame frame(nullptr);
+    frame.resize(16, 7);
+    const QImage image = picture(frame);
+    QCOMPARE(pixelsOf(image.pixelColor(0, 0), image), 16 * 7);
+}
+
+void DisplayWidgetsTest::toolBarIsAPlainToolBar()
+{
+    const Qor_ToolBar toolBar;
+    QVERIFY(toolBar.actions().isEmpty());
+}
+
+QTEST_MAIN(DisplayWidgetsTest)
+#include "tst_displaywidgets.moc"

@@ -1,0 +1,239 @@
+#include "plots/largetimer.h"
+
+#include <QPointer>
+#include <QSignalSpy>
+#include <QTimer>
+#include <QtTest>
+
+namespace {
+
+QTimer& chunkTimerOf(const LargeTimer& timer)
+{
+    return *timer.findChild<QTimer*>();
+}
+
+/// Ends the running chunk at once, so that no test waits for it.
+void endChunk(const LargeTimer& timer)
+{
+    QVERIFY(QMetaObject::invokeMethod(const_cast<LargeTimer*>(&timer), "timerTimeout"));
+}
+
+int chunk(const LargeTimer& timer)
+{
+    return chunkTimerOf(timer).interval();
+}
+
+} // namespace
+
+class LargeTimerTest final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void newTimerStandsStill();
+    void intervalRunsInChunksAndEndsOnce();
+    void repeatingTimerBeginsAgain();
+    void singleShotStops();
+    void realTimerRunsThroughItsChunks();
+    void intervalOfZeroExpiresInTheNextPass();
+    void intervalOfOneChunkIsNotSplit();
+    void remainingTimeCountsAllChunks();
+    void remainingTimeFallsWhileAChunkRuns();
+    void newIntervalRestartsARunningTimer();
+    void newIntervalLeavesAStandingTimerAlone();
+    void startWithAnIntervalSetsIt();
+    void stoppedTimerDoesNotEnd();
+    void intervalsBeyondATimerAreKept_data();
+    void intervalsBeyondATimerAreKept();
+    void chunkIsHeldToWhatATimerTakes_data();
+    void chunkIsHeldToWhatATimerTakes();
+    void listenerMayDeleteTheTimer();
+};
+
+void LargeTimerTest::newTimerStandsStill()
+{
+    const LargeTimer timer(nullptr, 2500, 1000);
+    QVERIFY(!timer.isRunning());
+    QCOMPARE(timer.totalInterval(), quint64(2500));
+    QCOMPARE(timer.remainingTime(), quint64(0));
+}
+
+void LargeTimerTest::intervalRunsInChunksAndEndsOnce()
+{
+    LargeTimer timer(nullptr, 2500, 1000);
+    QSignalSpy ended(&timer, &LargeTimer::timeout);
+    timer.start();
+    QCOMPARE(chunk(timer), 1000);
+    endChunk(timer);
+    QCOMPARE(chunk(timer), 1000);
+    endChunk(timer);
+    QCOMPARE(chunk(timer), 500);
+    QCOMPARE(ended.size(), 0);
+    endChunk(timer);
+    QCOMPARE(ended.size(), 1);
+}
+
+void LargeTimerTest::repeatingTimerBeginsAgain()
+{
+    LargeTimer timer(nullptr, 2500, 1000);
+    timer.start();
+    for (int i = 0; i < 3; ++i)
+        endChunk(timer);
+    QVERIFY(timer.isRunning());
+    QCOMPARE(chunk(timer), 1000);
+    QVERIFY(timer.remainingTime() > 1500);
+}
+
+void LargeTimerTest::singleShotStops()
+{
+    LargeTimer timer(nullptr, 1500, 1000);
+    timer.setSingleShot(true);
+    QSignalSpy ended(&timer, &LargeTimer::timeout);
+    timer.start();
+    endChunk(timer);
+    QVERIFY(timer.isRunning());
+    endChunk(timer);
+    QVERIFY(!timer.isRunning());
+    QCOMPARE(timer.remainingTime(), quint64(0));
+    QCOMPARE(ended.size(), 1);
+}
+
+void LargeTimerTest::realTimerRunsThroughItsChunks()
+{
+    LargeTimer timer(nullptr, 25, 10);
+    timer.setSingleShot(true);
+    QSignalSpy ended(&timer, &LargeTimer::timeout);
+    QSignalSpy chunks(&chunkTimerOf(timer), &QTimer::timeout);
+    QElapsedTimer clock;
+    clock.start();
+    timer.start();
+    QTRY_COMPARE(ended.size(), 1);
+    QVERIFY(clock.elapsed() >= 24);
+    QCOMPARE(chunks.size(), 3);
+    QVERIFY(!timer.isRunning());
+}
+
+void LargeTimerTest::intervalOfZeroExpiresInTheNextPass()
+{
+    LargeTimer timer(nullptr, 0, LargeTimer::longestChunkMs);
+    timer.setSingleShot(true);
+    QSignalSpy ended(&timer, &LargeTimer::timeout);
+    timer.start();
+    QCOMPARE(ended.size(), 0);
+    QCoreApplication::processEvents();
+    QCOMPARE(ended.size(), 1);
+}
+
+void LargeTimerTest::intervalOfOneChunkIsNotSplit()
+{
+    LargeTimer timer(nullptr, 1000, 1000);
+    QSignalSpy ended(&timer, &LargeTimer::timeout);
+    timer.start();
+    QCOMPARE(chunk(timer), 1000);
+    endChunk(timer);
+    QCOMPARE(ended.size(), 1);
+}
+
+void LargeTimerTest::remainingTimeCountsAllChunks()
+{
+    LargeTimer timer(nullptr, 2500, 1000);
+    timer.start();
+    QVERIFY(timer.remainingTime() > 2400 && timer.remainingTime() <= 2500);
+    endChunk(timer);
+    endChunk(timer);
+    QVERIFY(timer.remainingTime() > 400 && timer.remainingTime() <= 500);
+}
+
+void LargeTimerTest::remainingTimeFallsWhileAChunkRuns()
+{
+    LargeTimer timer(nullptr, 2500, 1000);
+    timer.start();
+    QTRY_VERIFY(timer.remainingTime() <= 2000);
+    QVERIFY(timer.remainingTime() > 1800);
+}
+
+void LargeTimerTest::newIntervalRestartsARunningTimer()
+{
+    LargeTimer timer(nullptr, 2500, 1000);
+    timer.start();
+    endChunk(timer);
+    timer.setInterval(700);
+    QVERIFY(timer.isRunning());
+    QCOMPARE(chunk(timer), 700);
+    QVERIFY(timer.remainingTime() <= 700);
+}
+
+void LargeTimerTest::newIntervalLeavesAStandingTimerAlone()
+{
+    LargeTimer timer(nullptr, 2500, 1000);
+    timer.setInterval(700);
+    QCOMPARE(timer.totalInterval(), quint64(700));
+    QVERIFY(!timer.isRunning());
+}
+
+void LargeTimerTest::startWithAnIntervalSetsIt()
+{
+    LargeTimer timer(nullptr, 0, 1000);
+    timer.start(2500);
+    QVERIFY(timer.isRunning());
+    QCOMPARE(timer.totalInterval(), quint64(2500));
+    QCOMPARE(chunk(timer), 1000);
+}
+
+void LargeTimerTest::stoppedTimerDoesNotEnd()
+{
+    LargeTimer timer(nullptr, 1, 1000);
+    QSignalSpy ended(&timer, &LargeTimer::timeout);
+    timer.start();
+    timer.stop();
+    QVERIFY(!timer.isRunning());
+    QTest::qWait(10);
+    QCOMPARE(ended.size(), 0);
+}
+
+void LargeTimerTest::intervalsBeyondATimerAreKept_data()
+{
+    QTest::addColumn<quint64>("interval");
+    QTest::newRow("one more than a chunk") << quint64(2147483648);
+    QTest::newRow("a year") << quint64(31536000000);
+    QTest::newRow("the largest") << ~quint64(0);
+}
+
+void LargeTimerTest::intervalsBeyondATimerAreKept()
+{
+    QFETCH(quint64, interval);
+    LargeTimer timer(nullptr, 0, LargeTimer::longestChunkMs);
+    timer.start(interval);
+    QCOMPARE(chunk(timer), 2147483647);
+    QVERIFY(timer.remainingTime() > interval - 1000);
+    QVERIFY(timer.remainingTime() <= interval);
+}
+
+void LargeTimerTest::chunkIsHeldToWhatATimerTakes_data()
+{
+    QTest::addColumn<quint32>("maxChunk");
+    QTest::addColumn<int>("firstChunk");
+    QTest::newRow("none at all") << quint32(0) << 1;
+    QTest::newRow("the longest") << quint32(2147483647) << 2147483647;
+    QTest::newRow("too long") << quint32(4000000000u) << 2147483647;
+}
+
+void LargeTimerTest::chunkIsHeldToWhatATimerTakes()
+{
+    QFETCH(quint32, maxChunk);
+    LargeTimer timer(nullptr, 5000000000u, maxChunk);
+    timer.start();
+    QTEST(chunk(timer), "firstChunk");
+}
+
+void LargeTimerTest::listenerMayDeleteTheTimer()
+{
+    auto* timer = new LargeTimer(this, 1, 1000);
+    QPointer<LargeTimer> watched(timer);
+    connect(timer, &LargeTimer::timeout, this, [timer] { delete timer; });
+    timer->start();
+    QTRY_VERIFY(!watched);
+}
+
+QTEST_GUILESS_MAIN(LargeTimerTest)
+#include "tst_largetimer.moc"
