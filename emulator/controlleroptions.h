@@ -1,0 +1,84 @@
+#pragma once
+
+#include "emulator/beampreset.h"
+#include "emulator/detectormodel.h"
+#include "emulator/packet.h"
+
+#include <QByteArray>
+#include <QByteArrayList>
+#include <QMap>
+#include <QVector>
+
+#include <memory>
+
+namespace emulator {
+
+class Replay;
+
+/// What a controller does wrong. All off by default. Commands are named by their mnemonic.
+struct Faults
+{
+    /// Answered with 0x01 ';'.
+    QByteArrayList refuse;
+    /// Swallowed without effect and without an answer.
+    QByteArrayList silent;
+    /// Carried out and answered only so many milliseconds later; what comes meanwhile waits.
+    QMap<QByteArray, int> lateMs;
+    /// Only so many bytes of the reply are sent.
+    QMap<QByteArray, int> shortBytes;
+    /// The link is closed when the command comes, before anything is answered.
+    QByteArrayList closeOn;
+    /// As `closeOn`, but only the controller's side of the link is closed.
+    QByteArrayList halfCloseOn;
+
+    // Stream faults are counted in packets of the running stream, its first packet being number 1.
+    // 0 means never.
+
+    /// Every so many packets one byte is missing: the first time byte 0, then byte 1, and so on.
+    int dropByteEvery = 0;
+    /// Before every so many packets stray bytes (0x80 to 0xFF) are inserted.
+    int insertBytesEvery = 0;
+    int insertCount = 1;
+    /// Every so many packets one byte is inverted: the first time byte 0, then byte 1, and so on.
+    int corruptByteEvery = 0;
+    /// The link is closed behind so many packets.
+    int closeAfterPackets = 0;
+
+    /// Every command is answered with noise of the reply's length, and has no effect.
+    bool garbageReplies = false;
+};
+
+struct ControllerOptions
+{
+    /// Firmware number. Above 10 streams carry flags and an end mark, above 30 the sensitivity can
+    /// be set.
+    int firmware = 40;
+    /// Firmware kind "VM": streams are started by SGS.
+    bool vm = false;
+    /// Streams can be driven by trigger pulses (SPS).
+    bool triggerCapable = false;
+    /// The same seed gives the same beam.
+    quint64 seed = 1;
+    Preset preset = Preset::Typical;
+    DetectorKind detector = DetectorKind::LateralEffect;
+    /// The 11 characters by which a controller is known. Empty: one is made up.
+    QByteArray key;
+    /// First three letters of the ID text; others than "Zev" are no controller of this kind.
+    QByteArray maker = "Zev";
+    Faults faults;
+    /// If not empty, each stream carries exactly these samples in order from the first, then falls
+    /// silent without ending. The packet that answers the start is the first of them.
+    QVector<PacketValues> script;
+    /// The script begins anew instead of falling silent.
+    bool scriptRepeats = false;
+    /// If set, samples come from this recording in place of the emulated beam.
+    std::shared_ptr<const Replay> replay;
+    /// Pulses per second of the emulated trigger source.
+    double triggerRateHz = 10;
+    bool multiplex1 = false;
+    bool multiplex2 = false;
+    /// Sets bit 2 of the second flag byte in every packet.
+    bool flagBBit2 = false;
+};
+
+} // namespace emulator

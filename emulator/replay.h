@@ -1,0 +1,41 @@
+#pragma once
+
+#include "emulator/packet.h"
+
+#include <QString>
+#include <QVector>
+
+#include <memory>
+
+class QIODevice;
+
+namespace emulator {
+
+/// A recording file of the application, to be streamed once more. Values come at the times of the
+/// file, whatever the rate of the stream, and begin anew behind the last line.
+///
+/// The file says the unit of each position but not the detector, so lengths go back to volts with
+/// fixed scales: 1.2 V per mm, and 50 mV per µm.
+class Replay final
+{
+public:
+    /// Reads a file. Null on failure, with the reason and the line in `error`.
+    static std::shared_ptr<const Replay> load(const QString& path, QString& error);
+    static std::shared_ptr<const Replay> read(QIODevice& device, QString& error);
+
+    int lineCount() const { return lines.size(); }
+    /// Values at a time since the start of the replay.
+    PacketValues at(qint64 timeMs) const;
+
+private:
+    struct Line
+    {
+        qint64 timeMs = 0;
+        PacketValues values;
+    };
+
+    QVector<Line> lines;
+    qint64 lengthMs = 0;
+};
+
+} // namespace emulator

@@ -1,0 +1,106 @@
+#pragma once
+
+#include "emulator/beampreset.h"
+#include "emulator/detectormodel.h"
+#include "emulator/disturbance.h"
+#include "emulator/noisesource.h"
+#include "emulator/stabilisationloop.h"
+
+#include <QtGlobal>
+
+#include <array>
+
+namespace emulator {
+
+/// One stage of a controller: the beam on its detector in two axes, and the loop that holds it.
+/// Voltages are millivolts, as on the wire. Not thread safe.
+class StageModel final
+{
+public:
+    /// Indices of the axes.
+    enum Axis { X = 0, Y = 1 };
+    static constexpr int axes = 2;
+
+    static constexpr int nominalPFactorMv = 1000;
+    static constexpr int nominalSensitivityMv = 1000;
+    /// Middle of the actuators' range of 0 to 10 V.
+    static constexpr int actuatorMiddleMv = 5000;
+
+    StageModel(const BeamPreset& preset, DetectorKind detector, double intensityMv, quint64 seed);
+
+    void advance(int steps);
+
+    void setOn(bool on);
+    bool isOn() const { return on; }
+    /// On, every actuator within its travel, and enough light.
+    bool isActive() const;
+
+    /// 0 selects the external input, which stands at the nominal value.
+    void setPFactor(int millivolts);
+    int pFactor() const { return pFactorMv; }
+    void setSensitivity(int millivolts);
+    int sensitivity() const { return sensitivityMv; }
+    /// Target of an axis, unless Set & Hold is on. 0 selects the external input, which stands at
+    /// 0 V.
+    void setAdjustIn(Axis axis, int millivolts);
+    int adjustIn(Axis axis) const { return adjustInMv[axis]; }
+    /// Makes the present position the target.
+    void setHold();
+    void clearHold() { held = false; }
+    bool isHeld() const { return held; }
+    /// Drives an actuator to `millivolts` from its middle. A loop that is on moves it on from
+    /// there.
+    void driveActuator(Axis axis, int millivolts);
+
+    /// Position signal, -5000 to 5000.
+    qint16 positionMv(Axis axis) const;
+    quint16 intensityMv() const;
+    /// Actuator signal, 0 to 10000.
+    qint16 actuatorMv(Axis axis) const;
+
+    /// Position signal before the low pass that stands in front of the sampler, mV.
+    double rawPositionMv(Axis axis) const { return ofAxis(axis).signalMv; }
+
+private:
+    struct AxisState
+    {
+        AxisState(const BeamPreset& preset, BeamAxis axis, quint64 seed);
+
+        Disturbance disturbance;
+        NoiseSource detectorNoise;
+        StabilisationLoop loop;
+        double beam = 0.0;
+        double signalMv = 0.0;
+        double sampledMv = 0.0;
+        double heldMv = 0.0;
+    };
+
+    AxisState& ofAxis(Axis axis) { return axisStates[axis]; }
+    const AxisState& ofAxis(Axis axis) const { return axisStates[axis]; }
+    double gain() const;
+    void updateBandwidth();
+    void step();
+    void stepAxis(Axis axis, double light);
+    void stepLight();
+    double interruption();
+    bool enoughLight() const;
+
+    BeamPreset preset;
+    DetectorKind detector;
+    double fullIntensityMv;
+    double whiteMicrometres;
+    NoiseSource lightNoise;
+    std::array<AxisState, axes> axisStates;
+    bool on = false;
+    bool held = false;
+    int pFactorMv = nominalPFactorMv;
+    int sensitivityMv = 0;
+    std::array<int, axes> adjustInMv{};
+    double lightFluctuation = 0.0;
+    double lightPassing = 1.0;
+    double lightMv = 0.0;
+    int stepsToEventDraw = 0;
+    int stepsOfInterruption = 0;
+};
+
+} // namespace emulator

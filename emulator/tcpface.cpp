@@ -1,0 +1,152 @@
+#include "emulator/tcpface.h"
+
+#include <QTcpSocket>
+
+#include <poll.h>
+#include <sys/socket.h>
+
+namespace emulator {
+
+namespace {
+
+bool hasHungUp(const QTcpSocket& socket)
+{
+    pollfd state{};
+    state.fd = static_cast<int>(socket.socketDescriptor());
+    state.events = POLLRDHUP;
+    constexpr int noWaitMs = 0;
+    return poll(&state, 1, noWaitMs) > 0 && (state.revents & (POLLRDHUP | POLLHUP | POLLERR)) != 0;
+}
+
+} // namespace
+
+TcpFace::TcpFace(const ControllerOptions& options, Logging logging)
+    : ownController(options, *this, logging == Logging::On ? &log : nullptr)
+{
+    connect(&server, &QTcpServer::newConnection, this, &TcpFace::takeConnections);
+}
+
+TcpFace::~TcpFace()
+{
+    dropSocket();
+}
+
+bool TcpFace::listen(const QHostAddress& address, quint16 port)
+{
+    if (!server.listen(address, port))
+        return false;
+    listenAddress = server.serverAddress();
+    listenPort = server.serverPort();
+    return true;
+}
+
+void TcpFace::stopListening()
+{
+    server.close();
+    dropSocket();
+    ownController.restart();
+}
+
+bool TcpFace::listenAgain()
+{
+    return server.isListening() || server.listen(listenAddress, listenPort);
+}
+
+void TcpFace::closeConnection()
+{
+    close();
+}
+
+void TcpFace::halfCloseConnection()
+{
+    halfClose();
+}
+
+bool TcpFace::isConnected() const
+{
+    return socket && socket->state() == QAbstractSocket::ConnectedState;
+}
+
+void TcpFace::setPaused(bool paused)
+{
+    ownController.setPaused(paused);
+    if (!paused && socket)
+        readInput();
+}
+
+void TcpFace::write(const QByteArray& bytes)
+{
+    if (!isConnected())
+        return;
+    socket->write(bytes);
+    socket->flush();
+}
+
+qint64 TcpFace::bytesPending() const
+{
+    return socket ? socket->bytesToWrite() : 0;
+}
+
+void TcpFace::close()
+{
+    if (socket)
+        socket->disconnectFromHost();
+}
+
+void TcpFace::halfClose()
+{
+    if (!isConnected())
+        return;
+    socket->flush();
+    shutdown(static_cast<int>(socket->socketDescriptor()), SHUT_WR);
+}
+
+void TcpFace::takeConnections()
+{
+    while (QTcpSocket* connection = server.nextPendingConnection()) {
+        // A host that has gone and come back can be here before its old connection's end was seen.
+        if (socket && (!isConnected() || hasHungUp(*socket)))
+            dropSocket();
+        if (socket) {
+            connection->abort();
+            connection->deleteLater();
+        } else {
+            adopt(connection);
+        }
+    }
+}
+
+void TcpFace::adopt(QTcpSocket* connection)
+{
+    socket = connection;
+    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    connect(connection, &QTcpSocket::readyRead, this, &TcpFace::readInput);
+    connect(connection, &QTcpSocket::disconnected, this, [this, connection] {
+        if (socket == connection)
+            dropSocket();
+    });
+    ownController.linkOpened();
+    emit hostConnected(connection->peerAddress().toString());
+    readInput();
+}
+
+void TcpFace::readInput()
+{
+    if (socket && !ownController.isPaused() && socket->bytesAvailable() > 0)
+        ownController.receive(socket->readAll());
+}
+
+void TcpFace::dropSocket()
+{
+    if (!socket)
+        return;
+    QTcpSocket* const gone = socket;
+    socket.clear();
+    gone->disconnect(this);
+    gone->abort();
+    gone->deleteLater();
+    ownController.linkClosed();
+    emit hostDisconnected();
+}
+
+} // namespace emulator
