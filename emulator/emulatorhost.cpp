@@ -1,5 +1,6 @@
 #include "emulator/emulatorhost.h"
 
+#include "emulator/deepcopy.h"
 #include "emulator/hostthread.h"
 #include "emulator/identity.h"
 #include "emulator/tcpface.h"
@@ -64,12 +65,12 @@ QString ControllerHandle::id() const
 
 QByteArrayList ControllerHandle::commands() const
 {
-    return ask<QByteArrayList>([](TcpFace& tcp) { return tcp.wireLog().commands(); });
+    return ask<QByteArrayList>([](TcpFace& tcp) { return deepCopy(tcp.wireLog().commands()); });
 }
 
 QVector<WireEvent> ControllerHandle::wire() const
 {
-    return ask<QVector<WireEvent>>([](TcpFace& tcp) { return tcp.wireLog().events(); });
+    return ask<QVector<WireEvent>>([](TcpFace& tcp) { return deepCopy(tcp.wireLog().events()); });
 }
 
 void ControllerHandle::clearWire()
@@ -79,17 +80,17 @@ void ControllerHandle::clearWire()
 
 void ControllerHandle::setFaults(const Faults& faults)
 {
-    order([&](TcpFace& tcp) { tcp.controller().setFaults(faults); });
+    order([&](TcpFace& tcp) { tcp.controller().setFaults(deepCopy(faults)); });
 }
 
 void ControllerHandle::setScript(const QVector<PacketValues>& script, bool repeats)
 {
-    order([&](TcpFace& tcp) { tcp.controller().device().setScript(script, repeats); });
+    order([&](TcpFace& tcp) { tcp.controller().device().setScript(deepCopy(script), repeats); });
 }
 
 void ControllerHandle::setIdentity(const ControllerOptions& options)
 {
-    order([&](TcpFace& tcp) { tcp.controller().setIdentity(options); });
+    order([&](TcpFace& tcp) { tcp.controller().setIdentity(deepCopy(options)); });
 }
 
 void ControllerHandle::stopListening()
@@ -122,7 +123,7 @@ bool ControllerHandle::isConnected() const
 
 void ControllerHandle::sendRaw(const QByteArray& bytes)
 {
-    order([&](TcpFace& tcp) { tcp.controller().sendRaw(bytes); });
+    order([&](TcpFace& tcp) { tcp.controller().sendRaw(deepCopy(bytes)); });
 }
 
 void ControllerHandle::pause(bool paused)
@@ -158,7 +159,8 @@ void ControllerHandle::setStage(int stage, bool on)
 
 QByteArray ControllerHandle::label() const
 {
-    return ask<QByteArray>([](TcpFace& tcp) { return tcp.controller().device().label(); });
+    return ask<QByteArray>(
+        [](TcpFace& tcp) { return deepCopy(tcp.controller().device().label()); });
 }
 
 EmulatorHost::EmulatorHost()
@@ -172,7 +174,7 @@ ControllerHandle EmulatorHost::addTcp(const ControllerOptions& options, const QS
 {
     TcpFace* added = nullptr;
     thread->run([&] {
-        auto face = std::make_unique<TcpFace>(options, TcpFace::Logging::On);
+        auto face = std::make_unique<TcpFace>(deepCopy(options), TcpFace::Logging::On);
         if (!face->listen(QHostAddress(address), port)) {
             qWarning("emulator: can not listen: %s", qPrintable(face->errorString()));
             return;

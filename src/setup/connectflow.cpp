@@ -1,0 +1,146 @@
+// The flows by which the user makes one connection.
+
+#include "app/logging.h"
+#include "link/connection.h"
+#include "setup/connectionregistry.h"
+#include "setup/connectionwidget.h"
+#include "setup/settingsdialog.h"
+#include "setup/waitcursor.h"
+#include "ui_settingsdialog.h"
+
+namespace {
+
+void markInvalid(QLineEdit& edit)
+{
+    edit.setStyleSheet(QStringLiteral("border: 1px solid red"));
+}
+
+} // namespace
+
+void SettingsDialog::on_connectSerialButton_clicked()
+{
+    logMessage().info() << "Trying to connect (serial)";
+    if (ui->serialPortLabel_2->text().isEmpty()) {
+        say(serialTab.info, tr("Please insert a label"));
+        markInvalid(*ui->serialPortLabel_2);
+        return;
+    }
+    if (ui->serialPortInfoListBox->count() == 0)
+        say(serialTab.info, tr("No device available"));
+}
+
+void SettingsDialog::on_connectTcpButton_clicked()
+{
+    if (!tcpFieldsAreFilled() || !readTcpPort())
+        return;
+    for (QLineEdit* edit : {ui->labelTcpEdit, ui->addressTcpEdit, ui->portLineEdit})
+        edit->setStyleSheet(QString());
+    resizeSmall();
+
+    std::unique_ptr<Connection> connection = makeTcpConnection();
+    if (!connection || !connectController(tcpTab, std::move(connection)))
+        return;
+    ui->addressTcpEdit->clear();
+    say(tcpTab.info, tr("Connected"));
+}
+
+bool SettingsDialog::tcpFieldsAreFilled()
+{
+    for (QLineEdit* edit : {ui->labelTcpEdit, ui->addressTcpEdit}) {
+        if (edit->text().isEmpty()) {
+            markInvalid(*edit);
+            return false;
+        }
+    }
+    return isFreeTcpAddress(ui->addressTcpEdit->text());
+}
+
+bool SettingsDialog::isFreeTcpAddress(const QString& address)
+{
+    if (tcpTab.lines.indexOfAddress(address) < 0)
+        return true;
+    markInvalid(*ui->addressTcpEdit);
+    say(tcpTab.info, tr("Connection already exists."));
+    return false;
+}
+
+bool SettingsDialog::readTcpPort()
+{
+    const QString text = ui->portLineEdit->text();
+    if (text.isEmpty())
+        return true;
+    bool isNumber = false;
+    const int port = text.toInt(&isNumber);
+    if (!isNumber || port < 0) {
+        markInvalid(*ui->portLineEdit);
+        say(tcpTab.info, tr("Port needs to be a positive natural number"));
+        return false;
+    }
+    tcpPort = port;
+    ui->portLineEdit->setPlaceholderText(QString::number(port));
+    return true;
+}
+
+/// Null, with the reason said, if the fields hold nothing that can be connected to.
+std::unique_ptr<Connection> SettingsDialog::makeTcpConnection()
+{
+    std::unique_ptr<Connection> connection = makeTransport(ConnectionType::Tcp);
+    const bool usable = connection->init(ui->addressTcpEdit->text(), tcpPort)
+                        && decltype(ConnectionSettings::name)::fits(connection->address());
+    if (!usable) {
+        markInvalid(*ui->addressTcpEdit);
+        say(tcpTab.info, tr("Please check the connection parameters"));
+        return nullptr;
+    }
+    // An address can be written in more than one way.
+    if (!isFreeTcpAddress(connection->address()))
+        return nullptr;
+    return connection;
+}
+
+/// Brings a connection up and keeps it. A flow that fails leaves nothing but its message.
+bool SettingsDialog::connectController(Tab& flow, std::unique_ptr<Connection> connection)
+{
+    const WaitCursor waiting;
+    logMessage().info() << "Connecting" << connection->address();
+    say(flow.info, tr("Connecting..."));
+    QString id;
+    const LinkOutcome outcome =
+        connectAndIdentify(*connection, flow.wait, flow.labelEdit.text(), id);
+    if (outcome == LinkOutcome::Up) {
+        logMessage().info() << "Connected";
+        keepNewConnection(flow, std::move(connection), id);
+        return true;
+    }
+    const bool noLink = outcome == LinkOutcome::NoLink;
+    logMessage().warning() << (noLink ? "Connection could not be established"
+                                      : "System identification failed");
+    connection.reset();
+    say(flow.info, noLink ? flow.noLinkText : tr("System identification failed"));
+    return false;
+}
+
+void SettingsDialog::keepNewConnection(Tab& flow, std::unique_ptr<Connection> connection,
+                                       const QString& id)
+{
+    ConnectionSettings record;
+    record.type = flow.type;
+    record.name.set(connection->address());
+    record.id.set(id);
+    record.label.set(flow.labelEdit.text());
+    record.baudRateOrPort = connection->portOrBaud();
+    record.position = records.size();
+    record.autoConnect = true;
+    record.colorX = Qt::red;
+    record.colorY = Qt::darkGreen;
+    record.colorI = Qt::blue;
+
+    addLine(flow, record, connection->address()).setConnected(true);
+    flow.labelEdit.clear();
+    // A controller that was known before gets its detectors again.
+    settings.read(QString());
+    settings.getDetectorData(record);
+    records.append(record);
+    connection->setTriggerMode(record.pulsedLaser);
+    registry.newConnection(std::move(connection), record);
+}

@@ -1,0 +1,108 @@
+#include "setup/connectionoverviewdialog.h"
+
+#include "setup/listwidget.h"
+#include "setup/overviewwidget.h"
+#include "ui_connectionoverviewdialog.h"
+
+namespace {
+
+constexpr int headerRows = 1;
+constexpr int initialWidthPx = 580;
+
+} // namespace
+
+ConnectionOverviewDialog::ConnectionOverviewDialog(QWidget* parent)
+    : QDialog(parent)
+    , ui(std::make_unique<Ui::ConnectionOverviewDialog>())
+{
+    ui->setupUi(this);
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    appendRow(true);
+    resize(initialWidthPx, height());
+    connect(ui->listWidget, &ListWidget::indexChanged, this,
+            &ConnectionOverviewDialog::changeOrder);
+    ui->listWidget->setMinimumWidth(ui->listWidget->sizeHintForColumn(0));
+}
+
+ConnectionOverviewDialog::~ConnectionOverviewDialog()
+{
+    // Rows can still emit while they go, and must find a whole dialog or none.
+    while (!rows.isEmpty())
+        removeLastRow();
+    disconnect(ui->listWidget, nullptr, this, nullptr);
+}
+
+int ConnectionOverviewDialog::connectionRows() const
+{
+    return rows.size() - headerRows;
+}
+
+void ConnectionOverviewDialog::appendRow(bool header)
+{
+    rows.append(new OverviewWidget(header, ui->listWidget));
+    items.append(new QListWidgetItem(ui->listWidget));
+    // Rows are dropped between others, never onto one, and the header stays where it is.
+    items.last()->setFlags(header
+                               ? Qt::ItemIsEnabled
+                               : Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled);
+    items.last()->setSizeHint(rows.last()->sizeHint());
+    ui->listWidget->setItemWidget(items.last(), rows.last());
+}
+
+void ConnectionOverviewDialog::addConnectionRow()
+{
+    appendRow(false);
+    relaySignals(*rows.last());
+    connectionOrder.append(connectionOrder.size());
+}
+
+void ConnectionOverviewDialog::relaySignals(const OverviewWidget& row)
+{
+    using Dialog = ConnectionOverviewDialog;
+    connect(&row, &OverviewWidget::display, this, &Dialog::displayConnection);
+    connect(&row, &OverviewWidget::displayCommonDetector, this, &Dialog::displayCommonDetector);
+    connect(&row, &OverviewWidget::newColor, this, &Dialog::changeColor);
+    connect(&row, &OverviewWidget::updateStage, this, &Dialog::changeStage);
+    connect(&row, &OverviewWidget::openParams, this, &Dialog::openParamDialog);
+    connect(&row, &OverviewWidget::multiplexingUpdate, this, &Dialog::multiplexDetectors);
+    connect(&row, &OverviewWidget::newGroup, this, &Dialog::newGroupId);
+}
+
+void ConnectionOverviewDialog::removeLastRow()
+{
+    const std::unique_ptr<OverviewWidget> row(rows.takeLast());
+    const std::unique_ptr<QListWidgetItem> item(items.takeLast());
+    disconnect(row.get(), nullptr, this, nullptr);
+    ui->listWidget->removeItemWidget(item.get());
+}
+
+void ConnectionOverviewDialog::update(const QList<ConnectionStatus>& statuses)
+{
+    while (connectionRows() < statuses.size())
+        addConnectionRow();
+    while (connectionRows() > statuses.size()) {
+        removeLastRow();
+        // The entry of the last place, whichever connection it names: on purpose.
+        connectionOrder.removeLast();
+    }
+    for (int i = 0; i < statuses.size(); ++i) {
+        OverviewWidget& row = *rows.at(i + headerRows);
+        row.updateRow(statuses.at(i));
+        QListWidgetItem& item = *items.at(i + headerRows);
+        if (item.sizeHint() != row.sizeHint())
+            item.setSizeHint(row.sizeHint());
+    }
+}
+
+void ConnectionOverviewDialog::changeOrder(int oldIndex, int newIndex)
+{
+    if (oldIndex < 0 || oldIndex >= connectionOrder.size())
+        return;
+    const int connection = connectionOrder.takeAt(oldIndex);
+    connectionOrder.insert(qBound(0, newIndex, connectionOrder.size()), connection);
+}
+
+void ConnectionOverviewDialog::on_closePushButton_clicked()
+{
+    close();
+}

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "model/connectionstatus.h"
+
+#include <QColor>
+#include <QDialog>
+#include <QList>
+#include <QString>
+
+#include <memory>
+
+class OverviewWidget;
+class QListWidgetItem;
+
+namespace Ui {
+class ConnectionOverviewDialog;
+}
+
+/// The live overview of all systems, one row for each. Rows can be dragged into the order in which
+/// the systems are to be stored.
+///
+/// `name` is the address of a connection, `graph` 0 for the colour of x, 1 for y, 2 for the
+/// intensity, `stage` 1 or 2.
+class ConnectionOverviewDialog final : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit ConnectionOverviewDialog(QWidget* parent = nullptr);
+    ~ConnectionOverviewDialog() override;
+
+    /// Shows the statuses, row by row in their order. Called at every display tick.
+    void update(const QList<ConnectionStatus>& statuses);
+    /// Entry i is the index of the connection at place i of the user's order.
+    QList<int> order() const { return connectionOrder; }
+
+signals:
+    void displayConnection(QString name, bool show);
+    void setDisplayConnection(QString name, bool show);
+    void displayCommonDetector(QString name, bool show);
+    void setDisplayCommonDetector(QString name, bool show);
+    void changeColor(QString name, QColor color, int graph);
+    void changeStage(QString name, int stage, bool active);
+    void openParamDialog(QString name);
+    void multiplexDetectors(QString name, bool status, int stage);
+    void newGroupId(QString name, int id);
+
+public slots:
+    /// Moves an entry of the order; the rows keep theirs. Indices do not count the header.
+    void changeOrder(int oldIndex, int newIndex);
+
+private slots:
+    void on_closePushButton_clicked();
+
+private:
+    void appendRow(bool header);
+    void addConnectionRow();
+    void removeLastRow();
+    void relaySignals(const OverviewWidget& row);
+    int connectionRows() const;
+
+    std::unique_ptr<Ui::ConnectionOverviewDialog> ui;
+    /// Row 0 is the header. The list owns rows and items.
+    QList<OverviewWidget*> rows;
+    QList<QListWidgetItem*> items;
+    QList<int> connectionOrder;
+};

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "model/connectionsettings.h"
+
+#include <QList>
+#include <QString>
+
+#include <memory>
+
+class Connection;
+
+/// Keeps the connections that the connection dialog makes, by address. GUI thread only.
+class ConnectionRegistry
+{
+public:
+    virtual ~ConnectionRegistry() = default;
+
+    /// Takes a connection, up or not, with its stored record. One that is not up has no running
+    /// thread.
+    virtual void newConnection(std::unique_ptr<Connection> connection,
+                               const ConnectionSettings& settings) = 0;
+    /// Ends and removes a connection; false if the address is not known.
+    virtual bool closedConnection(QString address) = 0;
+    /// Brings a connection up again and tells who answered. Blocks for the exchanges. False if
+    /// no controller did.
+    virtual bool reconnectConnection(QString address, QString& boardID) = 0;
+    /// Ends a connection's thread and keeps the connection; false if that failed.
+    virtual bool disconnectConnection(QString address) = 0;
+    /// Copies what the user has set live into the records, which are in the order in which the
+    /// connections came; `position` of entry i becomes the index of the record shown at place i.
+    /// False if the lists do not belong together.
+    virtual bool updateSettingsAndParameters(QList<ConnectionSettings>& settings) = 0;
+};

@@ -1,0 +1,90 @@
+#include "setup/connectionwidget.h"
+
+#include "ui_connectionwidget.h"
+
+#include <QKeyEvent>
+#include <QRegExpValidator>
+
+ConnectionWidget::ConnectionWidget(QString number, QString labelText, QString address,
+                                   QWidget* parent)
+    : QWidget(parent)
+    , ui(std::make_unique<Ui::ConnectionWidget>())
+    , number_(std::move(number))
+    , label(std::move(labelText))
+    , address_(std::move(address))
+{
+    ui->setupUi(this);
+    ui->numberFill->setText(number_);
+    ui->lineEdit->setValidator(
+        new QRegExpValidator(QRegExp(QStringLiteral("[A-Za-z0-9_]+")), ui->lineEdit));
+    ui->lineEdit->setText(label);
+    ui->info->setText(address_);
+    keepButtonWidth();
+    connect(ui->checkBoxAutoConnect, &QCheckBox::toggled, this,
+            &ConnectionWidget::checkBoxAutoConnectChanged);
+}
+
+ConnectionWidget::~ConnectionWidget() = default;
+
+/// The line must not move when the button changes its text.
+void ConnectionWidget::keepButtonWidth()
+{
+    int width = 0;
+    for (const bool state : {true, false}) {
+        connected = state;
+        ui->Button->setText(buttonText());
+        width = std::max(width, ui->Button->sizeHint().width());
+    }
+    ui->Button->setMinimumWidth(width);
+}
+
+QString ConnectionWidget::buttonText() const
+{
+    return connected ? tr("Disconnect") : tr("Reconnect");
+}
+
+void ConnectionWidget::setConnected(bool isConnected)
+{
+    if (isConnected == connected)
+        return;
+    connected = isConnected;
+    ui->Button->setText(buttonText());
+}
+
+void ConnectionWidget::setAutoConnect(bool isActive)
+{
+    ui->checkBoxAutoConnect->setCheckState(isActive ? Qt::Checked : Qt::Unchecked);
+}
+
+void ConnectionWidget::keyPressEvent(QKeyEvent* event)
+{
+    // Enter ends the editing of a label; it must not reach the default button of the dialog.
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        event->accept();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void ConnectionWidget::on_Button_clicked()
+{
+    if (connected)
+        emit disconnectC(address_);
+    else
+        emit reconnectC(address_);
+}
+
+void ConnectionWidget::on_deleteButton_clicked()
+{
+    emit deleteConnection(address_);
+}
+
+void ConnectionWidget::on_lineEdit_textEdited(QString arg1)
+{
+    label = arg1;
+    emit labelChanged(address_, label);
+}
+
+void ConnectionWidget::checkBoxAutoConnectChanged(bool checked)
+{
+    emit autoConnectChanged(checked);
+}

@@ -1,0 +1,138 @@
+// The flow that makes the connections of a setup file.
+
+#include "app/logging.h"
+#include "app/switches.h"
+#include "link/connection.h"
+#include "setup/connectionregistry.h"
+#include "setup/connectionwidget.h"
+#include "setup/settingsdialog.h"
+#include "setup/waitcursor.h"
+#include "ui_settingsdialog.h"
+
+#include <QSet>
+
+namespace {
+
+constexpr LinkWait storedWait{300, false};
+constexpr int interfaceId = 0;
+constexpr int interfacePort = 1;
+
+/// A system has one connection: the first record of it counts.
+void removeRepeated(QList<ConnectionSettings>& records)
+{
+    QSet<QString> seen;
+    for (int i = 0; i < records.size();) {
+        const QString id = records.at(i).id.text();
+        if (seen.contains(id)) {
+            logMessage().warning() << "Skipping repeated" << id;
+            records.removeAt(i);
+        } else {
+            seen.insert(id);
+            ++i;
+        }
+    }
+}
+
+} // namespace
+
+void SettingsDialog::on_loadConnectionButton_clicked()
+{
+    ui->loadConnectionButton->setEnabled(false);
+    const QString path = chooseFile(QFileDialog::AcceptOpen, tr("Load Connection Setup"));
+    if (!path.isEmpty()) {
+        sayInBoth(QString());
+        closeAllConnections();
+        loadConnection(path);
+    }
+    ui->loadConnectionButton->setEnabled(true);
+}
+
+void SettingsDialog::loadConnection(QString path)
+{
+    logMessage().info() << "Loading connections";
+    if (switches::autoSerialSearch)
+        fillPortsInfo();
+    const bool loaded = takeRecords(path);
+    for (int i = 0; i < records.size(); ++i) {
+        records[i].position = i;
+        makeStoredConnection(records[i]);
+    }
+    if (!path.isEmpty())
+        showLoadOutcome(loaded);
+    logMessage().info() << "Finished loading connections";
+    emit loadingFinished();
+}
+
+/// False, with the records kept, if the file can not be read; false with no records if it holds
+/// no controller.
+bool SettingsDialog::takeRecords(const QString& path)
+{
+    if (!settings.read(path))
+        return false;
+    settings.getList(records);
+    removeRepeated(records);
+    return !records.isEmpty();
+}
+
+void SettingsDialog::showLoadOutcome(bool loaded)
+{
+    say(*ui->infoLabel, loaded ? tr("Loading was successful") : tr("Loading failed"));
+    say(*ui->infoLabel2, loaded ? tr("Loading successful") : tr("Loading failed"));
+}
+
+bool SettingsDialog::hasLineFor(const QString& id) const
+{
+    return tcpTab.lines.indexOfNumber(id) >= 0 || serialTab.lines.indexOfNumber(id) >= 0;
+}
+
+/// The port of a stored serial connection is only a hint: the device is found by what it says.
+void SettingsDialog::findInterface(ConnectionSettings& record) const
+{
+    for (const QStringList& entry : interfaces) {
+        if (entry.value(interfaceId) == record.id.text())
+            record.name.set(entry.value(interfacePort));
+    }
+}
+
+void SettingsDialog::makeStoredConnection(ConnectionSettings& record)
+{
+    if (hasLineFor(record.id.text())) {
+        logMessage().info() << "Skipping already existing" << record.id.text();
+        return;
+    }
+    Tab& own = tab(record.type);
+    settings.getDetectorData(record);
+    if (own.type == ConnectionType::Serial)
+        findInterface(record);
+
+    std::unique_ptr<Connection> connection = makeTransport(own.type);
+    connection->setLabel(record.label.text());
+    logMessage().info() << (own.type == ConnectionType::Tcp ? "Creating TCP connection"
+                                                            : "Creating serial connection")
+                        << record.label.text();
+    const bool usable = connection->init(record.name.text(), record.baudRateOrPort);
+    // From here on the connection's way to write its address is the one that counts.
+    if (usable && decltype(record.name)::fits(connection->address()))
+        record.name.set(connection->address());
+    ConnectionWidget& line = addLine(own, record, connection->address());
+
+    if (usable && record.autoConnect && connectStored(*connection, record))
+        line.setConnected(true);
+    registry.newConnection(std::move(connection), record);
+    takeEvents();
+}
+
+/// Unless it succeeds, the connection has no running thread: a link that came up late would be
+/// one of an unknown controller.
+bool SettingsDialog::connectStored(Connection& connection, const ConnectionSettings& record)
+{
+    const WaitCursor waiting;
+    emit connectingTo(record.label.text(), record.name.text());
+    QString id = record.id.text();
+    if (connectAndIdentify(connection, storedWait, record.label.text(), id) != LinkOutcome::Up) {
+        connection.disconnectController();
+        return false;
+    }
+    connection.setTriggerMode(record.pulsedLaser);
+    return true;
+}

@@ -1,0 +1,382 @@
+#include "setup/settingsdialog.h"
+
+#include "app/logging.h"
+#include "app/switches.h"
+#include "link/serialport.h"
+#include "link/tcpclient.h"
+#include "setup/connectionregistry.h"
+#include "setup/connectionwidget.h"
+#include "setup/waitcursor.h"
+#include "ui_settingsdialog.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QRegExpValidator>
+#include <QScreen>
+#include <QShowEvent>
+
+#include <initializer_list>
+
+namespace {
+
+constexpr LinkWait serialWait{200, false};
+constexpr LinkWait tcpWait{300, true};
+constexpr int serialTabIndex = 0;
+constexpr char fileEnding[] = ".xml";
+/// Parts of an entry of the interface list.
+constexpr int interfaceId = 0;
+
+std::unique_ptr<Connection> makeRealTransport(ConnectionType type)
+{
+    if (type == ConnectionType::Tcp)
+        return std::make_unique<TcpClient>();
+    return std::make_unique<SerialPort>();
+}
+
+/// The slots are wired by name before the first member exists, and nothing is emitted then.
+std::unique_ptr<Ui::SettingsDialog> makeForm(SettingsDialog& dialog)
+{
+    auto form = std::make_unique<Ui::SettingsDialog>();
+    form->setupUi(&dialog);
+    return form;
+}
+
+/// An info label keeps its room while it is hidden, so that nothing jumps when it appears.
+void hideInPlace(QLabel& label)
+{
+    QSizePolicy policy = label.sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    label.setSizePolicy(policy);
+    label.hide();
+}
+
+} // namespace
+
+SettingsDialog::SettingsDialog(ConnectionRegistry& connectionRegistry, QWidget* parent)
+    : QDialog(parent)
+    , ui(makeForm(*this))
+    , registry(connectionRegistry)
+    , serialTab{ConnectionType::Serial,
+                ConnectionList(*ui->listWidgetSerial),
+                *ui->serialPortLabel_2,
+                *ui->infoLabel,
+                serialWait,
+                tr("Connection could not be established")}
+    , tcpTab{ConnectionType::Tcp,
+             ConnectionList(*ui->listWidgetTcp),
+             *ui->labelTcpEdit,
+             *ui->infoLabel2,
+             tcpWait,
+             tr("Connection couldn't be established")}
+    , tcpPort(TcpClient::defaultPort)
+    , fileDialog(this)
+    , makeTransport(makeRealTransport)
+    , searchInterfaces([](bool, bool) { return QList<QStringList>(); })
+{
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    prepareFields();
+    prepareFileDialog();
+    connect(ui->rescanButton, &QPushButton::clicked, this, &SettingsDialog::fillPortsInfo);
+    connect(ui->closeButton, &QPushButton::clicked, this, &QWidget::close);
+}
+
+SettingsDialog::~SettingsDialog()
+{
+    for (Tab* each : {&serialTab, &tcpTab}) {
+        while (each->lines.size() > 0)
+            each->lines.removeAt(each->lines.size() - 1);
+    }
+}
+
+void SettingsDialog::setConnectionFactory(ConnectionFactory factory)
+{
+    makeTransport = std::move(factory);
+}
+
+void SettingsDialog::setInterfaceSearch(InterfaceSearch search)
+{
+    searchInterfaces = std::move(search);
+}
+
+void SettingsDialog::prepareFields()
+{
+    for (const int baudRate : {115200, 921600})
+        ui->baudrateComboBox->addItem(QString::number(baudRate), baudRate);
+    for (Tab* each : {&serialTab, &tcpTab}) {
+        each->labelEdit.setValidator(
+            new QRegExpValidator(QRegExp(QStringLiteral("[A-Za-z0-9_]+")), &each->labelEdit));
+        hideInPlace(each->info);
+    }
+    ui->connectSerialButton->setDefault(true);
+}
+
+void SettingsDialog::prepareFileDialog()
+{
+    fileDialog.setNameFilter(QStringLiteral("*.xml"));
+    fileDialog.setDefaultSuffix(QStringLiteral("xml"));
+    fileDialog.setWindowTitle(tr("Save setting file"));
+    fileDialog.setDirectory(QDir::root());
+    fileDialog.setFileMode(QFileDialog::AnyFile);
+    fileDialog.setAcceptMode(QFileDialog::AcceptSave);
+}
+
+SettingsDialog::Tab& SettingsDialog::tab(ConnectionType type)
+{
+    return type == ConnectionType::Tcp ? tcpTab : serialTab;
+}
+
+void SettingsDialog::showEvent(QShowEvent* event)
+{
+    QDialog::showEvent(event);
+    // Coming back from an icon is no new start.
+    if (event->spontaneous())
+        return;
+    for (QLineEdit* edit : {ui->serialPortLabel_2, ui->addressTcpEdit, ui->labelTcpEdit}) {
+        if (edit->isEnabled())
+            edit->clear();
+    }
+    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
+    const QSize border = frameGeometry().size() - size();
+    resize(QSize(maximumWidth(), available.height())
+               .boundedTo(available.size() - border)
+               .expandedTo(minimumSizeHint()));
+    QRect frame = frameGeometry();
+    frame.moveCenter(available.center());
+    move(frame.topLeft());
+    if (switches::autoSerialSearch)
+        ui->rescanButton->click();
+}
+
+void SettingsDialog::on_tabWidget_currentChanged(int index)
+{
+    QPushButton* const button =
+        index == serialTabIndex ? ui->connectSerialButton : ui->connectTcpButton;
+    button->setDefault(true);
+    button->setFocus();
+}
+
+void SettingsDialog::resizeSmall()
+{
+    ui->tabWidget->show();
+    for (QLabel* info : {ui->infoLabel, ui->infoLabel2}) {
+        info->clear();
+        info->show();
+    }
+    on_tabWidget_currentChanged(ui->tabWidget->currentIndex());
+}
+
+void SettingsDialog::say(QLabel& info, const QString& text)
+{
+    info.setText(text);
+    info.show();
+}
+
+void SettingsDialog::sayInBoth(const QString& text)
+{
+    say(*ui->infoLabel, text);
+    say(*ui->infoLabel2, text);
+}
+
+// Fields.
+
+void SettingsDialog::on_addressTcpEdit_textChanged(const QString&)
+{
+    ui->addressTcpEdit->setStyleSheet(QString());
+    ui->infoLabel2->clear();
+}
+
+void SettingsDialog::on_labelTcpEdit_textChanged(const QString&)
+{
+    ui->labelTcpEdit->setStyleSheet(QString());
+    ui->infoLabel2->clear();
+}
+
+void SettingsDialog::on_portLineEdit_textChanged(const QString&)
+{
+    ui->portLineEdit->setStyleSheet(QString());
+    ui->infoLabel2->clear();
+}
+
+void SettingsDialog::on_serialPortLabel_2_textChanged(const QString&)
+{
+    ui->serialPortLabel_2->setStyleSheet(QString());
+    ui->infoLabel->clear();
+}
+
+void SettingsDialog::on_baudrateComboBox_currentIndexChanged(int)
+{
+    ui->infoLabel->clear();
+}
+
+void SettingsDialog::on_serialPortInfoListBox_currentIndexChanged(int)
+{
+    ui->infoLabel->clear();
+}
+
+void SettingsDialog::fillPortsInfo()
+{
+    ui->serialPortInfoListBox->clear();
+    {
+        const WaitCursor waiting;
+        interfaces = searchInterfaces(false, switches::anySerialDevice);
+    }
+    const int lines = serialTab.lines.size();
+    for (const QStringList& entry : qAsConst(interfaces)) {
+        const QString id = entry.value(interfaceId);
+        // Only the last line counts, on purpose: connecting refuses the others.
+        if (lines == 0 || serialTab.lines.at(lines - 1).number() != id)
+            ui->serialPortInfoListBox->addItem(id);
+    }
+}
+
+// Saving.
+
+void SettingsDialog::on_saveConnectionButton_clicked()
+{
+    ui->saveConnectionButton->setEnabled(false);
+    save(QString());
+    ui->saveConnectionButton->setEnabled(true);
+}
+
+void SettingsDialog::on_saveAsConnectionButton_clicked()
+{
+    ui->saveAsConnectionButton->setEnabled(false);
+    const QString path = chooseFile(QFileDialog::AcceptSave, tr("Save Connection Setup"));
+    if (!path.isEmpty())
+        save(path);
+    ui->saveAsConnectionButton->setEnabled(true);
+}
+
+QString SettingsDialog::chooseFile(QFileDialog::AcceptMode mode, const QString& title)
+{
+    fileDialog.setFileMode(QFileDialog::AnyFile);
+    fileDialog.setAcceptMode(mode);
+    fileDialog.setWindowTitle(title);
+    if (fileDialog.exec() != QDialog::Accepted)
+        return QString();
+    const QString path = fileDialog.selectedFiles().value(0);
+    fileDialog.setSidebarUrls(fileDialog.sidebarUrls());
+    return path.isEmpty() || path.endsWith(fileEnding) ? path : path + fileEnding;
+}
+
+void SettingsDialog::save(const QString& path)
+{
+    sayInBoth(saveRecords(path) ? tr("Connection setup saved")
+                                : tr("Error saving connection setup"));
+}
+
+bool SettingsDialog::saveRecords(const QString& path)
+{
+    if (!registry.updateSettingsAndParameters(records))
+        return false;
+    // No connections are a setup, too.
+    settings.setList(inShownOrder(records));
+    return settings.save(path);
+}
+
+// Lines and records.
+
+QString SettingsDialog::registryAddress(const QString& address) const
+{
+    for (const Tab* each : {&serialTab, &tcpTab}) {
+        const int index = each->lines.indexOfAddress(address);
+        if (index >= 0)
+            return each->lines.registryAddressAt(index);
+    }
+    return address;
+}
+
+ConnectionWidget& SettingsDialog::addLine(Tab& lineTab, const ConnectionSettings& record,
+                                          const QString& registered)
+{
+    const QString address = record.name.text();
+    ConnectionWidget& line =
+        lineTab.lines.add(record.id.text(), record.label.text(), address, registered);
+    line.setAutoConnect(record.autoConnect);
+    connect(&line, &ConnectionWidget::labelChanged, this, &SettingsDialog::newLabel);
+    connect(&line, &ConnectionWidget::reconnectC, this, &SettingsDialog::on_WidgetReconnect);
+    connect(&line, &ConnectionWidget::disconnectC, this, &SettingsDialog::on_WidgetDisconnect);
+    connect(&line, &ConnectionWidget::deleteConnection, this,
+            &SettingsDialog::deleteConnectionSlot);
+    connect(&line, &ConnectionWidget::autoConnectChanged, this,
+            [this, address](bool isActive) { autoConnectChanged(address, isActive); });
+    return line;
+}
+
+void SettingsDialog::autoConnectChanged(QString address, bool isActive)
+{
+    for (ConnectionSettings& record : records) {
+        if (record.name.text() == address) {
+            record.autoConnect = isActive;
+            return;
+        }
+    }
+}
+
+void SettingsDialog::removeRecord(const QString& address)
+{
+    for (int i = 0; i < records.size(); ++i) {
+        if (records.at(i).name.text() == address) {
+            records.removeAt(i);
+            return;
+        }
+    }
+}
+
+void SettingsDialog::deleteConnectionSlot(QString address)
+{
+    if (!registry.closedConnection(registryAddress(address)))
+        return;
+    removeRecord(address);
+    for (Tab* each : {&serialTab, &tcpTab}) {
+        const int index = each->lines.indexOfAddress(address);
+        if (index >= 0)
+            each->lines.removeAt(index);
+    }
+}
+
+void SettingsDialog::closeAllConnections()
+{
+    for (Tab* each : {&serialTab, &tcpTab}) {
+        for (int i = each->lines.size() - 1; i >= 0; --i) {
+            if (!registry.closedConnection(each->lines.registryAddressAt(i)))
+                continue;
+            removeRecord(each->lines.at(i).address());
+            each->lines.removeAt(i);
+        }
+    }
+}
+
+void SettingsDialog::on_WidgetReconnect(QString address)
+{
+    QString boardId;
+    const QString registered = registryAddress(address);
+    const auto reconnect = [&] {
+        const WaitCursor waiting;
+        return registry.reconnectConnection(registered, boardId);
+    };
+    if (!reconnect()) {
+        sayInBoth(tr("Could not establish connection."));
+        return;
+    }
+    sayInBoth(QString());
+    bool matched = false;
+    for (const Tab* each : {&serialTab, &tcpTab})
+        matched |= each->lines.markConnected(address, boardId, true);
+    if (matched)
+        return;
+    // Another controller answers where this one was: it is not the user's.
+    registry.disconnectConnection(registered);
+    sayInBoth(tr("Could not establish connection. Controller ID mismatch."));
+}
+
+void SettingsDialog::on_WidgetDisconnect(QString address)
+{
+    if (!registry.disconnectConnection(registryAddress(address))) {
+        sayInBoth(tr("Could not disconnect."));
+        return;
+    }
+    sayInBoth(QString());
+    for (const Tab* each : {&serialTab, &tcpTab})
+        each->lines.markConnected(address, false);
+}
