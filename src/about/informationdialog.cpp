@@ -1,0 +1,7 @@
+#include "about/informationdialog.h"
+
+InformationDialog::InformationDialog(QWidget* parent)
+    : QDialog(parent)
+{
+    setWindowTitle(tr("About this software"));
+}

@@ -1,0 +1,125 @@
+#include "app/startup.h"
+
+#include "app/logging.h"
+#include "app/messagelog.h"
+#include "app/switches.h"
+#include "window/mainwindow.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QScreen>
+
+#include <omp.h>
+#include <pwd.h>
+#include <unistd.h>
+#include <vector>
+
+namespace startup {
+
+namespace {
+
+constexpr char version[] = "2.3.1";
+constexpr char build[] = "B10624";
+constexpr QSize initialSize(1280, 960);
+
+void prepareWorkers()
+{
+    omp_set_dynamic(0);
+    const int threads = workerThreads(omp_get_max_threads());
+    if (threads > 0)
+        omp_set_num_threads(threads);
+}
+
+void readArguments(int argc, char** argv)
+{
+    for (int i = 1; i < argc; ++i)
+        switches::readArgument(argv[i]);
+}
+
+} // namespace
+
+QString homeDirectory()
+{
+    const QString fromEnvironment = qEnvironmentVariable("HOME");
+    if (!fromEnvironment.isEmpty())
+        return fromEnvironment;
+    const passwd* user = getpwuid(getuid());
+    if (user && user->pw_dir && *user->pw_dir)
+        return QString::fromLocal8Bit(user->pw_dir);
+    return QDir::currentPath();
+}
+
+void prepareConfigDir(int argc, char** argv)
+{
+    switches::configDir = QDir(homeDirectory());
+    switches::configDir.setPath(switches::configDir.path() + QDir::separator()
+                                + QStringLiteral("Lumetra"));
+    if (!switches::configDir.exists() && !switches::configDir.mkpath(QStringLiteral("."))) {
+        // Qt takes its own options out of the vector, and the real application wants them, too.
+        int count = argc;
+        std::vector<char*> arguments(argv, argv + argc);
+        arguments.push_back(nullptr);
+        const QApplication forTheBox(count, arguments.data());
+        QMessageBox::critical(
+            nullptr, QObject::tr("Can not create configuration directory"),
+            QObject::tr("The directory could not be created.\nPlease make sure that the "
+                        "configuration directory can be created."),
+            QMessageBox::Ok);
+    }
+    const QDir data(switches::configDir.path() + QDir::separator() + QStringLiteral("Data"));
+    if (!data.exists())
+        data.mkpath(QStringLiteral("."));
+}
+
+int workerThreads(int processors)
+{
+    constexpr int manyProcessors = 8;
+    if (processors >= manyProcessors)
+        return processors - 1;
+    return processors >= 2 ? processors : 0;
+}
+
+QRect windowGeometry(const QSize& wanted, const QSize& available)
+{
+    const bool tooLarge =
+        wanted.width() > available.width() || wanted.height() > available.height();
+    const QSize size = tooLarge ? available : wanted;
+    const QPoint corner((available.width() - size.width()) / 2,
+                        (available.height() - size.height()) / 2);
+    return QRect(corner, size);
+}
+
+int run(int argc, char** argv, const WindowHook& whenShown)
+{
+    qputenv("LC_NUMERIC", "C");
+    prepareConfigDir(argc, argv);
+    prepareWorkers();
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
+    QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    qInstallMessageHandler(writeToMessageLog);
+    readArguments(argc, argv);
+    logMessage().info() << "Starting" << version << build;
+
+    const int argumentsPassed = argc - 1;
+    QApplication application(argc, argv);
+    logMessage().debug() << "Number of command line arguments passed:" << argumentsPassed;
+
+    // Kept one smaller than the available area in both directions, as it has always been.
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    const QSize available(screen.right() - screen.left(), screen.bottom() - screen.top());
+
+    MainWindow window;
+    window.resize(initialSize);
+    const QRect geometry = windowGeometry(window.size(), available);
+    window.resize(geometry.size());
+    window.move(geometry.topLeft());
+    window.show();
+    window.resizeGraphs();
+    window.raise();
+    if (whenShown)
+        whenShown(window);
+    return QApplication::exec();
+}
+
+} // namespace startup

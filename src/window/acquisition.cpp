@@ -1,0 +1,147 @@
+#include "link/connection.h"
+#include "link/streampause.h"
+#include "plots/counter.h"
+#include "plots/genericplot.h"
+#include "plots/thermoslider.h"
+#include "recording/dataloggerdialog.h"
+#include "window/mainwindow.h"
+
+#include <QAction>
+#include <QDateTime>
+#include <QLCDNumber>
+#include <QMessageBox>
+#include <QRadioButton>
+#include <QSpinBox>
+
+namespace {
+
+constexpr double msPerS = 1000.0;
+constexpr int noLimit = -1;
+
+quint64 nowMs()
+{
+    return quint64(QDateTime::currentMSecsSinceEpoch());
+}
+
+} // namespace
+
+void MainWindow::startTicking()
+{
+    if (updateTimer)
+        updateTimer->start(int(msPerS / updateRateCounter->spinBox->value()));
+}
+
+void MainWindow::stopTicking()
+{
+    if (updateTimer)
+        updateTimer->stop();
+}
+
+void MainWindow::startStopDataAcquisition()
+{
+    if (!startAction->isChecked()) {
+        dataLoggerDialog->emitStopSignal();
+        stopDrawingPlots();
+        showRunning(false);
+        return;
+    }
+
+    stopTicking();
+    for (const int index : displayedConnections) {
+        if (!startStreamAtRate(connectionAt(index), samplingRateCounter->spinBox->value()))
+            errorStreamStart();
+    }
+    commErrorCount = 0;
+    resetPlotsAndDisplays();
+    statisticsTime.start();
+    samplesToTake = pointingRadio->isChecked() ? samplesToTakeCounter->spinBox->value() : noLimit;
+    startDrawingPlots();
+    showRunning(true);
+}
+
+void MainWindow::startDrawingPlots()
+{
+    for (StageView& stage : stages) {
+        stage.osciPlot->start();
+        stage.positionPlot->start();
+        stage.intensityPlot->start();
+    }
+}
+
+void MainWindow::stopDrawingPlots()
+{
+    for (const int index : displayedConnections)
+        connectionAt(index).stopStream();
+    startAction->setChecked(false);
+    showRunning(false);
+    for (StageView& stage : stages) {
+        stage.osciPlot->stop();
+        stage.osciPlot->replot();
+        stage.positionPlot->stop();
+        stage.intensityPlot->stop();
+    }
+}
+
+void MainWindow::showRunning(bool running)
+{
+    if (pointingRadio->isChecked())
+        samplesToTakeCounter->setEnabled(true);
+    samplingRateCounter->setEnabled(!running && !pulsedRateLock);
+    startAction->setText(running ? tr("Stop") : tr("Start"));
+    startAction->setIcon(QIcon(startAction->isChecked() ? QStringLiteral(":/images/stop.xpm")
+                                                        : QStringLiteral(":/images/go.xpm")));
+    startAction->setChecked(running);
+}
+
+void MainWindow::resetPlotsAndDisplays()
+{
+    stopTicking();
+    for (StageView& stage : stages) {
+        stage.clearCurves();
+        stage.plotOriginMs = nowMs();
+    }
+    clearStatistics();
+    for (StageView& stage : stages) {
+        for (QLCDNumber* readout : {stage.lcdX, stage.lcdY, stage.lcdI})
+            readout->display(QString::number(0.0, 'f', 2));
+        stage.thermoX->setValue(0.0);
+        stage.thermoY->setValue(0.0);
+    }
+    startTicking();
+}
+
+void MainWindow::errorStreamStart()
+{
+    streamErrorBox->show();
+}
+
+void MainWindow::enableSamplesCounter(bool on)
+{
+    samplesToTakeCounter->setEnabled(on);
+    if (!startAction->isChecked())
+        return;
+    if (on) {
+        samplesTaken = 0;
+        samplesToTake = samplesToTakeCounter->spinBox->value();
+        clearStatistics();
+    } else {
+        samplesToTake = noLimit;
+    }
+}
+
+void MainWindow::updateSamplesToTake(int value)
+{
+    samplesToTake = value;
+}
+
+void MainWindow::joinAcquisition(Connection& connection)
+{
+    if (!startStreamAtRate(connection, samplingRateCounter->spinBox->value()))
+        errorStreamStart();
+}
+
+void MainWindow::restart(StreamPause& pause)
+{
+    if (!pause.resume(samplingRateCounter->spinBox->value()))
+        errorStreamStart();
+}

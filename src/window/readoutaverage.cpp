@@ -1,0 +1,11 @@
+#include "window/readoutaverage.h"
+
+#include <numeric>
+
+double ReadoutAverage::add(double value)
+{
+    if (values.size() >= length)
+        values.erase(values.begin());
+    values.push_back(value);
+    return std::accumulate(values.begin(), values.end(), 0.0) / double(values.size());
+}

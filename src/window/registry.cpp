@@ -1,0 +1,344 @@
+#include "app/logging.h"
+#include "link/connection.h"
+#include "link/identification.h"
+#include "model/connectionsettings.h"
+#include "params/paramsdialog.h"
+#include "plots/counter.h"
+#include "plots/genericplot.h"
+#include "recording/dataloggerdialog.h"
+#include "service/servicedialog.h"
+#include "setup/connectionoverviewdialog.h"
+#include "setup/settingsdialog.h"
+#include "window/mainwindow.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
+
+#include <algorithm>
+
+namespace {
+
+/// A controller on a line of this rate can not send faster.
+constexpr int slowBaudRate = 115200;
+constexpr int slowLineMaxRateHz = 430;
+constexpr int fastLineMaxRateHz = 500;
+constexpr qint64 reconnectMs = 300;
+constexpr unsigned long settleMs = 2;
+
+} // namespace
+
+int MainWindow::indexOf(const QString& address) const
+{
+    for (std::size_t i = 0; i < connections.size(); ++i) {
+        if (connections[i]->address() == address)
+            return int(i);
+    }
+    return -1;
+}
+
+void MainWindow::newConnection(std::unique_ptr<Connection> connection,
+                               const ConnectionSettings& settings)
+{
+    const int n = int(connections.size());
+    for (StageView& stage : stages) {
+        stage.osciPlot->addCurve(n);
+        stage.positionPlot->addCurve(2 * n);
+        stage.positionPlot->addCurve(2 * n);
+        stage.intensityPlot->addCurve(n);
+    }
+    connect(connection.get(), &Connection::hostDisconnected, settingsDialog,
+            &SettingsDialog::on_WidgetDisconnect);
+    paramsDialog->appendDetectorPair(settings);
+
+    ConnectionStatus status;
+    status.colorX = settings.colorX;
+    status.colorY = settings.colorY;
+    status.colorI = settings.colorI;
+    status.address = connection->address();
+    status.label = connection->label();
+    status.statusValid = connection->isConnected();
+    connections.push_back(std::move(connection));
+    statuses.append(status);
+    statisticsSums.append(StatisticsSums());
+    setCurveColors(n);
+    connectionOverviewDialog->update(statuses);
+
+    if (displayedConnections.size() < maxDisplayed && connectionAt(n).isConnected())
+        showConnection(statuses[n].address, true);
+    updateMaxRate();
+}
+
+void MainWindow::setCurveColors(int index)
+{
+    const ConnectionStatus& status = statuses[index];
+    for (StageView& stage : stages) {
+        stage.positionPlot->setCurveColor(status.colorX, 2 * index);
+        stage.positionPlot->setCurveColor(status.colorY, 2 * index + 1);
+        stage.intensityPlot->setCurveColor(status.colorI, index);
+        stage.osciPlot->setCurveColor(status.colorI, index);
+    }
+}
+
+void MainWindow::updateMaxRate()
+{
+    const bool slowLine = std::any_of(connections.begin(), connections.end(),
+                                      [](const auto& c) { return c->baudRate() == slowBaudRate; });
+    maxRate = slowLine ? slowLineMaxRateHz : fastLineMaxRateHz;
+    samplingRateCounter->spinBox->setMaximum(maxRate);
+    updateRateCounter->spinBox->setMaximum(maxRate);
+}
+
+void MainWindow::showConnection(QString id, bool show)
+{
+    if (!show) {
+        for (int position = displayedConnections.size() - 1; position >= 0; --position) {
+            if (connectionAt(displayedConnections[position]).address() == id)
+                hideDisplayed(position);
+        }
+        return;
+    }
+
+    const int index = indexOf(id);
+    if (index < 0 || !connectionAt(index).isConnected() || displayedConnections.contains(index))
+        return;
+    if (displayedConnections.size() >= maxDisplayed) {
+        statuses[index].displayed = false;
+        return;
+    }
+    displayedConnections.append(index);
+    statuses[index].displayed = true;
+    if (displayedConnections.size() == 1) {
+        showForSingleSystem(index);
+        enableControls(true);
+        for (StageView& stage : stages)
+            stage.clearAverages();
+    } else if (displayedConnections.size() == 2) {
+        hideSingleSystemWidgets();
+    }
+    if (startAction->isChecked() && !connectionAt(index).isStreaming())
+        joinAcquisition(connectionAt(index));
+}
+
+void MainWindow::hideDisplayed(int position)
+{
+    const int index = displayedConnections.takeAt(position);
+    statuses[index].displayed = false;
+    if (displayedConnections.size() == 1)
+        showForSingleSystem(displayedConnections.first());
+    if (displayedConnections.isEmpty()) {
+        enableControls(false);
+        currentConnection = index;
+        enableStatistics(false);
+        blackenAxisLabels();
+    }
+    if (connectionAt(index).isConnected())
+        connectionAt(index).stopStream();
+    clearCurvesOf(index);
+}
+
+void MainWindow::showForSingleSystem(int index)
+{
+    setSingleSystemWidgetsVisible(true);
+    if (pointingRadio->isChecked())
+        enableStatistics(true);
+    colorAxisLabels(statuses[index]);
+    currentConnection = index;
+}
+
+void MainWindow::hideSingleSystemWidgets()
+{
+    setSingleSystemWidgetsVisible(false);
+    enableStatistics(false);
+    blackenAxisLabels();
+}
+
+void MainWindow::setSingleSystemWidgetsVisible(bool visible)
+{
+    for (StageView& stage : stages) {
+        for (QWidget* widget : qAsConst(stage.singleSystemWidgets))
+            widget->setVisible(visible);
+    }
+}
+
+void MainWindow::enableControls(bool on)
+{
+    for (StageView& stage : stages)
+        stage.stabilisation->setEnabled(on);
+    startAction->setEnabled(on);
+    dataLoggerDialog->setRecordingEnabled(on);
+}
+
+void MainWindow::colorAxisLabels(const ConnectionStatus& status)
+{
+    for (StageView& stage : stages)
+        stage.setAxisColors(status.colorX, status.colorY, status.colorI);
+}
+
+void MainWindow::blackenAxisLabels()
+{
+    // On a dark desktop black could not be read.
+    const bool darkDesktop = palette().color(QPalette::Window).lightnessF() < 0.5;
+    const QColor text = darkDesktop ? palette().color(QPalette::WindowText) : QColor(Qt::black);
+    for (StageView& stage : stages)
+        stage.setAxisColors(text, text, text);
+}
+
+void MainWindow::clearCurvesOf(int index)
+{
+    for (StageView& stage : stages) {
+        stage.positionPlot->clear(2 * index);
+        stage.positionPlot->clear(2 * index + 1);
+        stage.osciPlot->clear(index);
+        stage.intensityPlot->clear(index);
+    }
+}
+
+bool MainWindow::closedConnection(QString address)
+{
+    const int n = indexOf(address);
+    if (n < 0)
+        return false;
+    stopTicking();
+    showConnection(address, false);
+    if (connectionAt(n).isStreaming())
+        connectionAt(n).stopStream();
+    connectionAt(n).disconnect(settingsDialog);
+
+    for (int& displayed : displayedConnections) {
+        if (displayed > n)
+            --displayed;
+    }
+    if (!displayedConnections.isEmpty())
+        currentConnection = displayedConnections.first();
+    statuses.removeAt(n);
+    statisticsSums.removeAt(n);
+    for (StageView& stage : stages) {
+        stage.osciPlot->removeCurve(n);
+        stage.intensityPlot->removeCurve(n);
+        stage.positionPlot->removeCurve(2 * n + 1);
+        stage.positionPlot->removeCurve(2 * n);
+    }
+    // Its thread ends when all lists are in step again: ending it takes events.
+    const std::unique_ptr<Connection> closed = std::move(connections[std::size_t(n)]);
+    connections.erase(connections.begin() + n);
+    if (serviceDialog->connection() == closed.get())
+        serviceDialog->setConnection(nullptr);
+    paramsDialog->removeDetectorPair(n);
+    updateMaxRate();
+    startTicking();
+    return true;
+}
+
+bool MainWindow::disconnectConnection(QString address)
+{
+    const int index = indexOf(address);
+    if (index < 0)
+        return false;
+    connectionAt(index).disconnectController();
+    QThread::msleep(settleMs);
+    showConnection(address, false);
+    paramsDialog->closeIfDisconnected();
+    statuses[index].displayed = false;
+    return !connectionAt(index).isConnected();
+}
+
+bool MainWindow::reconnectConnection(QString address, QString& boardID)
+{
+    logMessage().info() << "Reconnecting";
+    for (std::size_t i = 0; i < connections.size(); ++i) {
+        Connection& connection = *connections[i];
+        if (connection.address() != address)
+            continue;
+        if (connection.isRunning()) {
+            connection.disconnectController();
+            QThread::msleep(settleMs);
+        }
+        connection.start(QThread::InheritPriority);
+        const QDeadlineTimer limit(reconnectMs);
+        while (!connection.isConnected() && !limit.hasExpired())
+            QThread::msleep(1);
+        if (!connection.isConnected()) {
+            connection.disconnectController();
+            break;
+        }
+
+        const ControllerIdentity identity = identify(connection, LineClearing::TwoStopsAndRepeat);
+        if (!identity.isController) {
+            connection.disconnectController();
+            continue;
+        }
+        statuses[int(i)].statusValid = true;
+        if (displayedConnections.size() < maxDisplayed)
+            showConnection(address, true);
+        boardID = identity.id;
+        logMessage().info() << "Successfully reconnected";
+        return true;
+    }
+    logMessage().info() << "Reconnecting failed";
+    return false;
+}
+
+void MainWindow::updateColorGraph(QString id, QColor color, int graph)
+{
+    const int n = indexOf(id);
+    if (n < 0)
+        return;
+    ConnectionStatus& status = statuses[n];
+    switch (graph) {
+    case 0:
+        status.colorX = color;
+        break;
+    case 1:
+        status.colorY = color;
+        break;
+    case 2:
+        status.colorI = color;
+        break;
+    default:
+        return;
+    }
+    setCurveColors(n);
+    if (displayedConnections.size() == 1)
+        colorAxisLabels(statuses[displayedConnections.first()]);
+}
+
+void MainWindow::changeLabel(QString address, QString label)
+{
+    const int n = indexOf(address);
+    if (n < 0)
+        return;
+    labelController(connectionAt(n), label);
+    statuses[n].label = label;
+}
+
+void MainWindow::changeGroupId(QString name, int id)
+{
+    for (ConnectionStatus& status : statuses) {
+        if (status.address == name)
+            status.groupId = id;
+    }
+}
+
+bool MainWindow::updateSettingsAndParameters(QList<ConnectionSettings>& settings)
+{
+    if (statuses.size() != settings.size())
+        return false;
+    stopTicking();
+    const QList<int> order = connectionOverviewDialog->order();
+    // The timer stays stopped: an overview that lost count is not shown as if it were in step.
+    if (order.size() != settings.size())
+        return false;
+    for (int i = 0; i < settings.size(); ++i) {
+        settings[i].label.set(statuses[i].label);
+        settings[i].colorX = statuses[i].colorX;
+        settings[i].colorY = statuses[i].colorY;
+        settings[i].colorI = statuses[i].colorI;
+        (*detectorPairs)[i].copyTo(settings[i]);
+        settings[i].position = order[i];
+    }
+    startTicking();
+    return true;
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "model/detectorpair.h"
+
+#include <QList>
+
+#include <array>
+
+/// Which detector gives a stage's axis its unit and range.
+struct UnitChoice
+{
+    /// Whether all displayed connections show the stage in the same length unit. True without any
+    /// displayed connection.
+    bool unitsAgree = true;
+    /// Null for a stage in volts.
+    const Detector* detector = nullptr;
+
+    QString unit() const;
+    int unitCode() const;
+    double maxPosition() const;
+    double minPosition() const;
+};
+
+/// Finds the unit of both stages for the connections in `displayed`, indices into `pairs`. Where
+/// the units agree, the stage takes the detector of `current`, or, if a beam diameter matters on
+/// any stage, that of the largest diameter; of equal ones the first displayed.
+std::array<UnitChoice, 2> chooseUnits(const QList<DetectorPair>& pairs, const QList<int>& displayed,
+                                      int current);

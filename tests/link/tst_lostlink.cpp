@@ -1,0 +1,146 @@
+#include "support/emulatedlink.h"
+#include "support/logcapture.h"
+
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <thread>
+
+/// The link goes away at any moment, also in the middle of a send: what the other thread may still
+/// want to touch must be there or known to be gone. Meant to run under the thread sanitizer, too.
+class TestLostLink : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void linkLostWhileCommandsAreSent();
+    void linkLostWhileStreaming();
+    void linkLostBeforeAStopIsAnswered();
+    void linkLostInTheMiddleOfAReply();
+    void halfClosedLinkIsLost();
+    void frozenControllerCostsOnlyTheWaits();
+    void disconnectWhileAReplyIsAwaited();
+};
+
+void TestLostLink::linkLostWhileCommandsAreSent()
+{
+    constexpr int rounds = 40;
+    EmulatedLink link;
+    QSignalSpy lost(&link.client, &Connection::hostDisconnected);
+    for (int round = 0; round < rounds; ++round) {
+        QVERIFY(link.connect());
+        // The controller goes away at a moment that differs from round to round.
+        std::thread cut([&link, round] {
+            QThread::usleep(static_cast<unsigned long>(round * 170));
+            link.controller.closeConnection();
+        });
+        while (link.client.isRunning()) {
+            link.exchange(&Connection::getStatusFlags);
+            link.exchange(&Connection::clearLiveStream);
+        }
+        cut.join();
+        link.client.disconnectController();
+    }
+    QTRY_COMPARE(lost.count(), rounds);
+}
+
+void TestLostLink::linkLostWhileStreaming()
+{
+    emulator::ControllerOptions options;
+    options.faults.closeAfterPackets = 100;
+    EmulatedLink link(options);
+    QSignalSpy lost(&link.client, &Connection::hostDisconnected);
+    QVERIFY(link.connectAndIdentify());
+    QVERIFY(link.startStream());
+    while (link.client.isRunning()) {
+        link.takeSamples();
+        QThread::msleep(1);
+    }
+    QTRY_COMPARE(lost.count(), 1);
+    QCOMPARE(link.client.samplesStored(), quint64(99));
+
+    link.client.disconnectController();
+    QVERIFY(!link.client.isStreaming());
+    QVERIFY(link.connectAndIdentify());
+}
+
+void TestLostLink::linkLostBeforeAStopIsAnswered()
+{
+    emulator::ControllerOptions options;
+    options.faults.closeOn = {"CLS"};
+    EmulatedLink link(options, 5000);
+    QVERIFY(link.connect());
+    QVERIFY(link.startStream());
+
+    QElapsedTimer time;
+    time.start();
+    link.client.stopStream();
+    QVERIFY(time.elapsed() < 5000);
+    QVERIFY(link.client.wait());
+    QCOMPARE(link.client.disconnectController(), 1);
+}
+
+void TestLostLink::linkLostInTheMiddleOfAReply()
+{
+    emulator::ControllerOptions options;
+    options.faults.shortBytes = {{"GID", 20}};
+    EmulatedLink link(options, 5000);
+    QVERIFY(link.connect());
+
+    QElapsedTimer time;
+    time.start();
+    link.client.getControllerId();
+    QTest::qWait(30);
+    link.controller.closeConnection();
+    QByteArray reply;
+    link.client.fetchReply(reply);
+    QVERIFY(reply.isEmpty());
+    QVERIFY(time.elapsed() < 5000);
+}
+
+void TestLostLink::halfClosedLinkIsLost()
+{
+    EmulatedLink link;
+    QSignalSpy lost(&link.client, &Connection::hostDisconnected);
+    QVERIFY(link.connect());
+    link.controller.halfCloseConnection();
+    QTRY_COMPARE(lost.count(), 1);
+    QVERIFY(link.client.wait());
+}
+
+void TestLostLink::frozenControllerCostsOnlyTheWaits()
+{
+    EmulatedLink link;
+    QVERIFY(link.connect());
+    link.controller.pause(true);
+
+    QElapsedTimer time;
+    time.start();
+    QCOMPARE(link.exchange(&Connection::getStatusFlags), QByteArray());
+    QVERIFY(time.elapsed() >= 2 * EmulatedLink::shortTimeoutMs);
+    QVERIFY(link.client.isConnected());
+
+    // The late reply is taken for nobody's, and the next fetch without a send hands it over.
+    link.controller.pause(false);
+    QTest::qWait(2 * EmulatedLink::shortTimeoutMs);
+    QByteArray reply;
+    QVERIFY(link.client.fetchReply(reply));
+    QCOMPARE(reply.size(), 4);
+}
+
+void TestLostLink::disconnectWhileAReplyIsAwaited()
+{
+    emulator::ControllerOptions options;
+    options.faults.silent = {"GSF"};
+    EmulatedLink link(options);
+    for (int round = 0; round < 20; ++round) {
+        QVERIFY(link.connect());
+        link.client.getStatusFlags();
+        QCOMPARE(link.client.disconnectController(), 1);
+        QByteArray reply;
+        QVERIFY(!link.client.fetchReply(reply));
+    }
+}
+
+QTEST_GUILESS_MAIN(TestLostLink)
+#include "tst_lostlink.moc"

@@ -1,0 +1,154 @@
+#include "support/emulatedlink.h"
+#include "support/logcapture.h"
+
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QtTest>
+
+class TestTcpClient : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTakesNumericAddresses_data();
+    void initTakesNumericAddresses();
+    void failedInitStoresNothing();
+    void baudRateIsThatOfTheAdapter();
+    void refusedConnectionEndsTheThreadSilently();
+    void linkThatIsUpStaysUpBehindTheConnectTime();
+    void peersCloseEndsTheThreadAndTellsTheAddress();
+    void connectionCanBeStartedAgain();
+    void disconnectedLinkIsNotTold();
+    void destructionEndsARunningStream();
+    void destructionWhileConnectingEndsTheThread();
+};
+
+void TestTcpClient::initTakesNumericAddresses_data()
+{
+    QTest::addColumn<QString>("address");
+    QTest::addColumn<int>("port");
+    QTest::addColumn<bool>("taken");
+    QTest::newRow("IPv4") << "127.0.0.1" << 2000 << true;
+    QTest::newRow("IPv6") << "::1" << 2000 << true;
+    QTest::newRow("highest port") << "127.0.0.1" << 65535 << true;
+    QTest::newRow("port too high") << "127.0.0.1" << 65536 << false;
+    QTest::newRow("negative port") << "127.0.0.1" << -1 << true;
+    QTest::newRow("empty") << "" << 2000 << false;
+    QTest::newRow("name") << "localhost" << 2000 << false;
+    QTest::newRow("words") << "not an address" << 2000 << false;
+}
+
+void TestTcpClient::initTakesNumericAddresses()
+{
+    QFETCH(QString, address);
+    QFETCH(int, port);
+    TcpClient client;
+    QTEST(client.init(address, port), "taken");
+}
+
+void TestTcpClient::failedInitStoresNothing()
+{
+    TcpClient client;
+    QVERIFY(client.init("127.0.0.5", 2001));
+    QVERIFY(!client.init("localhost", 2002));
+    QVERIFY(!client.init("127.0.0.6", 65536));
+    QCOMPARE(client.address(), QStringLiteral("127.0.0.5"));
+    QCOMPARE(client.portOrBaud(), 2001);
+}
+
+void TestTcpClient::baudRateIsThatOfTheAdapter()
+{
+    const TcpClient client;
+    QCOMPARE(client.baudRate(), 921600);
+    QCOMPARE(client.portOrBaud(), 2000);
+    QCOMPARE(client.connectionType(), 1);
+}
+
+void TestTcpClient::refusedConnectionEndsTheThreadSilently()
+{
+    QTcpServer closed;
+    QVERIFY(closed.listen(QHostAddress::LocalHost));
+    const quint16 port = closed.serverPort();
+    closed.close();
+
+    TcpClient client;
+    QSignalSpy lost(&client, &Connection::hostDisconnected);
+    client.setTimeoutMs(EmulatedLink::shortTimeoutMs);
+    QVERIFY(client.init("127.0.0.1", port));
+    client.start();
+    QVERIFY(client.wait());
+    QCOMPARE(client.linkState(), LinkState::NotConnected);
+    QCoreApplication::processEvents();
+    QCOMPARE(lost.count(), 0);
+}
+
+void TestTcpClient::linkThatIsUpStaysUpBehindTheConnectTime()
+{
+    EmulatedLink link;
+    QVERIFY(link.connect());
+    QTest::qWait(3 * EmulatedLink::shortTimeoutMs);
+    QVERIFY(link.client.isRunning());
+    QVERIFY(link.client.isConnected());
+}
+
+void TestTcpClient::peersCloseEndsTheThreadAndTellsTheAddress()
+{
+    const LogCapture log;
+    EmulatedLink link;
+    QSignalSpy lost(&link.client, &Connection::hostDisconnected);
+    QVERIFY(link.connect());
+
+    link.controller.closeConnection();
+    QVERIFY(link.client.wait());
+    QTRY_COMPARE(lost.count(), 1);
+    QCOMPARE(lost.first().first().toString(), QStringLiteral("127.0.0.1"));
+    QCOMPARE(log.count("debug: Controller disconnected"), 1);
+}
+
+void TestTcpClient::connectionCanBeStartedAgain()
+{
+    EmulatedLink link;
+    QVERIFY(link.connect());
+    QCOMPARE(link.client.disconnectController(), 1);
+    QCOMPARE(link.client.linkState(), LinkState::Disconnected);
+    QTRY_VERIFY(!link.controller.isConnected());
+
+    QVERIFY(link.connect());
+    QCOMPARE(link.exchange(&Connection::getControllerId), link.controller.idReply());
+}
+
+void TestTcpClient::disconnectedLinkIsNotTold()
+{
+    EmulatedLink link;
+    QSignalSpy lost(&link.client, &Connection::hostDisconnected);
+    QVERIFY(link.connect());
+    link.client.disconnectController();
+    QCoreApplication::processEvents();
+    QCOMPARE(lost.count(), 0);
+}
+
+void TestTcpClient::destructionEndsARunningStream()
+{
+    EmulatedLink link;
+    QVERIFY(link.connectAndIdentify());
+    QVERIFY(link.startStream());
+    QTRY_VERIFY(link.client.samplesStored() > 10);
+    link.client.releaseInPlace();
+    QVERIFY(!link.client.isRunning());
+    QTRY_VERIFY(!link.controller.isConnected());
+}
+
+void TestTcpClient::destructionWhileConnectingEndsTheThread()
+{
+    EmulatedLink link;
+    for (int round = 0; round < 20; ++round) {
+        TcpClient client;
+        client.init(link.controller.address(), link.controller.port());
+        client.start();
+        client.releaseInPlace();
+        QVERIFY(!client.isRunning());
+    }
+}
+
+QTEST_GUILESS_MAIN(TestTcpClient)
+#include "tst_tcpclient.moc"

@@ -1,0 +1,75 @@
+#include "support/emulatedlink.h"
+
+#include "link/identification.h"
+#include "link/streampause.h"
+
+#include <QtTest>
+
+EmulatedLink::EmulatedLink(const emulator::ControllerOptions& options, int timeoutMs)
+    : controller(host.addTcp(options))
+{
+    client.setTimeoutMs(timeoutMs);
+    client.init(controller.address(), controller.port());
+}
+
+bool EmulatedLink::connect()
+{
+    client.start(QThread::InheritPriority);
+    return QTest::qWaitFor([this] { return client.isConnected(); });
+}
+
+bool EmulatedLink::connectAndIdentify()
+{
+    if (!connect())
+        return false;
+    const bool identified = identify(client, LineClearing::TwoStops).isController;
+    controller.clearWire();
+    return identified;
+}
+
+bool EmulatedLink::startStream(int rateHz)
+{
+    return startStreamAtRate(client, rateHz) && client.isStreaming();
+}
+
+QByteArray EmulatedLink::exchange(void (Connection::*command)())
+{
+    (client.*command)();
+    QByteArray reply;
+    client.fetchReply(reply);
+    return reply;
+}
+
+std::vector<MeasureSample> EmulatedLink::takeSamples()
+{
+    std::vector<MeasureSample> samples;
+    MeasureSample sample;
+    while (client.takeLiveSample(sample) != 0)
+        samples.push_back(sample);
+    return samples;
+}
+
+QVector<emulator::PacketValues> numberedSamples(int count)
+{
+    QVector<emulator::PacketValues> samples;
+    qint16 number = 0;
+    while (samples.size() < count) {
+        ++number;
+        if ((number & 0xFF) == ';' || number >> 8 == ';')
+            continue;
+        emulator::PacketValues values{};
+        values.x1 = number;
+        values.y1 = number;
+        samples.append(values);
+    }
+    return samples;
+}
+
+QByteArray rawPacket(int x1, char flagsA, char flagsB)
+{
+    QByteArray bytes("\0;", 2);
+    bytes.append(flagsA).append(flagsB);
+    bytes.append(char(x1 >> 8)).append(char(x1 & 0xFF));
+    bytes.append(QByteArray(18, '\0'));
+    return bytes.append(';');
+}

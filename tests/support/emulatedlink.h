@@ -1,0 +1,35 @@
+#pragma once
+
+#include "emulator/emulatorhost.h"
+#include "link/tcpclient.h"
+
+#include <vector>
+
+/// A `TcpClient` on an emulated controller of its own, with short waits unless asked otherwise.
+struct EmulatedLink
+{
+    static constexpr int shortTimeoutMs = 150;
+
+    explicit EmulatedLink(const emulator::ControllerOptions& options = {},
+                          int timeoutMs = shortTimeoutMs);
+
+    /// Starts the thread and waits until the link is up.
+    bool connect();
+    /// `connect` and the exchange that tells the client its controller's firmware.
+    bool connectAndIdentify();
+    /// Starts a stream and takes its first packet.
+    bool startStream(int rateHz = 500);
+
+    QByteArray exchange(void (Connection::*command)());
+    /// All samples that have come so far, oldest first.
+    std::vector<MeasureSample> takeSamples();
+
+    emulator::EmulatorHost host;
+    emulator::ControllerHandle controller;
+    TcpClient client;
+};
+
+/// Script samples whose x1 and y1 count from 1 and whose values hold no byte of a packet's marks.
+QVector<emulator::PacketValues> numberedSamples(int count);
+/// One stream packet as the protocol has it, with `x1` and given flag bytes.
+QByteArray rawPacket(int x1, char flagsA = 0, char flagsB = 0);
