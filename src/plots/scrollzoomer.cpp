@@ -87,6 +87,14 @@ int ScrollZoomer::scrollBarAxis(Qt::Orientation orientation) const
     return scrollData(orientation).position == OppositeToScale ? oppositeAxis(axis) : axis;
 }
 
+QPalette ScrollZoomer::plotPalette() const
+{
+    QPalette palette = plot()->palette();
+    // Set outright, or children of the canvas would still take the canvas's background.
+    palette.setBrush(QPalette::Window, palette.window());
+    return palette;
+}
+
 bool ScrollZoomer::isShown(const ScrollBar* bar) const
 {
     return bar && bar->isVisibleTo(canvas());
@@ -153,7 +161,7 @@ void ScrollZoomer::updateScrollBar(Qt::Orientation orientation)
     const QRectF base = zoomBase();
     const QRectF rect = zoomRect();
     ScrollBar* bar = scrollBar(orientation);
-    bar->setPalette(plot()->palette());
+    bar->setPalette(plotPalette());
     bar->setInverted(scaleDiv.lowerBound() > scaleDiv.upperBound());
     if (orientation == Qt::Vertical) {
         // From the largest y to the smallest: the top of the bar shows the top of the plot.
@@ -200,7 +208,7 @@ void ScrollZoomer::updateCorner()
     if (!corner) {
         corner = new QWidget(canvas());
         corner->setAutoFillBackground(true);
-        corner->setPalette(plot()->palette());
+        corner->setPalette(plotPalette());
     }
     corner->show();
 }

@@ -77,6 +77,7 @@ private:
 
     int zoomedAxis(Qt::Orientation orientation) const;
     int scrollBarAxis(Qt::Orientation orientation) const;
+    QPalette plotPalette() const;
     bool isShown(const ScrollBar* bar) const;
     void showScrollBar(Qt::Orientation orientation);
     void hideScrollBar(Qt::Orientation orientation);

@@ -100,6 +100,7 @@ private slots:
     void plotAtItsBaseMakesNoBars();
     void zoomedPlotShowsBothBarsAndTheCorner();
     void zoomedOneWayShowsOneBar();
+    void barsAndCornerTakeThePlotsBackground();
     void barsTakeMarginOnceAndGiveItBack();
     void newRangeWhileZoomedIsTheNewBase();
     void barsFollowTheCanvasSize();
@@ -307,6 +308,17 @@ void ZoomerTest::zoomedOneWayShowsOneBar()
     QVERIFY(!screen.zoomer.verticalScrollBar());
     QVERIFY(!screen.zoomer.cornerWidget());
     QCOMPARE(screen.hBar().width(), screen.plot.canvas()->contentsRect().width());
+}
+
+void ZoomerTest::barsAndCornerTakeThePlotsBackground()
+{
+    PlotOnScreen screen;
+    screen.zoomer.zoom(middle);
+    const QBrush background = screen.plot.palette().window();
+    QVERIFY(screen.plot.canvas()->palette().window() != background);
+    QCOMPARE(screen.hBar().palette().window(), background);
+    QCOMPARE(screen.vBar().palette().window(), background);
+    QCOMPARE(screen.zoomer.cornerWidget()->palette().window(), background);
 }
 
 void ZoomerTest::barsTakeMarginOnceAndGiveItBack()
