@@ -30,6 +30,11 @@ ScrollBar* ScrollZoomer::verticalScrollBar() const
     return vScrollData.scrollBar;
 }
 
+QWidget* ScrollZoomer::cornerWidget() const
+{
+    return corner;
+}
+
 ScrollZoomer::ScrollData& ScrollZoomer::scrollData(Qt::Orientation orientation)
 {
     return orientation == Qt::Vertical ? vScrollData : hScrollData;

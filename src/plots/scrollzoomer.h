@@ -39,7 +39,7 @@ public:
     /// Null before first need.
     ScrollBar* horizontalScrollBar() const;
     ScrollBar* verticalScrollBar() const;
-    QWidget* cornerWidget() const { return corner; }
+    QWidget* cornerWidget() const;
     /// Takes the widget over and deletes the one before.
     virtual void setCornerWidget(QWidget* widget);
 
