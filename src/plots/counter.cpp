@@ -48,8 +48,8 @@ Counter::Counter(QWidget* parent, const QString& prefix, const QString& suffix, 
     row->addWidget(spinBox);
     setFocusProxy(spinBox);
     connect(spinBox, qOverload<int>(&QSpinBox::valueChanged), this, &Counter::valueChanged);
-    if (partner)
-        followPartner();
+    if (partnerCounter)
+        follow(*partnerCounter);
     if (!suffix.isEmpty())
         addLabel(QLatin1Char(' ') + suffix);
 }
@@ -61,17 +61,17 @@ void Counter::addLabel(const QString& text)
     layout()->addWidget(label);
 }
 
-void Counter::followPartner()
+void Counter::follow(const Counter& other)
 {
     connect(spinBox, qOverload<int>(&QSpinBox::valueChanged), this, &Counter::stayBelowPartner);
-    connect(partner->spinBox, qOverload<int>(&QSpinBox::valueChanged), this,
-            &Counter::returnToWish);
+    connect(other.spinBox, qOverload<int>(&QSpinBox::valueChanged), this, &Counter::returnToWish);
 }
 
 void Counter::stayBelowPartner(int value)
 {
-    if (partner && spinBox->value() > partner->spinBox->value())
-        spinBox->setValue(partner->spinBox->value());
+    const Counter* limit = partner;
+    if (limit && spinBox->value() > limit->spinBox->value())
+        spinBox->setValue(limit->spinBox->value());
     if (spinBox->hasFocus())
         wishedValue = value;
 }

@@ -28,7 +28,7 @@ signals:
 
 private:
     void addLabel(const QString& text);
-    void followPartner();
+    void follow(const Counter& other);
     void stayBelowPartner(int value);
     void returnToWish(int partnerValue);
 };

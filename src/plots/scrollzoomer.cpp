@@ -30,6 +30,11 @@ ScrollBar* ScrollZoomer::verticalScrollBar() const
     return vScrollData.scrollBar;
 }
 
+QWidget* ScrollZoomer::cornerWidget() const
+{
+    return corner;
+}
+
 ScrollZoomer::ScrollData& ScrollZoomer::scrollData(Qt::Orientation orientation)
 {
     return orientation == Qt::Vertical ? vScrollData : hScrollData;
@@ -85,6 +90,14 @@ int ScrollZoomer::scrollBarAxis(Qt::Orientation orientation) const
 {
     const int axis = zoomedAxis(orientation);
     return scrollData(orientation).position == OppositeToScale ? oppositeAxis(axis) : axis;
+}
+
+QPalette ScrollZoomer::plotPalette() const
+{
+    QPalette palette = plot()->palette();
+    // Set outright, or children of the canvas would still take the canvas's background.
+    palette.setBrush(QPalette::Window, palette.window());
+    return palette;
 }
 
 bool ScrollZoomer::isShown(const ScrollBar* bar) const
@@ -153,7 +166,7 @@ void ScrollZoomer::updateScrollBar(Qt::Orientation orientation)
     const QRectF base = zoomBase();
     const QRectF rect = zoomRect();
     ScrollBar* bar = scrollBar(orientation);
-    bar->setPalette(plot()->palette());
+    bar->setPalette(plotPalette());
     bar->setInverted(scaleDiv.lowerBound() > scaleDiv.upperBound());
     if (orientation == Qt::Vertical) {
         // From the largest y to the smallest: the top of the bar shows the top of the plot.
@@ -200,7 +213,7 @@ void ScrollZoomer::updateCorner()
     if (!corner) {
         corner = new QWidget(canvas());
         corner->setAutoFillBackground(true);
-        corner->setPalette(plot()->palette());
+        corner->setPalette(plotPalette());
     }
     corner->show();
 }

@@ -39,7 +39,7 @@ public:
     /// Null before first need.
     ScrollBar* horizontalScrollBar() const;
     ScrollBar* verticalScrollBar() const;
-    QWidget* cornerWidget() const { return corner; }
+    QWidget* cornerWidget() const;
     /// Takes the widget over and deletes the one before.
     virtual void setCornerWidget(QWidget* widget);
 
@@ -77,6 +77,7 @@ private:
 
     int zoomedAxis(Qt::Orientation orientation) const;
     int scrollBarAxis(Qt::Orientation orientation) const;
+    QPalette plotPalette() const;
     bool isShown(const ScrollBar* bar) const;
     void showScrollBar(Qt::Orientation orientation);
     void hideScrollBar(Qt::Orientation orientation);
