@@ -93,6 +93,9 @@ bool Settings::read(const QString& path)
     if (content->misfit)
         refuse(*content->misfit, pathToRead(path));
     records = content->records;
+    for (const ConnectionSettings& record : qAsConst(records))
+        logMessage().info() << "Loaded connection settings for" << record.name.text() << "with ID"
+                            << record.id.text();
     logMessage().info() << "Finished loading connection settings";
     return true;
 }

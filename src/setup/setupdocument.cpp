@@ -1,7 +1,5 @@
 #include "setup/setupdocument.h"
 
-#include "app/logging.h"
-
 #include <QDomDocument>
 #include <QTextStream>
 
@@ -77,8 +75,6 @@ void readConnection(const QDomElement& element, const QString& device, Connectio
     const QString group = element.attribute("group", noGroup);
     if (group != noGroup)
         record.group = group.toInt();
-    logMessage().info() << "Loaded connection settings for" << record.name.text() << "with ID"
-                        << record.id.text();
 }
 
 void readDetector(const QDomElement& element, std::size_t stage, ConnectionSettings& record)

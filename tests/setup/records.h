@@ -1,0 +1,40 @@
+#pragma once
+
+#include "model/connectionsettings.h"
+
+#include <QString>
+
+namespace records {
+
+/// An identification text whose device key is `key`, which has 11 characters.
+inline QString idWithKey(const QString& key)
+{
+    return QStringLiteral("Zev-V40-000000") + key + QStringLiteral("-rest of the text");
+}
+
+inline ConnectionSettings tcp(const QString& key, const QString& label)
+{
+    ConnectionSettings record;
+    record.type = ConnectionType::Tcp;
+    record.name.set(QStringLiteral("127.0.0.9"));
+    record.label.set(label);
+    record.id.set(idWithKey(key));
+    record.baudRateOrPort = 2000;
+    record.autoConnect = true;
+    record.colorX = Qt::red;
+    record.colorY = Qt::darkGreen;
+    record.colorI = Qt::blue;
+    return record;
+}
+
+inline ConnectionSettings serial(const QString& key, const QString& label)
+{
+    ConnectionSettings record = tcp(key, label);
+    record.type = ConnectionType::Serial;
+    record.name.set(QStringLiteral("ttyUSB3"));
+    record.baudRateOrPort = 921600;
+    record.autoConnect = false;
+    return record;
+}
+
+} // namespace records
