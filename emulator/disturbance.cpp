@@ -43,8 +43,8 @@ double airCornerHz(std::size_t index)
            * portable::exponential(span * static_cast<double>(index) / (AirMotion::corners - 1));
 }
 
-/// Share of the power of a first-order low pass that lies in the air's band. The power spectrum
-/// is a Lorentz curve, so its integral is an arc tangent; here by the midpoint rule.
+/// Share of the power of a first-order low pass that lies in the air's band and passes the low
+/// pass at its end, integrated over the logarithm of the frequency.
 double shareInBand(double cornerHz)
 {
     constexpr int intervals = 2000;
@@ -52,7 +52,9 @@ double shareInBand(double cornerHz)
     double sum = 0.0;
     for (int i = 0; i < intervals; ++i) {
         const double hz = airBandLowHz * portable::exponential(span * (i + 0.5) / intervals);
-        sum += hz * cornerHz / (hz * hz + cornerHz * cornerHz);
+        const double ratio = hz / airBandHighHz;
+        const double bandEnd = 1.0 / (1.0 + ratio * ratio * ratio * ratio);
+        sum += hz * cornerHz / (hz * hz + cornerHz * cornerHz) * bandEnd;
     }
     return sum * span / intervals * 2.0 / pi;
 }
@@ -74,15 +76,35 @@ std::array<double, AirMotion::corners> airVariances()
 
 } // namespace
 
+LowPass::LowPass(double cornerHz, double start)
+{
+    const double angle = 2.0 * pi * cornerHz / beamStepsPerSecond;
+    const double damping = portable::sine(angle) / std::sqrt(2.0);
+    const double cosine = portable::cosine(angle);
+    forward = 0.5 * (1.0 - cosine) / (1.0 + damping);
+    feedback1 = -2.0 * cosine / (1.0 + damping);
+    feedback2 = (1.0 - damping) / (1.0 + damping);
+    delay1 = start * (1.0 - forward);
+    delay2 = start * (forward - feedback2);
+}
+
 AirMotion::AirMotion(double rmsInBand, NoiseSource& noise)
+    : bandEnd(airBandHighHz, drawStates(rmsInBand, noise))
+{}
+
+/// Sets up the low passes so that the air begins as it goes on; the sum that they begin with.
+double AirMotion::drawStates(double rmsInBand, NoiseSource& noise)
 {
     static const std::array<double, corners> variances = airVariances();
+    double sum = 0.0;
     for (std::size_t i = 0; i < corners; ++i) {
         const double sigma = rmsInBand * std::sqrt(variances[i]);
         pole[i] = portable::exponential(-2.0 * pi * airCornerHz(i) / beamStepsPerSecond);
         gain[i] = sigma * std::sqrt(1.0 - pole[i] * pole[i]);
         state[i] = sigma * noise.gaussian();
+        sum += state[i];
     }
+    return sum;
 }
 
 VibrationLines::VibrationLines(double mountsRms, double acousticsRms, NoiseSource& noise)

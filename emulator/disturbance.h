@@ -12,8 +12,32 @@ constexpr int beamStepsPerSecond = 5000;
 
 enum class BeamAxis { Horizontal, Vertical };
 
-/// Motion of the air: a power spectrum of 1/f^b between 0.1 and 50 Hz, as a sum of first-order
-/// low passes whose corners are spread evenly over the decades.
+/// Second-order low pass without resonance.
+class LowPass final
+{
+public:
+    /// Begins as if `start` had stood at its input for ever.
+    LowPass(double cornerHz, double start);
+    double next(double value)
+    {
+        // Transposed direct form.
+        const double result = forward * value + delay1;
+        delay1 = 2.0 * forward * value - feedback1 * result + delay2;
+        delay2 = forward * value - feedback2 * result;
+        return result;
+    }
+
+private:
+    double forward = 0.0;
+    double feedback1 = 0.0;
+    double feedback2 = 0.0;
+    double delay1 = 0.0;
+    double delay2 = 0.0;
+};
+
+/// Motion of the air: a power spectrum of 1/f^b between 0.1 and 50 Hz. It is a sum of first-order
+/// low passes of noise whose corners are spread evenly over the decades, and ends at 50 Hz by a
+/// steeper low pass: what their own tails leave above would be more than a loop can hold.
 class AirMotion final
 {
 public:
@@ -28,13 +52,16 @@ public:
             state[i] = pole[i] * state[i] + gain[i] * drives[i];
             sum += state[i];
         }
-        return sum;
+        return bandEnd.next(sum);
     }
 
 private:
+    double drawStates(double rmsInBand, NoiseSource& noise);
+
     std::array<double, corners> pole{};
     std::array<double, corners> gain{};
     std::array<double, corners> state{};
+    LowPass bandEnd;
 };
 
 /// Lines of mounts, table and acoustics: resonators of two poles driven by noise.

@@ -141,7 +141,7 @@ void TcpFace::dropSocket()
     if (!socket)
         return;
     QTcpSocket* const gone = socket;
-    socket.clear();
+    socket = nullptr;
     gone->disconnect(this);
     gone->abort();
     gone->deleteLater();

@@ -5,7 +5,6 @@
 
 #include <QHostAddress>
 #include <QObject>
-#include <QPointer>
 #include <QTcpServer>
 
 class QTcpSocket;
@@ -61,7 +60,8 @@ private:
     WireLog log;
     Controller ownController;
     QTcpServer server;
-    QPointer<QTcpSocket> socket;
+    /// The host's; owned by the server, null without a host.
+    QTcpSocket* socket = nullptr;
     QHostAddress listenAddress;
     quint16 listenPort = 0;
 };

@@ -1,27 +1,11 @@
 #include "emulator/emulatorhost.h"
 #include "hostclient.h"
+#include "wiretools.h"
 
 #include <QtTest>
 
 using namespace emulator;
-
-namespace {
-
-QByteArray hex(const char* digits)
-{
-    return QByteArray::fromHex(digits);
-}
-
-const QByteArray accepted = hex("00 3b");
-const QByteArray refused = hex("01 3b");
-
-int wordAt(const QByteArray& bytes, int index)
-{
-    return static_cast<qint16>(static_cast<quint8>(bytes[index]) * 256
-                               + static_cast<quint8>(bytes[index + 1]));
-}
-
-} // namespace
+using namespace wiretools;
 
 class TestCommands final : public QObject
 {
@@ -106,7 +90,7 @@ void TestCommands::everyCommandIsAnsweredInItsForm()
     const QByteArray reply = client.exchange(command, length);
 
     QCOMPARE(reply.size(), length);
-    QCOMPARE(reply.left(2), accepted);
+    QCOMPARE(reply.left(2), accepted());
     QCOMPARE(reply.right(1), QByteArray(";"));
     // A byte too many would stand in front of this.
     QCOMPARE(client.exchange("GID;", 50), controller.idReply());
@@ -194,9 +178,10 @@ void TestCommands::stageThatDoesNotExistIsRefusedAndNamed()
     EmulatorHost host;
     HostClient client(host.addTcp());
 
-    QCOMPARE(client.exchange(command, 2), refused);
-    QCOMPARE(client.exchange("GER;", 7),
-             QByteArray(accepted + command.left(3) + QByteArray(1, static_cast<char>(code)) + ";"));
+    QCOMPARE(client.exchange(command, 2), refused());
+    QCOMPARE(
+        client.exchange("GER;", 7),
+        QByteArray(accepted() + command.left(3) + QByteArray(1, static_cast<char>(code)) + ";"));
 }
 
 void TestCommands::unknownCommandIsRefusedAndTheNextOneUnderstood()
@@ -204,7 +189,8 @@ void TestCommands::unknownCommandIsRefusedAndTheNextOneUnderstood()
     EmulatorHost host;
     HostClient client(host.addTcp());
 
-    QCOMPARE(client.exchange("XYZ;GER;", 9), QByteArray(refused + accepted + "XYZ" + hex("01 3b")));
+    QCOMPARE(client.exchange("XYZ;GER;", 9),
+             QByteArray(refused() + accepted() + "XYZ" + hex("01 3b")));
 }
 
 void TestCommands::commandMayComeInPieces()
@@ -216,7 +202,7 @@ void TestCommands::commandMayComeInPieces()
     client.send("A");
     client.send("I" + hex("01"));
     client.send(hex("78 03"));
-    QCOMPARE(client.exchange(hex("e8 3b"), 2), accepted);
+    QCOMPARE(client.exchange(hex("e8 3b"), 2), accepted());
     QCOMPARE(client.exchange("GAI" + hex("01 78 3b"), 5), hex("00 3b 03e8 3b"));
 }
 
@@ -225,7 +211,7 @@ void TestCommands::argumentByteMayBeATerminator()
     EmulatorHost host;
     HostClient client(host.addTcp());
 
-    QCOMPARE(client.exchange("SPF" + hex("01 0b3b 3b"), 2), accepted);
+    QCOMPARE(client.exchange("SPF" + hex("01 0b3b 3b"), 2), accepted());
     QCOMPARE(client.exchange("GPF" + hex("01 3b"), 5), hex("00 3b 0b3b 3b"));
 }
 
@@ -234,7 +220,7 @@ void TestCommands::unfinishedCommandIsGivenUp()
     EmulatorHost host;
     HostClient client(host.addTcp());
 
-    QCOMPARE(client.exchange("SEA;", 2), refused);
+    QCOMPARE(client.exchange("SEA;", 2), refused());
     QCOMPARE(client.exchange("GER;", 7).mid(2, 3), QByteArray("SEA"));
 }
 
@@ -264,7 +250,7 @@ void TestCommands::valuesThatWereSetAreToldAgain()
     EmulatorHost host;
     HostClient client(host.addTcp());
 
-    QCOMPARE(client.exchange(set, 2), accepted);
+    QCOMPARE(client.exchange(set, 2), accepted());
     const QByteArray reply = client.exchange(get, 5);
     QCOMPARE(reply.size(), 5);
     QCOMPARE(wordAt(reply, 2), value);
@@ -290,8 +276,8 @@ void TestCommands::valueOutOfRangeIsRefused()
     EmulatorHost host;
     HostClient client(host.addTcp());
 
-    QCOMPARE(client.exchange(command, 2), refused);
-    QCOMPARE(client.exchange("GER;", 7), QByteArray(accepted + command.left(3) + hex("04 3b")));
+    QCOMPARE(client.exchange(command, 2), refused());
+    QCOMPARE(client.exchange("GER;", 7), QByteArray(accepted() + command.left(3) + hex("04 3b")));
 }
 
 void TestCommands::sensitivityNeedsFirmwareAbove30()
@@ -301,9 +287,9 @@ void TestCommands::sensitivityNeedsFirmwareAbove30()
     EmulatorHost host;
     HostClient client(host.addTcp(options));
 
-    QCOMPARE(client.exchange("SDS" + hex("01 03e8 3b"), 2), refused);
-    QCOMPARE(client.exchange("GDS" + hex("01 3b"), 2), refused);
-    QCOMPARE(client.exchange("GER;", 7), QByteArray(accepted + "GDS" + hex("05 3b")));
+    QCOMPARE(client.exchange("SDS" + hex("01 03e8 3b"), 2), refused());
+    QCOMPARE(client.exchange("GDS" + hex("01 3b"), 2), refused());
+    QCOMPARE(client.exchange("GER;", 7), QByteArray(accepted() + "GDS" + hex("05 3b")));
 }
 
 void TestCommands::startOfStreamHasToSuitTheFirmwareKind_data()
@@ -336,7 +322,7 @@ void TestCommands::startOfStreamHasToSuitTheFirmwareKind()
     const ControllerHandle controller = host.addTcp(options);
     HostClient client(controller);
 
-    QCOMPARE(client.exchange(start, 2), starts ? accepted : refused);
+    QCOMPARE(client.exchange(start, 2), starts ? accepted() : refused());
     QCOMPARE(controller.isStreaming(), starts);
 }
 
@@ -348,18 +334,18 @@ void TestCommands::statusFollowsStagesAndSources()
     const auto status = [&] { return client.exchange("GSF;", 4).mid(2, 1); };
 
     QCOMPARE(status(), hex("01"));
-    QCOMPARE(client.exchange("SEA" + hex("01 3b"), 2), accepted);
+    QCOMPARE(client.exchange("SEA" + hex("01 3b"), 2), accepted());
     QCOMPARE(status(), hex("29"));
     QVERIFY(controller.stageOn(1));
     QVERIFY(!controller.stageOn(2));
     QCOMPARE(client.exchange("GAS;", 5), hex("00 3b 01 00 3b"));
-    QCOMPARE(client.exchange("SEA" + hex("03 3b"), 2), accepted);
+    QCOMPARE(client.exchange("SEA" + hex("03 3b"), 2), accepted());
     QCOMPARE(status(), hex("79"));
-    QCOMPARE(client.exchange("CEA" + hex("01 3b"), 2), accepted);
-    QCOMPARE(client.exchange("SAI" + hex("02 79 0064 3b"), 2), accepted);
-    QCOMPARE(client.exchange("SPF" + hex("01 0000 3b"), 2), accepted);
+    QCOMPARE(client.exchange("CEA" + hex("01 3b"), 2), accepted());
+    QCOMPARE(client.exchange("SAI" + hex("02 79 0064 3b"), 2), accepted());
+    QCOMPARE(client.exchange("SPF" + hex("01 0000 3b"), 2), accepted());
     QCOMPARE(status(), hex("54"));
-    QCOMPARE(client.exchange("SAI" + hex("01 78 0064 3b"), 2), accepted);
+    QCOMPARE(client.exchange("SAI" + hex("01 78 0064 3b"), 2), accepted());
     QCOMPARE(status(), hex("56"));
 }
 
@@ -371,7 +357,7 @@ void TestCommands::labelIsStoredWholeAndTold()
     const QByteArray label = "Left; GID; table         ";
 
     QCOMPARE(label.size(), 25);
-    QCOMPARE(client.exchange("SLA" + label + ";", 2), accepted);
+    QCOMPARE(client.exchange("SLA" + label + ";", 2), accepted());
     QCOMPARE(controller.label(), label);
     QCOMPARE(client.exchange("GLA;", 29).mid(2, 25), label);
 }
@@ -396,12 +382,12 @@ void TestCommands::multiplexStateFollowsItsCommands()
     const auto flags = [&] { return client.exchange("GMF;", 4).mid(2, 1); };
     const auto packetFlags = [&] { return client.exchange("S1S;", 25).mid(3, 1); };
 
-    QCOMPARE(client.exchange("SMD" + hex("03 3b"), 2), accepted);
+    QCOMPARE(client.exchange("SMD" + hex("03 3b"), 2), accepted());
     QCOMPARE(flags(), hex("03"));
     QCOMPARE(packetFlags(), hex("03"));
-    QCOMPARE(client.exchange("CMD" + hex("01 3b"), 2), accepted);
+    QCOMPARE(client.exchange("CMD" + hex("01 3b"), 2), accepted());
     QCOMPARE(packetFlags(), hex("02"));
-    QCOMPARE(client.exchange("SSE" + hex("02 3b"), 2), accepted);
+    QCOMPARE(client.exchange("SSE" + hex("02 3b"), 2), accepted());
     QCOMPARE(packetFlags(), hex("00"));
 }
 

@@ -1,57 +1,17 @@
 #include "emulator/emulatorhost.h"
 #include "hostclient.h"
+#include "wiretools.h"
 
 #include <QtTest>
 
 using namespace emulator;
+using namespace wiretools;
 
 namespace {
-
-constexpr int packetBytes = 25;
-
-QByteArray hex(const char* digits)
-{
-    return QByteArray::fromHex(digits);
-}
-
-const QByteArray accepted = hex("00 3b");
-
-QByteArray startAt(int rate, const QByteArray& mnemonic = "SLS")
-{
-    QByteArray command = mnemonic + hex("0000");
-    command.append(static_cast<char>(rate / 256));
-    command.append(static_cast<char>(rate % 256));
-    return command + ';';
-}
-
-int wordAt(const QByteArray& bytes, int index)
-{
-    return static_cast<qint16>(static_cast<quint8>(bytes[index]) * 256
-                               + static_cast<quint8>(bytes[index + 1]));
-}
 
 quint8 flagsA(const QByteArray& packet)
 {
     return static_cast<quint8>(packet[2]);
-}
-
-bool isFramed(const QByteArray& packet)
-{
-    return packet.size() == packetBytes && packet.startsWith(accepted) && packet.endsWith(';');
-}
-
-/// Samples whose x of stage 1 counts from 1.
-QVector<PacketValues> countingScript(int samples)
-{
-    QVector<PacketValues> script;
-    for (int i = 1; i <= samples; ++i) {
-        PacketValues values;
-        values.x1 = static_cast<qint16>(i);
-        values.y1 = static_cast<qint16>(-i);
-        values.i1 = static_cast<quint16>(40000 + i);
-        script.append(values);
-    }
-    return script;
 }
 
 } // namespace
@@ -172,7 +132,7 @@ void TestStreaming::scriptEndsInSilence()
     const QByteArray end = client.exchange("CLS;", packetBytes + 2);
     QCOMPARE(wordAt(end, 4), 3);
     QCOMPARE(flagsA(end), quint8(0x80));
-    QCOMPARE(end.right(2), accepted);
+    QCOMPARE(end.right(2), accepted());
 }
 
 void TestStreaming::scriptThatRepeatsGoesRound()
@@ -231,7 +191,7 @@ void TestStreaming::stopOfNewFirmwareEndsWithAMarkedPacket()
     const QByteArray rest = client.readUntilQuiet();
 
     QCOMPARE(rest.size() % packetBytes, 2);
-    QCOMPARE(rest.right(2), accepted);
+    QCOMPARE(rest.right(2), accepted());
     for (int place = 0; place + packetBytes < rest.size(); place += packetBytes) {
         const QByteArray packet = rest.mid(place, packetBytes);
         QVERIFY(isFramed(packet));
@@ -240,7 +200,7 @@ void TestStreaming::stopOfNewFirmwareEndsWithAMarkedPacket()
     QVERIFY(!controller.isStreaming());
     const QVector<WireEvent> wire = controller.wire();
     QCOMPARE(wire[wire.size() - 2].bytes.size(), packetBytes);
-    QCOMPARE(wire.last().bytes, accepted);
+    QCOMPARE(wire.last().bytes, accepted());
 }
 
 void TestStreaming::stopOfOldFirmwareIsBare()
@@ -255,7 +215,7 @@ void TestStreaming::stopOfOldFirmwareIsBare()
 
     client.send("CLS;");
 
-    QCOMPARE(client.readUntilQuiet(), accepted);
+    QCOMPARE(client.readUntilQuiet(), accepted());
     QVERIFY(!controller.isStreaming());
 }
 
@@ -277,7 +237,7 @@ void TestStreaming::stopWithoutStreamIsBare()
 
     client.send("CLS;");
 
-    QCOMPARE(client.readUntilQuiet(), accepted);
+    QCOMPARE(client.readUntilQuiet(), accepted());
 }
 
 void TestStreaming::oldFirmwareLeavesFlagBytesAtRest()
@@ -330,7 +290,7 @@ void TestStreaming::triggeredStreamStartsBareAndFollowsThePulses()
     const ControllerHandle controller = host.addTcp(options);
     HostClient client(controller);
 
-    QCOMPARE(client.exchange("SPS" + hex("0000 3b"), 2), accepted);
+    QCOMPARE(client.exchange("SPS" + hex("0000 3b"), 2), accepted());
     const QByteArray packets = client.read(5 * packetBytes);
     QCOMPARE(packets.size(), 5 * packetBytes);
     QCOMPARE(wordAt(packets, 4), 1);
@@ -350,7 +310,7 @@ void TestStreaming::triggeredStreamWithoutPulsesIsSilent()
 
     client.send("SPS" + hex("0000 3b"));
 
-    QCOMPARE(client.readUntilQuiet(), accepted);
+    QCOMPARE(client.readUntilQuiet(), accepted());
     QVERIFY(controller.isStreaming());
     const QByteArray end = client.exchange("CLS;", packetBytes + 2);
     QCOMPARE(flagsA(end), quint8(0x80));
