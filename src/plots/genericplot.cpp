@@ -31,7 +31,8 @@ GenericPlot::GenericPlot(QWidget* parent)
     enableAxis(xTop, true);
     enableAxis(yRight, true);
     applyRange();
-    const QFont axisFont(QStringLiteral("Sans Serif"), 8);
+    // With weight and style named, too, or the font of the plot would give them.
+    const QFont axisFont(QStringLiteral("Sans Serif"), 8, QFont::Normal, false);
     for (int axis : axesInRangeOrder)
         setAxisFont(axis, axisFont);
     replot();

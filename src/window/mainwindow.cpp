@@ -201,6 +201,8 @@ void MainWindow::makeStatisticsOverlay()
         stage.targetCross = new QwtPlotShapeItem(QLatin1String(crossNames[stage.number - 1]));
         stage.targetCross->setPen(QPen(Qt::red, crossWidth));
         stage.targetCross->setShape(restingCrossShape());
+        // Over the points that it sums up.
+        stage.targetCross->setZ(stage.statisticsLabel->z());
     }
 }
 
@@ -215,7 +217,7 @@ void MainWindow::makePiezoBars()
         stage.thermoY = new ThermoSlider(this);
         stage.thermoX->setObjectName(stage.widgetName("thermoRX"));
         stage.thermoY->setObjectName(stage.widgetName("thermoRY"));
-        constexpr int stripWidthPx = 12;
+        constexpr int stripWidthPx = 14;
         const std::array<ThermoSlider*, 2> bars{stage.thermoX, stage.thermoY};
         for (std::size_t axis = 0; axis < bars.size(); ++axis) {
             auto* strip = new ColorScalesFrame(this);

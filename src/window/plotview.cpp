@@ -33,12 +33,15 @@ constexpr int maxMinorTicks = 3;
 /// those of one stage stand above each other.
 constexpr double leftAxisExtentPx = 40.0;
 constexpr QSize pointingDotSize(3, 3);
+/// Below this the time axes could not be read; the window scrolls instead.
+constexpr int minTimePlotWidthPx = 260;
 /// Share of the window's width that the pointing plots take at most.
 constexpr double maxOsciShare = 0.42;
 
 void dressTimePlot(GenericPlot& plot, const char* background, QwtPlot::Axis timeAxis,
                    QwtPlot::Axis hiddenTimeAxis)
 {
+    plot.setMinimumWidth(minTimePlotWidthPx);
     plot.setKeepAllPoints(true);
     plot.setCanvasBackground(QColor(QLatin1String(background)));
     plot.disableZoomer();

@@ -3,6 +3,7 @@
 #include "plots/genericplot.h"
 
 #include <QCoreApplication>
+#include <QIcon>
 #include <QLabel>
 
 namespace {
@@ -54,8 +55,10 @@ bool StageView::showsActive() const
 
 void StageView::setActive(bool active)
 {
-    activeIcon->setPixmap(QPixmap(active ? QStringLiteral(":/images/green_light.png")
-                                         : QStringLiteral(":/images/red_light.png")));
+    // Only an icon finds the picture for a screen of twice the density.
+    const QIcon light(active ? QStringLiteral(":/images/green_light.png")
+                             : QStringLiteral(":/images/red_light.png"));
+    activeIcon->setPixmap(light.pixmap(activeIcon->maximumSize()));
     activeText->setText(active ? activeName()
                                : QCoreApplication::translate("MainWindow", "Inactive"));
 }

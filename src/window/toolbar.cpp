@@ -22,7 +22,7 @@ constexpr int logoMarginPx = 20;
 QLabel* scaledPicture(const QString& file, const QSize& maximum, QWidget* parent)
 {
     auto* label = new QLabel(parent);
-    label->setPixmap(QPixmap(file));
+    label->setPixmap(QIcon(file).pixmap(maximum));
     label->setScaledContents(true);
     label->setMaximumSize(maximum);
     return label;
