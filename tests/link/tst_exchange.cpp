@@ -4,6 +4,10 @@
 
 #include <QtTest>
 
+#include <functional>
+
+Q_DECLARE_METATYPE(std::function<void(Connection&)>)
+
 namespace {
 
 using emulator::ControllerOptions;
@@ -187,10 +191,11 @@ void TestExchange::nextExchangeWorksAfterAMissingReply()
 
 void TestExchange::commandIsNotWrittenWhileStreaming()
 {
-    EmulatedLink link({}, longTimeoutMs);
+    EmulatedLink link;
     QVERIFY(link.connectAndIdentify());
     QVERIFY(link.startStream());
     link.controller.clearWire();
+    link.client.setTimeoutMs(longTimeoutMs);
 
     QElapsedTimer time;
     time.start();
@@ -388,8 +393,6 @@ void TestExchange::releasedConnectionCanOnlyBeDestroyed()
     QCOMPARE(log.count("debug: Deleting TCP connection"), 1);
     QCOMPARE(log.count("debug: Deleting connection"), 1);
 }
-
-Q_DECLARE_METATYPE(std::function<void(Connection&)>)
 
 QTEST_GUILESS_MAIN(TestExchange)
 #include "tst_exchange.moc"

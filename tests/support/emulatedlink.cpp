@@ -10,6 +10,8 @@ EmulatedLink::EmulatedLink(const emulator::ControllerOptions& options, int timeo
 {
     client.setTimeoutMs(timeoutMs);
     client.init(controller.address(), controller.port());
+    QObject::connect(&client, &Connection::hostDisconnected, &context,
+                     [this](const QString& address) { lost.append(address); });
 }
 
 bool EmulatedLink::connect()

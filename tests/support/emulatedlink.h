@@ -3,6 +3,9 @@
 #include "emulator/emulatorhost.h"
 #include "link/tcpclient.h"
 
+#include <QObject>
+#include <QStringList>
+
 #include <vector>
 
 /// A `TcpClient` on an emulated controller of its own, with short waits unless asked otherwise.
@@ -27,6 +30,9 @@ struct EmulatedLink
     emulator::EmulatorHost host;
     emulator::ControllerHandle controller;
     TcpClient client;
+    /// The addresses that `hostDisconnected` told.
+    QStringList lost;
+    QObject context;
 };
 
 /// Script samples whose x1 and y1 count from 1 and whose values hold no byte of a packet's marks.
