@@ -123,10 +123,10 @@ bool WindowFixture::registerSystem(const ConnectionSettings& settings, int numbe
     TcpClient& link = *client;
     if (!waitWithoutEvents([&link] { return link.isConnected(); }))
         return false;
+    client->setTimeoutMs(timeoutMs);
     if (!identify(*client, LineClearing::TwoStops).isController)
         return false;
     client->setTriggerMode(settings.pulsedLaser);
-    client->setTimeoutMs(timeoutMs);
     mainWindow->newConnection(std::move(client), settings);
     controller(number).clearWire();
     return true;
