@@ -1,5 +1,5 @@
 #include "plots/counter.h"
-#include "widgetcheck.h"
+#include "support/widgetcheck.h"
 
 #include <QLabel>
 #include <QLineEdit>

@@ -1,7 +1,7 @@
 #include "plots/colorscalesframe.h"
 #include "plots/qor_toolbar.h"
 #include "plots/thermoslider.h"
-#include "widgetcheck.h"
+#include "support/widgetcheck.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
 #include "plots/curvedata.h"
 #include "plots/genericplot.h"
-#include "widgetcheck.h"
+#include "support/widgetcheck.h"
 
 #include <QPainterPath>
 #include <QtTest>

@@ -1,6 +1,6 @@
 #include "plots/curvedata.h"
 #include "plots/incrementalplot.h"
-#include "widgetcheck.h"
+#include "support/widgetcheck.h"
 
 #include <QtTest>
 #include <qwt_plot_curve.h>

@@ -1,6 +1,6 @@
 #include "plots/rescaledialog.h"
 #include "plots/rescaletimeaxisdlg.h"
-#include "widgetcheck.h"
+#include "support/widgetcheck.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
 #include "plots/scrollbar.h"
-#include "widgetcheck.h"
+#include "support/widgetcheck.h"
 
 #include <QSignalSpy>
 #include <QStyle>

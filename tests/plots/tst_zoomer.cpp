@@ -1,5 +1,5 @@
 #include "plotonscreen.h"
-#include "widgetcheck.h"
+#include "support/widgetcheck.h"
 
 #include <QSignalSpy>
 #include <QtTest>

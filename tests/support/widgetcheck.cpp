@@ -1,13 +1,10 @@
-#pragma once
+#include "support/widgetcheck.h"
 
 #include <QApplication>
-#include <QString>
 #include <QStringList>
 #include <QWidget>
 
-/// Class names of the widgets that a test left behind. The screen's own widgets do not count: Qt
-/// makes them for anyone who asks for a resolution in dots per inch, as Qwt does.
-inline QString leftWidgets()
+QString leftWidgets()
 {
     QStringList names;
     const QWidgetList widgets = QApplication::allWidgets();
