@@ -18,10 +18,11 @@ ConnectionOverviewDialog::ConnectionOverviewDialog(QWidget* parent)
     ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     appendRow(true);
-    resize(initialWidthPx, height());
     connect(ui->listWidget, &ListWidget::indexChanged, this,
             &ConnectionOverviewDialog::changeOrder);
     ui->listWidget->setMinimumWidth(ui->listWidget->sizeHintForColumn(0));
+    keepListWhole();
+    resize(initialWidthPx, height());
 }
 
 ConnectionOverviewDialog::~ConnectionOverviewDialog()
@@ -30,6 +31,13 @@ ConnectionOverviewDialog::~ConnectionOverviewDialog()
     while (!rows.isEmpty())
         removeLastRow();
     disconnect(ui->listWidget, nullptr, this, nullptr);
+}
+
+/// With a large font the list needs more than the form's smallest width.
+void ConnectionOverviewDialog::keepListWhole()
+{
+    const int frame = 2 * ui->listWidget->frameWidth();
+    setMinimumWidth(qMax(minimumWidth(), layout()->minimumSize().width() + frame));
 }
 
 int ConnectionOverviewDialog::connectionRows() const

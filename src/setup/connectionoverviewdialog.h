@@ -53,6 +53,7 @@ private slots:
     void on_closePushButton_clicked();
 
 private:
+    void keepListWhole();
     void appendRow(bool header);
     void addConnectionRow();
     void removeLastRow();

@@ -18,6 +18,9 @@ ConnectionWidget::ConnectionWidget(QString number, QString labelText, QString ad
     ui->lineEdit->setValidator(
         new QRegExpValidator(QRegExp(QStringLiteral("[A-Za-z0-9_]+")), ui->lineEdit));
     ui->lineEdit->setText(label);
+    // A label that is wider than its field shows its beginning.
+    if (ui->lineEdit->fontMetrics().horizontalAdvance(label) > ui->lineEdit->maximumWidth())
+        ui->lineEdit->setCursorPosition(0);
     ui->info->setText(address_);
     keepButtonWidth();
     connect(ui->checkBoxAutoConnect, &QCheckBox::toggled, this,

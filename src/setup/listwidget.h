@@ -10,12 +10,12 @@ class ListWidget final : public QListWidget
 public:
     using QListWidget::QListWidget;
 
+    /// Moves the current row to where it was dropped, unless that is the header or the row is.
+    void dropEvent(QDropEvent* event) override;
+
 signals:
     /// A row was dropped. The indices do not count the header.
     void indexChanged(int oldIndex, int newIndex);
-
-protected:
-    void dropEvent(QDropEvent* event) override;
 
 private:
     bool isOnHeader(int y) const;

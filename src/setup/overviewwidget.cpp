@@ -16,8 +16,10 @@ constexpr int graphY = 1;
 constexpr int graphI = 2;
 /// The colour targets from here on belong to common detectors.
 constexpr int commonTarget = 3;
-constexpr int buttonPaddingPx = 24;
-constexpr int colorButtonWidthPx = 26;
+constexpr int buttonPaddingPx = 16;
+constexpr int colorButtonWidthPx = 22;
+/// Headings are smaller than what they head, also so that a column is as narrow as its controls.
+constexpr double headingScale = 0.85;
 
 QPalette paletteWithButton(const QString& color)
 {
@@ -89,11 +91,18 @@ void OverviewWidget::alignColumns()
         {ui->configLabel, ui->parameterPushButton},
         {ui->displayLabel, ui->showCheckBox},
     };
+    QFont headingFont = font();
+    headingFont.setPointSizeF(headingFont.pointSizeF() * headingScale);
+    for (QLabel* heading : {ui->label_4, ui->label_5, ui->label_6})
+        heading->setFont(headingFont);
     for (const auto& [head, control] : columns) {
+        head->setFont(headingFont);
         const int width = std::max(widthFor(*head), widthFor(*control));
         head->setFixedWidth(width);
         control->setFixedWidth(width);
     }
+    for (QPushButton* button : {ui->xColor, ui->yColor, ui->iColor})
+        button->setFixedHeight(ui->parameterPushButton->sizeHint().height());
 }
 
 /// Multiplexing, groups and common detectors have no effect in this version.

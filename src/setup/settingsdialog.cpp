@@ -14,6 +14,7 @@
 #include <QRegExpValidator>
 #include <QScreen>
 #include <QShowEvent>
+#include <QStyle>
 
 #include <initializer_list>
 
@@ -107,6 +108,10 @@ void SettingsDialog::prepareFields()
             new QRegExpValidator(QRegExp(QStringLiteral("[A-Za-z0-9_]+")), &each->labelEdit));
         hideInPlace(each->info);
     }
+    // The border of an invalid field takes the room of the usual one, so that nothing moves.
+    for (QLineEdit* edit :
+         {ui->serialPortLabel_2, ui->addressTcpEdit, ui->portLineEdit, ui->labelTcpEdit})
+        edit->setFixedHeight(edit->sizeHint().height());
     ui->connectSerialButton->setDefault(true);
 }
 
@@ -135,16 +140,24 @@ void SettingsDialog::showEvent(QShowEvent* event)
         if (edit->isEnabled())
             edit->clear();
     }
-    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
-    const QSize border = frameGeometry().size() - size();
-    resize(QSize(maximumWidth(), available.height())
-               .boundedTo(available.size() - border)
-               .expandedTo(minimumSizeHint()));
-    QRect frame = frameGeometry();
-    frame.moveCenter(available.center());
-    move(frame.topLeft());
+    fillScreenHeight();
     if (switches::autoSerialSearch)
         ui->rescanButton->click();
+}
+
+/// As wide as it may be and as high as the screen, in its middle.
+void SettingsDialog::fillScreenHeight()
+{
+    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
+    QSize border = frameGeometry().size() - size();
+    // Before the first time the window manager has not told its frame.
+    if (border.isNull())
+        border.setHeight(style()->pixelMetric(QStyle::PM_TitleBarHeight));
+    const QSize room = available.size() - border;
+    resize(QSize(maximumWidth(), room.height()).boundedTo(room).expandedTo(minimumSizeHint()));
+    QRect frame(QPoint(), size() + border);
+    frame.moveCenter(available.center());
+    move(frame.topLeft());
 }
 
 void SettingsDialog::on_tabWidget_currentChanged(int index)

@@ -103,6 +103,7 @@ private:
     // The dialog.
     void prepareFields();
     void prepareFileDialog();
+    void fillScreenHeight();
     /// The path that the user chose; empty if none.
     QString chooseFile(QFileDialog::AcceptMode mode, const QString& title);
     void save(const QString& path);
