@@ -20,6 +20,7 @@
 namespace {
 
 constexpr QSize shownSize(1280, 960);
+constexpr int desktopFontPt = 9;
 
 /// Each process has 256 addresses of its own, so that tests which run side by side never meet.
 QString addressOf(int number)
@@ -50,6 +51,8 @@ WindowFixture::WindowFixture(int count, const emulator::ControllerOptions& optio
 {
     switches::configDir = QDir(home.path());
     switches::autoSerialSearch = false;
+    // The offscreen platform's own font is larger than that of a desktop.
+    QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), desktopFontPt));
     for (int i = 0; i < count; ++i)
         addController(options);
 }

@@ -1,0 +1,372 @@
+// One test per flow: the exact bytes and their order, both ways.
+
+#include "dialogue.h"
+#include "link/tcpclient.h"
+#include "setup/connectionoverviewdialog.h"
+#include "setup/connectionwidget.h"
+#include "setup/overviewwidget.h"
+#include "setup/settingsdialog.h"
+#include "support/userinput.h"
+#include "support/widgetcheck.h"
+#include "support/windowfixture.h"
+#include "window/mainwindow.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTabWidget>
+#include <QtTest>
+
+namespace {
+
+constexpr int tcpTab = 1;
+
+SettingsDialog& settingsDialog(const WindowFixture& fixture)
+{
+    return *fixture.window().findChild<SettingsDialog*>();
+}
+
+template <typename T>
+T& in(QWidget& dialog, const char* name)
+{
+    return *dialog.findChild<T*>(QLatin1String(name));
+}
+
+void makeShortConnections(const WindowFixture& fixture)
+{
+    settingsDialog(fixture).setConnectionFactory([](ConnectionType) {
+        auto client = std::make_unique<TcpClient>();
+        client->setTimeoutMs(WindowFixture::shortTimeoutMs);
+        return client;
+    });
+}
+
+/// Fills the TCP tab by keys and presses Connect.
+bool connectByDialog(WindowFixture& fixture, int number, const QString& label)
+{
+    SettingsDialog& dialog = settingsDialog(fixture);
+    fixture.find<QAction>("actionSetup")->trigger();
+    in<QTabWidget>(dialog, "tabWidget").setCurrentIndex(tcpTab);
+    QTest::keyClicks(&in<QLineEdit>(dialog, "addressTcpEdit"),
+                     fixture.controller(number).address());
+    in<QLineEdit>(dialog, "portLineEdit").clear();
+    QTest::keyClicks(&in<QLineEdit>(dialog, "portLineEdit"),
+                     QString::number(fixture.controller(number).port()));
+    QTest::keyClicks(&in<QLineEdit>(dialog, "labelTcpEdit"), label);
+    return user::click(&in<QPushButton>(dialog, "connectTcpButton"));
+}
+
+ConnectionWidget& line(const WindowFixture& fixture, int number)
+{
+    auto& list = in<QListWidget>(settingsDialog(fixture), "listWidgetTcp");
+    return *qobject_cast<ConnectionWidget*>(list.itemWidget(list.item(number)));
+}
+
+bool clickInLine(const WindowFixture& fixture, int number, const char* name)
+{
+    auto& button = in<QPushButton>(line(fixture, number), name);
+    // The screen of the tests is narrow: the line is scrolled as far as the button.
+    in<QListWidget>(settingsDialog(fixture), "listWidgetTcp")
+        .horizontalScrollBar()
+        ->setValue(button.geometry().right());
+    return user::click(&button);
+}
+
+/// Row 0 is the header.
+OverviewWidget& overviewRow(const WindowFixture& fixture, int number)
+{
+    auto& list =
+        in<QListWidget>(*fixture.window().findChild<ConnectionOverviewDialog*>(), "listWidget");
+    return *qobject_cast<OverviewWidget*>(list.itemWidget(list.item(number + 1)));
+}
+
+QStringList identificationWith(const emulator::ControllerHandle& controller)
+{
+    return {sent("CLS"), accepted(),  sent("CLS"),
+            accepted(),  sent("GID"), got(controller.idReply())};
+}
+
+QString infoText(const WindowFixture& fixture)
+{
+    return in<QLabel>(settingsDialog(fixture), "infoLabel2").text();
+}
+
+} // namespace
+
+class TestWire : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+    void autoconnectAtStart();
+    void manualTcpConnect();
+    void startStreamsAtTheRateOfTheToolBar();
+    void stopEndsTheStream();
+    void clearSendsNothing();
+    void stageIsSwitched_data();
+    void stageIsSwitched();
+    void oldFirmwareIsAskedForItsStatusAfterASwitch_data();
+    void oldFirmwareIsAskedForItsStatusAfterASwitch();
+    void systemIsHiddenAndShownWhileRunning();
+    void systemIsDeletedWhileRunning();
+    void disconnectedSystemIsReconnected();
+    void otherControllerAtTheSameAddressIsRejected();
+    void otherControllerAtStartStaysUnconnected();
+};
+
+void TestWire::cleanup()
+{
+    QCOMPARE(leftWidgets(), QString());
+}
+
+void TestWire::autoconnectAtStart()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.writeSetupFile({fixture.record()}));
+    QVERIFY(fixture.open());
+    QCOMPARE(dialogueWithoutPolls(fixture.controller()),
+             identificationWith(fixture.controller())
+                 + QStringList({labelCommand("System_1"), accepted()}));
+    QVERIFY(fixture.connection().isConnected());
+    QCOMPARE(fixture.window().shownConnections(), QList<int>{0});
+}
+
+void TestWire::manualTcpConnect()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.open());
+    QVERIFY(connectByDialog(fixture, 0, "bench_2"));
+    QCOMPARE(infoText(fixture), QStringLiteral("Connected"));
+    QCOMPARE(dialogueWithoutPolls(fixture.controller()),
+             identificationWith(fixture.controller())
+                 + QStringList({labelCommand("bench_2"), accepted()}));
+}
+
+void TestWire::startStreamsAtTheRateOfTheToolBar()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.type("samplingRateCounter", "430"));
+    fixture.controller().clearWire();
+    QVERIFY(fixture.clickAction("startAction"));
+    QTRY_VERIFY(fixture.controller().packetsSent() > 10);
+    QCOMPARE(dialogueWithoutPolls(fixture.controller()),
+             QStringList({startCommand(430), packets()}));
+}
+
+void TestWire::stopEndsTheStream()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.clickAction("startAction"));
+    QTRY_VERIFY(fixture.controller().packetsSent() > 10);
+    fixture.controller().clearWire();
+    QVERIFY(fixture.clickAction("startAction"));
+    QStringList lines = dialogueWithoutPolls(fixture.controller());
+    if (lines.first() == packets())
+        lines.removeFirst();
+    QCOMPARE(lines, QStringList({sent("CLS"), packets(), accepted()}));
+}
+
+void TestWire::clearSendsNothing()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.clickAction("startAction"));
+    fixture.controller().clearWire();
+    QVERIFY(fixture.clickAction("clearAction"));
+    QTRY_VERIFY(!fixture.controller().wire().isEmpty());
+    QCOMPARE(dialogue(fixture.controller()), QStringList({packets()}));
+}
+
+void TestWire::stageIsSwitched_data()
+{
+    QTest::addColumn<int>("stage");
+    QTest::addColumn<bool>("streaming");
+    for (const int stage : {1, 2}) {
+        QTest::addRow("stage %d, idle", stage) << stage << false;
+        QTest::addRow("stage %d, streaming", stage) << stage << true;
+    }
+}
+
+void TestWire::stageIsSwitched()
+{
+    QFETCH(int, stage);
+    QFETCH(bool, streaming);
+    emulator::ControllerOptions options;
+    options.firmware = 11;
+    WindowFixture fixture(1, options);
+    QVERIFY(fixture.openWithSystems());
+    if (streaming)
+        QVERIFY(fixture.clickAction("startAction"));
+    const QByteArray button = "push_Stab" + QByteArray::number(stage);
+
+    for (const char* mnemonic : {"SEA", "CEA"}) {
+        if (streaming) {
+            const qint64 sentBefore = fixture.controller().packetsSent();
+            QTRY_VERIFY(fixture.controller().packetsSent() > sentBefore + 5);
+        }
+        fixture.controller().clearWire();
+        QVERIFY(fixture.click(button.constData()));
+
+        QStringList expected{stageCommand(mnemonic, stage), accepted()};
+        if (streaming)
+            expected = QStringList({sent("CLS"), packets(), accepted()}) + expected
+                       + QStringList({startCommand(100), packets()});
+        QStringList lines = dialogueWithoutPolls(fixture.controller());
+        if (!lines.isEmpty() && lines.first() == packets())
+            lines.removeFirst();
+        QCOMPARE(lines, expected);
+        QCOMPARE(fixture.controller().stageOn(stage), QByteArray(mnemonic) == "SEA");
+    }
+}
+
+void TestWire::oldFirmwareIsAskedForItsStatusAfterASwitch_data()
+{
+    stageIsSwitched_data();
+}
+
+void TestWire::oldFirmwareIsAskedForItsStatusAfterASwitch()
+{
+    QFETCH(int, stage);
+    QFETCH(bool, streaming);
+    emulator::ControllerOptions options;
+    options.firmware = 10;
+    WindowFixture fixture(1, options);
+    QVERIFY(fixture.openWithSystems());
+    if (streaming) {
+        QVERIFY(fixture.clickAction("startAction"));
+        QTRY_VERIFY(fixture.controller().packetsSent() > 5);
+    }
+    fixture.controller().clearWire();
+    const QByteArray button = "push_Stab" + QByteArray::number(stage);
+    QVERIFY(fixture.click(button.constData()));
+
+    const QStringList switched{stageCommand("SEA", stage), accepted(), sent("GSF")};
+    const QStringList lines = dialogue(fixture.controller());
+    const int at = lines.indexOf(switched.first());
+    QVERIFY(at >= 0);
+    QCOMPARE(lines.mid(at, 3), switched);
+    QVERIFY2(lines.value(at + 3).startsWith("< 003b"), qPrintable(lines.value(at + 3)));
+    if (streaming) {
+        QCOMPARE(lines.mid(at - 2, 2), QStringList({sent("CLS"), accepted()}));
+        QCOMPARE(lines.mid(at + 4), QStringList({startCommand(100), packets()}));
+    }
+
+    // The controller gets time to have switched.
+    const QVector<emulator::WireEvent> wire = fixture.controller().wire();
+    qint64 switchedNs = 0;
+    for (const emulator::WireEvent& event : wire) {
+        if (event.bytes.startsWith("SEA"))
+            switchedNs = event.timeNs;
+        if (switchedNs > 0 && event.bytes == "GSF;") {
+            QVERIFY(event.timeNs - switchedNs >= 100 * 1000 * 1000);
+            break;
+        }
+    }
+}
+
+void TestWire::systemIsHiddenAndShownWhileRunning()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.clickAction("startAction"));
+    fixture.find<QAction>("actionConfiguration")->trigger();
+    auto& showBox = in<QAbstractButton>(overviewRow(fixture, 1), "showCheckBox");
+    QTRY_VERIFY(fixture.controller(1).packetsSent() > 5);
+    QTRY_VERIFY(showBox.isEnabled());
+
+    fixture.controller(1).clearWire();
+    QVERIFY(user::click(&showBox));
+    QTRY_VERIFY(!fixture.connection(1).isStreaming());
+    QStringList lines = dialogueWithoutPolls(fixture.controller(1));
+    if (lines.first() == packets())
+        lines.removeFirst();
+    QCOMPARE(lines, QStringList({sent("CLS"), packets(), accepted()}));
+
+    fixture.controller(1).clearWire();
+    QVERIFY(user::click(&showBox));
+    QTRY_VERIFY(fixture.connection(1).isStreaming());
+    QCOMPARE(dialogueWithoutPolls(fixture.controller(1)),
+             QStringList({startCommand(100), packets()}));
+    QVERIFY(fixture.connection(0).isStreaming());
+}
+
+void TestWire::systemIsDeletedWhileRunning()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.open());
+    makeShortConnections(fixture);
+    QVERIFY(connectByDialog(fixture, 0, "bench"));
+    QVERIFY(fixture.clickAction("startAction"));
+    QTRY_VERIFY(fixture.controller().packetsSent() > 5);
+
+    fixture.controller().clearWire();
+    QVERIFY(clickInLine(fixture, 0, "deleteButton"));
+    QTRY_VERIFY(!fixture.controller().isConnected());
+    QStringList lines = dialogueWithoutPolls(fixture.controller());
+    if (lines.first() == packets())
+        lines.removeFirst();
+    QCOMPARE(lines, QStringList({sent("CLS"), packets(), accepted()}));
+    QVERIFY(fixture.window().liveConnections().empty());
+}
+
+void TestWire::disconnectedSystemIsReconnected()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.open());
+    makeShortConnections(fixture);
+    QVERIFY(connectByDialog(fixture, 0, "bench"));
+    QVERIFY(clickInLine(fixture, 0, "Button"));
+    QTRY_VERIFY(!fixture.controller().isConnected());
+    QCOMPARE(in<QPushButton>(line(fixture, 0), "Button").text(), QStringLiteral("Reconnect"));
+
+    fixture.controller().clearWire();
+    QVERIFY(clickInLine(fixture, 0, "Button"));
+    QTRY_COMPARE(in<QPushButton>(line(fixture, 0), "Button").text(), QStringLiteral("Disconnect"));
+    QCOMPARE(dialogueWithoutPolls(fixture.controller()), identificationWith(fixture.controller()));
+    QCOMPARE(fixture.window().shownConnections(), QList<int>{0});
+}
+
+void TestWire::otherControllerAtTheSameAddressIsRejected()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.open());
+    makeShortConnections(fixture);
+    QVERIFY(connectByDialog(fixture, 0, "bench"));
+    QVERIFY(clickInLine(fixture, 0, "Button"));
+    QTRY_VERIFY(!fixture.controller().isConnected());
+    emulator::ControllerOptions other;
+    other.key = "OTHERDEVICE";
+    fixture.controller().setIdentity(other);
+
+    fixture.controller().clearWire();
+    QVERIFY(clickInLine(fixture, 0, "Button"));
+    QTRY_COMPARE(infoText(fixture),
+                 QStringLiteral("Could not establish connection. Controller ID mismatch."));
+    QCOMPARE(dialogueWithoutPolls(fixture.controller()), identificationWith(fixture.controller()));
+    QTRY_VERIFY(!fixture.controller().isConnected());
+    QVERIFY(!fixture.connection().isConnected());
+    QVERIFY(fixture.window().shownConnections().isEmpty());
+}
+
+void TestWire::otherControllerAtStartStaysUnconnected()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.writeSetupFile({fixture.record()}));
+    emulator::ControllerOptions other;
+    other.key = "OTHERDEVICE";
+    fixture.controller().setIdentity(other);
+    QVERIFY(fixture.open());
+    QCOMPARE(dialogueWithoutPolls(fixture.controller()), identificationWith(fixture.controller()));
+    QTRY_VERIFY(!fixture.controller().isConnected());
+    QVERIFY(!fixture.connection().isRunning());
+    QVERIFY(fixture.window().shownConnections().isEmpty());
+}
+
+QTEST_MAIN(TestWire)
+#include "tst_wire.moc"
