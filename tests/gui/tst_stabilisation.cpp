@@ -1,0 +1,337 @@
+#include "dialogue.h"
+#include "link/connection.h"
+#include "setup/connectionoverviewdialog.h"
+#include "setup/overviewwidget.h"
+#include "support/boxanswers.h"
+#include "support/userinput.h"
+#include "support/widgetcheck.h"
+#include "support/windowfixture.h"
+#include "window/mainwindow.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QtTest>
+
+#include <thread>
+
+Q_DECLARE_METATYPE(emulator::Faults)
+
+namespace {
+
+emulator::ControllerOptions withFirmware(int firmware)
+{
+    emulator::ControllerOptions options;
+    options.firmware = firmware;
+    options.preset = emulator::Preset::Quiet;
+    return options;
+}
+
+QColor buttonColor(const QPushButton& button)
+{
+    return button.palette().color(QPalette::Button);
+}
+
+int countOf(const emulator::ControllerHandle& controller, const char* mnemonic)
+{
+    int count = 0;
+    for (const QByteArray& command : controller.commands())
+        count += command.startsWith(mnemonic) ? 1 : 0;
+    return count;
+}
+
+bool readStatus(MainWindow& window)
+{
+    bool good = false;
+    QMetaObject::invokeMethod(&window, "getStabilAndActiveStatus", Qt::DirectConnection,
+                              Q_RETURN_ARG(bool, good));
+    return good;
+}
+
+/// Answers the next status question with these bytes, in place of the silent controller.
+std::thread answerNextStatus(emulator::ControllerHandle controller, const QByteArray& reply)
+{
+    controller.clearWire();
+    return std::thread([controller, reply]() mutable {
+        while (!controller.commands().contains("GSF;"))
+            QThread::msleep(1);
+        controller.sendRaw(reply);
+    });
+}
+
+} // namespace
+
+class TestStabilisation : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+    void switchedStageIsGreenAndItsLightFollows();
+    void switchOffTurnsTheLightRedAtOnce();
+    void stagesAreSwitchedApart();
+    void badReplyIsRepeatedOnceAndTheStatusCorrectsTheButton_data();
+    void badReplyIsRepeatedOnceAndTheStatusCorrectsTheButton();
+    void goodReplyOfTwoBytesIsNotRepeated();
+    void streamGoesOnAtItsRateBehindASwitch();
+    void refusedRestartIsTold();
+    void rateThatWasNeverAcceptedRestartsAt500();
+    void overviewSwitchesAnySystem();
+    void unknownSystemIsNotSwitched();
+    void statusOfAnotherOperatorReachesTheButton();
+    void fourthFailedStatusReadStopsAndTells();
+    void goodStatusReadForgetsTheFailures();
+    void statusWithBit7CountsAsFailure();
+    void statusByteShowsLights();
+};
+
+void TestStabilisation::cleanup()
+{
+    QCOMPARE(leftWidgets(), QString());
+}
+
+void TestStabilisation::switchedStageIsGreenAndItsLightFollows()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    auto* button = fixture.find<QPushButton>("push_Stab1");
+    auto* light = fixture.find<QLabel>("label_ActiveText");
+    QCOMPARE(button->text(), QStringLiteral("OFF"));
+    QCOMPARE(buttonColor(*button), QColor("lightcoral"));
+    QCOMPARE(light->text(), QStringLiteral("Inactive"));
+
+    QVERIFY(fixture.click("push_Stab1"));
+    QCOMPARE(button->text(), QStringLiteral("ON"));
+    QCOMPARE(buttonColor(*button), QColor("lightgreen"));
+    QVERIFY(button->isChecked());
+    QVERIFY(button->isEnabled());
+    QTRY_COMPARE(light->text(), QStringLiteral("Active"));
+}
+
+void TestStabilisation::switchOffTurnsTheLightRedAtOnce()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    auto* button = fixture.find<QPushButton>("push_Stab1");
+    auto* light = fixture.find<QLabel>("label_ActiveText");
+    QVERIFY(fixture.click("push_Stab1"));
+    QTRY_COMPARE(light->text(), QStringLiteral("Active"));
+
+    // No event and so no tick passes between the press and the look.
+    button->click();
+    QCOMPARE(button->text(), QStringLiteral("OFF"));
+    QCOMPARE(buttonColor(*button), QColor("lightcoral"));
+    QCOMPARE(light->text(), QStringLiteral("Inactive"));
+}
+
+void TestStabilisation::stagesAreSwitchedApart()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.click("push_Stab2"));
+    QVERIFY(fixture.controller().stageOn(2));
+    QVERIFY(!fixture.controller().stageOn(1));
+    QCOMPARE(fixture.find<QPushButton>("push_Stab1")->text(), QStringLiteral("OFF"));
+    QCOMPARE(fixture.find<QPushButton>("push_Stab2")->text(), QStringLiteral("ON"));
+    QTRY_COMPARE(fixture.find<QLabel>("label_ActiveText_2")->text(), QStringLiteral("Active"));
+    QCOMPARE(fixture.find<QLabel>("label_ActiveText")->text(), QStringLiteral("Inactive"));
+}
+
+void TestStabilisation::badReplyIsRepeatedOnceAndTheStatusCorrectsTheButton_data()
+{
+    QTest::addColumn<emulator::Faults>("faults");
+    emulator::Faults refused;
+    refused.refuse = {"SEA"};
+    QTest::newRow("refused") << refused;
+    emulator::Faults oneByte;
+    oneByte.shortBytes = {{"SEA", 1}};
+    oneByte.refuse = {"SEA"};
+    QTest::newRow("one byte") << oneByte;
+    emulator::Faults silent;
+    silent.silent = {"SEA"};
+    QTest::newRow("silent") << silent;
+}
+
+void TestStabilisation::badReplyIsRepeatedOnceAndTheStatusCorrectsTheButton()
+{
+    QFETCH(emulator::Faults, faults);
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    fixture.controller().setFaults(faults);
+    auto* button = fixture.find<QPushButton>("push_Stab1");
+
+    button->click();
+    QCOMPARE(countOf(fixture.controller(), "SEA"), 2);
+    // As it was toggled, with its old colour and text.
+    QVERIFY(button->isChecked());
+    QCOMPARE(button->text(), QStringLiteral("OFF"));
+    QCOMPARE(buttonColor(*button), QColor("lightcoral"));
+
+    fixture.controller().setFaults({});
+    QTRY_VERIFY(!button->isChecked());
+    QCOMPARE(button->text(), QStringLiteral("OFF"));
+}
+
+void TestStabilisation::goodReplyOfTwoBytesIsNotRepeated()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.click("push_Stab1"));
+    QCOMPARE(countOf(fixture.controller(), "SEA"), 1);
+}
+
+void TestStabilisation::streamGoesOnAtItsRateBehindASwitch()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.type("samplingRateCounter", "200"));
+    QVERIFY(fixture.clickAction("startAction"));
+    QVERIFY(fixture.click("push_Stab1"));
+    QVERIFY(fixture.connection().isStreaming());
+    QCOMPARE(fixture.controller().streamRate(), 200);
+}
+
+void TestStabilisation::refusedRestartIsTold()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.clickAction("startAction"));
+    emulator::Faults faults;
+    faults.refuse = {"SLS"};
+    fixture.controller().setFaults(faults);
+
+    QVERIFY(fixture.click("push_Stab1"));
+    auto* box = fixture.find<QMessageBox>("streamErrorBox");
+    QVERIFY(box->isVisible());
+    QCOMPARE(box->windowTitle(), QStringLiteral("Information"));
+    QCOMPARE(box->text(), QStringLiteral("Streaming error has occurred."));
+    QVERIFY(!box->isModal());
+    QVERIFY(fixture.find<QAction>("startAction")->isChecked());
+}
+
+void TestStabilisation::rateThatWasNeverAcceptedRestartsAt500()
+{
+    // A controller that follows trigger pulses and still is told a rate.
+    emulator::ControllerOptions options = withFirmware(40);
+    options.vm = true;
+    WindowFixture fixture(1, options);
+    QVERIFY(fixture.open());
+    ConnectionSettings pulsed = fixture.record();
+    pulsed.pulsedLaser = true;
+    QVERIFY(fixture.registerSystem(pulsed, 0));
+    fixture.tick();
+    QVERIFY(fixture.clickAction("startAction"));
+    QCOMPARE(fixture.connection().samplingRate(), -1);
+    QVERIFY(fixture.controller().commands().contains(QByteArray("SGS\0\0\x03\xe8;", 8)));
+
+    fixture.controller().clearWire();
+    QVERIFY(fixture.click("push_Stab1"));
+    QVERIFY(fixture.controller().commands().contains(QByteArray("SGS\0\0\x01\xf4;", 8)));
+}
+
+void TestStabilisation::overviewSwitchesAnySystem()
+{
+    WindowFixture fixture(2, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    fixture.find<QAction>("actionConfiguration")->trigger();
+    auto* overview = fixture.window().findChild<ConnectionOverviewDialog*>();
+    auto* list = overview->findChild<QListWidget*>("listWidget");
+    QWidget* row = list->itemWidget(list->item(2));
+    auto* enable2 = row->findChild<QPushButton*>("enable2");
+    QTRY_VERIFY(enable2->isEnabled());
+
+    QVERIFY(user::click(enable2));
+    QVERIFY(fixture.controller(1).stageOn(2));
+    QVERIFY(!fixture.controller(0).stageOn(2));
+    QTRY_COMPARE(enable2->text(), QStringLiteral("ON"));
+    QVERIFY(user::click(enable2));
+    QTRY_COMPARE(enable2->text(), QStringLiteral("OFF"));
+    QVERIFY(!fixture.controller(1).stageOn(2));
+}
+
+void TestStabilisation::unknownSystemIsNotSwitched()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    fixture.window().activeStage(QStringLiteral("127.9.9.9"), 1, true);
+    QCOMPARE(countOf(fixture.controller(), "SEA"), 0);
+}
+
+void TestStabilisation::statusOfAnotherOperatorReachesTheButton()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    fixture.controller().setStage(1, true);
+    QTRY_COMPARE(fixture.find<QPushButton>("push_Stab1")->text(), QStringLiteral("ON"));
+    QVERIFY(fixture.find<QPushButton>("push_Stab1")->isChecked());
+    QCOMPARE(countOf(fixture.controller(), "SEA"), 0);
+}
+
+void TestStabilisation::fourthFailedStatusReadStopsAndTells()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    emulator::Faults faults;
+    faults.silent = {"GSF"};
+    fixture.controller().setFaults(faults);
+    const BoxAnswers answers;
+
+    for (int failure = 1; failure <= 3; ++failure)
+        QVERIFY(!readStatus(fixture.window()));
+    QCOMPARE(answers.count(), 0);
+    QVERIFY(!readStatus(fixture.window()));
+    QCOMPARE(answers.titles(), QStringList("Error"));
+    QCOMPARE(answers.texts(), QStringList("Too many communication errors.\nDevice disconnected."));
+    QVERIFY(!fixture.find<QAction>("startAction")->isChecked());
+}
+
+void TestStabilisation::goodStatusReadForgetsTheFailures()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    const BoxAnswers answers;
+    emulator::Faults silent;
+    silent.silent = {"GSF"};
+    for (int round = 0; round < 2; ++round) {
+        fixture.controller().setFaults(silent);
+        for (int failure = 1; failure <= 3; ++failure)
+            QVERIFY(!readStatus(fixture.window()));
+        fixture.controller().setFaults({});
+        QVERIFY(readStatus(fixture.window()));
+    }
+    QCOMPARE(answers.count(), 0);
+}
+
+void TestStabilisation::statusWithBit7CountsAsFailure()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    emulator::Faults silent;
+    silent.silent = {"GSF"};
+    fixture.controller().setFaults(silent);
+    std::thread answer = answerNextStatus(fixture.controller(), QByteArray("\0;\x88;", 4));
+    QVERIFY(!readStatus(fixture.window()));
+    answer.join();
+    // Bit 3 of it says on, and is not believed.
+    QCOMPARE(fixture.find<QPushButton>("push_Stab1")->text(), QStringLiteral("OFF"));
+}
+
+void TestStabilisation::statusByteShowsLights()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.window().getActiveStatus(0x20));
+    QCOMPARE(fixture.find<QLabel>("label_ActiveText")->text(), QStringLiteral("Active"));
+    QCOMPARE(fixture.find<QLabel>("label_ActiveText_2")->text(), QStringLiteral("Inactive"));
+    QVERIFY(fixture.window().getActiveStatus(0x40));
+    QCOMPARE(fixture.find<QLabel>("label_ActiveText")->text(), QStringLiteral("Inactive"));
+    QCOMPARE(fixture.find<QLabel>("label_ActiveText_2")->text(), QStringLiteral("Active"));
+    // The byte of a failed read asks the controller.
+    QVERIFY(fixture.window().getActiveStatus(0x80));
+    QCOMPARE(fixture.find<QLabel>("label_ActiveText_2")->text(), QStringLiteral("Inactive"));
+}
+
+QTEST_MAIN(TestStabilisation)
+#include "tst_stabilisation.moc"
