@@ -130,6 +130,7 @@ private slots:
     void loopAmplifiesAroundItsBandwidth();
     void stabilisationReducesTheRmsMoreThanFiveTimes_data();
     void stabilisationReducesTheRmsMoreThanFiveTimes();
+    void stabilisationShowsInThePackets();
     void actuatorsMoveAgainstTheBeam();
     void beamDriftsAgainWhenSwitchedOff();
     void pFactorSetsTheSuppression();
@@ -552,6 +553,30 @@ void TestBeam::stabilisationReducesTheRmsMoreThanFiveTimes()
         QVERIFY(rmsOff < 500.0);
         QVERIFY(on.isActive());
     }
+}
+
+void TestBeam::stabilisationShowsInThePackets()
+{
+    const auto streamed = [](const QByteArray& command, int place) {
+        Device device({}, "KEY");
+        device.execute(parseCommand(command).command);
+        device.execute(parseCommand(startAt(500)).command);
+        std::vector<double> values;
+        for (int i = 0; i < 2500; ++i)
+            values.push_back(wordAt(device.nextPacket(), place));
+        return values;
+    };
+    const QByteArray on = "SEA" + hex("01 3b");
+    const QByteArray off = "CEA" + hex("01 3b");
+    constexpr int y1 = 6;
+    constexpr int y2 = 12;
+    constexpr int ry1 = 18;
+
+    QVERIFY(rmsOf(streamed(off, y1)) > 5.0 * rmsOf(streamed(on, y1)));
+    // The other stage does not notice.
+    QCOMPARE(streamed(on, y2), streamed(off, y2));
+    QCOMPARE(rmsOf(streamed(off, ry1)), 0.0);
+    QVERIFY(rmsOf(streamed(on, ry1)) > 50.0);
 }
 
 void TestBeam::actuatorsMoveAgainstTheBeam()
