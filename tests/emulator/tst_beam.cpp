@@ -139,6 +139,8 @@ private slots:
     void holdMakesThePresentPositionTheTarget();
     void sensitivityScalesTheSignals();
     void drivenActuatorMovesTheBeam();
+    void stageTakesOverADrivenActuator();
+    void intensityFollowsTheBeam();
     void stageWithoutLightIsNotActive();
 };
 
@@ -490,7 +492,8 @@ void TestBeam::lateralSignalIsLinearAndClipped()
 void TestBeam::lightFallsOffTheDetector()
 {
     QCOMPARE(lightOnDetector(0.0), 1.0);
-    QVERIFY(std::fabs(lightOnDetector(activeHalfLengthMicrometres) - 0.5) < 1e-6);
+    QVERIFY(isWithin(lightOnDetector(60.0), 0.975, 1e-9));
+    QVERIFY(isWithin(lightOnDetector(activeHalfLengthMicrometres), 0.45, 1e-6));
     QVERIFY(lightOnDetector(-activeHalfLengthMicrometres - 30.0) < 0.01);
 }
 
@@ -713,6 +716,32 @@ void TestBeam::drivenActuatorMovesTheBeam()
     QCOMPARE(stage.actuatorMv(StageModel::Y), qint16(7500));
     QCOMPARE(stage.positionMv(StageModel::Y), qint16(2000));
     QCOMPARE(stage.positionMv(StageModel::X), qint16(0));
+}
+
+void TestBeam::stageTakesOverADrivenActuator()
+{
+    StageModel stage = calmStage();
+    stage.driveActuator(StageModel::X, 2500);
+    stage.advance(beamStepsPerSecond);
+    stage.setOn(true);
+    stage.advance(1);
+    QVERIFY(stage.actuatorMv(StageModel::X) > 7000);
+    stage.advance(beamStepsPerSecond);
+
+    QCOMPARE(stage.actuatorMv(StageModel::X), qint16(5000));
+    QCOMPARE(stage.positionMv(StageModel::X), qint16(0));
+}
+
+void TestBeam::intensityFollowsTheBeam()
+{
+    StageModel stage = calmStage();
+    stage.setOn(true);
+    stage.advance(beamStepsPerSecond);
+    QCOMPARE(stage.intensityMv(), quint16(4000));
+
+    stage.setAdjustIn(StageModel::Y, 3000);
+    stage.advance(beamStepsPerSecond);
+    QCOMPARE(stage.intensityMv(), quint16(3900));
 }
 
 void TestBeam::stageWithoutLightIsNotActive()

@@ -16,6 +16,13 @@ namespace {
 
 constexpr int limitMs = 10000;
 
+constexpr const char* allOptions[] = {
+    "--tcp",           "--firmware",    "--vm",         "--trigger",       "--trigger-rate",
+    "--seed",          "--preset",      "--detector",   "--refuse",        "--silent",
+    "--late",          "--short",       "--drop-every", "--insert-every",  "--insert-count",
+    "--corrupt-every", "--close-after", "--close-on",   "--half-close-on", "--garbage",
+    "--replay",        "--quiet",       "--help",       "--version"};
+
 /// The program, run with the given arguments.
 class Program final
 {
@@ -75,6 +82,7 @@ private slots:
     void signalEndsItInOrder_data();
     void signalEndsItInOrder();
     void helpNamesEveryOption();
+    void manPageNamesEveryOptionOfTheHelp();
     void versionIsTold();
     void wrongOptionIsNamed_data();
     void wrongOptionIsNamed();
@@ -175,14 +183,24 @@ void TestProgram::helpNamesEveryOption()
 
     QCOMPARE(program.process.exitCode(), 0);
     const QString help = QString::fromUtf8(program.process.readAllStandardOutput());
-    for (const char* option :
-         {"--tcp",           "--firmware",    "--vm",         "--trigger",       "--trigger-rate",
-          "--seed",          "--preset",      "--detector",   "--refuse",        "--silent",
-          "--late",          "--short",       "--drop-every", "--insert-every",  "--insert-count",
-          "--corrupt-every", "--close-after", "--close-on",   "--half-close-on", "--garbage",
-          "--replay",        "--quiet",       "--help",       "--version"})
+    for (const char* option : allOptions)
         QVERIFY2(help.contains(option), option);
     QCOMPARE(program.process.readAllStandardError(), QByteArray());
+}
+
+void TestProgram::manPageNamesEveryOptionOfTheHelp()
+{
+    QFile page(QStringLiteral(LUMETRA_EMULATOR_MAN_PAGE));
+    QVERIFY(page.open(QIODevice::ReadOnly));
+    const QString manual = QString::fromUtf8(page.readAll().replace("\\-", "-"));
+    const QString help = readArguments({"--help"}).text;
+    QRegularExpressionMatchIterator options = QRegularExpression("--[a-z-]+").globalMatch(help);
+    int count = 0;
+    for (; options.hasNext(); ++count) {
+        const QString option = options.next().captured();
+        QVERIFY2(manual.contains(QRegularExpression(option + "\\b(?!-)")), qPrintable(option));
+    }
+    QVERIFY(count >= int(std::size(allOptions)));
 }
 
 void TestProgram::versionIsTold()
