@@ -68,7 +68,6 @@ public:
 
     /// The 47 characters.
     QByteArray id() const;
-    QByteArray key() const { return deviceKey; }
     QByteArray label() const { return storedLabel; }
     int baudRate() const { return serialBaudRate; }
     bool stageOn(int stage) const;
