@@ -94,7 +94,7 @@ double OptionReader::triggerRate(const QString& option)
 
 QByteArray OptionReader::mnemonicIn(const QString& option, const QString& text)
 {
-    const QByteArray mnemonic = text.toLatin1().toUpper();
+    QByteArray mnemonic = text.toLatin1().toUpper();
     if (argumentLength(mnemonic) < 0)
         complain(tr("--%1: there is no command \"%2\"").arg(option, text));
     return mnemonic;

@@ -1,6 +1,7 @@
 #include "emulator/controller.h"
 
 #include "emulator/identity.h"
+#include "emulator/reply.h"
 #include "emulator/wirelog.h"
 
 #include <algorithm>
@@ -20,7 +21,7 @@ constexpr qint64 wakeGridNs = 2 * nsPerMs;
 /// After a stall at most this much of the stream is sent late, the rest is left out.
 constexpr double greatestBacklogSeconds = 0.5;
 /// Packets are lost, as on a line without flow control, while more than this waits to be sent.
-constexpr qint64 mostBytesPending = 64 * 1024;
+constexpr qint64 mostBytesPending = 65536;
 
 QByteArray keyFor(const ControllerOptions& options)
 {
@@ -205,8 +206,7 @@ bool Controller::closesLinkOn(const QByteArray& mnemonic)
 void Controller::answer(const Command& command)
 {
     const Answer given = controlled->execute(command);
-    const bool isRefusal = given.reply.startsWith('\1');
-    if (isRefusal)
+    if (isRefusal(given.reply))
         emit refused(command.mnemonic);
     switch (given.stream) {
     case Answer::Stream::Unchanged:

@@ -2,6 +2,7 @@
 
 #include "emulator/identity.h"
 #include "emulator/noisesource.h"
+#include "emulator/reply.h"
 
 #include <algorithm>
 #include <iterator>
@@ -10,18 +11,10 @@ namespace emulator {
 
 namespace {
 
-constexpr char accepted = '\0';
-constexpr char refusal = '\1';
-constexpr int bothStages = 3;
 constexpr int lastFirmwareWithoutFlags = 10;
 constexpr int lastFirmwareWithoutSensitivity = 30;
 /// Firmware without flags leaves the two bytes at rest.
 constexpr quint8 bytesAtRest = 0xFF;
-
-constexpr int greatestPFactorMv = 5000;
-constexpr int greatestSensitivityMv = 5000;
-constexpr int greatestAdjustInMv = 5000;
-constexpr int greatestDriveMv = 5000;
 
 constexpr double stage1IntensityMv = 4000.0;
 constexpr double stage2IntensityMv = 3500.0;
@@ -30,63 +23,6 @@ constexpr double stage2IntensityMv = 3500.0;
 constexpr int beamStepsPerCommand = beamStepsPerSecond / 100;
 
 constexpr int factoryBaudRate = 921600;
-constexpr int memoryBytes = 255;
-
-QByteArray payload(const QByteArray& bytes)
-{
-    QByteArray reply;
-    reply.append(accepted);
-    reply.append(terminator);
-    reply.append(bytes);
-    reply.append(terminator);
-    return reply;
-}
-
-QByteArray bareReply(char status)
-{
-    QByteArray reply;
-    reply.append(status);
-    reply.append(terminator);
-    return reply;
-}
-
-QByteArray words(std::initializer_list<int> values)
-{
-    QByteArray bytes;
-    for (const int value : values)
-        appendWord(bytes, value);
-    return payload(bytes);
-}
-
-int byteAt(const QByteArray& bytes, int index)
-{
-    return static_cast<quint8>(bytes[index]);
-}
-
-int unsignedWordAt(const QByteArray& bytes, int index)
-{
-    return byteAt(bytes, index) * 256 + byteAt(bytes, index + 1);
-}
-
-int signedWordAt(const QByteArray& bytes, int index)
-{
-    return static_cast<qint16>(unsignedWordAt(bytes, index));
-}
-
-/// Baud rate of a code of SBR, 0 for an unknown code.
-int baudRateOf(int code)
-{
-    switch (code) {
-    case 1:
-        return 115200;
-    case 4:
-        return 460800;
-    case 9:
-        return 921600;
-    default:
-        return 0;
-    }
-}
 
 StageModel stageModel(const ControllerOptions& options, quint64 stage, double intensityMv)
 {
@@ -187,7 +123,7 @@ QByteArray Device::refused(RefusalCode code)
 {
     failedMnemonic = current;
     failure = code;
-    return bareReply(refusal);
+    return refusal();
 }
 
 Answer Device::startStream(const Command& command)
@@ -219,7 +155,7 @@ Answer Device::startTriggeredStream()
     streaming = true;
     streamRate = options.triggerRateHz;
     source.rewind(streamRate);
-    answer.reply = bareReply(accepted);
+    answer.reply = acceptance();
     answer.stream = Answer::Stream::StartedByTrigger;
     return answer;
 }
@@ -227,7 +163,7 @@ Answer Device::startTriggeredStream()
 Answer Device::stopStream()
 {
     Answer answer;
-    answer.reply = bareReply(accepted);
+    answer.reply = acceptance();
     answer.stream = Answer::Stream::Stopped;
     if (streaming && hasStreamFlags()) {
         moveBeam();
@@ -241,7 +177,7 @@ QByteArray Device::nextPacket()
 {
     moveBeam();
     const bool silent = source.kind() == SampleSource::Kind::Script && !source.sample();
-    const QByteArray packet = silent ? QByteArray() : packetOf(measured(), 0);
+    QByteArray packet = silent ? QByteArray() : packetOf(measured(), 0);
     source.advance();
     return packet;
 }
@@ -293,37 +229,6 @@ void Device::setScript(const QVector<PacketValues>& script, bool repeats)
     source.rewind(streamRate);
 }
 
-template <typename Change>
-QByteArray Device::changeStages(char stageByte, Change change)
-{
-    const int wanted = static_cast<quint8>(stageByte);
-    if (wanted < 1 || wanted > bothStages)
-        return refused(RefusalCode::NoSuchStage);
-    for (std::size_t i = 0; i < models.size(); ++i) {
-        if (wanted == bothStages || wanted == static_cast<int>(i) + 1)
-            change(i);
-    }
-    return bareReply(accepted);
-}
-
-std::optional<int> Device::singleStage(char stageByte)
-{
-    if (stageByte == 1 || stageByte == 2)
-        return stageByte - 1;
-    refused(RefusalCode::NoSuchStage);
-    return std::nullopt;
-}
-
-std::optional<StageModel::Axis> Device::axisOf(char axisByte)
-{
-    if (axisByte == 'x')
-        return StageModel::X;
-    if (axisByte == 'y')
-        return StageModel::Y;
-    refused(RefusalCode::NoSuchAxis);
-    return std::nullopt;
-}
-
 bool Device::hasSensitivity() const
 {
     return options.firmware > lastFirmwareWithoutSensitivity;
@@ -373,225 +278,6 @@ PacketValues Device::measured() const
     values.rx2 = models[1].actuatorMv(StageModel::X);
     values.ry2 = models[1].actuatorMv(StageModel::Y);
     return values;
-}
-
-QByteArray Device::identify(const QByteArray&)
-{
-    return payload(id());
-}
-
-QByteArray Device::storeLabel(const QByteArray& arguments)
-{
-    storedLabel = arguments;
-    return bareReply(accepted);
-}
-
-QByteArray Device::tellLabel(const QByteArray&)
-{
-    // The memory keeps the label with a closing zero, and tells both.
-    return payload(storedLabel + '\0');
-}
-
-QByteArray Device::setBaudRate(const QByteArray& arguments)
-{
-    const int wanted = baudRateOf(byteAt(arguments, 0));
-    if (wanted == 0)
-        return refused(RefusalCode::ValueOutOfRange);
-    serialBaudRate = wanted;
-    return bareReply(accepted);
-}
-
-QByteArray Device::singleSample(const QByteArray&)
-{
-    return packetOf(measured(), 0);
-}
-
-QByteArray Device::tellStatus(const QByteArray&)
-{
-    const auto adjusted = [](const StageModel& model) {
-        return model.adjustIn(StageModel::X) != 0 || model.adjustIn(StageModel::Y) != 0;
-    };
-    int flags = stageFlags();
-    flags |= models[0].pFactor() != 0 && models[1].pFactor() != 0 ? PFactorBySoftware : 0;
-    flags |= adjusted(models[0]) ? AdjustIn1BySoftware : 0;
-    flags |= adjusted(models[1]) ? AdjustIn2BySoftware : 0;
-    return payload(QByteArray(1, static_cast<char>(flags)));
-}
-
-QByteArray Device::tellActive(const QByteArray&)
-{
-    QByteArray bytes;
-    for (const StageModel& model : models)
-        bytes.append(model.isActive() ? '\1' : '\0');
-    return payload(bytes);
-}
-
-QByteArray Device::tellIntensity(const QByteArray& arguments)
-{
-    const std::optional<int> stage = singleStage(arguments[0]);
-    if (!stage)
-        return bareReply(refusal);
-    const PacketValues values = measured();
-    return words({*stage == 0 ? values.i1 : values.i2});
-}
-
-QByteArray Device::switchOn(const QByteArray& arguments)
-{
-    return changeStages(arguments[0], [this](std::size_t i) { models[i].setOn(true); });
-}
-
-QByteArray Device::switchOff(const QByteArray& arguments)
-{
-    return changeStages(arguments[0], [this](std::size_t i) { models[i].setOn(false); });
-}
-
-QByteArray Device::hold(const QByteArray& arguments)
-{
-    return changeStages(arguments[0], [this](std::size_t i) { models[i].setHold(); });
-}
-
-QByteArray Device::clearHold(const QByteArray& arguments)
-{
-    return changeStages(arguments[0], [this](std::size_t i) { models[i].clearHold(); });
-}
-
-QByteArray Device::freeze(const QByteArray& arguments)
-{
-    return changeStages(arguments[0], [this](std::size_t i) { frozen[i] = true; });
-}
-
-QByteArray Device::clearFreeze(const QByteArray& arguments)
-{
-    return changeStages(arguments[0], [this](std::size_t i) { frozen[i] = false; });
-}
-
-QByteArray Device::setPFactor(const QByteArray& arguments)
-{
-    const int millivolts = signedWordAt(arguments, 1);
-    if (millivolts < 0 || millivolts > greatestPFactorMv)
-        return refused(RefusalCode::ValueOutOfRange);
-    return changeStages(arguments[0], [&](std::size_t i) { models[i].setPFactor(millivolts); });
-}
-
-QByteArray Device::tellPFactor(const QByteArray& arguments)
-{
-    const std::optional<int> stage = singleStage(arguments[0]);
-    return stage ? words({models[static_cast<std::size_t>(*stage)].pFactor()}) : bareReply(refusal);
-}
-
-QByteArray Device::setAdjustIn(const QByteArray& arguments)
-{
-    const std::optional<StageModel::Axis> axis = axisOf(arguments[1]);
-    if (!axis)
-        return bareReply(refusal);
-    const int millivolts = signedWordAt(arguments, 2);
-    if (millivolts < -greatestAdjustInMv || millivolts > greatestAdjustInMv)
-        return refused(RefusalCode::ValueOutOfRange);
-    return changeStages(arguments[0],
-                        [&](std::size_t i) { models[i].setAdjustIn(*axis, millivolts); });
-}
-
-QByteArray Device::tellAdjustIn(const QByteArray& arguments)
-{
-    const std::optional<int> stage = singleStage(arguments[0]);
-    if (!stage)
-        return bareReply(refusal);
-    const std::optional<StageModel::Axis> axis = axisOf(arguments[1]);
-    return axis ? words({models[static_cast<std::size_t>(*stage)].adjustIn(*axis)})
-                : bareReply(refusal);
-}
-
-QByteArray Device::setSensitivity(const QByteArray& arguments)
-{
-    if (!hasSensitivity())
-        return refused(RefusalCode::NotSupported);
-    const int millivolts = signedWordAt(arguments, 1);
-    if (millivolts < 0 || millivolts > greatestSensitivityMv)
-        return refused(RefusalCode::ValueOutOfRange);
-    return changeStages(arguments[0], [&](std::size_t i) { models[i].setSensitivity(millivolts); });
-}
-
-QByteArray Device::tellSensitivity(const QByteArray& arguments)
-{
-    if (!hasSensitivity())
-        return refused(RefusalCode::NotSupported);
-    const std::optional<int> stage = singleStage(arguments[0]);
-    return stage ? words({models[static_cast<std::size_t>(*stage)].sensitivity()})
-                 : bareReply(refusal);
-}
-
-QByteArray Device::driveActuator(const QByteArray& arguments)
-{
-    const std::optional<StageModel::Axis> axis = axisOf(arguments[1]);
-    if (!axis)
-        return bareReply(refusal);
-    const int millivolts = signedWordAt(arguments, 2);
-    if (millivolts < -greatestDriveMv || millivolts > greatestDriveMv)
-        return refused(RefusalCode::ValueOutOfRange);
-    return changeStages(arguments[0],
-                        [&](std::size_t i) { models[i].driveActuator(*axis, millivolts); });
-}
-
-QByteArray Device::tellActuators(const QByteArray&)
-{
-    const PacketValues values = measured();
-    return words({values.rx1, values.ry1, values.rx2, values.ry2});
-}
-
-QByteArray Device::multiplexOn(const QByteArray& arguments)
-{
-    return changeStages(arguments[0], [this](std::size_t i) { multiplex[i] = true; });
-}
-
-QByteArray Device::multiplexOff(const QByteArray& arguments)
-{
-    return changeStages(arguments[0], [this](std::size_t i) { multiplex[i] = false; });
-}
-
-QByteArray Device::tellMultiplex(const QByteArray&)
-{
-    const int flags = (multiplex[0] ? Multiplex1 : 0) | (multiplex[1] ? Multiplex2 : 0);
-    return payload(QByteArray(1, static_cast<char>(flags)));
-}
-
-QByteArray Device::tellPositions(const QByteArray&)
-{
-    const PacketValues values = measured();
-    return words({values.x1, values.y1, values.x2, values.y2});
-}
-
-QByteArray Device::tellError(const QByteArray&)
-{
-    QByteArray bytes = failedMnemonic.leftJustified(3, '-', true);
-    bytes.append(static_cast<char>(failure));
-    return payload(bytes);
-}
-
-QByteArray Device::tellMemory(const QByteArray& arguments)
-{
-    const bool whole = unsignedWordAt(arguments, 0) == 0 && byteAt(arguments, 2) == memoryBytes;
-    return whole ? payload(memoryImage()) : refused(RefusalCode::ValueOutOfRange);
-}
-
-QByteArray Device::acknowledge(const QByteArray&)
-{
-    return bareReply(accepted);
-}
-
-/// What a look into the memory finds: key, label and settings, and unused bytes as they came from
-/// the factory.
-QByteArray Device::memoryImage() const
-{
-    QByteArray image = deviceKey + storedLabel;
-    for (const StageModel& model : models) {
-        appendWord(image, model.pFactor());
-        appendWord(image, model.sensitivity());
-        appendWord(image, model.adjustIn(StageModel::X));
-        appendWord(image, model.adjustIn(StageModel::Y));
-    }
-    for (quint64 unused = 0; image.size() < memoryBytes; ++unused)
-        image.append(static_cast<char>(derivedSeed(options.seed, unused) & 0xFF));
-    return image.left(memoryBytes);
 }
 
 } // namespace emulator

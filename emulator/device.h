@@ -68,7 +68,6 @@ public:
 
     /// The 47 characters.
     QByteArray id() const;
-    QByteArray key() const { return deviceKey; }
     QByteArray label() const { return storedLabel; }
     int baudRate() const { return serialBaudRate; }
     bool stageOn(int stage) const;
@@ -133,6 +132,7 @@ private:
     SampleSource source;
     QByteArray storedLabel;
     std::array<bool, stages> multiplex{};
+    /// Trigger Freeze is remembered and shows in the memory alone: no trigger acts on a loop here.
     std::array<bool, stages> frozen{};
     int serialBaudRate;
     QByteArray failedMnemonic;

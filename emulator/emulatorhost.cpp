@@ -3,23 +3,10 @@
 #include "emulator/deepcopy.h"
 #include "emulator/hostthread.h"
 #include "emulator/identity.h"
+#include "emulator/reply.h"
 #include "emulator/tcpface.h"
 
 namespace emulator {
-
-namespace {
-
-QByteArray idReplyOf(const Device& device)
-{
-    QByteArray reply;
-    reply.append('\0');
-    reply.append(terminator);
-    reply.append(device.id());
-    reply.append(terminator);
-    return reply;
-}
-
-} // namespace
 
 template <typename Result>
 Result ControllerHandle::ask(const std::function<Result(TcpFace&)>& question) const
@@ -54,7 +41,7 @@ QByteArray ControllerHandle::key() const
 
 QByteArray ControllerHandle::idReply() const
 {
-    return ask<QByteArray>([](TcpFace& tcp) { return idReplyOf(tcp.controller().device()); });
+    return ask<QByteArray>([](TcpFace& tcp) { return payload(tcp.controller().device().id()); });
 }
 
 QString ControllerHandle::id() const
