@@ -60,6 +60,8 @@ public:
     bool updateSettingsAndParameters(QList<ConnectionSettings>& settings) override;
 
     const std::vector<std::unique_ptr<Connection>>& liveConnections() const { return connections; }
+    const QList<ConnectionStatus>& liveStatuses() const { return statuses; }
+    /// Indices of the systems on the plots, in the order in which they were shown.
     const QList<int>& shownConnections() const { return displayedConnections; }
 
 public slots:

@@ -1,0 +1,422 @@
+#include "dialogue.h"
+#include "link/serialport.h"
+#include "link/tcpclient.h"
+#include "plots/counter.h"
+#include "plots/genericplot.h"
+#include "setup/connectionoverviewdialog.h"
+#include "support/logcapture.h"
+#include "support/widgetcheck.h"
+#include "support/windowfixture.h"
+#include "window/mainwindow.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QLabel>
+#include <QListWidget>
+#include <QSpinBox>
+#include <QtTest>
+
+namespace {
+
+const char* const singleSystemWidgets[] = {
+    "stage1Frame_2", "frame_rightTop", "stage2Frame", "frame_rightBottom",
+    "label_42",      "lcd1x",          "label_44",    "lcd1y",
+    "label_43",      "lcd1i",          "label_17",    "lcd2x",
+    "label_11",      "lcd2y",          "label_14",    "lcd2i"};
+
+bool showsReadouts(const WindowFixture& fixture)
+{
+    for (const char* name : singleSystemWidgets) {
+        if (!fixture.find<QWidget>(name)->isVisible())
+            return false;
+    }
+    return true;
+}
+
+bool hidesReadouts(const WindowFixture& fixture)
+{
+    for (const char* name : singleSystemWidgets) {
+        if (fixture.find<QWidget>(name)->isVisible())
+            return false;
+    }
+    return true;
+}
+
+QColor textColor(const WindowFixture& fixture, const char* label)
+{
+    return fixture.find<QLabel>(label)->palette().color(QPalette::WindowText);
+}
+
+/// Comes up without the exchange that identifies it, which takes its time for many.
+bool registerUnasked(const WindowFixture& fixture, emulator::ControllerHandle& controller,
+                     const ConnectionSettings& record)
+{
+    auto client = std::make_unique<TcpClient>();
+    client->setTimeoutMs(WindowFixture::shortTimeoutMs);
+    client->init(controller.address(), controller.port());
+    client->setLabel(record.label.text());
+    client->setFirmwareVersion(40);
+    client->start();
+    TcpClient& link = *client;
+    if (!QTest::qWaitFor([&link] { return link.isConnected(); }))
+        return false;
+    fixture.window().newConnection(std::move(client), record);
+    return true;
+}
+
+ConnectionSettings colored(ConnectionSettings record, const QColor& color)
+{
+    record.colorX = color;
+    record.colorY = color.lighter();
+    record.colorI = color.darker();
+    return record;
+}
+
+} // namespace
+
+class TestRegistry : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+    void firstSystemBringsUpTheReadouts();
+    void secondSystemHidesTheReadouts();
+    void closingOneOfTwoBringsThemBackForTheSurvivor();
+    void closingTheMiddleMovesIndicesAndCurves();
+    void closingTheLastDisablesTheControls();
+    void slowSerialLineHoldsBothRates();
+    void systemBeyondFiftyIsNotShown();
+    void systemShownWhileRunningJoins();
+    void hiddenSystemLosesItsCurves();
+    void labelGoesToTheControllerPadded();
+    void colourActsOnTheNextPointAndTheAxis();
+    void unknownAddressesDoNothing();
+    void reconnectRejectsWhoIsNoController();
+    void reconnectFailsWithoutAController();
+    void lostLinkTakesTheSystemOffThePlots();
+    void unconnectedSystemIsRegisteredButNotShown();
+    void savedRecordsTakeOverTheLiveState();
+    void savingWithAnotherNumberOfRecordsFails();
+    void groupIsKept();
+};
+
+void TestRegistry::cleanup()
+{
+    QCOMPARE(leftWidgets(), QString());
+}
+
+void TestRegistry::firstSystemBringsUpTheReadouts()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.open());
+    QVERIFY(!fixture.find<QWidget>("push_Stab1")->isEnabled());
+    QVERIFY(fixture.registerSystem(colored(fixture.record(), Qt::red), 0));
+    QVERIFY(showsReadouts(fixture));
+    QVERIFY(fixture.find<QWidget>("push_Stab1")->isEnabled());
+    QVERIFY(fixture.find<QWidget>("push_Stab2")->isEnabled());
+    for (const char* label : {"x_axis_label", "x_axis_label2"})
+        QCOMPARE(textColor(fixture, label), QColor(Qt::red));
+    for (const char* label : {"y_axis_label", "y_axis_label2"})
+        QCOMPARE(textColor(fixture, label), QColor(Qt::red).lighter());
+    for (const char* label : {"i_axis_label", "i_axis_label2"})
+        QCOMPARE(textColor(fixture, label), QColor(Qt::red).darker());
+}
+
+void TestRegistry::secondSystemHidesTheReadouts()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(hidesReadouts(fixture));
+    for (const char* label : {"x_axis_label", "y_axis_label2", "i_axis_label"})
+        QCOMPARE(textColor(fixture, label), QColor(Qt::black));
+}
+
+void TestRegistry::closingOneOfTwoBringsThemBackForTheSurvivor()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.window().closedConnection(fixture.connection(0).address()));
+    QVERIFY(showsReadouts(fixture));
+    QCOMPARE(fixture.window().shownConnections(), QList<int>{0});
+
+    // The buttons address the survivor.
+    QVERIFY(fixture.click("push_Stab1"));
+    QVERIFY(fixture.controller(1).stageOn(1));
+}
+
+void TestRegistry::closingTheMiddleMovesIndicesAndCurves()
+{
+    WindowFixture fixture(3);
+    QVERIFY(fixture.open());
+    const QList<QColor> colors{Qt::red, Qt::green, Qt::magenta};
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(fixture.registerSystem(colored(fixture.record(i), colors[i]), i));
+    fixture.window().showConnection(fixture.connection(1).address(), false);
+    QCOMPARE(fixture.window().shownConnections(), (QList<int>{0, 2}));
+
+    QVERIFY(fixture.window().closedConnection(fixture.connection(1).address()));
+    QCOMPARE(fixture.window().shownConnections(), (QList<int>{0, 1}));
+    QCOMPARE(fixture.pointingPlot(1).curveCount(), 2);
+    QCOMPARE(fixture.positionPlot(2).curveCount(), 4);
+    QCOMPARE(fixture.positionPlot(1).curveColor(2), QColor(Qt::magenta));
+    QCOMPARE(fixture.positionPlot(1).curveColor(3), QColor(Qt::magenta).lighter());
+    QCOMPARE(fixture.intensityPlot(2).curveColor(1), QColor(Qt::magenta).darker());
+    QCOMPARE(fixture.pointingPlot(2).curveColor(1), QColor(Qt::magenta).darker());
+}
+
+void TestRegistry::closingTheLastDisablesTheControls()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.window().closedConnection(fixture.connection().address()));
+    QVERIFY(!fixture.find<QWidget>("push_Stab1")->isEnabled());
+    QVERIFY(!fixture.find<QWidget>("push_Stab2")->isEnabled());
+    QVERIFY(!fixture.find<QAction>("startAction")->isEnabled());
+    QTRY_VERIFY(!fixture.controller().isConnected());
+    fixture.tick();
+    QCOMPARE(fixture.pointingPlot(1).curveCount(), 0);
+}
+
+void TestRegistry::slowSerialLineHoldsBothRates()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    auto* sampling = fixture.find<Counter>("samplingRateCounter");
+    auto* update = fixture.find<Counter>("updateRateCounter");
+    QCOMPARE(sampling->spinBox->maximum(), 500);
+    sampling->spinBox->setValue(500);
+
+    auto serial = std::make_unique<SerialPort>();
+    QVERIFY(serial->init("ttyUSB7", 115200));
+    fixture.window().newConnection(std::move(serial), ConnectionSettings());
+    QCOMPARE(sampling->spinBox->maximum(), 430);
+    QCOMPARE(update->spinBox->maximum(), 430);
+    QCOMPARE(sampling->spinBox->value(), 430);
+
+    QVERIFY(fixture.window().closedConnection("ttyUSB7"));
+    QCOMPARE(sampling->spinBox->maximum(), 500);
+    QCOMPARE(update->spinBox->maximum(), 500);
+}
+
+void TestRegistry::systemBeyondFiftyIsNotShown()
+{
+    constexpr int count = 51;
+    emulator::ControllerOptions quiet;
+    quiet.script = {emulator::PacketValues{}};
+    WindowFixture fixture(count, quiet);
+    QVERIFY(fixture.open());
+    for (int i = 0; i < count; ++i)
+        QVERIFY(registerUnasked(fixture, fixture.controller(i), fixture.record(i)));
+    QCOMPARE(fixture.window().shownConnections().size(), 50);
+
+    fixture.window().showConnection(fixture.connection(50).address(), true);
+    QCOMPARE(fixture.window().shownConnections().size(), 50);
+    QVERIFY(!fixture.window().shownConnections().contains(50));
+    fixture.tick();
+    auto* list = fixture.window().findChild<ConnectionOverviewDialog*>()->findChild<QListWidget*>();
+    const auto isTicked = [list](int row) {
+        return list->itemWidget(list->item(row))
+            ->findChild<QAbstractButton*>("showCheckBox")
+            ->isChecked();
+    };
+    QVERIFY(isTicked(50));
+    QVERIFY(!isTicked(51));
+
+    // With one hidden there is room for it.
+    fixture.window().showConnection(fixture.connection(0).address(), false);
+    fixture.window().showConnection(fixture.connection(50).address(), true);
+    QVERIFY(fixture.window().shownConnections().contains(50));
+}
+
+void TestRegistry::systemShownWhileRunningJoins()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.open());
+    QVERIFY(fixture.registerSystem(0));
+    QVERIFY(fixture.clickAction("startAction"));
+    QVERIFY(registerUnasked(fixture, fixture.controller(1), fixture.record(1)));
+    QVERIFY(fixture.connection(1).isStreaming());
+    QCOMPARE(fixture.controller(1).streamRate(), 100);
+}
+
+void TestRegistry::hiddenSystemLosesItsCurves()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.clickAction("startAction"));
+    QTRY_VERIFY(pointsOf(fixture.pointingPlot(2), 1).size() > 3);
+    QTRY_VERIFY(pointsOf(fixture.positionPlot(1), 3).size() > 3);
+
+    fixture.window().showConnection(fixture.connection(1).address(), false);
+    for (int stage = 1; stage <= 2; ++stage) {
+        QVERIFY(pointsOf(fixture.pointingPlot(stage), 1).isEmpty());
+        QVERIFY(pointsOf(fixture.positionPlot(stage), 2).isEmpty());
+        QVERIFY(pointsOf(fixture.positionPlot(stage), 3).isEmpty());
+        QVERIFY(pointsOf(fixture.intensityPlot(stage), 1).isEmpty());
+        QVERIFY(!pointsOf(fixture.positionPlot(stage), 0).isEmpty());
+    }
+    QVERIFY(!fixture.connection(1).isStreaming());
+}
+
+void TestRegistry::labelGoesToTheControllerPadded()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    fixture.controller().clearWire();
+    fixture.window().changeLabel(fixture.connection().address(), "new_name");
+    QCOMPARE(dialogueWithoutPolls(fixture.controller()),
+             QStringList({labelCommand("new_name"), accepted()}));
+    QCOMPARE(fixture.controller().label(), QByteArray("new_name").leftJustified(25, ' '));
+    QCOMPARE(fixture.connection().label(), QStringLiteral("new_name"));
+}
+
+void TestRegistry::colourActsOnTheNextPointAndTheAxis()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const QString address = fixture.connection().address();
+    fixture.window().updateColorGraph(address, Qt::cyan, 0);
+    fixture.window().updateColorGraph(address, Qt::yellow, 2);
+    fixture.window().updateColorGraph(address, Qt::white, 3);
+    QCOMPARE(fixture.positionPlot(1).curveColor(0), QColor(Qt::cyan));
+    QCOMPARE(fixture.positionPlot(2).curveColor(0), QColor(Qt::cyan));
+    QCOMPARE(fixture.positionPlot(1).curveColor(1), QColor(Qt::darkGreen));
+    QCOMPARE(fixture.pointingPlot(1).curveColor(0), QColor(Qt::yellow));
+    QCOMPARE(fixture.intensityPlot(2).curveColor(0), QColor(Qt::yellow));
+    QCOMPARE(textColor(fixture, "x_axis_label"), QColor(Qt::cyan));
+    QCOMPARE(textColor(fixture, "i_axis_label2"), QColor(Qt::yellow));
+}
+
+void TestRegistry::unknownAddressesDoNothing()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    fixture.controller().clearWire();
+    const QString nobody = QStringLiteral("127.9.9.9");
+    QString id;
+    QVERIFY(!fixture.window().closedConnection(nobody));
+    QVERIFY(!fixture.window().disconnectConnection(nobody));
+    QVERIFY(!fixture.window().reconnectConnection(nobody, id));
+    fixture.window().showConnection(nobody, true);
+    fixture.window().showConnection(nobody, false);
+    fixture.window().updateColorGraph(nobody, Qt::cyan, 0);
+    fixture.window().changeLabel(nobody, "x");
+    fixture.window().changeGroupId(nobody, 3);
+    QCOMPARE(fixture.window().shownConnections(), QList<int>{0});
+    QVERIFY(dialogueWithoutPolls(fixture.controller()).isEmpty());
+}
+
+void TestRegistry::reconnectRejectsWhoIsNoController()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const QString address = fixture.connection().address();
+    QVERIFY(fixture.window().disconnectConnection(address));
+    QTRY_VERIFY(!fixture.controller().isConnected());
+    emulator::ControllerOptions foreign;
+    foreign.maker = "Abc";
+    fixture.controller().setIdentity(foreign);
+
+    const LogCapture log;
+    QString id;
+    QVERIFY(!fixture.window().reconnectConnection(address, id));
+    QVERIFY(id.isEmpty());
+    QVERIFY(!fixture.connection().isRunning());
+    QVERIFY(!fixture.connection().isConnected());
+    QVERIFY(fixture.window().shownConnections().isEmpty());
+    QCOMPARE(log.count("info: Reconnecting"), 1);
+    QCOMPARE(log.count("info: Reconnecting failed"), 1);
+}
+
+void TestRegistry::reconnectFailsWithoutAController()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const QString address = fixture.connection().address();
+    fixture.controller().stopListening();
+    QTRY_VERIFY(!fixture.connection().isConnected());
+
+    QString id;
+    QVERIFY(!fixture.window().reconnectConnection(address, id));
+    QVERIFY(!fixture.connection().isRunning());
+
+    fixture.controller().listenAgain();
+    QVERIFY(fixture.window().reconnectConnection(address, id));
+    QCOMPARE(id, fixture.controller().id());
+    QCOMPARE(fixture.window().shownConnections(), QList<int>{0});
+}
+
+void TestRegistry::lostLinkTakesTheSystemOffThePlots()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.clickAction("startAction"));
+    QTRY_VERIFY(pointsOf(fixture.pointingPlot(1), 0).size() > 3);
+
+    fixture.controller(0).closeConnection();
+    QTRY_COMPARE(fixture.window().shownConnections(), QList<int>{1});
+    QCOMPARE(fixture.connection(0).linkState(), LinkState::Disconnected);
+    QVERIFY(pointsOf(fixture.pointingPlot(1), 0).isEmpty());
+    QVERIFY(fixture.connection(1).isStreaming());
+    QVERIFY(showsReadouts(fixture));
+}
+
+void TestRegistry::unconnectedSystemIsRegisteredButNotShown()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.open());
+    auto client = std::make_unique<TcpClient>();
+    client->init(fixture.controller().address(), fixture.controller().port());
+    fixture.window().newConnection(std::move(client), fixture.record());
+    fixture.tick();
+    QCOMPARE(int(fixture.window().liveConnections().size()), 1);
+    QVERIFY(fixture.window().shownConnections().isEmpty());
+    QVERIFY(!fixture.find<QAction>("startAction")->isEnabled());
+    QCOMPARE(fixture.pointingPlot(1).curveCount(), 1);
+}
+
+void TestRegistry::savedRecordsTakeOverTheLiveState()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.open());
+    ConnectionSettings first = fixture.record(0);
+    first.model = {PsdDetector, QuadrantDetector};
+    first.calculation = {1, 0};
+    first.beamDiameter = {60.0, 70.0};
+    QVERIFY(fixture.registerSystem(first, 0));
+    QVERIFY(fixture.registerSystem(1));
+    fixture.window().updateColorGraph(fixture.connection(0).address(), Qt::cyan, 1);
+    fixture.window().changeLabel(fixture.connection(1).address(), "other");
+    fixture.window().findChild<ConnectionOverviewDialog*>()->changeOrder(0, 1);
+
+    QList<ConnectionSettings> records{fixture.record(0), fixture.record(1)};
+    QVERIFY(fixture.window().updateSettingsAndParameters(records));
+    QCOMPARE(records[0].colorY, QColor(Qt::cyan));
+    QCOMPARE(records[1].label.text(), QStringLiteral("other"));
+    QCOMPARE(records[1].name.text(), fixture.controller(1).address());
+    QCOMPARE(records[0].model, first.model);
+    QCOMPARE(records[0].calculation, first.calculation);
+    QCOMPARE(records[0].beamDiameter, first.beamDiameter);
+    QCOMPARE(records[0].position, 1);
+    QCOMPARE(records[1].position, 0);
+}
+
+void TestRegistry::savingWithAnotherNumberOfRecordsFails()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QList<ConnectionSettings> none;
+    QVERIFY(!fixture.window().updateSettingsAndParameters(none));
+}
+
+void TestRegistry::groupIsKept()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    fixture.window().changeGroupId(fixture.connection().address(), 3);
+    QCOMPARE(fixture.window().liveStatuses().first().groupId, 3);
+}
+
+QTEST_MAIN(TestRegistry)
+#include "tst_registry.moc"
