@@ -62,13 +62,13 @@ WindowFixture::~WindowFixture()
     destroyWindow();
 }
 
-emulator::ControllerHandle& WindowFixture::addController(const emulator::ControllerOptions& options)
+emulator::ControllerHandle WindowFixture::addController(const emulator::ControllerOptions& options)
 {
     controllers.push_back(host.addTcp(options, addressOf(int(controllers.size()))));
     return controllers.back();
 }
 
-emulator::ControllerHandle& WindowFixture::controller(int number)
+emulator::ControllerHandle WindowFixture::controller(int number) const
 {
     return controllers.at(std::size_t(number));
 }

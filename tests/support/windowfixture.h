@@ -35,8 +35,8 @@ public:
     WindowFixture& operator=(const WindowFixture&) = delete;
 
     /// Controllers have addresses that no other test process uses.
-    emulator::ControllerHandle& addController(const emulator::ControllerOptions& options = {});
-    emulator::ControllerHandle& controller(int number = 0);
+    emulator::ControllerHandle addController(const emulator::ControllerOptions& options = {});
+    emulator::ControllerHandle controller(int number = 0) const;
 
     /// What the setup file would hold of a controller, marked for connecting.
     ConnectionSettings record(int number = 0) const;
