@@ -16,6 +16,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+Q_DECLARE_METATYPE(emulator::ControllerOptions)
+
 using emulator::ControllerHandle;
 using emulator::ControllerOptions;
 using emulator::EmulatorHost;
@@ -538,8 +540,6 @@ void TestFlows::loadingWorksWithTheRealWaits()
     QVERIFY2(timer.elapsed() >= 2250 && timer.elapsed() < 2250 + 200,
              QByteArray::number(timer.elapsed()).constData());
 }
-
-Q_DECLARE_METATYPE(emulator::ControllerOptions)
 
 QTEST_MAIN(TestFlows)
 #include "tst_flows.moc"
