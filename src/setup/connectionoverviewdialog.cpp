@@ -62,6 +62,8 @@ void ConnectionOverviewDialog::addConnectionRow()
     appendRow(false);
     relaySignals(*rows.last());
     connectionOrder.append(connectionOrder.size());
+    // Tab follows the eye: the rows stand above the button.
+    setTabOrder(&rows.last()->lastTabStop(), ui->closePushButton);
 }
 
 void ConnectionOverviewDialog::relaySignals(const OverviewWidget& row)

@@ -46,6 +46,11 @@ QString ConnectionWidget::buttonText() const
     return connected ? tr("Disconnect") : tr("Reconnect");
 }
 
+QWidget& ConnectionWidget::lastTabStop() const
+{
+    return *ui->deleteButton;
+}
+
 void ConnectionWidget::setConnected(bool isConnected)
 {
     if (isConnected == connected)

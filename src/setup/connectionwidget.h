@@ -23,6 +23,9 @@ public:
     QString address() const { return address_; }
     QString number() const { return number_; }
 
+    /// The last control that Tab reaches in this line.
+    QWidget& lastTabStop() const;
+
     void setConnected(bool isConnected);
     void setAutoConnect(bool isActive);
 

@@ -14,8 +14,6 @@
 namespace {
 
 constexpr LinkWait storedWait{300, false};
-constexpr int interfaceId = 0;
-constexpr int interfacePort = 1;
 
 /// A system has one connection: the first record of it counts.
 void removeRepeated(QList<ConnectionSettings>& records)
@@ -42,7 +40,12 @@ void SettingsDialog::on_loadConnectionButton_clicked()
     if (!path.isEmpty()) {
         sayInBoth(QString());
         closeAllConnections();
+        const auto telling =
+            connect(this, &SettingsDialog::connectingTo, this, [this](const QString& label) {
+                sayInBoth(tr("Connecting to %1...").arg(label));
+            });
         loadConnection(path);
+        disconnect(telling);
     }
     ui->loadConnectionButton->setEnabled(true);
 }
@@ -128,6 +131,8 @@ bool SettingsDialog::connectStored(Connection& connection, const ConnectionSetti
 {
     const WaitCursor waiting;
     emit connectingTo(record.label.text(), record.name.text());
+    // Whoever shows this gets the chance to paint it before the exchanges block.
+    takeEvents();
     QString id = record.id.text();
     if (connectAndIdentify(connection, storedWait, record.label.text(), id) != LinkOutcome::Up) {
         connection.disconnectController();

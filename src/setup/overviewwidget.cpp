@@ -126,6 +126,11 @@ void OverviewWidget::showOnly(bool header)
                   !header);
 }
 
+QWidget& OverviewWidget::lastTabStop() const
+{
+    return *ui->showCheckBox;
+}
+
 void OverviewWidget::updateRow(const ConnectionStatus& status)
 {
     updateLabel(status);

@@ -29,6 +29,9 @@ public:
     explicit OverviewWidget(bool header, QWidget* parent = nullptr);
     ~OverviewWidget() override;
 
+    /// The last control that Tab reaches in this row.
+    QWidget& lastTabStop() const;
+
     /// Shows the status. Touches only what has changed, as it runs at every display tick.
     void updateRow(const ConnectionStatus& status);
 

@@ -24,8 +24,6 @@ constexpr LinkWait serialWait{200, false};
 constexpr LinkWait tcpWait{300, true};
 constexpr int serialTabIndex = 0;
 constexpr char fileEnding[] = ".xml";
-/// Parts of an entry of the interface list.
-constexpr int interfaceId = 0;
 
 std::unique_ptr<Connection> makeRealTransport(ConnectionType type)
 {
@@ -306,6 +304,7 @@ ConnectionWidget& SettingsDialog::addLine(Tab& lineTab, const ConnectionSettings
     ConnectionWidget& line =
         lineTab.lines.add(record.id.text(), record.label.text(), address, registered);
     line.setAutoConnect(record.autoConnect);
+    keepTabOrder(line);
     connect(&line, &ConnectionWidget::labelChanged, this, &SettingsDialog::newLabel);
     connect(&line, &ConnectionWidget::reconnectC, this, &SettingsDialog::on_WidgetReconnect);
     connect(&line, &ConnectionWidget::disconnectC, this, &SettingsDialog::on_WidgetDisconnect);
@@ -314,6 +313,17 @@ ConnectionWidget& SettingsDialog::addLine(Tab& lineTab, const ConnectionSettings
     connect(&line, &ConnectionWidget::autoConnectChanged, this,
             [this, address](bool isActive) { autoConnectChanged(address, isActive); });
     return line;
+}
+
+/// Tab follows the eye: the lines stand above the buttons of the dialog.
+void SettingsDialog::keepTabOrder(const ConnectionWidget& line)
+{
+    QWidget* before = &line.lastTabStop();
+    for (QPushButton* button : {ui->saveAsConnectionButton, ui->saveConnectionButton,
+                                ui->loadConnectionButton, ui->closeButton}) {
+        setTabOrder(before, button);
+        before = button;
+    }
 }
 
 void SettingsDialog::autoConnectChanged(QString address, bool isActive)
@@ -338,6 +348,7 @@ void SettingsDialog::removeRecord(const QString& address)
 
 void SettingsDialog::deleteConnectionSlot(QString address)
 {
+    const WaitCursor waiting;
     if (!registry.closedConnection(registryAddress(address)))
         return;
     removeRecord(address);
@@ -350,6 +361,7 @@ void SettingsDialog::deleteConnectionSlot(QString address)
 
 void SettingsDialog::closeAllConnections()
 {
+    const WaitCursor waiting;
     for (Tab* each : {&serialTab, &tcpTab}) {
         for (int i = each->lines.size() - 1; i >= 0; --i) {
             if (!registry.closedConnection(each->lines.registryAddressAt(i)))

@@ -15,6 +15,7 @@
 
 class Connection;
 class ConnectionRegistry;
+class ConnectionWidget;
 class QLabel;
 class QLineEdit;
 
@@ -100,6 +101,10 @@ private:
         QString noLinkText;
     };
 
+    /// Parts of an entry of the interface list.
+    static constexpr int interfaceId = 0;
+    static constexpr int interfacePort = 1;
+
     // The dialog.
     void prepareFields();
     void prepareFileDialog();
@@ -121,6 +126,7 @@ private:
     void keepNewConnection(Tab& tab, std::unique_ptr<Connection> connection, const QString& id);
     ConnectionWidget& addLine(Tab& tab, const ConnectionSettings& record,
                               const QString& registryAddress);
+    void keepTabOrder(const ConnectionWidget& line);
 
     // Making those of a file.
     bool takeRecords(const QString& path);

@@ -5,6 +5,7 @@
 
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -16,6 +17,8 @@ public:
                        const ConnectionSettings& settings) override
     {
         calls.append("new " + connection->address());
+        if (whenNew)
+            whenNew();
         records.append(settings);
         statesWhenNew.append(connection->linkState());
         runningWhenNew.append(connection->isRunning());
@@ -61,6 +64,8 @@ public:
     QList<bool> runningWhenNew;
     std::vector<std::unique_ptr<Connection>> connections;
 
+    /// Called with every new connection.
+    std::function<void()> whenNew;
     bool closes = true;
     bool reconnects = true;
     bool disconnects = true;

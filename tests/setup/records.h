@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/connectionsettings.h"
+#include "setup/setupdocument.h"
 
 #include <QString>
 
@@ -35,6 +36,28 @@ inline ConnectionSettings serial(const QString& key, const QString& label)
     record.baudRateOrPort = 921600;
     record.autoConnect = false;
     return record;
+}
+
+/// One that does not connect by itself.
+inline ConnectionSettings quietTcp(const QString& key, const QString& address, const QString& label)
+{
+    ConnectionSettings record = tcp(key, label);
+    record.autoConnect = false;
+    record.name.set(address);
+    return record;
+}
+
+inline ConnectionSettings quietSerial(const QString& key, const QString& port, const QString& label)
+{
+    ConnectionSettings record = serial(key, label);
+    record.name.set(port);
+    return record;
+}
+
+/// A whole setup file.
+inline QByteArray file(const QList<ConnectionSettings>& list)
+{
+    return *setupdocument::withDetectors(setupdocument::connections(list), list);
 }
 
 } // namespace records

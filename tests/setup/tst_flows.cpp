@@ -16,9 +16,13 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+Q_DECLARE_METATYPE(emulator::ControllerOptions)
+Q_DECLARE_METATYPE(LinkState)
+
 using emulator::ControllerHandle;
 using emulator::ControllerOptions;
 using emulator::EmulatorHost;
+using records::file;
 using widgettest::click;
 using widgettest::named;
 
@@ -45,11 +49,6 @@ ConnectionSettings stored(const ControllerHandle& controller, const QString& lab
     record.label.set(label);
     record.autoConnect = true;
     return record;
-}
-
-QByteArray file(const QList<ConnectionSettings>& list)
-{
-    return *setupdocument::withDetectors(setupdocument::connections(list), list);
 }
 
 /// Listens with a queue that is full: whoever connects waits until it is emptied.
@@ -128,11 +127,14 @@ private slots:
     // The stored systems.
     void autoConnectSendsExactlyTheseBytes();
     void autoConnectTellsWhatItDoes();
+    void loadingSaysWhomItConnects();
     void anotherControllerIsListedButNotConnected();
     void aSilentSystemIsListedAndItsThreadEnded_data();
     void aSilentSystemIsListedAndItsThreadEnded();
     void theOthersComeUpAllTheSame();
     void triggerModeFollowsThePulsedLaser();
+    void aSerialSystemThatIsNotThereIsListed_data();
+    void aSerialSystemThatIsNotThereIsListed();
     void aLateLinkDoesNotComeUp();
     void loadingWorksWithTheRealWaits();
 
@@ -422,6 +424,25 @@ void TestFlows::autoConnectTellsWhatItDoes()
     QCOMPARE(events, QStringList({"connecting left 127.0.0.1", "finished"}));
 }
 
+void TestFlows::loadingSaysWhomItConnects()
+{
+    const ControllerHandle controller = host->addTcp();
+    bench->put(bench->path("s.xml"), file({stored(controller, "left")}));
+    QString said;
+    bool waits = false;
+    bench->registry.whenNew = [&] { said = bench->tcpInfo(); };
+    connect(&bench->dialog, &SettingsDialog::connectingTo, &bench->dialog, [&] {
+        const QCursor* pointer = QGuiApplication::overrideCursor();
+        waits = pointer && pointer->shape() == Qt::WaitCursor;
+    });
+    widgettest::show(bench->dialog);
+    bench->chooseFile(bench->path("s.xml"));
+    QVERIFY(click(bench->child<QPushButton>("loadConnectionButton")));
+    QCOMPARE(said, QStringLiteral("Connecting to left..."));
+    QVERIFY(waits);
+    QCOMPARE(bench->tcpInfo(), QStringLiteral("Loading successful"));
+}
+
 void TestFlows::anotherControllerIsListedButNotConnected()
 {
     const ControllerHandle controller = host->addTcp();
@@ -508,6 +529,33 @@ void TestFlows::triggerModeFollowsThePulsedLaser()
     QVERIFY(bench->registry.connections.at(1)->triggerMode());
 }
 
+void TestFlows::aSerialSystemThatIsNotThereIsListed_data()
+{
+    QTest::addColumn<QString>("port");
+    QTest::addColumn<LinkState>("state");
+    QTest::newRow("no such port") << "ttyUSB987" << LinkState::Disconnected;
+    QTest::newRow("not the name of a port") << "pts/987" << LinkState::NotConnected;
+    QTest::newRow("no name") << "" << LinkState::NotConnected;
+}
+
+void TestFlows::aSerialSystemThatIsNotThereIsListed()
+{
+    QFETCH(QString, port);
+    QFETCH(LinkState, state);
+    ConnectionSettings record = records::serial("SS000000001", "gone");
+    record.name.set(port);
+    record.autoConnect = true;
+    QElapsedTimer timer;
+    timer.start();
+    load({record});
+    QVERIFY(timer.elapsed() < 500);
+    QCOMPARE(bench->registry.calls, QStringList({"new " + port}));
+    QCOMPARE(bench->registry.statesWhenNew.first(), state);
+    QVERIFY(!bench->registry.runningWhenNew.first());
+    QCOMPARE(bench->serialLines().size(), 1);
+    QCOMPARE(buttonOf(*bench->serialLines().first()), QStringLiteral("Reconnect"));
+}
+
 void TestFlows::aLateLinkDoesNotComeUp()
 {
     FullListener listener;
@@ -538,8 +586,6 @@ void TestFlows::loadingWorksWithTheRealWaits()
     QVERIFY2(timer.elapsed() >= 2250 && timer.elapsed() < 2250 + 200,
              QByteArray::number(timer.elapsed()).constData());
 }
-
-Q_DECLARE_METATYPE(emulator::ControllerOptions)
 
 QTEST_MAIN(TestFlows)
 #include "tst_flows.moc"

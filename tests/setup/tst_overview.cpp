@@ -89,6 +89,7 @@ private slots:
     void movedRowsKeepTheirWidgets();
 
     void longLabelsAreNotCut();
+    void tabFollowsTheEye();
     void closeAndEscapeClose();
 
 private:
@@ -550,6 +551,21 @@ void TestOverview::longLabelsAreNotCut()
     QCOMPARE(row(0).width(), row(2).width());
     QVERIFY(!row(2).rect().isEmpty());
     QVERIFY(label.geometry().right() < named<QWidget>(row(2), "enable1").geometry().left());
+}
+
+void TestOverview::tabFollowsTheEye()
+{
+    dialog->update(statuses({"a", "b"}));
+    widgettest::show(*dialog);
+    named<QWidget>(row(1), "enable1").setFocus();
+    QStringList visited;
+    for (int i = 0; i < 15 && visited.value(visited.size() - 1) != "closePushButton"; ++i) {
+        visited.append(QApplication::focusWidget()->objectName());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    const QStringList ofARow{
+        "enable1", "enable2", "xColor", "yColor", "iColor", "parameterPushButton", "showCheckBox"};
+    QCOMPARE(visited, ofARow + ofARow + QStringList{"closePushButton"});
 }
 
 void TestOverview::closeAndEscapeClose()
