@@ -16,6 +16,8 @@ constexpr double quadrantSlope = 1.59576912160573071176;
 /// detector is focused much smaller than the active length.
 constexpr double edgeRadiusMicrometres = 15.0;
 constexpr double edgeWidths = 3.0;
+/// Share of the light that the optics lose at the detector's edge.
+constexpr double vignetting = 0.1;
 
 } // namespace
 
@@ -39,10 +41,13 @@ double clippedToRange(double positionMv)
 
 double lightOnDetector(double micrometres)
 {
+    const double place = micrometres / activeHalfLengthMicrometres;
+    const double passing = std::max(0.0, 1.0 - vignetting * place * place);
     const double beyondEdge = std::fabs(micrometres) - activeHalfLengthMicrometres;
     if (beyondEdge < -edgeWidths * edgeRadiusMicrometres)
-        return 1.0;
-    return 0.5 * (1.0 - portable::errorFunction(sqrt2 * beyondEdge / edgeRadiusMicrometres));
+        return passing;
+    return passing * 0.5
+           * (1.0 - portable::errorFunction(sqrt2 * beyondEdge / edgeRadiusMicrometres));
 }
 
 } // namespace emulator

@@ -37,7 +37,8 @@ inline double centreSlopeMv(double gain)
 /// Clips a position signal to the input range.
 double clippedToRange(double positionMv);
 
-/// Fraction of the light that falls on the detector along one axis, 0 to 1.
+/// Fraction of the light that falls on the detector, along one axis, 0 to 1: a little less towards
+/// the edge, and none beyond it.
 double lightOnDetector(double micrometres);
 
 } // namespace emulator

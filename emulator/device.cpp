@@ -589,6 +589,11 @@ QByteArray Device::memoryImage() const
         appendWord(image, model.adjustIn(StageModel::X));
         appendWord(image, model.adjustIn(StageModel::Y));
     }
+    const auto flags = [](const std::array<bool, stages>& set) {
+        return static_cast<char>((set[0] ? 1 : 0) | (set[1] ? 2 : 0));
+    };
+    image.append(flags(multiplex));
+    image.append(flags(frozen));
     for (quint64 unused = 0; image.size() < memoryBytes; ++unused)
         image.append(static_cast<char>(derivedSeed(options.seed, unused) & 0xFF));
     return image.left(memoryBytes);

@@ -133,6 +133,7 @@ private:
     SampleSource source;
     QByteArray storedLabel;
     std::array<bool, stages> multiplex{};
+    /// Trigger Freeze is remembered and shows in the memory alone: no trigger acts on a loop here.
     std::array<bool, stages> frozen{};
     int serialBaudRate;
     QByteArray failedMnemonic;

@@ -32,6 +32,9 @@ double scaleOf(const QString& columnName)
         return mvPerVolt;
     if (unit == "mm")
         return mvPerMillimetre;
+    // The first letter of µm depends on the locale that the file was written under.
+    if (unit.size() == 2 && unit[1] == 'm' && !unit[0].isLetter())
+        return mvPerMicrometre;
     if (unit == QStringLiteral("µm"))
         return mvPerMicrometre;
     return 0.0;

@@ -80,10 +80,10 @@ void StageModel::setOn(bool switchOn)
     if (on == switchOn)
         return;
     on = switchOn;
-    // A stage that is switched off lets its actuators go back to the middle, and the beam with
-    // them to where the disturbances have taken it.
+    // A stage takes over from where its actuators stand. One that is switched off lets them go back
+    // to the middle, and the beam with them to where the disturbances have taken it.
     for (AxisState& state : axisStates)
-        state.loop.park(0.0);
+        state.loop.park(on ? state.loop.correction() : 0.0);
 }
 
 bool StageModel::isActive() const

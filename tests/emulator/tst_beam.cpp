@@ -130,6 +130,7 @@ private slots:
     void loopAmplifiesAroundItsBandwidth();
     void stabilisationReducesTheRmsMoreThanFiveTimes_data();
     void stabilisationReducesTheRmsMoreThanFiveTimes();
+    void stabilisationShowsInThePackets();
     void actuatorsMoveAgainstTheBeam();
     void beamDriftsAgainWhenSwitchedOff();
     void pFactorSetsTheSuppression();
@@ -138,6 +139,8 @@ private slots:
     void holdMakesThePresentPositionTheTarget();
     void sensitivityScalesTheSignals();
     void drivenActuatorMovesTheBeam();
+    void stageTakesOverADrivenActuator();
+    void intensityFollowsTheBeam();
     void stageWithoutLightIsNotActive();
 };
 
@@ -489,7 +492,8 @@ void TestBeam::lateralSignalIsLinearAndClipped()
 void TestBeam::lightFallsOffTheDetector()
 {
     QCOMPARE(lightOnDetector(0.0), 1.0);
-    QVERIFY(std::fabs(lightOnDetector(activeHalfLengthMicrometres) - 0.5) < 1e-6);
+    QVERIFY(isWithin(lightOnDetector(60.0), 0.975, 1e-9));
+    QVERIFY(isWithin(lightOnDetector(activeHalfLengthMicrometres), 0.45, 1e-6));
     QVERIFY(lightOnDetector(-activeHalfLengthMicrometres - 30.0) < 0.01);
 }
 
@@ -552,6 +556,30 @@ void TestBeam::stabilisationReducesTheRmsMoreThanFiveTimes()
         QVERIFY(rmsOff < 500.0);
         QVERIFY(on.isActive());
     }
+}
+
+void TestBeam::stabilisationShowsInThePackets()
+{
+    const auto streamed = [](const QByteArray& command, int place) {
+        Device device({}, "KEY");
+        device.execute(parseCommand(command).command);
+        device.execute(parseCommand(startAt(500)).command);
+        std::vector<double> values;
+        for (int i = 0; i < 2500; ++i)
+            values.push_back(wordAt(device.nextPacket(), place));
+        return values;
+    };
+    const QByteArray on = "SEA" + hex("01 3b");
+    const QByteArray off = "CEA" + hex("01 3b");
+    constexpr int y1 = 6;
+    constexpr int y2 = 12;
+    constexpr int ry1 = 18;
+
+    QVERIFY(rmsOf(streamed(off, y1)) > 5.0 * rmsOf(streamed(on, y1)));
+    // The other stage does not notice.
+    QCOMPARE(streamed(on, y2), streamed(off, y2));
+    QCOMPARE(rmsOf(streamed(off, ry1)), 0.0);
+    QVERIFY(rmsOf(streamed(on, ry1)) > 50.0);
 }
 
 void TestBeam::actuatorsMoveAgainstTheBeam()
@@ -688,6 +716,32 @@ void TestBeam::drivenActuatorMovesTheBeam()
     QCOMPARE(stage.actuatorMv(StageModel::Y), qint16(7500));
     QCOMPARE(stage.positionMv(StageModel::Y), qint16(2000));
     QCOMPARE(stage.positionMv(StageModel::X), qint16(0));
+}
+
+void TestBeam::stageTakesOverADrivenActuator()
+{
+    StageModel stage = calmStage();
+    stage.driveActuator(StageModel::X, 2500);
+    stage.advance(beamStepsPerSecond);
+    stage.setOn(true);
+    stage.advance(1);
+    QVERIFY(stage.actuatorMv(StageModel::X) > 7000);
+    stage.advance(beamStepsPerSecond);
+
+    QCOMPARE(stage.actuatorMv(StageModel::X), qint16(5000));
+    QCOMPARE(stage.positionMv(StageModel::X), qint16(0));
+}
+
+void TestBeam::intensityFollowsTheBeam()
+{
+    StageModel stage = calmStage();
+    stage.setOn(true);
+    stage.advance(beamStepsPerSecond);
+    QCOMPARE(stage.intensityMv(), quint16(4000));
+
+    stage.setAdjustIn(StageModel::Y, 3000);
+    stage.advance(beamStepsPerSecond);
+    QCOMPARE(stage.intensityMv(), quint16(3900));
 }
 
 void TestBeam::stageWithoutLightIsNotActive()

@@ -33,6 +33,7 @@ private slots:
     void statusFollowsStagesAndSources();
     void labelIsStoredWholeAndTold();
     void memoryIsToldInOnePiece();
+    void triggerFreezeShowsInTheMemory();
     void multiplexStateFollowsItsCommands();
     void commandsAndBytesAreRecorded();
 };
@@ -373,6 +374,19 @@ void TestCommands::memoryIsToldInOnePiece()
     QCOMPARE(memory.size(), 258);
     QVERIFY(memory.mid(2).startsWith("K1234567890"));
     QCOMPARE(client.exchange("RFR" + hex("0000 ff 3b"), 258), memory);
+}
+
+void TestCommands::triggerFreezeShowsInTheMemory()
+{
+    EmulatorHost host;
+    HostClient client(host.addTcp());
+    const auto memory = [&] { return client.exchange("RFR" + hex("0000 ff 3b"), 258); };
+    const QByteArray before = memory();
+
+    QCOMPARE(client.exchange("STF" + hex("02 3b"), 2), accepted());
+    QVERIFY(memory() != before);
+    QCOMPARE(client.exchange("CTF" + hex("02 3b"), 2), accepted());
+    QCOMPARE(memory(), before);
 }
 
 void TestCommands::multiplexStateFollowsItsCommands()

@@ -41,7 +41,7 @@ private slots:
     void streamMayBeRestartedAtAnotherRate();
     void streamEndsWithItsConnection();
     void pausedControllerIsSilentAndGoesOn();
-    void stalledHostGetsNoBurst();
+    void pauseIsNotMadeUpFor();
     void hundredControllersStreamAtOnce();
 };
 
@@ -367,7 +367,7 @@ void TestStreaming::pausedControllerIsSilentAndGoesOn()
     QCOMPARE(controller.commands().last(), QByteArray("GSF;"));
 }
 
-void TestStreaming::stalledHostGetsNoBurst()
+void TestStreaming::pauseIsNotMadeUpFor()
 {
     // What was due during a pause is left out: right after it less than one more wake-up's worth
     // of packets is sent per step of the clock.

@@ -1,0 +1,152 @@
+#include "emulator/controller.h"
+#include "emulator/wirelog.h"
+#include "wiretools.h"
+
+#include <QSignalSpy>
+#include <QThread>
+#include <QtTest>
+
+using namespace emulator;
+using namespace wiretools;
+
+namespace {
+
+/// A port that keeps what is sent.
+class KeepingLink final : public Link
+{
+public:
+    void write(const QByteArray& bytes) override { writes.append(bytes); }
+    qint64 bytesPending() const override { return pending; }
+    void close() override { closed = true; }
+    void halfClose() override { halfClosed = true; }
+
+    QByteArrayList writes;
+    qint64 pending = 0;
+    bool closed = false;
+    bool halfClosed = false;
+};
+
+} // namespace
+
+class TestController final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void anyLinkWillDo();
+    void packetsAreLostWhileTheHostDoesNotRead();
+    void stallIsCaughtUpOnlyInPart();
+    void refusalIsTold();
+    void lostLinkForgetsHalfACommand();
+    void lateCommandIsForgottenWithTheLink();
+    void longStreamDoesNotFillTheLog();
+};
+
+void TestController::anyLinkWillDo()
+{
+    KeepingLink link;
+    Controller controller({}, link, nullptr);
+
+    controller.receive("GSF;GI");
+    controller.receive("D;");
+
+    QCOMPARE(link.writes.size(), 2);
+    QCOMPARE(link.writes[0], hex("00 3b 01 3b"));
+    QCOMPARE(link.writes[1].size(), 50);
+}
+
+void TestController::packetsAreLostWhileTheHostDoesNotRead()
+{
+    ControllerOptions options;
+    options.script = countingScript(10000);
+    KeepingLink link;
+    Controller controller(options, link, nullptr);
+    controller.receive(startAt(1000));
+    QTRY_VERIFY(link.writes.size() >= 5);
+
+    link.pending = 1000000;
+    const int written = link.writes.size();
+    QTRY_VERIFY(controller.packetsLost() >= 5);
+    QCOMPARE(link.writes.size(), written);
+
+    link.pending = 0;
+    QTRY_VERIFY(link.writes.size() > written);
+    // The lost ones do not come again.
+    QCOMPARE(wordAt(link.writes[written], 4),
+             written + static_cast<int>(controller.packetsLost()) + 1);
+}
+
+void TestController::stallIsCaughtUpOnlyInPart()
+{
+    KeepingLink link;
+    ControllerOptions options;
+    options.script = countingScript(10000);
+    Controller controller(options, link, nullptr);
+    controller.receive(startAt(1000));
+    QTRY_VERIFY(link.writes.size() >= 5);
+
+    const int written = link.writes.size();
+    constexpr unsigned long stallMs = 1500;
+    QThread::msleep(stallMs);
+    QCoreApplication::processEvents();
+
+    // Of the packets that the stall owes, half a second's come late and the others not at all.
+    const int late = link.writes.size() - written;
+    QVERIFY2(late >= 501 && late < 1200, qPrintable(QString::number(late)));
+    QCOMPARE(wordAt(link.writes.last(), 4), link.writes.size());
+}
+
+void TestController::refusalIsTold()
+{
+    KeepingLink link;
+    Controller controller({}, link, nullptr);
+    QSignalSpy refusals(&controller, &Controller::refused);
+
+    controller.receive("GSF;" + QByteArray("SEA") + hex("09 3b") + "QQQ;");
+
+    QCOMPARE(refusals.size(), 2);
+    QCOMPARE(refusals[0][0].toByteArray(), QByteArray("SEA"));
+    QCOMPARE(refusals[1][0].toByteArray(), QByteArray("QQQ"));
+}
+
+void TestController::lostLinkForgetsHalfACommand()
+{
+    KeepingLink link;
+    Controller controller({}, link, nullptr);
+
+    controller.receive("SEA");
+    controller.linkClosed();
+    controller.linkOpened();
+    controller.receive("GSF;");
+
+    QCOMPARE(link.writes, QByteArrayList({hex("00 3b 01 3b")}));
+}
+
+void TestController::lateCommandIsForgottenWithTheLink()
+{
+    KeepingLink link;
+    ControllerOptions options;
+    options.faults.lateMs = {{"GAS", 20}};
+    Controller controller(options, link, nullptr);
+
+    controller.receive("GAS;");
+    controller.linkClosed();
+    controller.receive("GSF;");
+    QTest::qWait(60);
+
+    QCOMPARE(link.writes, QByteArrayList({hex("00 3b 01 3b")}));
+}
+
+void TestController::longStreamDoesNotFillTheLog()
+{
+    WireLog log;
+    for (int i = 0; i < 2 * WireLog::mostPackets; ++i)
+        log.add(WireEvent::ToHost, "packet", true);
+    log.add(WireEvent::ToHost, "reply", false);
+
+    QCOMPARE(log.events().size(), WireLog::mostPackets + 1);
+    QCOMPARE(log.events().last().bytes, QByteArray("reply"));
+}
+
+QTEST_GUILESS_MAIN(TestController)
+#include "tst_controller.moc"

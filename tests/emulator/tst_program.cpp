@@ -1,0 +1,384 @@
+#include "emulator/commandline.h"
+#include "wiretools.h"
+
+#include <QProcess>
+#include <QTcpSocket>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+#include <limits>
+
+using namespace emulator;
+using namespace wiretools;
+
+namespace {
+
+constexpr int limitMs = 10000;
+
+constexpr const char* allOptions[] = {
+    "--tcp",           "--firmware",    "--vm",         "--trigger",       "--trigger-rate",
+    "--seed",          "--preset",      "--detector",   "--refuse",        "--silent",
+    "--late",          "--short",       "--drop-every", "--insert-every",  "--insert-count",
+    "--corrupt-every", "--close-after", "--close-on",   "--half-close-on", "--garbage",
+    "--replay",        "--quiet",       "--help",       "--version"};
+
+/// The program, run with the given arguments.
+class Program final
+{
+public:
+    explicit Program(const QStringList& arguments)
+    {
+        process.start(QStringLiteral(LUMETRA_EMULATOR_PROGRAM), arguments);
+        process.waitForStarted(limitMs);
+    }
+    ~Program()
+    {
+        if (process.state() != QProcess::NotRunning) {
+            process.kill();
+            process.waitForFinished(limitMs);
+        }
+    }
+
+    QString readLine()
+    {
+        while (!process.canReadLine() && process.waitForReadyRead(limitMs)) {}
+        return QString::fromUtf8(process.readLine()).trimmed();
+    }
+    void sendSignal(int number) { ::kill(static_cast<pid_t>(process.processId()), number); }
+
+    QProcess process;
+};
+
+struct Ready
+{
+    QString address;
+    quint16 port = 0;
+    QString key;
+};
+
+Ready readyFrom(const QString& line)
+{
+    const QRegularExpression form("^tcp ([0-9.]+):([0-9]+) ([A-Z0-9]{11})$");
+    const QRegularExpressionMatch match = form.match(line);
+    return {match.captured(1), match.captured(2).toUShort(), match.captured(3)};
+}
+
+CommandLine readArguments(const QStringList& arguments)
+{
+    return readCommandLine(QStringList("lumetra-emulator") + arguments);
+}
+
+} // namespace
+
+class TestProgram final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void readyLineTellsPlaceAndKey();
+    void everyControllerAnswersAtItsOwnAddress();
+    void runsRepeat();
+    void signalEndsItInOrder_data();
+    void signalEndsItInOrder();
+    void helpNamesEveryOption();
+    void manPageNamesEveryOptionOfTheHelp();
+    void versionIsTold();
+    void wrongOptionIsNamed_data();
+    void wrongOptionIsNamed();
+    void takenPortIsNamed();
+    void optionsReachTheController();
+    void faultsReachTheController();
+    void recordingIsStreamed();
+    void connectionsAreToldUnlessQuiet();
+};
+
+void TestProgram::readyLineTellsPlaceAndKey()
+{
+    Program program({"--tcp", "127.0.0.1:0"});
+
+    const Ready ready = readyFrom(program.readLine());
+
+    QCOMPARE(ready.address, QString("127.0.0.1"));
+    QVERIFY(ready.port > 0);
+    QTcpSocket socket;
+    socket.connectToHost(ready.address, ready.port);
+    QVERIFY(socket.waitForConnected(limitMs));
+    socket.write("GID;");
+    while (socket.bytesAvailable() < 50 && socket.waitForReadyRead(limitMs)) {}
+    QCOMPARE(QString::fromLatin1(socket.readAll().mid(2).left(25).right(11)), ready.key);
+}
+
+void TestProgram::everyControllerAnswersAtItsOwnAddress()
+{
+    Program program({"--tcp", "127.0.0.1:0", "--tcp", "127.0.0.2:0", "--tcp", "127.0.0.1:0"});
+    QSet<QString> keys;
+    QSet<QString> places;
+    QStringList addresses;
+    for (int i = 0; i < 3; ++i) {
+        const Ready ready = readyFrom(program.readLine());
+        QTcpSocket socket;
+        socket.connectToHost(ready.address, ready.port);
+        QVERIFY(socket.waitForConnected(limitMs));
+        addresses.append(ready.address);
+        places.insert(ready.address + QString::number(ready.port));
+        keys.insert(ready.key);
+    }
+
+    QCOMPARE(addresses, QStringList({"127.0.0.1", "127.0.0.2", "127.0.0.1"}));
+    QCOMPARE(places.size(), 3);
+    QCOMPARE(keys.size(), 3);
+}
+
+void TestProgram::runsRepeat()
+{
+    const auto firstPackets = [] {
+        Program program({"--tcp", "127.0.0.1:0", "--seed", "7"});
+        const Ready ready = readyFrom(program.readLine());
+        QTcpSocket socket;
+        socket.connectToHost(ready.address, ready.port);
+        socket.waitForConnected(limitMs);
+        socket.write(startAt(1000));
+        while (socket.bytesAvailable() < 50 * packetBytes && socket.waitForReadyRead(limitMs)) {}
+        return ready.key.toLatin1() + socket.read(50 * packetBytes);
+    };
+
+    const QByteArray packets = firstPackets();
+    QCOMPARE(packets.size(), 11 + 50 * packetBytes);
+    QCOMPARE(firstPackets(), packets);
+}
+
+void TestProgram::signalEndsItInOrder_data()
+{
+    QTest::addColumn<int>("number");
+
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGINT") << SIGINT;
+}
+
+void TestProgram::signalEndsItInOrder()
+{
+    QFETCH(int, number);
+    Program program({"--tcp", "127.0.0.1:0"});
+    const Ready ready = readyFrom(program.readLine());
+    QTcpSocket socket;
+    socket.connectToHost(ready.address, ready.port);
+    QVERIFY(socket.waitForConnected(limitMs));
+    socket.write(startAt(500));
+    QVERIFY(socket.waitForReadyRead(limitMs));
+
+    program.sendSignal(number);
+
+    QVERIFY(program.process.waitForFinished(limitMs));
+    QCOMPARE(program.process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.process.exitCode(), 0);
+    QVERIFY(socket.state() == QAbstractSocket::UnconnectedState
+            || socket.waitForDisconnected(limitMs));
+}
+
+void TestProgram::helpNamesEveryOption()
+{
+    Program program({"--help"});
+    QVERIFY(program.process.waitForFinished(limitMs));
+
+    QCOMPARE(program.process.exitCode(), 0);
+    const QString help = QString::fromUtf8(program.process.readAllStandardOutput());
+    for (const char* option : allOptions)
+        QVERIFY2(help.contains(option), option);
+    QCOMPARE(program.process.readAllStandardError(), QByteArray());
+}
+
+void TestProgram::manPageNamesEveryOptionOfTheHelp()
+{
+    QFile page(QStringLiteral(LUMETRA_EMULATOR_MAN_PAGE));
+    QVERIFY(page.open(QIODevice::ReadOnly));
+    const QString manual = QString::fromUtf8(page.readAll().replace("\\-", "-"));
+    const QString help = readArguments({"--help"}).text;
+    QRegularExpressionMatchIterator options = QRegularExpression("--[a-z-]+").globalMatch(help);
+    int count = 0;
+    for (; options.hasNext(); ++count) {
+        const QString option = options.next().captured();
+        QVERIFY2(manual.contains(QRegularExpression(option + "\\b(?!-)")), qPrintable(option));
+    }
+    QVERIFY(count >= int(std::size(allOptions)));
+}
+
+void TestProgram::versionIsTold()
+{
+    Program program({"--version"});
+    QVERIFY(program.process.waitForFinished(limitMs));
+
+    QVERIFY(program.process.readAllStandardOutput().startsWith("lumetra-emulator "));
+    QCOMPARE(program.process.exitCode(), 0);
+}
+
+void TestProgram::wrongOptionIsNamed_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("named");
+
+    const auto row = [](const QStringList& arguments, const QString& named) {
+        QTest::newRow(qPrintable(arguments.join(' ')))
+            << QStringList({"--tcp", "127.0.0.1:0"}) + arguments << named;
+    };
+    QTest::newRow("nothing") << QStringList() << "--tcp";
+    QTest::newRow("no port") << QStringList({"--tcp", "127.0.0.1"}) << "127.0.0.1";
+    QTest::newRow("name") << QStringList({"--tcp", "localhost:0"}) << "localhost:0";
+    QTest::newRow("port too great") << QStringList({"--tcp", "127.0.0.1:65536"}) << "65536";
+    row({"--nonsense"}, "nonsense");
+    row({"stray"}, "stray");
+    row({"--firmware", "-1"}, "--firmware");
+    row({"--firmware", "new"}, "new");
+    row({"--seed", "x"}, "--seed");
+    row({"--preset", "wild"}, "wild");
+    row({"--detector", "eye"}, "eye");
+    row({"--trigger-rate", "-3"}, "--trigger-rate");
+    row({"--trigger-rate", "nan"}, "--trigger-rate");
+    row({"--refuse", "ABC"}, "ABC");
+    row({"--late", "GSF"}, "GSF");
+    row({"--late", "GSF=soon"}, "soon");
+    row({"--short", "XYZ=2"}, "XYZ");
+    row({"--drop-every", "-1"}, "--drop-every");
+    row({"--replay", "/nowhere/none.csv"}, "/nowhere/none.csv");
+}
+
+void TestProgram::wrongOptionIsNamed()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, named);
+    Program program(arguments);
+    QVERIFY(program.process.waitForFinished(limitMs));
+
+    QVERIFY(program.process.exitCode() != 0);
+    const QString error = QString::fromUtf8(program.process.readAllStandardError());
+    QVERIFY2(error.startsWith("lumetra-emulator: "), qPrintable(error));
+    QVERIFY2(error.contains(named), qPrintable(error));
+    QCOMPARE(error.count('\n'), 1);
+    QCOMPARE(program.process.readAllStandardOutput(), QByteArray());
+}
+
+void TestProgram::takenPortIsNamed()
+{
+    Program first({"--tcp", "127.0.0.1:0"});
+    const QString place = QString("127.0.0.1:%1").arg(readyFrom(first.readLine()).port);
+
+    Program second({"--tcp", place});
+
+    QVERIFY(second.process.waitForFinished(limitMs));
+    QCOMPARE(second.process.exitCode(), 1);
+    QVERIFY(second.process.readAllStandardError().contains(place.toUtf8()));
+}
+
+void TestProgram::optionsReachTheController()
+{
+    const CommandLine line =
+        readArguments({"--tcp", "127.0.0.3:2000", "--tcp", "[::1]:2001", "--firmware", "12", "--vm",
+                       "--trigger", "--trigger-rate", "2.5", "--seed", "18446744073709551615",
+                       "--preset", "noisy", "--detector", "quadrant", "--quiet"});
+
+    QCOMPARE(line.wish, CommandLine::Wish::Run);
+    QCOMPARE(line.places.size(), 2);
+    QCOMPARE(line.places[0].address, QHostAddress("127.0.0.3"));
+    QCOMPARE(line.places[0].port, quint16(2000));
+    QCOMPARE(line.places[1].address, QHostAddress("::1"));
+    QCOMPARE(line.options.firmware, 12);
+    QVERIFY(line.options.vm);
+    QVERIFY(line.options.triggerCapable);
+    QCOMPARE(line.options.triggerRateHz, 2.5);
+    QCOMPARE(line.options.seed, std::numeric_limits<quint64>::max());
+    QCOMPARE(line.options.preset, Preset::Noisy);
+    QCOMPARE(line.options.detector, DetectorKind::Quadrant);
+    QVERIFY(line.quiet);
+}
+
+void TestProgram::faultsReachTheController()
+{
+    const CommandLine line = readArguments({"--tcp",
+                                            "127.0.0.1:0",
+                                            "--refuse",
+                                            "SEA",
+                                            "--refuse",
+                                            "cea",
+                                            "--silent",
+                                            "GSF",
+                                            "--late",
+                                            "GID=800",
+                                            "--short",
+                                            "GPF=3",
+                                            "--close-on",
+                                            "SMD",
+                                            "--half-close-on",
+                                            "CMD",
+                                            "--garbage",
+                                            "--drop-every",
+                                            "2",
+                                            "--insert-every",
+                                            "3",
+                                            "--insert-count",
+                                            "4",
+                                            "--corrupt-every",
+                                            "5",
+                                            "--close-after",
+                                            "6"});
+
+    QCOMPARE(line.wish, CommandLine::Wish::Run);
+    const Faults& faults = line.options.faults;
+    QCOMPARE(faults.refuse, QByteArrayList({"SEA", "CEA"}));
+    QCOMPARE(faults.silent, QByteArrayList({"GSF"}));
+    QCOMPARE(faults.lateMs.value("GID"), 800);
+    QCOMPARE(faults.shortBytes.value("GPF"), 3);
+    QCOMPARE(faults.closeOn, QByteArrayList({"SMD"}));
+    QCOMPARE(faults.halfCloseOn, QByteArrayList({"CMD"}));
+    QVERIFY(faults.garbageReplies);
+    QCOMPARE(faults.dropByteEvery, 2);
+    QCOMPARE(faults.insertBytesEvery, 3);
+    QCOMPARE(faults.insertCount, 4);
+    QCOMPARE(faults.corruptByteEvery, 5);
+    QCOMPARE(faults.closeAfterPackets, 6);
+}
+
+void TestProgram::recordingIsStreamed()
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("run.csv"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("Start: 2024-02-29T13:14:15\n"
+               "ms\tX1(V)\tY1(V)\tI1(V)\tX2(V)\tY2(V)\tI2(V)\tRX1(V)\tRY1(V)\tRX2(V)\tRY2(V)\n\n"
+               "0\t1.250\t0\t4.00\t0\t0\t3.00\t5.00\t5.00\t5.00\t5.00\n");
+    file.close();
+    Program program({"--tcp", "127.0.0.1:0", "--replay", file.fileName()});
+    const Ready ready = readyFrom(program.readLine());
+    QTcpSocket socket;
+    socket.connectToHost(ready.address, ready.port);
+    QVERIFY(socket.waitForConnected(limitMs));
+
+    socket.write("S1S;");
+    while (socket.bytesAvailable() < packetBytes && socket.waitForReadyRead(limitMs)) {}
+    QCOMPARE(wordAt(socket.readAll(), 4), 1250);
+}
+
+void TestProgram::connectionsAreToldUnlessQuiet()
+{
+    for (const bool quiet : {false, true}) {
+        QStringList arguments{"--tcp", "127.0.0.1:0"};
+        if (quiet)
+            arguments.append("--quiet");
+        Program program(arguments);
+        const Ready ready = readyFrom(program.readLine());
+        QTcpSocket socket;
+        socket.connectToHost(ready.address, ready.port);
+        QVERIFY(socket.waitForConnected(limitMs));
+        socket.write("XYZ;");
+        QVERIFY(socket.waitForReadyRead(limitMs));
+        program.sendSignal(SIGTERM);
+        QVERIFY(program.process.waitForFinished(limitMs));
+
+        const QByteArray told = program.process.readAllStandardError();
+        QCOMPARE(told.contains(": 127.0.0.1 connected\n"), !quiet);
+        QCOMPARE(told.contains(": refused XYZ\n"), !quiet);
+        QCOMPARE(told.isEmpty(), quiet);
+    }
+}
+
+QTEST_GUILESS_MAIN(TestProgram)
+#include "tst_program.moc"
