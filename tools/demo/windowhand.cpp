@@ -33,8 +33,6 @@ void WindowHand::take(QWidget& widget, const QString& name) const
         // Connections are running: nothing that they use may be destroyed by the way.
         std::quick_exit(EXIT_FAILURE);
     }
-    std::printf("%s\n", qPrintable(path));
-    std::fflush(stdout);
 }
 
 void WindowHand::click(const char* action) const
