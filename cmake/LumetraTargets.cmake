@@ -63,6 +63,10 @@ function(lumetra_test name)
     ENVIRONMENT "${LUMETRA_TEST_ENVIRONMENT};HOME=${home}")
 endfunction()
 
+# Qt complains about a runtime folder that others may look into.
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/homes)
+file(CHMOD ${CMAKE_BINARY_DIR}/homes PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+
 set(LUMETRA_TEST_ENVIRONMENT
   QT_QPA_PLATFORM=offscreen
   QT_FONT_DPI=96

@@ -22,6 +22,18 @@ constexpr char version[] = "2.3.1";
 constexpr char build[] = "B10624";
 constexpr QSize initialSize(1280, 960);
 
+/// Numbers are read and printed with a decimal point, whatever the locale.
+void useDecimalPoint()
+{
+    // LC_ALL would win over LC_NUMERIC; LANG says the same for all that is not set by itself.
+    const QByteArray all = qgetenv("LC_ALL");
+    if (!all.isEmpty()) {
+        qputenv("LANG", all);
+        qunsetenv("LC_ALL");
+    }
+    qputenv("LC_NUMERIC", "C");
+}
+
 void prepareWorkers()
 {
     omp_set_dynamic(0);
@@ -91,7 +103,7 @@ QRect windowGeometry(const QSize& wanted, const QSize& available)
 
 int run(int argc, char** argv, const WindowHook& whenShown)
 {
-    qputenv("LC_NUMERIC", "C");
+    useDecimalPoint();
     prepareConfigDir(argc, argv);
     prepareWorkers();
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);

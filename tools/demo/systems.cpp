@@ -1,0 +1,43 @@
+#include "demo/systems.h"
+
+namespace demosystems {
+
+namespace {
+
+struct System
+{
+    const char* label;
+    const char* colorX;
+    const char* colorY;
+    const char* colorI;
+};
+
+/// The colours are told apart on a light canvas.
+constexpr System systems[count] = {{"Table_1", "#ff0000", "#008000", "#0000ff"},
+                                   {"Table_2", "#c2570c", "#0f766e", "#6d28d9"},
+                                   {"Amplifier", "#b91c5c", "#4d7c0f", "#1e3a8a"}};
+
+} // namespace
+
+QString label(int number)
+{
+    return QString::fromLatin1(systems[number].label);
+}
+
+ConnectionSettings record(int number, const QString& address, int port, const QString& id)
+{
+    ConnectionSettings record;
+    record.type = ConnectionType::Tcp;
+    record.name.set(address);
+    record.baudRateOrPort = port;
+    record.label.set(label(number));
+    record.id.set(id);
+    record.serial.set(deviceKey(id));
+    record.autoConnect = true;
+    record.colorX = QColor(systems[number].colorX);
+    record.colorY = QColor(systems[number].colorY);
+    record.colorI = QColor(systems[number].colorI);
+    return record;
+}
+
+} // namespace demosystems

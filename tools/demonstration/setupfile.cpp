@@ -1,0 +1,73 @@
+// Writes the setup file of the demonstration: asks each controller who it is, so that the
+// application knows it again.
+
+#include "app/messagelog.h"
+#include "demo/systems.h"
+#include "link/tcpclient.h"
+#include "setup/linkup.h"
+#include "setup/settings.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <optional>
+
+namespace {
+
+constexpr LinkWait controllerWait{2000, false};
+/// Enough on this machine's own network. A controller that streams nothing leaves the stops that
+/// clear the line unanswered, so each costs the wait.
+constexpr int replyTimeoutMs = 100;
+
+std::optional<ConnectionSettings> recordOf(int number, const QString& place)
+{
+    const int colon = place.lastIndexOf(QLatin1Char(':'));
+    TcpClient client;
+    client.setTimeoutMs(replyTimeoutMs);
+    QString id;
+    if (colon < 0 || !client.init(place.left(colon), place.mid(colon + 1).toInt())
+        || connectAndIdentify(client, controllerWait, demosystems::label(number), id)
+               != LinkOutcome::Up) {
+        return std::nullopt;
+    }
+    return demosystems::record(number, client.address(), client.portOrBaud(), id);
+}
+
+int complain(const QString& text)
+{
+    std::fprintf(stderr, "lumetra-demo-setup: %s\n", qPrintable(text));
+    return 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    qInstallMessageHandler(writeToMessageLog);
+    QCoreApplication application(argc, argv);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Writes a setup file for up to %1 controllers.").arg(demosystems::count));
+    parser.addHelpOption();
+    parser.addPositionalArgument("FILE", "The setup file; its folder must exist.");
+    parser.addPositionalArgument("ADDRESS:PORT...", "Where the controllers are.");
+    parser.process(application);
+    QStringList places = parser.positionalArguments();
+    if (places.size() < 2 || places.size() > 1 + demosystems::count)
+        parser.showHelp(1);
+    const QString file = places.takeFirst();
+
+    QList<ConnectionSettings> records;
+    for (const QString& place : qAsConst(places)) {
+        const std::optional<ConnectionSettings> record = recordOf(records.size(), place);
+        if (!record)
+            return complain(QStringLiteral("no controller answers at %1").arg(place));
+        records.append(*record);
+    }
+    Settings settings;
+    settings.setList(records);
+    if (!settings.save(file))
+        return complain(QStringLiteral("can not write %1").arg(file));
+    return 0;
+}
