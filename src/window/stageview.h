@@ -6,7 +6,11 @@
 #include <QList>
 #include <QString>
 #include <QtGlobal>
+#include <qwt_plot_shapeitem.h>
+#include <qwt_plot_textlabel.h>
 #include <qwt_text.h>
+
+#include <memory>
 
 class GenericPlot;
 class QCheckBox;
@@ -15,8 +19,6 @@ class QLabel;
 class QLCDNumber;
 class QPushButton;
 class QWidget;
-class QwtPlotShapeItem;
-class QwtPlotTextLabel;
 class ThermoSlider;
 
 /// The values of one stage in a sample, in millivolts.
@@ -65,8 +67,9 @@ struct StageView
     QList<QWidget*> singleSystemWidgets;
 
     QwtText statisticsText;
-    QwtPlotTextLabel* statisticsLabel = nullptr;
-    QwtPlotShapeItem* targetCross = nullptr;
+    /// A plot would own them only while they are shown on it.
+    std::unique_ptr<QwtPlotTextLabel> statisticsLabel;
+    std::unique_ptr<QwtPlotShapeItem> targetCross;
 
     double timeWindowMs = 0.0;
     /// Position range in the unit that the stage shows.
