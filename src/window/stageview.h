@@ -6,7 +6,11 @@
 #include <QList>
 #include <QString>
 #include <QtGlobal>
+#include <qwt_plot_shapeitem.h>
+#include <qwt_plot_textlabel.h>
 #include <qwt_text.h>
+
+#include <memory>
 
 class GenericPlot;
 class QCheckBox;
@@ -15,8 +19,6 @@ class QLabel;
 class QLCDNumber;
 class QPushButton;
 class QWidget;
-class QwtPlotShapeItem;
-class QwtPlotTextLabel;
 class ThermoSlider;
 
 /// The values of one stage in a sample, in millivolts.
@@ -32,7 +34,8 @@ struct StageValues
 /// `stage` is 0 or 1.
 StageValues stageValues(const MeasureSample& sample, std::size_t stage);
 
-/// The widgets of one stage, and what its display remembers. The widgets belong to the window.
+/// The widgets of one stage, and what its display remembers. The widgets belong to the window and
+/// live longer than this.
 struct StageView
 {
     /// 1 or 2, as the controller counts.
@@ -65,8 +68,9 @@ struct StageView
     QList<QWidget*> singleSystemWidgets;
 
     QwtText statisticsText;
-    QwtPlotTextLabel* statisticsLabel = nullptr;
-    QwtPlotShapeItem* targetCross = nullptr;
+    /// On the pointing plot only while statistics are shown.
+    std::unique_ptr<QwtPlotTextLabel> statisticsLabel;
+    std::unique_ptr<QwtPlotShapeItem> targetCross;
 
     double timeWindowMs = 0.0;
     /// Position range in the unit that the stage shows.
