@@ -7,6 +7,9 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 
+#include <atomic>
+#include <memory>
+
 namespace {
 
 constexpr unsigned long pollMs = 1;
@@ -26,11 +29,36 @@ void waitForLink(const Connection& connection, LinkWait wait)
     }
 }
 
-/// A link that was lost keeps its state until it is disconnected: its end shows in the thread.
-bool isUp(const Connection& connection)
+/// Notes the loss of a link, which its state does not tell until it is disconnected.
+class LossWatch final
 {
-    return connection.isConnected() && connection.isRunning();
-}
+public:
+    explicit LossWatch(const Connection& watched)
+        : connection(watched)
+        , noted(std::make_shared<std::atomic<bool>>(false))
+        , watching(QObject::connect(
+              &watched, &Connection::hostDisconnected, &watched,
+              [flag = noted](const QString&) { *flag = true; }, Qt::DirectConnection))
+    {}
+    ~LossWatch() { QObject::disconnect(watching); }
+    LossWatch(const LossWatch&) = delete;
+    LossWatch& operator=(const LossWatch&) = delete;
+
+    /// Gives the connection's thread the time to tell what ended the last exchange.
+    bool isLost() const
+    {
+        QThread::msleep(settleMs);
+        return *noted || !connection.isRunning();
+    }
+
+private:
+    static constexpr unsigned long settleMs = 20;
+
+    const Connection& connection;
+    /// Shared with the connection's thread, which can still be about to set it.
+    std::shared_ptr<std::atomic<bool>> noted;
+    QMetaObject::Connection watching;
+};
 
 /// Whether a record has room for the identification, which may hold any bytes.
 bool canBeStored(const QString& id)
@@ -49,6 +77,7 @@ void takeEvents()
 LinkOutcome connectAndIdentify(Connection& connection, LinkWait wait, const QString& label,
                                QString& id)
 {
+    const LossWatch watch(connection);
     connection.start(QThread::InheritPriority);
     waitForLink(connection, wait);
     if (!connection.isConnected())
@@ -60,5 +89,5 @@ LinkOutcome connectAndIdentify(Connection& connection, LinkWait wait, const QStr
         return LinkOutcome::NotIdentified;
     id = identity.id;
     labelController(connection, label);
-    return isUp(connection) ? LinkOutcome::Up : LinkOutcome::NoLink;
+    return watch.isLost() ? LinkOutcome::NoLink : LinkOutcome::Up;
 }

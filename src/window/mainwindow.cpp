@@ -198,8 +198,8 @@ void MainWindow::makeStatisticsOverlay()
         stage.statisticsLabel = std::make_unique<QwtPlotTextLabel>();
         stage.statisticsLabel->setText(stage.statisticsText);
 
-        stage.targetCross =
-            std::make_unique<QwtPlotShapeItem>(QLatin1String(crossNames[stage.number - 1]));
+        stage.targetCross = std::make_unique<QwtPlotShapeItem>(
+            QString(QLatin1String(crossNames[stage.number - 1])));
         stage.targetCross->setPen(QPen(Qt::red, crossWidth));
         stage.targetCross->setShape(restingCrossShape());
         // Over the points that it sums up.
@@ -251,6 +251,8 @@ void MainWindow::on_actionExit_triggered()
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
+    // Stopping idle controllers takes a second each: nobody has to watch it.
+    hide();
     leave();
     QApplication::closeAllWindows();
     event->accept();

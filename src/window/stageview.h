@@ -34,7 +34,8 @@ struct StageValues
 /// `stage` is 0 or 1.
 StageValues stageValues(const MeasureSample& sample, std::size_t stage);
 
-/// The widgets of one stage, and what its display remembers. The widgets belong to the window.
+/// The widgets of one stage, and what its display remembers. The widgets belong to the window and
+/// live longer than this.
 struct StageView
 {
     /// 1 or 2, as the controller counts.
@@ -67,7 +68,7 @@ struct StageView
     QList<QWidget*> singleSystemWidgets;
 
     QwtText statisticsText;
-    /// A plot would own them only while they are shown on it.
+    /// On the pointing plot only while statistics are shown.
     std::unique_ptr<QwtPlotTextLabel> statisticsLabel;
     std::unique_ptr<QwtPlotShapeItem> targetCross;
 

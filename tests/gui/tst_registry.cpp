@@ -48,7 +48,7 @@ QColor textColor(const WindowFixture& fixture, const char* label)
 }
 
 /// Comes up without the exchange that identifies it, which takes its time for many.
-bool registerUnasked(const WindowFixture& fixture, emulator::ControllerHandle& controller,
+bool registerUnasked(const WindowFixture& fixture, const emulator::ControllerHandle& controller,
                      const ConnectionSettings& record)
 {
     auto client = std::make_unique<TcpClient>();

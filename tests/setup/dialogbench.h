@@ -26,7 +26,7 @@
 class DialogBench final
 {
 public:
-    static constexpr int shortTimeoutMs = 100;
+    static constexpr int shortTimeoutMs = 250;
 
     DialogBench()
     {
