@@ -199,6 +199,7 @@ private:
     void stopTicking();
 
     // Acquisition and stabilisation.
+    int wantedSamples();
     void joinAcquisition(Connection& connection);
     void restart(StreamPause& pause);
     bool switchStage(StageView& stage);
