@@ -54,7 +54,7 @@ void MainWindow::startStopDataAcquisition()
     commErrorCount = 0;
     resetPlotsAndDisplays();
     statisticsTime.start();
-    samplesToTake = pointingRadio->isChecked() ? samplesToTakeCounter->spinBox->value() : noLimit;
+    samplesToTake = pointingRadio->isChecked() ? wantedSamples() : noLimit;
     startDrawingPlots();
     showRunning(true);
 }
@@ -122,11 +122,18 @@ void MainWindow::enableSamplesCounter(bool on)
         return;
     if (on) {
         samplesTaken = 0;
-        samplesToTake = samplesToTakeCounter->spinBox->value();
+        samplesToTake = wantedSamples();
         clearStatistics();
     } else {
         samplesToTake = noLimit;
     }
+}
+
+int MainWindow::wantedSamples()
+{
+    // What stands in the field counts, also before it was confirmed.
+    samplesToTakeCounter->spinBox->interpretText();
+    return samplesToTakeCounter->spinBox->value();
 }
 
 void MainWindow::updateSamplesToTake(int value)

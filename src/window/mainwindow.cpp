@@ -275,6 +275,7 @@ void MainWindow::leave()
     }
     QThread::msleep(lastWriteMs);
     displayedConnections.clear();
+    enableControls(false);
     connections.clear();
     statuses.clear();
     statisticsSums.clear();

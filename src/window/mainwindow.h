@@ -201,6 +201,7 @@ private:
     void stopTicking();
 
     // Acquisition and stabilisation.
+    int wantedSamples();
     void joinAcquisition(Connection& connection);
     void restart(StreamPause& pause);
     bool switchStage(StageView& stage);
@@ -212,6 +213,8 @@ private:
     // Registry.
     int indexOf(const QString& address) const;
     Connection& connectionAt(int index) const { return *connections[std::size_t(index)]; }
+    /// What the stabilisation buttons address; null if it is not registered any more.
+    Connection* currentLink() const;
     void hideDisplayed(int position);
     void showForSingleSystem(int index);
     void hideSingleSystemWidgets();

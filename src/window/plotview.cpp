@@ -243,10 +243,10 @@ void MainWindow::closeDataloggerDialog()
 
 void MainWindow::showServiceDialog()
 {
-    const auto index = std::size_t(currentConnection);
-    if (index >= connections.size())
+    Connection* connection = currentLink();
+    if (!connection)
         return;
-    serviceDialog->setConnection(connections[index].get());
+    serviceDialog->setConnection(connection);
     serviceDialog->show();
     serviceDialog->raise();
     serviceDialog->activateWindow();

@@ -39,6 +39,12 @@ int MainWindow::indexOf(const QString& address) const
     return -1;
 }
 
+Connection* MainWindow::currentLink() const
+{
+    const auto index = std::size_t(currentConnection);
+    return index < connections.size() ? connections[index].get() : nullptr;
+}
+
 void MainWindow::newConnection(std::unique_ptr<Connection> connection,
                                const ConnectionSettings& settings)
 {

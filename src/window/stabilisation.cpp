@@ -44,8 +44,10 @@ bool MainWindow::on_push_Stab2_clicked()
 
 bool MainWindow::switchStage(StageView& stage)
 {
+    if (!currentLink())
+        return true;
     stage.stabilisation->setEnabled(false);
-    Connection& connection = connectionAt(currentConnection);
+    Connection& connection = *currentLink();
     StreamPause pause(connection);
 
     const bool on = stage.stabilisation->isChecked();
@@ -114,10 +116,12 @@ void MainWindow::activeStage(QString id, int stage, bool activate)
 
 uchar MainWindow::pollStatusByte()
 {
-    Connection& connection = connectionAt(currentConnection);
+    Connection* connection = currentLink();
+    if (!connection)
+        return failedStatus;
     QByteArray reply;
-    connection.getStatusFlags();
-    connection.fetchReply(reply);
+    connection->getStatusFlags();
+    connection->fetchReply(reply);
     const bool good = command::isAccepted(reply) && reply.size() >= statusReplyLength
                       && reply.at(statusReplyLength - 1) == command::terminator;
     if (!good)

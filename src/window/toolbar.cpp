@@ -66,6 +66,8 @@ void MainWindow::addToolBar()
                                        maxSamplesToTake, samplesToTakeStep, nullptr);
     samplesToTakeCounter->setObjectName(QStringLiteral("samplesToTakeCounter"));
     samplesToTakeCounter->spinBox->setValue(defaultSamplesToTake);
+    // On the way to 2000 the digits read 2: a run that is being lengthened must not end there.
+    samplesToTakeCounter->spinBox->setKeyboardTracking(false);
     samplesToTakeCounter->setEnabled(false);
 
     toolBar->addSeparator();

@@ -1,0 +1,328 @@
+// Ways out of the window, and the dialogs that it opens.
+
+#include "app/switches.h"
+#include "link/connection.h"
+#include "plots/genericplot.h"
+#include "service/servicedialog.h"
+#include "setup/connectionoverviewdialog.h"
+#include "setup/settingsdialog.h"
+#include "support/boxanswers.h"
+#include "support/logcapture.h"
+#include "support/samplefeed.h"
+#include "support/widgetcheck.h"
+#include "support/windowfixture.h"
+#include "window/mainwindow.h"
+
+#include <QAction>
+#include <QDesktopServices>
+#include <QFile>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QtTest>
+
+namespace {
+
+const char* const softwareManual = "Manual_Zev-Qor-Software_vers2.3.pdf";
+const char* const hardwareManual = "Manual_Lumetra_Compact_en_vers15.pdf";
+
+/// Stands in for the desktop: keeps the addresses that are to be opened.
+class Desktop final : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Desktop(const char* slot = "open")
+    {
+        QDesktopServices::setUrlHandler("file", this, slot);
+    }
+    ~Desktop() override { QDesktopServices::unsetUrlHandler("file"); }
+
+    QList<QUrl> opened;
+
+public slots:
+    void open(const QUrl& url) { opened.append(url); }
+};
+
+/// A file in the program's folder for as long as it lives.
+class ProgramFile final
+{
+public:
+    explicit ProgramFile(const char* name)
+        : file(QDir(QCoreApplication::applicationDirPath()).filePath(name))
+    {
+        file.open(QIODevice::WriteOnly);
+        file.close();
+    }
+    ~ProgramFile() { file.remove(); }
+    ProgramFile(const ProgramFile&) = delete;
+    ProgramFile& operator=(const ProgramFile&) = delete;
+
+    QString path() const { return file.fileName(); }
+
+private:
+    QFile file;
+};
+
+bool startStream(const WindowFixture& fixture)
+{
+    return fixture.clickAction("startAction")
+           && QTest::qWaitFor([&] { return fixture.controller().isStreaming(); });
+}
+
+void pressSwitch(const WindowFixture& fixture, int stage)
+{
+    const char* const slot = stage == 1 ? "on_push_Stab1_clicked" : "on_push_Stab2_clicked";
+    QMetaObject::invokeMethod(&fixture.window(), slot, Qt::DirectConnection);
+}
+
+} // namespace
+
+class tst_FrameLeaving final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { QCOMPARE(leftWidgets(), QString()); }
+
+    void closingEndsTheStreams();
+    void closingEndsConnectionsOfTheSetupFile();
+    void destroyingEndsWhatWasNotClosed();
+    void nothingIsDoneTwice();
+    void closingTakesAllWindowsAlong();
+    void exitEntryCloses();
+    void nothingTicksBehindTheEnd();
+    void slotsAreHarmlessBehindTheEnd();
+    void leavingInTheMiddleOfARun();
+
+    void setupAndOverviewOpen();
+    void serviceDialogNeedsAConnection();
+    void missingManualIsTold_data();
+    void missingManualIsTold();
+    void manualOpensFromTheProgramsFolder_data();
+    void manualOpensFromTheProgramsFolder();
+    void failedOpeningIsTold();
+};
+
+void tst_FrameLeaving::closingEndsTheStreams()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(startStream(fixture));
+    QTRY_VERIFY(fixture.controller(1).isStreaming());
+    QVERIFY(fixture.window().close());
+    QVERIFY(!fixture.window().isVisible());
+    for (int number = 0; number < 2; ++number) {
+        QVERIFY(!fixture.controller(number).isStreaming());
+        QCOMPARE(fixture.controller(number).commands().last(), QByteArray("CLS;"));
+        QTRY_VERIFY(!fixture.controller(number).isConnected());
+    }
+    QVERIFY(fixture.window().liveConnections().empty());
+}
+
+void tst_FrameLeaving::closingEndsConnectionsOfTheSetupFile()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.writeSetupFile({fixture.record()}));
+    QVERIFY(fixture.open());
+    QCOMPARE(fixture.window().liveConnections().size(), std::size_t(1));
+    QCOMPARE(fixture.window().shownConnections(), QList<int>{0});
+    QVERIFY(startStream(fixture));
+    fixture.controller().clearWire();
+    QVERIFY(fixture.window().close());
+    QCOMPARE(fixture.controller().commands(), QByteArrayList{"CLS;"});
+    QTRY_VERIFY(!fixture.controller().isConnected());
+    // The setup file is the user's: leaving does not touch it.
+    fixture.destroyWindow();
+    QVERIFY(fixture.open());
+    QCOMPARE(fixture.window().liveConnections().size(), std::size_t(1));
+}
+
+void tst_FrameLeaving::destroyingEndsWhatWasNotClosed()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(startStream(fixture));
+    fixture.controller().clearWire();
+    fixture.destroyWindow();
+    QVERIFY(!fixture.controller().isStreaming());
+    QCOMPARE(fixture.controller().commands(), QByteArrayList{"CLS;"});
+    QTRY_VERIFY(!fixture.controller().isConnected());
+}
+
+void tst_FrameLeaving::nothingIsDoneTwice()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(startStream(fixture));
+    fixture.controller().clearWire();
+    const LogCapture log;
+    QVERIFY(fixture.window().close());
+    QVERIFY(fixture.window().close());
+    fixture.destroyWindow();
+    QCOMPARE(fixture.controller().commands(), QByteArrayList{"CLS;"});
+    QCOMPARE(log.count("debug: Deleting TCP connection"), 1);
+    QCOMPARE(log.count("debug: Destroying main window"), 1);
+}
+
+void tst_FrameLeaving::closingTakesAllWindowsAlong()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    fixture.find<QAction>("actionSetup")->trigger();
+    fixture.find<QAction>("actionConfiguration")->trigger();
+    fixture.window().errorStreamStart();
+    auto* box = fixture.find<QMessageBox>("streamErrorBox");
+    QVERIFY(box->isVisible());
+    QVERIFY(fixture.window().close());
+    QVERIFY(!box->isVisible());
+    for (const QWidget* widget : QApplication::topLevelWidgets())
+        QVERIFY2(!widget->isVisible(), widget->metaObject()->className());
+}
+
+void tst_FrameLeaving::exitEntryCloses()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    fixture.find<QAction>("actionExit")->trigger();
+    QVERIFY(!fixture.window().isVisible());
+    QVERIFY(fixture.window().liveConnections().empty());
+}
+
+void tst_FrameLeaving::nothingTicksBehindTheEnd()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QTRY_VERIFY(fixture.controller().commands().count("GSF;") > 2);
+    QVERIFY(fixture.window().close());
+    fixture.controller().clearWire();
+    QTest::qWait(100);
+    QVERIFY(fixture.controller().wire().isEmpty());
+}
+
+void tst_FrameLeaving::slotsAreHarmlessBehindTheEnd()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const QString address = fixture.controller().address();
+    QVERIFY(startStream(fixture));
+    QVERIFY(fixture.window().close());
+    MainWindow& window = fixture.window();
+    QVERIFY(!fixture.find<QAction>("startAction")->isEnabled());
+    QVERIFY(!fixture.find<QPushButton>("push_Stab1")->isEnabled());
+
+    pressSwitch(fixture, 1);
+    pressSwitch(fixture, 2);
+    window.startStopDataAcquisition();
+    window.resetPlotsAndDisplays();
+    window.showConnection(address, true);
+    window.showConnection(address, false);
+    window.activeStage(address, 1, true);
+    window.changeLabel(address, "late");
+    window.updateColorGraph(address, Qt::red, 0);
+    window.showServiceDialog();
+    QVERIFY(!window.getStabilAndActiveStatus());
+    QVERIFY(!window.getActiveStatus(0x80));
+    QVERIFY(!window.closedConnection(address));
+    QVERIFY(!window.disconnectConnection(address));
+    window.stopDrawingPlots();
+    fixture.tick();
+    QVERIFY(window.liveConnections().empty());
+}
+
+void tst_FrameLeaving::leavingInTheMiddleOfARun()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.click("pointingRadio"));
+    QVERIFY(fixture.click("checkBox_Stats1"));
+    QVERIFY(startStream(fixture));
+    QTRY_VERIFY(pointsOf(fixture.pointingPlot(1), 0).size() > 20);
+    fixture.destroyWindow();
+    QVERIFY(!fixture.controller().isStreaming());
+}
+
+void tst_FrameLeaving::setupAndOverviewOpen()
+{
+    WindowFixture fixture(0);
+    QVERIFY(fixture.open());
+    const auto* overview = fixture.window().findChild<ConnectionOverviewDialog*>();
+    QVERIFY(!overview->isVisible());
+    fixture.find<QAction>("actionConfiguration")->trigger();
+    QVERIFY(overview->isVisible());
+    const auto* settings = fixture.window().findChild<SettingsDialog*>();
+    QVERIFY(!settings->isVisible());
+    fixture.find<QAction>("actionSetup")->trigger();
+    QVERIFY(settings->isVisible());
+}
+
+void tst_FrameLeaving::serviceDialogNeedsAConnection()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.open());
+    const auto* service = fixture.window().findChild<ServiceDialog*>();
+    fixture.window().showServiceDialog();
+    QVERIFY(!service->isVisible());
+    QVERIFY(fixture.registerSystem(0));
+    fixture.window().showServiceDialog();
+    QVERIFY(service->isVisible());
+    QCOMPARE(service->connection(), &fixture.connection());
+}
+
+void tst_FrameLeaving::missingManualIsTold_data()
+{
+    QTest::addColumn<QByteArray>("action");
+    QTest::newRow("software") << QByteArray("actionSoftware");
+    QTest::newRow("hardware") << QByteArray("actionLumetra");
+}
+
+void tst_FrameLeaving::missingManualIsTold()
+{
+    QFETCH(QByteArray, action);
+    WindowFixture fixture;
+    QVERIFY(fixture.open());
+    const Desktop desktop;
+    const BoxAnswers answers;
+    fixture.find<QAction>(action.constData())->trigger();
+    QCOMPARE(answers.titles(), QStringList{"File not found"});
+    QCOMPARE(answers.texts(),
+             QStringList{"Cannot open user manual.\n\n"
+                         "Please check if the pdf file is in the program folder."});
+    QVERIFY(desktop.opened.isEmpty());
+}
+
+void tst_FrameLeaving::manualOpensFromTheProgramsFolder_data()
+{
+    QTest::addColumn<QByteArray>("action");
+    QTest::addColumn<QByteArray>("file");
+    QTest::newRow("software") << QByteArray("actionSoftware") << QByteArray(softwareManual);
+    QTest::newRow("hardware") << QByteArray("actionLumetra") << QByteArray(hardwareManual);
+}
+
+void tst_FrameLeaving::manualOpensFromTheProgramsFolder()
+{
+    QFETCH(QByteArray, action);
+    QFETCH(QByteArray, file);
+    WindowFixture fixture;
+    QVERIFY(fixture.open());
+    const ProgramFile manual(file.constData());
+    const Desktop desktop;
+    const BoxAnswers answers;
+    fixture.find<QAction>(action.constData())->trigger();
+    QCOMPARE(answers.count(), 0);
+    QCOMPARE(desktop.opened.size(), 1);
+    QCOMPARE(desktop.opened.first().toString(), "file://" + manual.path());
+}
+
+void tst_FrameLeaving::failedOpeningIsTold()
+{
+    WindowFixture fixture;
+    QVERIFY(fixture.open());
+    const ProgramFile manual(softwareManual);
+    const Desktop desktop("thereIsNoSuchSlot");
+    const BoxAnswers answers;
+    fixture.find<QAction>("actionSoftware")->trigger();
+    QCOMPARE(answers.texts(), QStringList{"Error with opening user manual"});
+}
+
+QTEST_MAIN(tst_FrameLeaving)
+#include "tst_frameleaving.moc"

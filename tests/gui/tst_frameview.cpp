@@ -1,0 +1,521 @@
+// The plots as the frame presents them: ranges, zoom, layout and what a click on an axis does.
+
+#include "plots/genericplot.h"
+#include "support/samplefeed.h"
+#include "support/userinput.h"
+#include "support/widgetcheck.h"
+#include "support/windowfixture.h"
+#include "window/mainwindow.h"
+
+#include <QApplication>
+#include <QFrame>
+#include <QLCDNumber>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QWindow>
+#include <QtTest>
+#include <qwt_plot_canvas.h>
+#include <qwt_plot_shapeitem.h>
+#include <qwt_scale_widget.h>
+
+namespace {
+
+const QSize usualSize(1280, 960);
+
+QString range(const GenericPlot& plot, QwtPlot::Axis axis)
+{
+    const QwtInterval interval = plot.axisInterval(axis);
+    return QStringLiteral("%1..%2").arg(interval.minValue()).arg(interval.maxValue());
+}
+
+/// Ranges of the position and intensity axes of stage 1 and 2.
+QStringList valueRanges(const WindowFixture& fixture)
+{
+    return {range(fixture.positionPlot(1), QwtPlot::yLeft),
+            range(fixture.positionPlot(2), QwtPlot::yLeft),
+            range(fixture.intensityPlot(1), QwtPlot::yLeft),
+            range(fixture.intensityPlot(2), QwtPlot::yLeft)};
+}
+
+/// Range of a stage's time axis, if all of its plots have the same.
+QString timeRange(const WindowFixture& fixture, int stage)
+{
+    const QString shown = range(fixture.positionPlot(stage), QwtPlot::xTop);
+    const bool same = range(fixture.positionPlot(stage), QwtPlot::xBottom) == shown
+                      && range(fixture.intensityPlot(stage), QwtPlot::xBottom) == shown;
+    return same ? shown : QStringLiteral("differ");
+}
+
+/// The newest mid-line of a plot.
+QRectF midLine(const GenericPlot& plot)
+{
+    const QwtPlotItemList shapes = plot.itemList(QwtPlotItem::Rtti_PlotShape);
+    const auto* line = static_cast<const QwtPlotShapeItem*>(shapes.last());
+    return line->title().text() == "Horizontale Mittellinie"
+                   && line->pen().color() == QColor(Qt::darkGray)
+               ? line->shape().boundingRect()
+               : QRectF();
+}
+
+/// Draws a rubber band over a part of the canvas.
+void drag(const GenericPlot& plot)
+{
+    const QWidget& canvas = *plot.canvas();
+    QWidget* window = canvas.window();
+    const QPoint middle = canvas.mapTo(window, canvas.rect().center());
+    const QPoint reach(canvas.width() / 8, canvas.height() / 8);
+    QTest::mousePress(window->windowHandle(), Qt::LeftButton, {}, middle - reach);
+    QTest::mouseMove(window->windowHandle(), middle);
+    QTest::mouseMove(window->windowHandle(), middle + reach);
+    QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, middle + reach);
+}
+
+bool resizeTo(const WindowFixture& fixture, const QSize& size)
+{
+    fixture.window().resize(size);
+    return QTest::qWaitFor([&] { return fixture.window().size() == size; })
+           && (QTest::qWait(50), true);
+}
+
+/// Left edge and width within the scrolled contents.
+QPair<int, int> column(const WindowFixture& fixture, const char* name)
+{
+    const auto* contents = fixture.find<QWidget>("scrollAreaWidgetContents");
+    const auto* widget = fixture.find<QWidget>(name);
+    return {widget->mapTo(contents, QPoint(0, 0)).x(), widget->width()};
+}
+
+/// Names of pairs of visible siblings that cover each other, anywhere below the parent.
+QStringList overlaps(const QWidget& parent)
+{
+    QStringList found;
+    QWidgetList children;
+    for (QObject* child : parent.children()) {
+        auto* widget = qobject_cast<QWidget*>(child);
+        if (widget && widget->isVisible() && !widget->isWindow())
+            children.append(widget);
+    }
+    for (int i = 0; i < children.size(); ++i) {
+        for (int k = i + 1; k < children.size(); ++k) {
+            if (children[i]->geometry().intersects(children[k]->geometry()))
+                found.append(children[i]->objectName() + " and " + children[k]->objectName());
+        }
+        const bool paintsItself = children[i]->inherits("QwtPlot")
+                                  || children[i]->inherits("QAbstractSpinBox")
+                                  || children[i]->inherits("QLCDNumber");
+        if (!paintsItself)
+            found.append(overlaps(*children[i]));
+    }
+    return found;
+}
+
+/// Names of visible labels and buttons that have less room than their text needs.
+QStringList squeezed(const QWidget& parent)
+{
+    QStringList found;
+    const QWidgetList widgets = parent.findChildren<QWidget*>();
+    for (const QWidget* widget : widgets) {
+        const bool hasText = widget->inherits("QLabel") || widget->inherits("QAbstractButton");
+        const QSize needed = widget->minimumSizeHint();
+        if (hasText && widget->isVisible()
+            && (widget->width() < needed.width() || widget->height() < needed.height()))
+            found.append(widget->objectName());
+    }
+    return found;
+}
+
+} // namespace
+
+class tst_FrameView final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void pointingPlotsShowFiveVoltsOnAllAxes();
+    void timePlotsShowTenSeconds();
+    void rescalingAnAxis_data();
+    void rescalingAnAxis();
+    void positionsOfDifferentUnitsDoNotFollow();
+    void rescalingATimeAxis_data();
+    void rescalingATimeAxis();
+    void resettingThePointingZoom();
+    void resettingTheTimePlots();
+    void aRubberBandZoomsPointingPlotsOnly();
+    void aClickOnAnAxisDoesNothingYet();
+
+    void oneSystemShowsItsFramesAndSecondHidesThem();
+    void namesAtTheAxesHaveTheColoursOfTheSystem();
+    void pointingPlotsAreSquareAndColumnsEqual_data();
+    void pointingPlotsAreSquareAndColumnsEqual();
+    void nothingOverlaps_data();
+    void nothingOverlaps();
+    void theSmallestWindowScrolls();
+    void numbersOfAnyWidthMoveNothing();
+    void aLongLabelWidensNothing();
+
+private:
+    std::unique_ptr<WindowFixture> fixture;
+};
+
+void tst_FrameView::init()
+{
+    fixture = std::make_unique<WindowFixture>(2);
+    QVERIFY(fixture->open());
+}
+
+void tst_FrameView::cleanup()
+{
+    fixture.reset();
+    QCOMPARE(leftWidgets(), QString());
+}
+
+void tst_FrameView::pointingPlotsShowFiveVoltsOnAllAxes()
+{
+    for (int stage = 1; stage <= 2; ++stage) {
+        const GenericPlot& plot = fixture->pointingPlot(stage);
+        for (const auto axis : {QwtPlot::xBottom, QwtPlot::xTop, QwtPlot::yLeft, QwtPlot::yRight}) {
+            QCOMPARE(range(plot, axis), QString("-5..5"));
+            QVERIFY(plot.axisEnabled(axis));
+        }
+        QVERIFY(!plot.keepsAllPoints());
+    }
+}
+
+void tst_FrameView::timePlotsShowTenSeconds()
+{
+    for (int stage = 1; stage <= 2; ++stage) {
+        QCOMPARE(timeRange(*fixture, stage), QString("0..10"));
+        const GenericPlot& position = fixture->positionPlot(stage);
+        const GenericPlot& intensity = fixture->intensityPlot(stage);
+        QCOMPARE(range(position, QwtPlot::yLeft), QString("-5..5"));
+        QCOMPARE(range(intensity, QwtPlot::yLeft), QString("0..8"));
+        QVERIFY(position.axisEnabled(QwtPlot::xTop) && !position.axisEnabled(QwtPlot::xBottom));
+        QVERIFY(intensity.axisEnabled(QwtPlot::xBottom) && !intensity.axisEnabled(QwtPlot::xTop));
+        QCOMPARE(position.canvasBackground().color(), QColor("lightblue"));
+        QCOMPARE(intensity.canvasBackground().color(), QColor("azure"));
+        QCOMPARE(intensity.axisMaxMajor(QwtPlot::yLeft), 5);
+        QCOMPARE(intensity.axisMaxMinor(QwtPlot::yLeft), 3);
+        QCOMPARE(position.axisMaxMajor(QwtPlot::yLeft), 5);
+        QCOMPARE(position.font().family(), QString("Sans Serif"));
+        QCOMPARE(position.font().pointSize(), 10);
+        QCOMPARE(position.font().weight(), 75);
+        for (const GenericPlot* plot : {&position, &intensity}) {
+            QVERIFY(plot->keepsAllPoints());
+            QVERIFY(!plot->axisEnabled(QwtPlot::yRight));
+            QCOMPARE(plot->canvas()->cursor().shape(), Qt::ArrowCursor);
+        }
+        QCOMPARE(midLine(position), QRectF(0.0, 0.0, 10000.0, 0.0));
+    }
+}
+
+void tst_FrameView::rescalingAnAxis_data()
+{
+    QTest::addColumn<int>("axisId");
+    QTest::addColumn<bool>("pairCheck");
+    QTest::addColumn<QStringList>("expected");
+
+    QTest::newRow("position 1") << 1 << false << QStringList{"-2..3", "-5..5", "0..8", "0..8"};
+    QTest::newRow("position 2") << 2 << false << QStringList{"-5..5", "-2..3", "0..8", "0..8"};
+    QTest::newRow("position 1 with 2")
+        << 1 << true << QStringList{"-2..3", "-2..3", "0..8", "0..8"};
+    QTest::newRow("position 2 with 1")
+        << 2 << true << QStringList{"-2..3", "-2..3", "0..8", "0..8"};
+    QTest::newRow("time is none of these")
+        << 3 << true << QStringList{"-5..5", "-5..5", "0..8", "0..8"};
+    QTest::newRow("intensity 1") << 5 << false << QStringList{"-5..5", "-5..5", "-2..3", "0..8"};
+    QTest::newRow("intensity 2") << 6 << false << QStringList{"-5..5", "-5..5", "0..8", "-2..3"};
+    QTest::newRow("intensity 1 with 2")
+        << 5 << true << QStringList{"-5..5", "-5..5", "-2..3", "-2..3"};
+    QTest::newRow("intensity 2 with 1")
+        << 6 << true << QStringList{"-5..5", "-5..5", "-2..3", "-2..3"};
+}
+
+void tst_FrameView::rescalingAnAxis()
+{
+    QFETCH(int, axisId);
+    QFETCH(bool, pairCheck);
+    fixture->window().rescaleAxis(axisId, -2.0, 3.0, pairCheck);
+    QTEST(valueRanges(*fixture), "expected");
+    QCOMPARE(timeRange(*fixture, 1), QString("0..10"));
+}
+
+void tst_FrameView::positionsOfDifferentUnitsDoNotFollow()
+{
+    ConnectionSettings record = fixture->record();
+    record.model = {PsdDetector, SelectDetector};
+    record.calculation = {1, 0};
+    QVERIFY(fixture->registerSystem(record, 0));
+    fixture->tick();
+    fixture->window().rescaleAxis(1, -2.0, 3.0, true);
+    QCOMPARE(valueRanges(*fixture), (QStringList{"-2..3", "-5..5", "0..8", "0..8"}));
+    fixture->window().rescaleAxis(2, -1.0, 1.0, true);
+    QCOMPARE(valueRanges(*fixture), (QStringList{"-2..3", "-1..1", "0..8", "0..8"}));
+    fixture->window().rescaleAxis(6, 0.0, 4.0, true);
+    QCOMPARE(valueRanges(*fixture), (QStringList{"-2..3", "-1..1", "0..4", "0..4"}));
+}
+
+void tst_FrameView::rescalingATimeAxis_data()
+{
+    QTest::addColumn<int>("axisId");
+    QTest::addColumn<bool>("pairCheck");
+    QTest::addColumn<QString>("stage1");
+    QTest::addColumn<QString>("stage2");
+
+    QTest::newRow("stage 1") << 3 << false << "1..20"
+                             << "0..10";
+    QTest::newRow("stage 2") << 4 << false << "0..10"
+                             << "1..20";
+    QTest::newRow("stage 1 with 2") << 3 << true << "1..20"
+                                    << "1..20";
+    QTest::newRow("stage 2 with 1") << 4 << true << "1..20"
+                                    << "1..20";
+    QTest::newRow("a position axis is no time axis") << 1 << true << "0..10"
+                                                     << "0..10";
+}
+
+void tst_FrameView::rescalingATimeAxis()
+{
+    QFETCH(int, axisId);
+    QFETCH(bool, pairCheck);
+    QFETCH(QString, stage1);
+    fixture->window().rescaleTimeAxis(axisId, 1, 20, pairCheck);
+    QCOMPARE(timeRange(*fixture, 1), stage1);
+    QTEST(timeRange(*fixture, 2), "stage2");
+    QCOMPARE(valueRanges(*fixture), (QStringList{"-5..5", "-5..5", "0..8", "0..8"}));
+    if (stage1 == "1..20")
+        QCOMPARE(midLine(fixture->positionPlot(1)), QRectF(0.0, 0.0, 20000.0, 0.0));
+}
+
+void tst_FrameView::resettingThePointingZoom()
+{
+    for (int stage = 1; stage <= 2; ++stage) {
+        const GenericPlot& plot = fixture->pointingPlot(stage);
+        drag(plot);
+        QTRY_VERIFY(range(plot, QwtPlot::xBottom) != "-5..5");
+        QVERIFY(fixture->click(stage == 1 ? "pushButton_Zoom1" : "pushButton_Zoom2"));
+        for (const auto axis : {QwtPlot::xBottom, QwtPlot::xTop, QwtPlot::yLeft, QwtPlot::yRight})
+            QCOMPARE(range(plot, axis), QString("-5..5"));
+    }
+}
+
+void tst_FrameView::resettingTheTimePlots()
+{
+    MainWindow& window = fixture->window();
+    window.rescaleAxis(1, -1.0, 1.0, true);
+    window.rescaleAxis(5, 0.0, 2.0, true);
+    window.rescaleTimeAxis(3, 1, 20, true);
+    QVERIFY(fixture->click("pushButton_Zoom3"));
+    QCOMPARE(valueRanges(*fixture), (QStringList{"-5..5", "-1..1", "0..8", "0..2"}));
+    QCOMPARE(timeRange(*fixture, 1), QString("0..10"));
+    QCOMPARE(timeRange(*fixture, 2), QString("1..20"));
+    QVERIFY(fixture->click("pushButton_Zoom4"));
+    QCOMPARE(valueRanges(*fixture), (QStringList{"-5..5", "-5..5", "0..8", "0..8"}));
+    QCOMPARE(timeRange(*fixture, 2), QString("0..10"));
+}
+
+void tst_FrameView::aRubberBandZoomsPointingPlotsOnly()
+{
+    for (int stage = 1; stage <= 2; ++stage) {
+        drag(fixture->positionPlot(stage));
+        drag(fixture->intensityPlot(stage));
+        QCOMPARE(timeRange(*fixture, stage), QString("0..10"));
+    }
+    QCOMPARE(valueRanges(*fixture), (QStringList{"-5..5", "-5..5", "0..8", "0..8"}));
+}
+
+void tst_FrameView::aClickOnAnAxisDoesNothingYet()
+{
+    const auto windows = [] {
+        int visible = 0;
+        for (const QWidget* widget : QApplication::topLevelWidgets())
+            visible += widget->isVisible() ? 1 : 0;
+        return visible;
+    };
+    const int before = windows();
+    for (int stage = 1; stage <= 2; ++stage) {
+        for (QwtScaleWidget* axis : {fixture->positionPlot(stage).axisWidget(QwtPlot::yLeft),
+                                     fixture->positionPlot(stage).axisWidget(QwtPlot::xTop),
+                                     fixture->intensityPlot(stage).axisWidget(QwtPlot::yLeft),
+                                     fixture->intensityPlot(stage).axisWidget(QwtPlot::xBottom)}) {
+            user::hover(*axis, axis->rect().center());
+            QVERIFY(!QApplication::overrideCursor());
+            QVERIFY(user::click(axis));
+            QCOMPARE(windows(), before);
+        }
+    }
+    QCOMPARE(valueRanges(*fixture), (QStringList{"-5..5", "-5..5", "0..8", "0..8"}));
+}
+
+void tst_FrameView::oneSystemShowsItsFramesAndSecondHidesThem()
+{
+    const auto shown = [this] {
+        int visible = 0;
+        const char* const names[] = {
+            "stage1Frame_2", "stage2Frame", "frame_rightTop", "frame_rightBottom",
+            "lcd1x",         "lcd1y",       "lcd1i",          "lcd2x",
+            "lcd2y",         "lcd2i",       "label_42",       "label_44",
+            "label_43",      "label_17",    "label_11",       "label_14",
+            "push_Stab1",    "push_Stab2"};
+        for (const char* name : names)
+            visible += fixture->find<QWidget>(name)->isVisible() ? 1 : 0;
+        return visible == 0                       ? QStringLiteral("none")
+               : visible == int(std::size(names)) ? QStringLiteral("all")
+                                                  : QString::number(visible);
+    };
+    QVERIFY(fixture->registerSystem(0));
+    QCOMPARE(shown(), QString("all"));
+    QVERIFY(fixture->registerSystem(1));
+    QCOMPARE(shown(), QString("none"));
+    fixture->window().showConnection(fixture->controller(0).address(), false);
+    QCOMPARE(shown(), QString("all"));
+}
+
+void tst_FrameView::namesAtTheAxesHaveTheColoursOfTheSystem()
+{
+    const auto colors = [this] {
+        QStringList names;
+        for (const char* name : {"x_axis_label", "y_axis_label", "i_axis_label", "x_axis_label2",
+                                 "y_axis_label2", "i_axis_label2"})
+            names.append(fixture->find<QLabel>(name)->palette().color(QPalette::WindowText).name());
+        return names;
+    };
+    const QString red = QColor(Qt::red).name();
+    const QString green = QColor(Qt::darkGreen).name();
+    const QString blue = QColor(Qt::blue).name();
+    const QStringList colored{red, green, blue, red, green, blue};
+    const QStringList black(QVector<QString>(6, QColor(Qt::black).name()).toList());
+    QCOMPARE(colors(), black);
+    QVERIFY(fixture->registerSystem(0));
+    QCOMPARE(colors(), colored);
+    QVERIFY(fixture->registerSystem(1));
+    QCOMPARE(colors(), black);
+    fixture->window().showConnection(fixture->controller(1).address(), false);
+    QCOMPARE(colors(), colored);
+    fixture->window().showConnection(fixture->controller(0).address(), false);
+    QCOMPARE(colors(), black);
+}
+
+void tst_FrameView::pointingPlotsAreSquareAndColumnsEqual_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<int>("systems");
+    for (const QSize& size : {usualSize, QSize(900, 700), QSize(1900, 1000), QSize(600, 450)}) {
+        for (int systems = 0; systems <= 2; ++systems)
+            QTest::addRow("%d x %d, %d systems", size.width(), size.height(), systems)
+                << size << systems;
+    }
+}
+
+void tst_FrameView::pointingPlotsAreSquareAndColumnsEqual()
+{
+    QFETCH(QSize, size);
+    QFETCH(int, systems);
+    for (int number = 0; number < systems; ++number)
+        QVERIFY(fixture->registerSystem(number));
+    QVERIFY(resizeTo(*fixture, size));
+
+    for (int stage = 1; stage <= 2; ++stage) {
+        const QSize canvas = fixture->pointingPlot(stage).canvas()->size();
+        QVERIFY2(qAbs(canvas.width() - canvas.height()) <= 4,
+                 qPrintable(QString("%1 x %2").arg(canvas.width()).arg(canvas.height())));
+        QVERIFY(canvas.width() > 50);
+    }
+    QCOMPARE(column(*fixture, "osciPlot2"), column(*fixture, "osciPlot1"));
+    QCOMPARE(column(*fixture, "positionPlot2"), column(*fixture, "positionPlot1"));
+    QCOMPARE(column(*fixture, "intensityPlot2"), column(*fixture, "intensityPlot1"));
+    QCOMPARE(column(*fixture, "intensityPlot1"), column(*fixture, "positionPlot1"));
+    if (systems == 1) {
+        QCOMPARE(column(*fixture, "stage2Frame"), column(*fixture, "stage1Frame_2"));
+        QCOMPARE(column(*fixture, "frame_rightBottom"), column(*fixture, "frame_rightTop"));
+    }
+    // The canvases of a stage stand above each other.
+    const auto left = [this](const GenericPlot& plot) {
+        return plot.canvas()->mapTo(&fixture->window(), QPoint(0, 0)).x();
+    };
+    for (int stage = 1; stage <= 2; ++stage)
+        QCOMPARE(left(fixture->intensityPlot(stage)), left(fixture->positionPlot(stage)));
+}
+
+void tst_FrameView::nothingOverlaps_data()
+{
+    QTest::addColumn<QSize>("size");
+    for (const QSize& size : {usualSize, QSize(900, 700), QSize(600, 450)})
+        QTest::addRow("%d x %d", size.width(), size.height()) << size;
+}
+
+void tst_FrameView::nothingOverlaps()
+{
+    QFETCH(QSize, size);
+    QVERIFY(fixture->registerSystem(0));
+    QVERIFY(resizeTo(*fixture, size));
+    const auto* contents = fixture->find<QWidget>("scrollAreaWidgetContents");
+    QCOMPARE(overlaps(*contents), QStringList());
+    QCOMPARE(squeezed(*contents), QStringList());
+    QCOMPARE(overlaps(fixture->window()), QStringList());
+}
+
+void tst_FrameView::theSmallestWindowScrolls()
+{
+    QVERIFY(fixture->registerSystem(0));
+    QVERIFY(resizeTo(*fixture, QSize(600, 450)));
+    const auto* area = fixture->find<QScrollArea>("scrollArea");
+    QTRY_VERIFY(area->verticalScrollBar()->maximum() > 0);
+    QVERIFY(area->horizontalScrollBar()->maximum() > 0);
+    // What lies at the far end can be brought to the front.
+    auto* far = fixture->find<QWidget>("lcd2i");
+    QVERIFY(far->visibleRegion().isEmpty());
+    fixture->find<QScrollArea>("scrollArea")->ensureWidgetVisible(far);
+    QTRY_VERIFY(!far->visibleRegion().isEmpty());
+}
+
+void tst_FrameView::numbersOfAnyWidthMoveNothing()
+{
+    QVERIFY(fixture->registerSystem(0));
+    QVERIFY(resizeTo(*fixture, usualSize));
+    const auto places = [this] {
+        QStringList found;
+        for (const char* name : {"osciPlot1", "stage1Frame_2", "positionPlot1", "frame_rightTop"}) {
+            const QPair<int, int> place = column(*fixture, name);
+            found.append(QStringLiteral("%1 %2 %3").arg(name).arg(place.first).arg(place.second));
+        }
+        const QRect canvas = fixture->positionPlot(1).canvas()->geometry();
+        found.append(QStringLiteral("canvas %1 %2").arg(canvas.x()).arg(canvas.width()));
+        return found.join(", ");
+    };
+    const QString before = places();
+    const SampleFeed feed(*fixture);
+    QVERIFY(feed.start());
+    emulator::PacketValues values;
+    values.x1 = values.y1 = values.x2 = values.y2 = -32768;
+    values.i1 = values.i2 = 65535;
+    QVERIFY(feed.show({values}));
+    QCOMPARE(places(), before);
+    for (const double reach : {0.05, 30.0, 5000.0}) {
+        fixture->window().rescaleAxis(1, -reach, reach, true);
+        QTest::qWait(50);
+        QCOMPARE(places(), before);
+    }
+}
+
+void tst_FrameView::aLongLabelWidensNothing()
+{
+    ConnectionSettings record = fixture->record();
+    record.label.set(QString(63, 'W'));
+    const QSize before = fixture->window().minimumSizeHint();
+    QVERIFY(fixture->registerSystem(0));
+    const QSize usual = fixture->window().minimumSizeHint();
+    fixture->window().closedConnection(fixture->controller().address());
+    QVERIFY(fixture->registerSystem(record, 0));
+    fixture->tick();
+    QCOMPARE(fixture->window().minimumSizeHint(), usual);
+    QVERIFY(before.isValid());
+    QCOMPARE(fixture->window().size(), usualSize);
+}
+
+QTEST_MAIN(tst_FrameView)
+#include "tst_frameview.moc"

@@ -1,0 +1,126 @@
+// The whole road: a click in the window closes the emulated controller's loop, and the window
+// shows what that does to the beam.
+
+#include "plots/genericplot.h"
+#include "plots/thermoslider.h"
+#include "support/widgetcheck.h"
+#include "support/windowfixture.h"
+#include "window/mainwindow.h"
+
+#include <QAction>
+#include <QIcon>
+#include <QLabel>
+#include <QPushButton>
+#include <QtTest>
+
+namespace {
+
+constexpr int samplesPerRun = 1500;
+
+/// The RMS that the window shows at the end of a run of 3 s; negative if there was none.
+double measureRms(const WindowFixture& fixture)
+{
+    if (!fixture.clickAction("startAction"))
+        return -1.0;
+    const auto* start = fixture.find<QAction>("startAction");
+    constexpr int longestRunMs = 15000;
+    if (!QTest::qWaitFor([start] { return !start->isChecked(); }, longestRunMs))
+        return -1.0;
+    const QString text = fixture.statisticsText(1);
+    if (!text.contains(QStringLiteral("\n#samples=%1\n").arg(samplesPerRun)))
+        return -1.0;
+    return text.section("RMS=", 1).section(' ', 0, 0).toDouble();
+}
+
+bool prepare(WindowFixture& fixture)
+{
+    return fixture.openWithSystems() && fixture.type("samplingRateCounter", "500")
+           && fixture.click("pointingRadio") && fixture.click("checkBox_Stats1")
+           && fixture.type("samplesToTakeCounter", QString::number(samplesPerRun));
+}
+
+double bar(const WindowFixture& fixture, const char* name)
+{
+    return fixture.find<ThermoSlider>(name)->value();
+}
+
+bool showsLight(const WindowFixture& fixture, const char* color)
+{
+    const auto* label = fixture.find<QLabel>("label_ActiveIcon");
+    const QIcon light(QStringLiteral(":/images/%1_light.png").arg(color));
+    return label->pixmap(Qt::ReturnByValue).toImage()
+           == light.pixmap(label->maximumSize()).toImage();
+}
+
+} // namespace
+
+class tst_Loop final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { QCOMPARE(leftWidgets(), QString()); }
+
+    void switchingOnHoldsTheBeamAndSwitchingOffLetsItGo();
+    void thePiezoBarsFollowTheLoop();
+};
+
+void tst_Loop::switchingOnHoldsTheBeamAndSwitchingOffLetsItGo()
+{
+    emulator::ControllerOptions options;
+    options.seed = 11;
+    options.preset = emulator::Preset::Typical;
+    WindowFixture fixture(1, options);
+    QVERIFY(prepare(fixture));
+    const double freeRms = measureRms(fixture);
+    QVERIFY(freeRms > 0.0);
+
+    // The same beam once more.
+    fixture.destroyWindow();
+    WindowFixture held(1, options);
+    QVERIFY(prepare(held));
+    QCOMPARE(held.find<QLabel>("label_ActiveText")->text(), QString("Inactive"));
+    QVERIFY(showsLight(held, "red"));
+    QVERIFY(held.click("push_Stab1"));
+    QVERIFY(held.controller().stageOn(1));
+    QVERIFY(!held.controller().stageOn(2));
+    const double heldRms = measureRms(held);
+    QVERIFY(heldRms > 0.0);
+    qInfo("RMS %.4f V free, %.4f V held", freeRms, heldRms);
+    QVERIFY2(heldRms * 5.0 <= freeRms, "Switched on, the stage does not hold the beam");
+    QCOMPARE(held.find<QPushButton>("push_Stab1")->text(), QString("ON"));
+    QCOMPARE(held.find<QLabel>("label_ActiveText")->text(), QString("Active"));
+    QVERIFY(showsLight(held, "green"));
+    QCOMPARE(held.find<QLabel>("label_ActiveText_2")->text(), QString("Inactive"));
+
+    QVERIFY(held.click("push_Stab1"));
+    QVERIFY(!held.controller().stageOn(1));
+    const double againRms = measureRms(held);
+    QVERIFY2(againRms >= heldRms * 5.0, "Switched off, the beam is still held");
+    QCOMPARE(held.find<QPushButton>("push_Stab1")->text(), QString("OFF"));
+    QCOMPARE(held.find<QLabel>("label_ActiveText")->text(), QString("Inactive"));
+    QVERIFY(showsLight(held, "red"));
+}
+
+void tst_Loop::thePiezoBarsFollowTheLoop()
+{
+    WindowFixture fixture(1);
+    QVERIFY(prepare(fixture));
+    QVERIFY(fixture.click("oscilloscopeRadio"));
+    QVERIFY(fixture.clickAction("startAction"));
+    QTRY_VERIFY(pointsOf(fixture.positionPlot(1), 0).size() > 10);
+    const double restingX = bar(fixture, "thermoRX1");
+    const double restingY = bar(fixture, "thermoRY1");
+
+    // Switched while the stream runs, which has to go on.
+    QVERIFY(fixture.click("push_Stab1"));
+    QTRY_COMPARE(fixture.find<QLabel>("label_ActiveText")->text(), QString("Active"));
+    QVERIFY(fixture.controller().isStreaming());
+    QTRY_VERIFY(bar(fixture, "thermoRX1") != restingX && bar(fixture, "thermoRY1") != restingY);
+    QSet<double> positions;
+    QTRY_VERIFY((positions.insert(bar(fixture, "thermoRX1")), positions.size() > 5));
+    QCOMPARE(bar(fixture, "thermoRX2"), restingX);
+}
+
+QTEST_MAIN(tst_Loop)
+#include "tst_loop.moc"

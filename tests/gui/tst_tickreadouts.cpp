@@ -1,0 +1,504 @@
+// What a tick shows beside the plots: readouts, piezo bars, states and the limits of the rates.
+
+#include "emulator/packet.h"
+#include "link/connection.h"
+#include "link/serialport.h"
+#include "plots/counter.h"
+#include "plots/genericplot.h"
+#include "plots/thermoslider.h"
+#include "support/samplefeed.h"
+#include "support/userinput.h"
+#include "support/widgetcheck.h"
+#include "support/windowfixture.h"
+#include "window/mainwindow.h"
+
+#include <QAction>
+#include <QIcon>
+#include <QLCDNumber>
+#include <QLabel>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTimer>
+#include <QtTest>
+
+using emulator::PacketValues;
+
+namespace {
+
+const char* const readoutNames[] = {"lcd1x", "lcd1y", "lcd1i", "lcd2x", "lcd2y", "lcd2i"};
+const char* const barNames[] = {"thermoRX1", "thermoRY1", "thermoRX2", "thermoRY2"};
+
+/// Numbers of the six readouts, in the order of their names.
+QVector<double> readouts(const WindowFixture& fixture)
+{
+    QVector<double> values;
+    for (const char* name : readoutNames)
+        values.append(fixture.find<QLCDNumber>(name)->value());
+    return values;
+}
+
+QVector<double> bars(const WindowFixture& fixture)
+{
+    QVector<double> values;
+    for (const char* name : barNames)
+        values.append(fixture.find<ThermoSlider>(name)->value());
+    return values;
+}
+
+/// "ON checked lightgreen" and such.
+QString switchState(const WindowFixture& fixture, const QByteArray& buttonName)
+{
+    const auto* button = fixture.find<QPushButton>(buttonName.constData());
+    const QColor color = button->palette().color(QPalette::Button);
+    const QString colorName = color == QColor("lightgreen")   ? "lightgreen"
+                              : color == QColor("lightcoral") ? "lightcoral"
+                                                              : color.name();
+    return QStringList{button->text(), button->isChecked() ? "checked" : "unchecked", colorName}
+        .join(' ');
+}
+
+QString lightColor(const WindowFixture& fixture, const char* labelName)
+{
+    const auto* label = fixture.find<QLabel>(labelName);
+    const QImage shown = label->pixmap(Qt::ReturnByValue).toImage();
+    for (const char* color : {"green", "red"}) {
+        const QIcon icon(QStringLiteral(":/images/%1_light.png").arg(color));
+        if (shown == icon.pixmap(label->maximumSize()).toImage())
+            return color;
+    }
+    return "neither";
+}
+
+std::unique_ptr<Connection> slowSerialLine(const QString& port = "ttyS77")
+{
+    auto line = std::make_unique<SerialPort>();
+    line->init(port, 115200);
+    return line;
+}
+
+/// Remembers the precise timer that fires while it lives.
+class TimerWatch final : public QObject
+{
+public:
+    TimerWatch() { QCoreApplication::instance()->installEventFilter(this); }
+
+    QTimer* seen = nullptr;
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        auto* timer = qobject_cast<QTimer*>(object);
+        if (timer && event->type() == QEvent::Timer && timer->timerType() == Qt::PreciseTimer)
+            seen = timer;
+        return false;
+    }
+};
+
+} // namespace
+
+class tst_TickReadouts final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup() { QCOMPARE(leftWidgets(), QString()); }
+
+    void readoutsShowVoltsWithTwoDecimals();
+    void readoutsAverageOverTheLatest41Samples();
+    void aSystemShownAgainStartsItsAverageAnew();
+    void piezoBarsShowTheNewestSample();
+    void twoDisplayedSystemsLeaveReadoutsAndBarsAlone();
+    void clearingZeroesReadoutsAndBars();
+
+    void aStateFromAnotherPathReachesTheButtonOfASingleSystem_data();
+    void aStateFromAnotherPathReachesTheButtonOfASingleSystem();
+    void withTwoDisplayedSystemsItDoesNot();
+    void theStreamsFlagsReachButtonAndLight();
+    void onlyTheLastSampleOfATickTellsTheState();
+    void oldFirmwareHasNoStateInItsStream();
+    void aWrongCheckedStateIsCorrected();
+    void withoutAcquisitionTheStatusIsPolled();
+
+    void theUpdateRateIsThePeriodOfTheTick_data();
+    void theUpdateRateIsThePeriodOfTheTick();
+    void theFirstTickComesASecondAfterConstruction();
+    void oneSlowLineIsEnoughFor430();
+    void aTickLeavesWhatIsTypedAlone();
+    void theSamplingRateIsLockedWhileAcquisitionRuns();
+    void pulsesTakeTheSamplingRateOver();
+    void aSystemWithoutPulsesGivesItBack();
+};
+
+void tst_TickReadouts::readoutsShowVoltsWithTwoDecimals()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    PacketValues values;
+    values.x1 = 1236;
+    values.y1 = -2344;
+    values.i1 = 3519;
+    values.x2 = -7;
+    values.y2 = 32767;
+    values.i2 = 65535;
+    QVERIFY(feed.show({values}));
+    QCOMPARE(readouts(fixture), (QVector<double>{1.24, -2.34, 3.52, -0.01, 32.77, 65.53}));
+}
+
+void tst_TickReadouts::readoutsAverageOverTheLatest41Samples()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    PacketValues first;
+    first.x1 = 4100;
+    first.y2 = -8200;
+    first.i2 = 4100;
+    QVERIFY(feed.show(QVector<PacketValues>{first} + QVector<PacketValues>(40)));
+    QCOMPARE(readouts(fixture), (QVector<double>{0.1, 0.0, 0.0, 0.0, -0.2, 0.1}));
+    QVERIFY(feed.show({PacketValues()}));
+    QCOMPARE(readouts(fixture), QVector<double>(6, 0.0));
+}
+
+void tst_TickReadouts::aSystemShownAgainStartsItsAverageAnew()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    PacketValues values;
+    values.x1 = 2000;
+    QVERIFY(feed.show(QVector<PacketValues>(30, values)));
+    const QString address = fixture.controller().address();
+    fixture.window().showConnection(address, false);
+    fixture.window().showConnection(address, true);
+    values.x1 = 1000;
+    QVERIFY(feed.show({values}));
+    QCOMPARE(readouts(fixture).first(), 1.0);
+}
+
+void tst_TickReadouts::piezoBarsShowTheNewestSample()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    PacketValues early;
+    early.rx1 = early.ry1 = early.rx2 = early.ry2 = 9000;
+    PacketValues late;
+    late.rx1 = 1000;
+    late.ry1 = 2500;
+    late.rx2 = 5000;
+    late.ry2 = 7750;
+    QVERIFY(feed.show({early, early, late}));
+    QCOMPARE(bars(fixture), (QVector<double>{1.0, 2.5, 5.0, 7.75}));
+}
+
+void tst_TickReadouts::twoDisplayedSystemsLeaveReadoutsAndBarsAlone()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.openWithSystems());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    PacketValues values;
+    values.x1 = values.y1 = values.x2 = values.y2 = 1000;
+    values.i1 = values.i2 = 1000;
+    values.rx1 = values.ry1 = values.rx2 = values.ry2 = 5000;
+    QVERIFY(feed.send({values}, 0));
+    QVERIFY(feed.show({values}, 1));
+    QCOMPARE(pointsOf(fixture.pointingPlot(1), 0).size(), 1);
+    QCOMPARE(readouts(fixture), QVector<double>(6, 0.0));
+    QCOMPARE(bars(fixture), QVector<double>(4, 0.0));
+}
+
+void tst_TickReadouts::clearingZeroesReadoutsAndBars()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    PacketValues values;
+    values.x1 = 1000;
+    values.rx1 = 5000;
+    QVERIFY(feed.show({values}));
+    QVERIFY(fixture.clickAction("clearAction"));
+    QCOMPARE(readouts(fixture), QVector<double>(6, 0.0));
+    QCOMPARE(bars(fixture), QVector<double>(4, 0.0));
+    QVERIFY(fixture.controller().isStreaming());
+}
+
+void tst_TickReadouts::aStateFromAnotherPathReachesTheButtonOfASingleSystem_data()
+{
+    QTest::addColumn<int>("stage");
+    QTest::addColumn<QByteArray>("button");
+    QTest::addColumn<QByteArray>("otherButton");
+    QTest::newRow("stage 1") << 1 << QByteArray("push_Stab1") << QByteArray("push_Stab2");
+    QTest::newRow("stage 2") << 2 << QByteArray("push_Stab2") << QByteArray("push_Stab1");
+}
+
+void tst_TickReadouts::aStateFromAnotherPathReachesTheButtonOfASingleSystem()
+{
+    QFETCH(int, stage);
+    QFETCH(QByteArray, button);
+    QFETCH(QByteArray, otherButton);
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QCOMPARE(switchState(fixture, button), QString("OFF unchecked lightcoral"));
+
+    fixture.controller().setStage(stage, true);
+    fixture.tick();
+    QCOMPARE(switchState(fixture, button), QString("ON checked lightgreen"));
+    QCOMPARE(switchState(fixture, otherButton), QString("OFF unchecked lightcoral"));
+
+    fixture.controller().setStage(stage, false);
+    fixture.tick();
+    QCOMPARE(switchState(fixture, button), QString("OFF unchecked lightcoral"));
+}
+
+void tst_TickReadouts::withTwoDisplayedSystemsItDoesNot()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.openWithSystems());
+    fixture.controller(0).setStage(1, true);
+    fixture.controller(1).setStage(2, true);
+    fixture.tick();
+    QCOMPARE(switchState(fixture, "push_Stab1"), QString("OFF unchecked lightcoral"));
+    QCOMPARE(switchState(fixture, "push_Stab2"), QString("OFF unchecked lightcoral"));
+
+    fixture.window().showConnection(fixture.controller(0).address(), false);
+    fixture.tick();
+    QCOMPARE(switchState(fixture, "push_Stab1"), QString("OFF unchecked lightcoral"));
+    QCOMPARE(switchState(fixture, "push_Stab2"), QString("ON checked lightgreen"));
+}
+
+void tst_TickReadouts::theStreamsFlagsReachButtonAndLight()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    QVERIFY(feed.send({PacketValues()}, 0, emulator::Stage1On | emulator::Stage2Active));
+    fixture.tick();
+    QCOMPARE(switchState(fixture, "push_Stab1"), QString("ON checked lightgreen"));
+    QCOMPARE(switchState(fixture, "push_Stab2"), QString("OFF unchecked lightcoral"));
+    QCOMPARE(fixture.find<QLabel>("label_ActiveText")->text(), QString("Inactive"));
+    QCOMPARE(lightColor(fixture, "label_ActiveIcon"), QString("red"));
+    QCOMPARE(fixture.find<QLabel>("label_ActiveText_2")->text(), QString("Active"));
+    QCOMPARE(lightColor(fixture, "label_ActiveIcon_2"), QString("green"));
+
+    QVERIFY(feed.send({PacketValues()}, 0, emulator::Stage2On | emulator::Stage1Active));
+    fixture.tick();
+    QCOMPARE(switchState(fixture, "push_Stab1"), QString("OFF unchecked lightcoral"));
+    QCOMPARE(switchState(fixture, "push_Stab2"), QString("ON checked lightgreen"));
+    QCOMPARE(fixture.find<QLabel>("label_ActiveText")->text(), QString("Active"));
+    QCOMPARE(lightColor(fixture, "label_ActiveIcon"), QString("green"));
+    QCOMPARE(fixture.find<QLabel>("label_ActiveText_2")->text(), QString("Inactive"));
+    QCOMPARE(lightColor(fixture, "label_ActiveIcon_2"), QString("red"));
+}
+
+void tst_TickReadouts::onlyTheLastSampleOfATickTellsTheState()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    QVERIFY(feed.send({PacketValues()}, 0, emulator::Stage1On));
+    QVERIFY(feed.send({PacketValues()}, 0, emulator::Stage2On));
+    fixture.tick();
+    QCOMPARE(switchState(fixture, "push_Stab1"), QString("OFF unchecked lightcoral"));
+    QCOMPARE(switchState(fixture, "push_Stab2"), QString("ON checked lightgreen"));
+}
+
+void tst_TickReadouts::oldFirmwareHasNoStateInItsStream()
+{
+    emulator::ControllerOptions options;
+    options.firmware = 10;
+    WindowFixture fixture(1, options);
+    QVERIFY(fixture.openWithSystems());
+    fixture.controller().setStage(1, true);
+    fixture.tick();
+    QCOMPARE(switchState(fixture, "push_Stab1"), QString("ON checked lightgreen"));
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    QVERIFY(feed.show({PacketValues()}));
+    QCOMPARE(pointsOf(fixture.pointingPlot(1), 0).size(), 1);
+    QCOMPARE(switchState(fixture, "push_Stab1"), QString("ON checked lightgreen"));
+}
+
+void tst_TickReadouts::aWrongCheckedStateIsCorrected()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    fixture.find<QPushButton>("push_Stab1")->setChecked(true);
+    QCOMPARE(switchState(fixture, "push_Stab1"), QString("OFF checked lightcoral"));
+    fixture.tick();
+    QCOMPARE(switchState(fixture, "push_Stab1"), QString("OFF unchecked lightcoral"));
+}
+
+void tst_TickReadouts::withoutAcquisitionTheStatusIsPolled()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.openWithSystems());
+    fixture.window().showConnection(fixture.controller(1).address(), false);
+    fixture.controller(0).clearWire();
+    fixture.controller(1).clearWire();
+    fixture.tick();
+    fixture.tick();
+    // Of hidden systems, too: the overview shows them.
+    QCOMPARE(fixture.controller(0).commands(), (QByteArrayList{"GSF;", "GSF;"}));
+    QCOMPARE(fixture.controller(1).commands(), (QByteArrayList{"GSF;", "GSF;"}));
+
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    fixture.controller(0).clearWire();
+    fixture.tick();
+    QVERIFY(fixture.controller(0).commands().isEmpty());
+}
+
+void tst_TickReadouts::theUpdateRateIsThePeriodOfTheTick_data()
+{
+    QTest::addColumn<QString>("rateHz");
+    QTest::addColumn<int>("periodMs");
+    QTest::newRow("430 Hz") << "430" << 2;
+    QTest::newRow("100 Hz") << "100" << 10;
+    QTest::newRow("60 Hz") << "60" << 16;
+    QTest::newRow("3 Hz") << "3" << 333;
+    QTest::newRow("1 Hz") << "1" << 1000;
+}
+
+void tst_TickReadouts::theUpdateRateIsThePeriodOfTheTick()
+{
+    QFETCH(QString, rateHz);
+    WindowFixture fixture(0);
+    QVERIFY(fixture.open());
+    QVERIFY(fixture.type("samplingRateCounter", "430"));
+    const TimerWatch watch;
+    fixture.tick();
+    QTRY_VERIFY(watch.seen);
+    QVERIFY(fixture.type("updateRateCounter", rateHz));
+    fixture.tick();
+    QTEST(watch.seen->interval(), "periodMs");
+    QVERIFY(watch.seen->isActive());
+}
+
+void tst_TickReadouts::theFirstTickComesASecondAfterConstruction()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const TimerWatch watch;
+    QTRY_VERIFY(watch.seen);
+    // From then on at the update rate, with the status polls that come with it.
+    QCOMPARE(watch.seen->interval(), 10);
+    QTRY_VERIFY(fixture.controller().commands().count("GSF;") > 2);
+}
+
+void tst_TickReadouts::oneSlowLineIsEnoughFor430()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const QSpinBox& sampling = *fixture.find<Counter>("samplingRateCounter")->spinBox;
+    const QSpinBox& update = *fixture.find<Counter>("updateRateCounter")->spinBox;
+    QCOMPARE(sampling.maximum(), 500);
+    QCOMPARE(update.maximum(), 500);
+    QVERIFY(fixture.type("samplingRateCounter", "480"));
+    QVERIFY(fixture.type("updateRateCounter", "450"));
+    fixture.tick();
+    QCOMPARE(sampling.value(), 480);
+    QCOMPARE(update.value(), 450);
+
+    fixture.window().newConnection(slowSerialLine(), fixture.record());
+    for (const QSpinBox* box : {&sampling, &update}) {
+        QCOMPARE(box->maximum(), 430);
+        QCOMPARE(box->value(), 430);
+    }
+    fixture.tick();
+    QCOMPARE(sampling.maximum(), 430);
+
+    QVERIFY(fixture.window().closedConnection("ttyS77"));
+    fixture.tick();
+    QCOMPARE(sampling.maximum(), 500);
+    QCOMPARE(update.maximum(), 500);
+}
+
+void tst_TickReadouts::aTickLeavesWhatIsTypedAlone()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QSpinBox& box = *fixture.find<Counter>("samplingRateCounter")->spinBox;
+    QVERIFY(user::click(&box, QPoint(6, box.height() / 2)));
+    box.selectAll();
+    for (const char* key : {"2", "5", "0"}) {
+        QTest::keyClick(fixture.window().windowHandle(), key[0]);
+        fixture.tick();
+    }
+    QCOMPARE(box.value(), 250);
+    QVERIFY(box.hasFocus());
+    QCOMPARE(box.maximum(), 500);
+}
+
+void tst_TickReadouts::theSamplingRateIsLockedWhileAcquisitionRuns()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const auto* counter = fixture.find<Counter>("samplingRateCounter");
+    QVERIFY(counter->isEnabled());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    for (int i = 0; i < 3; ++i) {
+        QVERIFY(!counter->isEnabled());
+        fixture.tick();
+    }
+    QVERIFY(fixture.find<Counter>("updateRateCounter")->isEnabled());
+    QVERIFY(fixture.clickAction("startAction"));
+    fixture.tick();
+    QVERIFY(counter->isEnabled());
+    QCOMPARE(counter->spinBox->value(), 100);
+}
+
+void tst_TickReadouts::pulsesTakeTheSamplingRateOver()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.open());
+    const auto* counter = fixture.find<Counter>("samplingRateCounter");
+    QVERIFY(fixture.type("samplingRateCounter", "321"));
+    for (int number = 0; number < 2; ++number) {
+        ConnectionSettings pulsed = fixture.record(number);
+        pulsed.pulsedLaser = true;
+        QVERIFY(fixture.registerSystem(pulsed, number));
+        fixture.tick();
+        QCOMPARE(counter->spinBox->value(), 1000);
+        QCOMPARE(counter->spinBox->maximum(), 1000);
+        QVERIFY(!counter->isEnabled());
+    }
+    fixture.window().showConnection(fixture.controller(0).address(), false);
+    fixture.tick();
+    QCOMPARE(counter->spinBox->value(), 1000);
+
+    fixture.window().showConnection(fixture.controller(1).address(), false);
+    fixture.tick();
+    QCOMPARE(counter->spinBox->value(), 321);
+    QCOMPARE(counter->spinBox->maximum(), 500);
+    QVERIFY(counter->isEnabled());
+}
+
+void tst_TickReadouts::aSystemWithoutPulsesGivesItBack()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.open());
+    const auto* counter = fixture.find<Counter>("samplingRateCounter");
+    ConnectionSettings pulsed = fixture.record(0);
+    pulsed.pulsedLaser = true;
+    QVERIFY(fixture.registerSystem(pulsed, 0));
+    fixture.tick();
+    QCOMPARE(counter->spinBox->value(), 1000);
+    QVERIFY(fixture.registerSystem(1));
+    fixture.tick();
+    QCOMPARE(counter->spinBox->value(), 100);
+    QCOMPARE(counter->spinBox->maximum(), 500);
+    QVERIFY(counter->isEnabled());
+}
+
+QTEST_MAIN(tst_TickReadouts)
+#include "tst_tickreadouts.moc"
