@@ -370,7 +370,9 @@ void TestStream::wholePacketsSurviveFaults()
         QCOMPARE(stored.count(script[number - 1].x1), 1);
     }
     QVERIFY(expected > packets / 2);
-    QCOMPARE(log.lines().filter("Bytes skipped").isEmpty(), false);
+    // A corrupted packet that nothing has followed yet is dropped whole, without a search.
+    if (dropEvery > 0 || insertEvery > 0)
+        QVERIFY(!log.lines().filter("Bytes skipped").isEmpty());
 }
 
 void TestStream::everyPacketOfAFastStreamIsStored()
