@@ -89,7 +89,7 @@ use_virtual_display() {
     key=$(mcookie)
     export XAUTHORITY=$scratch/xauthority
     quietly xauth -f "$XAUTHORITY" add :0 . "$key"
-    exec {report}< <(exec Xvfb -displayfd 1 -screen 0 1600x1200x24 -nolisten tcp \
+    exec {report}< <(exec Xvfb -displayfd 1 -screen 0 1600x1200x24 -nolisten tcp -noreset \
         -auth "$XAUTHORITY" 2>"$scratch/display.log")
     own_processes+=("$!")
     read -r -t 30 -u "$report" number || fail "no virtual display: $(cat "$scratch/display.log")"
