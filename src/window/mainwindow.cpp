@@ -195,10 +195,11 @@ void MainWindow::makeStatisticsOverlay()
         stage.statisticsText.setColor(Qt::red);
         stage.statisticsText.setRenderFlags(Qt::AlignLeft | Qt::AlignTop);
         stage.statisticsText.setText(emptyStatisticsText());
-        stage.statisticsLabel = new QwtPlotTextLabel;
+        stage.statisticsLabel = std::make_unique<QwtPlotTextLabel>();
         stage.statisticsLabel->setText(stage.statisticsText);
 
-        stage.targetCross = new QwtPlotShapeItem(QLatin1String(crossNames[stage.number - 1]));
+        stage.targetCross =
+            std::make_unique<QwtPlotShapeItem>(QLatin1String(crossNames[stage.number - 1]));
         stage.targetCross->setPen(QPen(Qt::red, crossWidth));
         stage.targetCross->setShape(restingCrossShape());
         // Over the points that it sums up.

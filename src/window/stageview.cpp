@@ -5,6 +5,8 @@
 #include <QCoreApplication>
 #include <QIcon>
 #include <QLabel>
+#include <qwt_plot_shapeitem.h>
+#include <qwt_plot_textlabel.h>
 
 namespace {
 
@@ -28,6 +30,10 @@ StageValues stageValues(const MeasureSample& sample, std::size_t stage)
         return {sample.x1, sample.y1, sample.intensity1, sample.rx1, sample.ry1};
     return {sample.x2, sample.y2, sample.intensity2, sample.rx2, sample.ry2};
 }
+
+StageView::StageView() = default;
+
+StageView::~StageView() = default;
 
 QString StageView::widgetName(const char* before, const char* after) const
 {

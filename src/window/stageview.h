@@ -8,6 +8,8 @@
 #include <QtGlobal>
 #include <qwt_text.h>
 
+#include <memory>
+
 class GenericPlot;
 class QCheckBox;
 class QColor;
@@ -35,6 +37,11 @@ StageValues stageValues(const MeasureSample& sample, std::size_t stage);
 /// The widgets of one stage, and what its display remembers. The widgets belong to the window.
 struct StageView
 {
+    StageView();
+    ~StageView();
+    StageView(const StageView&) = delete;
+    StageView& operator=(const StageView&) = delete;
+
     /// 1 or 2, as the controller counts.
     int number = 0;
 
@@ -65,8 +72,9 @@ struct StageView
     QList<QWidget*> singleSystemWidgets;
 
     QwtText statisticsText;
-    QwtPlotTextLabel* statisticsLabel = nullptr;
-    QwtPlotShapeItem* targetCross = nullptr;
+    // Owned here, as no plot owns what is not shown on it.
+    std::unique_ptr<QwtPlotTextLabel> statisticsLabel;
+    std::unique_ptr<QwtPlotShapeItem> targetCross;
 
     double timeWindowMs = 0.0;
     /// Position range in the unit that the stage shows.
