@@ -31,7 +31,7 @@ constexpr int maxMajorTicks = 5;
 constexpr int maxMinorTicks = 3;
 /// Room for the widest numbers of the left axes, so that no canvas moves when they change and
 /// those of one stage stand above each other.
-constexpr double leftAxisExtentPx = 40.0;
+constexpr double leftAxisExtentPx = 50.0;
 constexpr QSize pointingDotSize(3, 3);
 /// Below this the time axes could not be read; the window scrolls instead.
 constexpr int minTimePlotWidthPx = 260;

@@ -162,6 +162,7 @@ void tst_FrameLeaving::nothingIsDoneTwice()
     QCOMPARE(fixture.controller().commands(), QByteArrayList{"CLS;"});
     QCOMPARE(log.count("debug: Deleting TCP connection"), 1);
     QCOMPARE(log.count("debug: Destroying main window"), 1);
+    QCOMPARE(log.lines().filter("warning: "), QStringList());
 }
 
 void tst_FrameLeaving::closingTakesAllWindowsAlong()
