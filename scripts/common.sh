@@ -33,11 +33,11 @@ build() {
 }
 
 # run_tests PRESET [CTEST OPTION...]
-# More at a time than there are processors: most tests wait for most of their time.
+# No more at a time than there are processors: tests with short waits have to get one in time.
 run_tests() {
     local preset=$1
     shift
-    ctest --test-dir "$root/build/$preset" -j4 --output-on-failure "$@" </dev/null
+    ctest --test-dir "$root/build/$preset" -j "$(nproc)" --output-on-failure "$@" </dev/null
 }
 
 # A folder for this run, and the processes that this run started: both are gone at its end.
