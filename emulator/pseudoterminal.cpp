@@ -28,6 +28,22 @@ auto uninterrupted(Call call)
     return result;
 }
 
+/// A usual rate is told by its flag: a host that saves settings without a number for the rate can
+/// put back no other.
+tcflag_t rateFlag(int baudRate)
+{
+    switch (baudRate) {
+    case 115200:
+        return B115200;
+    case 460800:
+        return B460800;
+    case 921600:
+        return B921600;
+    default:
+        return BOTHER;
+    }
+}
+
 } // namespace
 
 PseudoTerminal::PseudoTerminal(FileDescriptor own, const QString& path)
@@ -35,7 +51,7 @@ PseudoTerminal::PseudoTerminal(FileDescriptor own, const QString& path)
     , hostPath(path)
 {}
 
-std::unique_ptr<PseudoTerminal> PseudoTerminal::make(QString& error)
+std::unique_ptr<PseudoTerminal> PseudoTerminal::make(const SerialSettings& initial, QString& error)
 {
     FileDescriptor own(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK));
     std::array<char, 128> name{};
@@ -43,7 +59,7 @@ std::unique_ptr<PseudoTerminal> PseudoTerminal::make(QString& error)
         && ptsname_r(own.get(), name.data(), name.size()) == 0) {
         std::unique_ptr<PseudoTerminal> terminal(
             new PseudoTerminal(std::move(own), QFile::decodeName(name.data())));
-        if (terminal->makeRaw())
+        if (terminal->setUp(initial))
             return terminal;
     }
     error = qt_error_string(errno);
@@ -58,7 +74,7 @@ FileDescriptor PseudoTerminal::openHostEnd() const
 
 /// A new terminal would echo and edit lines. Also, its host's end has to have been open once before
 /// `isHostThere` can tell that it is not.
-bool PseudoTerminal::makeRaw()
+bool PseudoTerminal::setUp(const SerialSettings& initial) const
 {
     const FileDescriptor hostEnd = openHostEnd();
     termios2 settings{};
@@ -67,7 +83,10 @@ bool PseudoTerminal::makeRaw()
     settings.c_iflag = 0;
     settings.c_oflag = 0;
     settings.c_lflag = 0;
-    settings.c_cflag = CREAD | CLOCAL | CS8 | (settings.c_cflag & CBAUD);
+    settings.c_cflag = CREAD | CLOCAL | CS8 | rateFlag(initial.baudRate);
+    if (initial.hardwareFlowControl)
+        settings.c_cflag |= CRTSCTS;
+    settings.c_ispeed = settings.c_ospeed = static_cast<speed_t>(initial.baudRate);
     settings.c_cc[VMIN] = 1;
     settings.c_cc[VTIME] = 0;
     return ioctl(hostEnd.get(), TCSETS2, &settings) == 0;

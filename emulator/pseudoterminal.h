@@ -15,8 +15,9 @@ namespace emulator {
 class PseudoTerminal final
 {
 public:
-    /// A new one, raw in both directions; null on failure, which `error` tells.
-    static std::unique_ptr<PseudoTerminal> make(QString& error);
+    /// A new one, raw in both directions; null on failure, which `error` tells. `initial` is what
+    /// the host's port is set to until a host sets it.
+    static std::unique_ptr<PseudoTerminal> make(const SerialSettings& initial, QString& error);
 
     /// The host's end, as in "/dev/pts/5".
     QString path() const { return hostPath; }
@@ -37,7 +38,7 @@ public:
 private:
     PseudoTerminal(FileDescriptor own, const QString& path);
     FileDescriptor openHostEnd() const;
-    bool makeRaw();
+    bool setUp(const SerialSettings& initial) const;
 
     FileDescriptor ownEnd;
     QString hostPath;

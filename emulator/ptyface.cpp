@@ -49,7 +49,7 @@ bool PtyFace::replug()
 {
     if (terminal)
         return true;
-    terminal = PseudoTerminal::make(error);
+    terminal = PseudoTerminal::make(ownSettings(), error);
     if (!terminal)
         return false;
     terminalPath = terminal->path();
@@ -95,14 +95,25 @@ SerialSettings PtyFace::ownSettings() const
     return {controller().baudRate(), controller().device().hasFlowControl()};
 }
 
-bool PtyFace::reachesHost() const
+SerialSettings PtyFace::hostSettings()
 {
-    return isConnected() && canTalk(ownSettings(), terminal->hostSettings());
+    if (isConnected())
+        lastSettings = terminal->hostSettings();
+    return lastSettings.value_or(ownSettings());
+}
+
+bool PtyFace::reachesHost()
+{
+    return isConnected() && canTalk(ownSettings(), hostSettings());
 }
 
 void PtyFace::readInput()
 {
-    noteHost();
+    if (controller().isPaused())
+        return;
+    // A host that has gone counts as there until all that it sent is read.
+    if (isConnected())
+        setHostThere(true);
     // What the controller does may unplug it.
     while (terminal && !controller().isPaused()) {
         const QByteArray bytes = terminal->read();
@@ -116,7 +127,7 @@ void PtyFace::readInput()
 void PtyFace::take(const QByteArray& bytes)
 {
     const SerialSettings own = ownSettings();
-    const SerialSettings host = terminal->hostSettings();
+    const SerialSettings host = hostSettings();
     if (canTalk(own, host))
         controller().receive(heardAt(own.baudRate, bytes, host.baudRate));
 }
@@ -128,7 +139,7 @@ void PtyFace::write(const QByteArray& bytes)
     const bool tooMuch = !unsent.isEmpty() && unsent.size() + bytes.size() > mostUnsentBytes;
     if (tooMuch || !reachesHost())
         return;
-    unsent += heardAt(terminal->hostSettings().baudRate, bytes, ownSettings().baudRate);
+    unsent += heardAt(hostSettings().baudRate, bytes, ownSettings().baudRate);
     sendUnsent();
 }
 
@@ -162,6 +173,7 @@ void PtyFace::setHostThere(bool there)
         emit hostConnected({});
         return;
     }
+    lastSettings.reset();
     unsent.clear();
     if (terminal)
         terminal->discardUnread();

@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include <memory>
+#include <optional>
 
 namespace emulator {
 
@@ -16,7 +17,9 @@ namespace emulator {
 ///
 /// - The controller has a baud rate of its own, which SBR changes behind its acknowledgment. What
 ///   either end sends while the host's port is set to another rate is garbage to the other end.
-///   The rate that counts is the one set at the moment the bytes pass the emulator.
+///   The setting that counts is the one at the moment the bytes pass the emulator. If the host has
+///   closed its port by then, it is the last one that was seen, since hosts put back at the end
+///   what they found; if none was seen, the ends agree.
 /// - The controller either does hardware flow control or does not. Where the two ends disagree the
 ///   line is dead in both directions: the end with flow control is never cleared to send, and the
 ///   other end is taken not to be heard either. So a search that tries both settings finds a
@@ -66,7 +69,8 @@ private:
     bool watch();
     void take(const QByteArray& bytes);
     SerialSettings ownSettings() const;
-    bool reachesHost() const;
+    SerialSettings hostSettings();
+    bool reachesHost();
     void sendUnsent();
     void noteHost();
     void setHostThere(bool there);
@@ -83,6 +87,8 @@ private:
     QString link;
     QString terminalPath;
     QString error;
+    /// While a host is there.
+    std::optional<SerialSettings> lastSettings;
     bool hostThere = false;
 };
 
