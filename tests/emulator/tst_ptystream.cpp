@@ -14,6 +14,12 @@ using namespace wiretools;
 
 namespace {
 
+/// Number of the sample in a packet of the counting script, -1 if it is no packet.
+int sampleNumber(const QByteArray& packet)
+{
+    return isFramed(packet) ? wordAt(packet, 4) : -1;
+}
+
 int framedPackets(const QByteArray& bytes)
 {
     int framed = 0;
@@ -75,6 +81,7 @@ private slots:
     void streamAtAnotherRateShowsNoPacket();
     void streamIsNotHeardWithTheOtherFlowControl();
     void streamGoesOnWhileThePortIsClosed();
+    void whatAHostDidNotReadIsLostWhenItCloses();
     void streamOf500PerSecondArrivesWhole();
     void wholePacketsAreLostWhileTheHostDoesNotRead();
     void longMessageTricklesThroughTheTerminal();
@@ -122,7 +129,7 @@ void TestPtyStream::streamGoesOnWhileThePortIsClosed()
     EmulatorHost host;
     const ControllerHandle controller = host.addPty(options);
     std::optional<SerialClient> client(controller.path());
-    QCOMPARE(wordAt(client->exchange(startAt(500), packetBytes), 4), 1);
+    QCOMPARE(sampleNumber(client->exchange(startAt(500), packetBytes)), 1);
 
     client.reset();
     QTRY_VERIFY(!controller.isConnected());
@@ -133,9 +140,26 @@ void TestPtyStream::streamGoesOnWhileThePortIsClosed()
     client.emplace(controller.path());
 
     // None of the packets sent meanwhile were kept.
-    const QByteArray packet = client->read(packetBytes);
-    QCOMPARE(packet.size(), packetBytes);
-    QVERIFY(wordAt(packet, 4) > lostWhileClosed);
+    QVERIFY(sampleNumber(client->read(packetBytes)) > lostWhileClosed);
+}
+
+void TestPtyStream::whatAHostDidNotReadIsLostWhenItCloses()
+{
+    constexpr int unread = 20;
+    ControllerOptions options;
+    options.script = countingScript(30000);
+    EmulatorHost host;
+    const ControllerHandle controller = host.addPty(options);
+    {
+        IdleHost idle(controller.path());
+        idle.send(startAt(500));
+        QTRY_VERIFY(controller.packetsSent() >= unread);
+    }
+    QTRY_VERIFY(controller.packetsLost() > 0);
+
+    SerialClient client(controller.path());
+
+    QVERIFY(sampleNumber(client.read(packetBytes)) > unread);
 }
 
 void TestPtyStream::streamOf500PerSecondArrivesWhole()
