@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
+#include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace emulator {
@@ -32,11 +34,28 @@ bool makeLink(const QString& link, const QString& target)
     return symlink(QFile::encodeName(target).constData(), QFile::encodeName(link).constData()) == 0;
 }
 
-/// A link of ours whose terminal is gone, or whose terminal's number has come to us again.
+bool isEarlier(const timespec& one, const timespec& other)
+{
+    return std::tie(one.tv_sec, one.tv_nsec) < std::tie(other.tv_sec, other.tv_nsec);
+}
+
+/// A link to a terminal that is gone. Its number may have come to another terminal, ours or anybody
+/// else's, which then is younger than the link.
 bool isStale(const QString& link, const QString& terminal)
 {
     const QString target = targetOf(link);
-    return target == terminal || (target.startsWith("/dev/pts/") && !QFile::exists(target));
+    if (target == terminal)
+        return true;
+    if (!target.startsWith("/dev/pts/"))
+        return false;
+    struct stat ofLink
+    {};
+    struct stat ofTarget
+    {};
+    const QByteArray path = QFile::encodeName(link);
+    return lstat(path.constData(), &ofLink) == 0
+           && (stat(path.constData(), &ofTarget) != 0
+               || isEarlier(ofLink.st_mtim, ofTarget.st_ctim));
 }
 
 /// At no moment is there no link.

@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <functional>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace emulator;
@@ -66,6 +67,8 @@ private slots:
     void init();
     void linkLeadsToTheTerminalUntilTheEnd();
     void linkThatLeadsNowhereIsReplaced();
+    void linkToATerminalThatIsYoungerIsReplaced();
+    void linkToTheTerminalOfSomebodyElseStays();
     void whatIsInTheWayStays_data();
     void whatIsInTheWayStays();
     void linkOfARunningControllerStays();
@@ -125,6 +128,33 @@ void TestUnplug::linkThatLeadsNowhereIsReplaced()
     QCOMPARE(client.exchange("GSF;", 4), hex("00 3b 01 3b"));
     QCOMPARE(QDir(folder->path()).entryList(QDir::AllEntries | QDir::System).filter("tty").size(),
              1);
+}
+
+void TestUnplug::linkToATerminalThatIsYoungerIsReplaced()
+{
+    // The number of the terminal that the link led to has been given away again.
+    EmulatorHost host;
+    const QString terminal = host.addPty().path();
+    QVERIFY(QFile::link(terminal, linkPath()));
+    const timespec longAgo[2] = {{1000, 0}, {1000, 0}};
+    QCOMPARE(
+        utimensat(AT_FDCWD, linkPath().toLocal8Bit().constData(), longAgo, AT_SYMLINK_NOFOLLOW), 0);
+
+    QVERIFY(host.addPty({}, linkPath()).isValid());
+
+    QVERIFY(QFileInfo(linkPath()).symLinkTarget() != terminal);
+}
+
+void TestUnplug::linkToTheTerminalOfSomebodyElseStays()
+{
+    EmulatorHost host;
+    const QString terminal = host.addPty().path();
+    QVERIFY(QFile::link(terminal, linkPath()));
+
+    expectWarning("ttyUSB77.*exists, and leads to /dev/pts/");
+    QVERIFY(!host.addPty({}, linkPath()).isValid());
+
+    QCOMPARE(QFileInfo(linkPath()).symLinkTarget(), terminal);
 }
 
 void TestUnplug::whatIsInTheWayStays_data()
