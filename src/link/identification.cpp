@@ -9,12 +9,6 @@ constexpr int makerOffset = 2;
 constexpr int triggerMarkOffset = 10;
 constexpr char triggerMark = 'A';
 
-bool namesMaker(const QByteArray& reply)
-{
-    return command::isAccepted(reply) && reply.size() > 3
-           && reply.mid(makerOffset, int(sizeof maker) - 1) == maker;
-}
-
 void clearLine(Connection& connection, LineClearing clearing)
 {
     QByteArray reply;
@@ -29,10 +23,15 @@ void clearLine(Connection& connection, LineClearing clearing)
 
 } // namespace
 
+bool namesMaker(const QByteArray& idReply)
+{
+    return idReply.mid(makerOffset, int(sizeof maker) - 1) == maker;
+}
+
 ControllerIdentity readIdentity(const QByteArray& idReply)
 {
     ControllerIdentity identity;
-    identity.isController = namesMaker(idReply);
+    identity.isController = command::isAccepted(idReply) && namesMaker(idReply);
 
     constexpr int markLength = 2;
     const int mark = idReply.indexOf("-V");

@@ -24,6 +24,9 @@ enum class LineClearing {
     TwoStopsAndRepeat,
 };
 
+/// Whether a `GID` reply has the maker's mark in its place.
+bool namesMaker(const QByteArray& idReply);
+
 ControllerIdentity readIdentity(const QByteArray& idReply);
 
 /// Stops a stream that may have been left running and asks the controller who it is. Blocks for
