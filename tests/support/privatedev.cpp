@@ -8,9 +8,11 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <linux/capability.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace {
@@ -63,11 +65,20 @@ bool replaceDev()
            && ::mkdir("/dev/shm", 01777) == 0;
 }
 
+/// Inside the namespace this user could do everything: a test of missing rights must fail to.
+bool giveUpRights()
+{
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct none[_LINUX_CAPABILITY_U32S_3]{};
+    return ::syscall(SYS_capset, &header, none) == 0;
+}
+
 } // namespace
 
 void prepareDevFolder()
 {
-    if (!QFileInfo(QStringLiteral("/dev")).isWritable() && (!enterNamespace() || !replaceDev()))
+    if (!QFileInfo(QStringLiteral("/dev")).isWritable()
+        && (!enterNamespace() || !replaceDev() || !giveUpRights()))
         problem = QStringLiteral("no rights for /dev, nor for one of our own: %1")
                       .arg(QString::fromLocal8Bit(std::strerror(errno)));
     else if (!QFileInfo(QStringLiteral("/run/lock")).isWritable()
