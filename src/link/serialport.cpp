@@ -111,7 +111,7 @@ void SerialPort::run()
 
 bool SerialPort::setlowlatency()
 {
-    if (!port()->isOpen())
+    if (!device() || !device()->isOpen())
         return false;
     port()->close();
     const QByteArray path = QByteArray("/dev/") + portName.toLocal8Bit();

@@ -4,7 +4,7 @@
 
 #include <QFile>
 
-#include <cerrno>
+#include <algorithm>
 #include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
@@ -15,16 +15,16 @@ namespace {
 constexpr int listenPollMs = 5;
 constexpr int idReplyLength = 50;
 
-QString nextName()
+} // namespace
+
+QString freePortName()
 {
     static std::atomic<int> count{0};
     return QStringLiteral("ttyUSB%1%2").arg(::getpid()).arg(++count, 3, 10, QLatin1Char('0'));
 }
 
-} // namespace
-
 PseudoPort::PseudoPort()
-    : portName(nextName())
+    : portName(freePortName())
 {
     const int made = ::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     char place[64] = {};

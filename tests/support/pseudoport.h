@@ -9,6 +9,9 @@
 #include <thread>
 #include <vector>
 
+/// A name as of a serial adapter that no other process uses; another one with each call.
+QString freePortName();
+
 /// A pseudo terminal under the name of a serial adapter, of which the test is the other side. Its
 /// name is used by no other process.
 class PseudoPort
@@ -29,7 +32,7 @@ public:
 
     /// The adapter is pulled: name and device go.
     void unplug();
-    /// Only the name goes; who has it open keeps it.
+    /// Only the name goes; who has the device open keeps it.
     void removeName() const;
 
     bool write(const QByteArray& bytes) const;
@@ -83,6 +86,5 @@ QByteArray idReplyWithKey(const QByteArray& key);
 /// The text that the application makes of them.
 QString idTextWithKey(const QByteArray& key);
 
-/// A controller at one rate that hears nothing else; without `needsFlowControl` only while the
-/// line has none.
+/// A controller that hears and is heard only at its own rate and flow control.
 AnsweringPort::Answer controllerAt(int baudRate, bool hasFlowControl, const QByteArray& key);
