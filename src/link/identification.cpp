@@ -9,18 +9,6 @@ constexpr int makerOffset = 2;
 constexpr int triggerMarkOffset = 10;
 constexpr char triggerMark = 'A';
 
-void clearLine(Connection& connection, LineClearing clearing)
-{
-    QByteArray reply;
-    connection.clearLiveStream();
-    connection.fetchReply(reply);
-    connection.clearLiveStream();
-    if (connection.fetchReply(reply) || clearing == LineClearing::TwoStops)
-        return;
-    connection.clearLiveStream();
-    connection.fetchReply(reply);
-}
-
 } // namespace
 
 bool namesMaker(const QByteArray& idReply)
@@ -45,6 +33,18 @@ ControllerIdentity readIdentity(const QByteArray& idReply)
     identity.id =
         QString::fromUtf8(idReply.mid(makerOffset).chopped(idReply.size() > makerOffset ? 1 : 0));
     return identity;
+}
+
+void clearLine(Connection& connection, LineClearing clearing)
+{
+    QByteArray reply;
+    connection.clearLiveStream();
+    connection.fetchReply(reply);
+    connection.clearLiveStream();
+    if (connection.fetchReply(reply) || clearing == LineClearing::TwoStops)
+        return;
+    connection.clearLiveStream();
+    connection.fetchReply(reply);
 }
 
 ControllerIdentity identify(Connection& connection, LineClearing clearing)
