@@ -4,6 +4,15 @@
 
 #include <QSerialPort>
 
+/// Returns when the emulator has dealt with all that was sent to it, however busy the machine is.
+inline void waitUntilHeard(const emulator::ControllerHandle& controller)
+{
+    // Each call takes a turn of the emulator's event loop, which looks at its ports once a turn.
+    constexpr int turns = 4;
+    for (int turn = 0; turn < turns; ++turn)
+        controller.isStreaming();
+}
+
 /// The application's end of a serial line, as bare as it gets: writes bytes and waits for bytes.
 class SerialClient final
 {

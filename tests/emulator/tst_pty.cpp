@@ -84,6 +84,7 @@ void TestPty::everyFirmwareAnswersAndStreams()
     for (int packet = 0; packet < 5; ++packet)
         QCOMPARE(client.read(packetBytes).left(2), accepted());
     client.send("CLS;");
+    waitUntilHeard(controller);
     QVERIFY(client.readUntilQuiet().endsWith(accepted()));
     QVERIFY(!controller.isStreaming());
     QCOMPARE(client.exchange(statusRequest, statusBytes), hex(bothOff));
@@ -132,6 +133,7 @@ void TestPty::otherRateIsGarbageBothWays()
     SerialClient client(controller.path(), hosts);
 
     client.send(statusRequest);
+    waitUntilHeard(controller);
     QVERIFY(!client.readUntilQuiet().contains(accepted()));
     QCOMPARE(controller.commands(), QByteArrayList());
     QVERIFY(!controller.wire().isEmpty());
@@ -174,6 +176,7 @@ void TestPty::baudRateChangesBehindTheAcknowledgment()
 
     QCOMPARE(controller.baudRate(), after);
     client.send(statusRequest);
+    waitUntilHeard(controller);
     QCOMPARE(client.readUntilQuiet() == hex(bothOff), before == after);
     client.setBaudRate(after);
     QCOMPARE(client.exchange(statusRequest, statusBytes), hex(bothOff));
@@ -213,6 +216,7 @@ void TestPty::flowControlHasToAgree()
     SerialClient client(controller.path(), 115200, hosts);
 
     client.send(statusRequest);
+    waitUntilHeard(controller);
     const QByteArray reply = client.readUntilQuiet();
     controller.sendRaw("hello");
     const QByteArray greeting = client.readUntilQuiet();
@@ -248,8 +252,10 @@ void TestPty::searchFindsAControllerAtItsOwnSettingsOnly()
         for (const bool triedFlowControl : {true, false}) {
             SerialClient client(controller.path(), tried, triedFlowControl);
             client.send("CLS;");
+            waitUntilHeard(controller);
             client.readUntilQuiet(50);
             client.send("GID;");
+            waitUntilHeard(controller);
             const bool found = client.readUntilQuiet(50) == controller.idReply();
             QCOMPARE(found, tried == baudRate && triedFlowControl == flowControl);
         }
@@ -357,6 +363,7 @@ void TestPty::pausedControllerNeitherReadsNorSends()
     QVERIFY(controller.isStreaming());
 
     controller.pause(false);
+    waitUntilHeard(controller);
     QVERIFY(client.readUntilQuiet().endsWith(accepted()));
     QVERIFY(!controller.isStreaming());
 }

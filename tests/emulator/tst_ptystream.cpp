@@ -178,6 +178,7 @@ void TestPtyStream::streamOf500PerSecondArrivesWhole()
     const QByteArray stream = client.read(packets * packetBytes);
     const double seconds = static_cast<double>(timer.elapsed()) / 1000.0;
     client.send("CLS;");
+    waitUntilHeard(controller);
     const QByteArray rest = client.readUntilQuiet();
 
     QCOMPARE(stream.size(), packets * packetBytes);
