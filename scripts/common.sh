@@ -32,12 +32,11 @@ build() {
     fi
 }
 
-# run_tests PRESET [CTEST OPTION...]
-# No more at a time than there are processors: tests with short waits have to get one in time.
+# run_tests PRESET JOBS [CTEST OPTION...]
 run_tests() {
-    local preset=$1
-    shift
-    ctest --test-dir "$root/build/$preset" -j "$(nproc)" --output-on-failure "$@" </dev/null
+    local preset=$1 jobs=$2
+    shift 2
+    ctest --test-dir "$root/build/$preset" -j "$jobs" --output-on-failure "$@" </dev/null
 }
 
 # A folder for this run, and the processes that this run started: both are gone at its end.
