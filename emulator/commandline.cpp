@@ -47,6 +47,7 @@ public:
     QByteArrayList mnemonics(const QString& option);
     QMap<QByteArray, int> numbersByMnemonic(const QString& option, int greatest);
     QVector<TcpPlace> places(const QString& option);
+    QStringList links(const QString& option);
     template <typename Value>
     Value choice(const QString& option, const QMap<QString, Value>& choices);
 
@@ -142,8 +143,14 @@ QVector<TcpPlace> OptionReader::places(const QString& option)
             numberIn(option, text.mid(colon + 1), 0, std::numeric_limits<quint16>::max()));
         list.append(place);
     }
-    if (list.isEmpty())
-        complain(tr("no controller to emulate: give --%1 ADDRESS:PORT").arg(option));
+    return list;
+}
+
+QStringList OptionReader::links(const QString& option)
+{
+    const QStringList list = parser.values(option);
+    if (list.contains(QString()))
+        complain(tr("--%1: the link has no name").arg(option));
     return list;
 }
 
@@ -166,6 +173,14 @@ void addControllerOptions(QCommandLineParser& parser)
          tr("Put a controller at this numeric address. May be repeated, one controller "
             "each. Port 0 picks a free port."),
          "ADDRESS:PORT"},
+        {"pty",
+         tr("Put a controller on a pseudo terminal that is found under this link, as under "
+            "/dev/ttyUSB77. May be repeated, one controller each."),
+         "LINK"},
+        {"baud",
+         tr("Baud rate of the serial ports until SBR changes it: 115200, 460800 or 921600."),
+         "RATE", QString::number(defaults.baudRate)},
+        {"no-flow-control", tr("Serial ports without hardware flow control.")},
         {"firmware", tr("Firmware number: 10 and below, above 10 and above 30 differ."), "N",
          QString::number(defaults.firmware)},
         {"vm", tr("Firmware of the kind VM.")},
@@ -233,6 +248,9 @@ ControllerOptions readOptions(const QCommandLineParser& parser, OptionReader& re
     options.detector =
         reader.choice<DetectorKind>("detector", {{"lateral", DetectorKind::LateralEffect},
                                                  {"quadrant", DetectorKind::Quadrant}});
+    options.baudRate =
+        reader.choice<int>("baud", {{"115200", 115200}, {"460800", 460800}, {"921600", 921600}});
+    options.hardwareFlowControl = !parser.isSet("no-flow-control");
     options.faults = readFaults(parser, reader);
     if (parser.isSet("replay")) {
         QString error;
@@ -258,7 +276,8 @@ CommandLine readCommandLine(const QStringList& arguments)
     QCommandLineParser parser;
     parser.setApplicationDescription(
         tr("Emulates controllers for laser-beam position stabilisation.\n\n"
-           "For each controller a line \"tcp ADDRESS:PORT KEY\" is printed when it is ready."));
+           "For each controller that is ready a line \"tcp ADDRESS:PORT KEY\" or "
+           "\"pty LINK KEY\" is printed."));
     // The library's own help option brings along one for options that this program does not have.
     const QCommandLineOption help({"h", "help"}, tr("Show this help."));
     parser.addOption(help);
@@ -282,6 +301,9 @@ CommandLine readCommandLine(const QStringList& arguments)
         return failed(tr("what is \"%1\"?").arg(parser.positionalArguments().first()));
     OptionReader reader(parser);
     line.places = reader.places("tcp");
+    line.links = reader.links("pty");
+    if (line.places.isEmpty() && line.links.isEmpty())
+        reader.complain(tr("no controller to emulate: give --tcp ADDRESS:PORT or --pty LINK"));
     line.options = readOptions(parser, reader);
     line.quiet = parser.isSet("quiet");
     return reader.complaint().isEmpty() ? line : failed(reader.complaint());

@@ -25,7 +25,9 @@ struct CommandLine
     /// Help, or what was wrong.
     QString text;
     QVector<TcpPlace> places;
-    /// Common to all controllers; each adds its number to the seed.
+    /// Paths of the links to pseudo terminals, one controller each.
+    QStringList links;
+    /// Common to all controllers; each adds its number to the seed, those behind TCP first.
     ControllerOptions options;
     bool quiet = false;
 };

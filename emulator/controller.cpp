@@ -20,8 +20,6 @@ constexpr int unfinishedCommandMs = 1000;
 constexpr qint64 wakeGridNs = 2 * nsPerMs;
 /// After a stall at most this much of the stream is sent late, the rest is left out.
 constexpr double greatestBacklogSeconds = 0.5;
-/// Packets are lost, as on a line without flow control, while more than this waits to be sent.
-constexpr qint64 mostBytesPending = 65536;
 
 QByteArray keyFor(const ControllerOptions& options)
 {
@@ -65,6 +63,7 @@ Controller::~Controller() = default;
 void Controller::setIdentity(const ControllerOptions& options)
 {
     controlled = std::make_unique<Device>(options, keyFor(options));
+    lineBaudRate = controlled->baudRate();
     faultNoise = NoiseSource(options.seed);
     setFaults(options.faults);
     linkClosed();
@@ -229,6 +228,7 @@ void Controller::answer(const Command& command)
         sendReply(command.mnemonic, given.reply);
         break;
     }
+    lineBaudRate = controlled->baudRate();
 }
 
 void Controller::sendReply(const QByteArray& mnemonic, const QByteArray& reply)
@@ -296,7 +296,7 @@ void Controller::sendNextPacket()
 
 void Controller::sendPacket(const QByteArray& packet)
 {
-    if (link.bytesPending() > mostBytesPending) {
+    if (!link.canSend()) {
         ++lostPackets;
         return;
     }

@@ -20,8 +20,9 @@ public:
     virtual ~Link() = default;
 
     virtual void write(const QByteArray& bytes) = 0;
-    /// Bytes that were written and have not left yet.
-    virtual qint64 bytesPending() const = 0;
+    /// False while a stream packet would not arrive, since too much waits to be sent or nobody can
+    /// hear it.
+    virtual bool canSend() = 0;
     virtual void close() = 0;
     /// Closes the sending side alone, behind what was written.
     virtual void halfClose() = 0;
@@ -57,9 +58,11 @@ public:
 
     Device& device() { return *controlled; }
     const Device& device() const { return *controlled; }
+    /// The rate that the controller speaks and listens at; a new one holds behind the reply to SBR.
+    int baudRate() const { return lineBaudRate; }
     /// Packets sent since the controller was made, those with faults included.
     qint64 packetsSent() const { return packetCount; }
-    /// Packets that were due while the host did not take what was sent, and are lost.
+    /// Packets that were due while they could not be sent, and are lost.
     qint64 packetsLost() const { return lostPackets; }
 
 signals:
@@ -103,6 +106,7 @@ private:
     qint64 faultyBytePlace = 0;
     qint64 packetCount = 0;
     qint64 lostPackets = 0;
+    int lineBaudRate = 0;
     bool paused = false;
     bool lateCommandDue = false;
 };

@@ -57,6 +57,10 @@ struct ControllerOptions
     bool vm = false;
     /// Streams can be driven by trigger pulses (SPS).
     bool triggerCapable = false;
+    /// Of the serial port: 115200, 460800 or 921600, until SBR changes it.
+    int baudRate = 115200;
+    /// Of the serial port: sends only while the host is ready, and tells the host the same.
+    bool hardwareFlowControl = true;
     /// The same seed gives the same beam.
     quint64 seed = 1;
     Preset preset = Preset::Typical;

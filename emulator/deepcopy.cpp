@@ -19,6 +19,11 @@ QByteArray deepCopy(const QByteArray& bytes)
     return QByteArray(bytes.constData(), bytes.size());
 }
 
+QString deepCopy(const QString& text)
+{
+    return QString(text.constData(), text.size());
+}
+
 QByteArrayList deepCopy(const QByteArrayList& list)
 {
     QByteArrayList copy;

@@ -10,6 +10,7 @@ namespace emulator {
 // both threads at any later time, in an order that nothing makes visible.
 
 QByteArray deepCopy(const QByteArray& bytes);
+QString deepCopy(const QString& text);
 QByteArrayList deepCopy(const QByteArrayList& list);
 QVector<WireEvent> deepCopy(const QVector<WireEvent>& events);
 QVector<PacketValues> deepCopy(const QVector<PacketValues>& samples);

@@ -22,8 +22,6 @@ constexpr double stage2IntensityMv = 3500.0;
 /// With each command the beam goes on by 10 ms while no stream moves it.
 constexpr int beamStepsPerCommand = beamStepsPerSecond / 100;
 
-constexpr int factoryBaudRate = 921600;
-
 StageModel stageModel(const ControllerOptions& options, quint64 stage, double intensityMv)
 {
     return StageModel(beamPreset(options.preset), options.detector, intensityMv,
@@ -87,7 +85,7 @@ Device::Device(const ControllerOptions& chosen, const QByteArray& key)
     , source(chosen.script, chosen.scriptRepeats, chosen.replay)
     , storedLabel(labelLength, ' ')
     , multiplex{chosen.multiplex1, chosen.multiplex2}
-    , serialBaudRate(factoryBaudRate)
+    , serialBaudRate(chosen.baudRate)
 {
     for (StageModel& model : models)
         model.setPFactor(StageModel::nominalPFactorMv);

@@ -70,6 +70,7 @@ public:
     QByteArray id() const;
     QByteArray label() const { return storedLabel; }
     int baudRate() const { return serialBaudRate; }
+    bool hasFlowControl() const { return options.hardwareFlowControl; }
     bool stageOn(int stage) const;
     void setStage(int stage, bool on);
     void setScript(const QVector<PacketValues>& script, bool repeats);

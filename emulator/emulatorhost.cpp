@@ -3,151 +3,191 @@
 #include "emulator/deepcopy.h"
 #include "emulator/hostthread.h"
 #include "emulator/identity.h"
+#include "emulator/ptyface.h"
 #include "emulator/reply.h"
 #include "emulator/tcpface.h"
 
 namespace emulator {
 
 template <typename Result>
-Result ControllerHandle::ask(const std::function<Result(TcpFace&)>& question) const
+Result ControllerHandle::ask(const std::function<Result(Face&)>& question) const
 {
     Q_ASSERT(isValid());
     Result result{};
-    thread->run([&] { result = question(*face); });
+    thread->run([&] { result = question(*owner); });
     return result;
 }
 
-void ControllerHandle::order(const std::function<void(TcpFace&)>& change) const
+void ControllerHandle::order(const std::function<void(Face&)>& change) const
 {
     Q_ASSERT(isValid());
-    thread->run([&] { change(*face); });
+    thread->run([&] { change(*owner); });
 }
 
 QString ControllerHandle::address() const
 {
-    return ask<QString>([](TcpFace& tcp) { return tcp.address().toString(); });
+    return ask<QString>([](Face& face) {
+        const auto* tcp = qobject_cast<const TcpFace*>(&face);
+        return tcp ? tcp->address().toString() : QString();
+    });
 }
 
 quint16 ControllerHandle::port() const
 {
-    return ask<quint16>([](TcpFace& tcp) { return tcp.port(); });
+    return ask<quint16>([](Face& face) {
+        const auto* tcp = qobject_cast<const TcpFace*>(&face);
+        return tcp ? tcp->port() : quint16(0);
+    });
+}
+
+QString ControllerHandle::path() const
+{
+    return ask<QString>([](Face& face) {
+        const auto* pty = qobject_cast<const PtyFace*>(&face);
+        return pty ? deepCopy(pty->path()) : QString();
+    });
+}
+
+int ControllerHandle::baudRate() const
+{
+    return ask<int>([](Face& face) { return face.controller().baudRate(); });
 }
 
 QByteArray ControllerHandle::key() const
 {
     return ask<QByteArray>(
-        [](TcpFace& tcp) { return tcp.controller().device().id().mid(keyPosition, keyLength); });
+        [](Face& face) { return face.controller().device().id().mid(keyPosition, keyLength); });
 }
 
 QByteArray ControllerHandle::idReply() const
 {
-    return ask<QByteArray>([](TcpFace& tcp) { return payload(tcp.controller().device().id()); });
+    return ask<QByteArray>([](Face& face) { return payload(face.controller().device().id()); });
 }
 
 QString ControllerHandle::id() const
 {
     return ask<QString>(
-        [](TcpFace& tcp) { return QString::fromUtf8(tcp.controller().device().id()); });
+        [](Face& face) { return QString::fromUtf8(face.controller().device().id()); });
 }
 
 QByteArrayList ControllerHandle::commands() const
 {
-    return ask<QByteArrayList>([](TcpFace& tcp) { return deepCopy(tcp.wireLog().commands()); });
+    return ask<QByteArrayList>([](Face& face) { return deepCopy(face.wireLog().commands()); });
 }
 
 QVector<WireEvent> ControllerHandle::wire() const
 {
-    return ask<QVector<WireEvent>>([](TcpFace& tcp) { return deepCopy(tcp.wireLog().events()); });
+    return ask<QVector<WireEvent>>([](Face& face) { return deepCopy(face.wireLog().events()); });
 }
 
 void ControllerHandle::clearWire()
 {
-    order([](TcpFace& tcp) { tcp.wireLog().clear(); });
+    order([](Face& face) { face.wireLog().clear(); });
 }
 
 void ControllerHandle::setFaults(const Faults& faults)
 {
-    order([&](TcpFace& tcp) { tcp.controller().setFaults(deepCopy(faults)); });
+    order([&](Face& face) { face.controller().setFaults(deepCopy(faults)); });
 }
 
 void ControllerHandle::setScript(const QVector<PacketValues>& script, bool repeats)
 {
-    order([&](TcpFace& tcp) { tcp.controller().device().setScript(deepCopy(script), repeats); });
+    order([&](Face& face) { face.controller().device().setScript(deepCopy(script), repeats); });
 }
 
 void ControllerHandle::setIdentity(const ControllerOptions& options)
 {
-    order([&](TcpFace& tcp) { tcp.controller().setIdentity(deepCopy(options)); });
+    order([&](Face& face) { face.controller().setIdentity(deepCopy(options)); });
 }
 
 void ControllerHandle::stopListening()
 {
-    order([](TcpFace& tcp) { tcp.stopListening(); });
+    order([](Face& face) { face.stopListening(); });
 }
 
 void ControllerHandle::listenAgain()
 {
-    order([](TcpFace& tcp) {
-        if (!tcp.listenAgain())
-            qWarning("emulator: can not listen again: %s", qPrintable(tcp.errorString()));
+    order([](Face& face) {
+        if (!face.listenAgain())
+            qWarning("emulator: can not listen again: %s", qPrintable(face.errorString()));
+    });
+}
+
+void ControllerHandle::unplug()
+{
+    order([](Face& face) {
+        if (auto* pty = qobject_cast<PtyFace*>(&face))
+            pty->unplug();
+    });
+}
+
+void ControllerHandle::replug()
+{
+    order([](Face& face) {
+        auto* pty = qobject_cast<PtyFace*>(&face);
+        if (pty && !pty->replug())
+            qWarning("emulator: can not plug in again: %s", qPrintable(pty->errorString()));
     });
 }
 
 void ControllerHandle::closeConnection()
 {
-    order([](TcpFace& tcp) { tcp.closeConnection(); });
+    order([](Face& face) { face.closeConnection(); });
 }
 
 void ControllerHandle::halfCloseConnection()
 {
-    order([](TcpFace& tcp) { tcp.halfCloseConnection(); });
+    order([](Face& face) { face.halfCloseConnection(); });
 }
 
 bool ControllerHandle::isConnected() const
 {
-    return ask<bool>([](TcpFace& tcp) { return tcp.isConnected(); });
+    return ask<bool>([](Face& face) { return face.isConnected(); });
 }
 
 void ControllerHandle::sendRaw(const QByteArray& bytes)
 {
-    order([&](TcpFace& tcp) { tcp.controller().sendRaw(deepCopy(bytes)); });
+    order([&](Face& face) { face.controller().sendRaw(deepCopy(bytes)); });
 }
 
 void ControllerHandle::pause(bool paused)
 {
-    order([=](TcpFace& tcp) { tcp.setPaused(paused); });
+    order([=](Face& face) { face.setPaused(paused); });
 }
 
 qint64 ControllerHandle::packetsSent() const
 {
-    return ask<qint64>([](TcpFace& tcp) { return tcp.controller().packetsSent(); });
+    return ask<qint64>([](Face& face) { return face.controller().packetsSent(); });
+}
+
+qint64 ControllerHandle::packetsLost() const
+{
+    return ask<qint64>([](Face& face) { return face.controller().packetsLost(); });
 }
 
 bool ControllerHandle::isStreaming() const
 {
-    return ask<bool>([](TcpFace& tcp) { return tcp.controller().device().isStreaming(); });
+    return ask<bool>([](Face& face) { return face.controller().device().isStreaming(); });
 }
 
 int ControllerHandle::streamRate() const
 {
-    return ask<int>(
-        [](TcpFace& tcp) { return static_cast<int>(tcp.controller().device().rate()); });
+    return ask<int>([](Face& face) { return static_cast<int>(face.controller().device().rate()); });
 }
 
 bool ControllerHandle::stageOn(int stage) const
 {
-    return ask<bool>([=](TcpFace& tcp) { return tcp.controller().device().stageOn(stage); });
+    return ask<bool>([=](Face& face) { return face.controller().device().stageOn(stage); });
 }
 
 void ControllerHandle::setStage(int stage, bool on)
 {
-    order([=](TcpFace& tcp) { tcp.controller().device().setStage(stage, on); });
+    order([=](Face& face) { face.controller().device().setStage(stage, on); });
 }
 
 QByteArray ControllerHandle::label() const
 {
-    return ask<QByteArray>(
-        [](TcpFace& tcp) { return deepCopy(tcp.controller().device().label()); });
+    return ask<QByteArray>([](Face& face) { return deepCopy(face.controller().device().label()); });
 }
 
 EmulatorHost::EmulatorHost()
@@ -161,9 +201,25 @@ ControllerHandle EmulatorHost::addTcp(const ControllerOptions& options, const QS
 {
     TcpFace* added = nullptr;
     thread->run([&] {
-        auto face = std::make_unique<TcpFace>(deepCopy(options), TcpFace::Logging::On);
+        auto face = std::make_unique<TcpFace>(deepCopy(options), Face::Logging::On);
         if (!face->listen(QHostAddress(address), port)) {
             qWarning("emulator: can not listen: %s", qPrintable(face->errorString()));
+            return;
+        }
+        added = face.get();
+        thread->own(std::move(face));
+    });
+    return ControllerHandle(thread.get(), added);
+}
+
+ControllerHandle EmulatorHost::addPty(const ControllerOptions& options, const QString& link)
+{
+    PtyFace* added = nullptr;
+    thread->run([&] {
+        auto face = std::make_unique<PtyFace>(deepCopy(options), Face::Logging::On);
+        if (!face->open(deepCopy(link))) {
+            qWarning("emulator: can not set up \"%s\": %s", qPrintable(link),
+                     qPrintable(face->errorString()));
             return;
         }
         added = face.get();

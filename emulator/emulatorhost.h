@@ -13,7 +13,7 @@
 namespace emulator {
 
 class HostThread;
-class TcpFace;
+class Face;
 
 /// A controller of an `EmulatorHost`: a value that may be copied, and that is of use for as long as
 /// the host lives. Every call may come from any thread, and returns when it is done.
@@ -23,10 +23,16 @@ public:
     ControllerHandle() = default;
 
     /// False if the controller could not be set up, as with a port that is taken.
-    bool isValid() const { return face != nullptr; }
+    bool isValid() const { return owner != nullptr; }
 
+    /// Of a controller behind TCP; empty and 0 for others.
     QString address() const;
     quint16 port() const;
+    /// Of a controller behind a pseudo terminal: the link, as "/dev/ttyUSB77", or the terminal
+    /// itself without one, as "/dev/pts/5". Empty for others.
+    QString path() const;
+    /// The rate that the controller's serial port is set to.
+    int baudRate() const;
     QByteArray key() const;
     /// The 50 bytes that answer GID.
     QByteArray idReply() const;
@@ -48,13 +54,20 @@ public:
     /// link stays, a stream ends.
     void setIdentity(const ControllerOptions& options);
 
-    /// Power off; the host is cut off. Stages are off afterwards, settings are kept.
+    /// Power off; the host is cut off. Stages are off afterwards, settings are kept. A pseudo
+    /// terminal goes away together with its link.
     void stopListening();
-    /// Power on at the same port.
+    /// Power on at the same port, or under the same link.
     void listenAgain();
+    /// Both unplug a pseudo terminal.
     void closeConnection();
     void halfCloseConnection();
+    /// A host is connected, or has the pseudo terminal open.
     bool isConnected() const;
+    /// Takes a pseudo terminal and its link away: the host sees a hang-up, the controller goes on.
+    void unplug();
+    /// A new pseudo terminal under the same link; without a link `path` changes.
+    void replug();
     /// Bytes that nobody asked for.
     void sendRaw(const QByteArray& bytes);
     /// Frozen: reads nothing and sends nothing, and keeps the connection. What a stream owed
@@ -63,6 +76,9 @@ public:
 
     /// Stream packets sent so far, the ones that answer a start and the last ones included.
     qint64 packetsSent() const;
+    /// Packets that were due while they could not be sent: the host did not read, or did not have
+    /// the serial port open, or open with the other flow control.
+    qint64 packetsLost() const;
     bool isStreaming() const;
     /// Packets per second of the running stream, 0 without one.
     int streamRate() const;
@@ -75,17 +91,17 @@ public:
 
 private:
     friend class EmulatorHost;
-    ControllerHandle(HostThread* hostThread, TcpFace* tcpFace)
+    ControllerHandle(HostThread* hostThread, Face* hostFace)
         : thread(hostThread)
-        , face(tcpFace)
+        , owner(hostFace)
     {}
 
     template <typename Result>
-    Result ask(const std::function<Result(TcpFace&)>& question) const;
-    void order(const std::function<void(TcpFace&)>& change) const;
+    Result ask(const std::function<Result(Face&)>& question) const;
+    void order(const std::function<void(Face&)>& change) const;
 
     HostThread* thread = nullptr;
-    TcpFace* face = nullptr;
+    Face* owner = nullptr;
 };
 
 /// Emulated controllers in a thread of their own, for tests whose own thread blocks while it waits
@@ -102,6 +118,10 @@ public:
     /// Adds a controller that listens at a numeric address. Port 0 picks a free one.
     ControllerHandle addTcp(const ControllerOptions& options = {},
                             const QString& address = QStringLiteral("127.0.0.1"), quint16 port = 0);
+    /// Adds a controller behind a pseudo terminal. `link` is the path of a symbolic link that is
+    /// made to it and taken away at the end; empty for none. The handle is not valid if the link
+    /// can not be made, as where a file is in the way.
+    ControllerHandle addPty(const ControllerOptions& options = {}, const QString& link = {});
 
 private:
     std::unique_ptr<HostThread> thread;

@@ -1,5 +1,6 @@
 #include "emulator/commandline.h"
 #include "emulator/identity.h"
+#include "emulator/ptyface.h"
 #include "emulator/quitsignals.h"
 #include "emulator/tcpface.h"
 
@@ -22,21 +23,16 @@ void say(FILE* where, const QString& text)
     std::fflush(where);
 }
 
-QString placeOf(const QHostAddress& address, quint16 port)
+void reportConnections(Face& face)
 {
-    const bool hasColons = address.protocol() == QAbstractSocket::IPv6Protocol;
-    return (hasColons ? QStringLiteral("[%1]:%2") : QStringLiteral("%1:%2"))
-        .arg(address.toString())
-        .arg(port);
-}
-
-void reportConnections(TcpFace& face)
-{
-    const QString place = placeOf(face.address(), face.port());
-    QObject::connect(&face, &TcpFace::hostConnected, &face, [place](const QString& peer) {
-        say(stderr, QCoreApplication::translate("Program", "%1: %2 connected").arg(place, peer));
+    const QString place = face.place();
+    QObject::connect(&face, &Face::hostConnected, &face, [place](const QString& peer) {
+        say(stderr,
+            peer.isEmpty()
+                ? QCoreApplication::translate("Program", "%1: connected").arg(place)
+                : QCoreApplication::translate("Program", "%1: %2 connected").arg(place, peer));
     });
-    QObject::connect(&face, &TcpFace::hostDisconnected, &face, [place] {
+    QObject::connect(&face, &Face::hostDisconnected, &face, [place] {
         say(stderr, QCoreApplication::translate("Program", "%1: disconnected").arg(place));
     });
     QObject::connect(&face.controller(), &Controller::refused, &face,
@@ -46,23 +42,37 @@ void reportConnections(TcpFace& face)
                      });
 }
 
-using Faces = std::vector<std::unique_ptr<TcpFace>>;
+using Faces = std::vector<std::unique_ptr<Face>>;
 
-/// False if a controller's address can not be had.
-bool setUp(const CommandLine& line, Faces& faces)
+/// Adds a controller whose port is set up by `open`; false if that fails.
+template <typename Kind, typename Open>
+bool add(Faces& faces, const CommandLine& line, Open open)
 {
     ControllerOptions options = line.options;
+    options.seed += faces.size();
+    auto face = std::make_unique<Kind>(options);
+    if (!open(*face)) {
+        say(stderr,
+            QStringLiteral("lumetra-emulator: %1: %2").arg(face->place(), face->errorString()));
+        return false;
+    }
+    if (!line.quiet)
+        reportConnections(*face);
+    faces.push_back(std::move(face));
+    return true;
+}
+
+/// False if a controller's address or link can not be had.
+bool setUp(const CommandLine& line, Faces& faces)
+{
     for (const TcpPlace& place : line.places) {
-        faces.push_back(std::make_unique<TcpFace>(options));
-        TcpFace& face = *faces.back();
-        if (!face.listen(place.address, place.port)) {
-            say(stderr, QStringLiteral("lumetra-emulator: %1: %2")
-                            .arg(placeOf(place.address, place.port), face.errorString()));
+        if (!add<TcpFace>(faces, line,
+                          [&](TcpFace& face) { return face.listen(place.address, place.port); }))
             return false;
-        }
-        if (!line.quiet)
-            reportConnections(face);
-        ++options.seed;
+    }
+    for (const QString& link : line.links) {
+        if (!add<PtyFace>(faces, line, [&](PtyFace& face) { return face.open(link); }))
+            return false;
     }
     return true;
 }
@@ -71,8 +81,8 @@ void announce(const Faces& faces)
 {
     for (const auto& face : faces) {
         const QByteArray key = face->controller().device().id().mid(keyPosition, keyLength);
-        say(stdout, QStringLiteral("tcp %1 %2")
-                        .arg(placeOf(face->address(), face->port()), QString::fromLatin1(key)));
+        say(stdout,
+            QStringLiteral("%1 %2 %3").arg(face->kind(), face->place(), QString::fromLatin1(key)));
     }
 }
 

@@ -9,6 +9,9 @@ namespace emulator {
 
 namespace {
 
+/// Packets are lost while more than this waits to be sent.
+constexpr qint64 mostBytesPending = 65536;
+
 bool hasHungUp(const QTcpSocket& socket)
 {
     pollfd state{};
@@ -21,7 +24,7 @@ bool hasHungUp(const QTcpSocket& socket)
 } // namespace
 
 TcpFace::TcpFace(const ControllerOptions& options, Logging logging)
-    : ownController(options, *this, logging == Logging::On ? &log : nullptr)
+    : Face(options, logging)
 {
     connect(&server, &QTcpServer::newConnection, this, &TcpFace::takeConnections);
 }
@@ -33,6 +36,8 @@ TcpFace::~TcpFace()
 
 bool TcpFace::listen(const QHostAddress& address, quint16 port)
 {
+    listenAddress = address;
+    listenPort = port;
     if (!server.listen(address, port))
         return false;
     listenAddress = server.serverAddress();
@@ -40,11 +45,19 @@ bool TcpFace::listen(const QHostAddress& address, quint16 port)
     return true;
 }
 
+QString TcpFace::place() const
+{
+    const bool hasColons = listenAddress.protocol() == QAbstractSocket::IPv6Protocol;
+    return (hasColons ? QStringLiteral("[%1]:%2") : QStringLiteral("%1:%2"))
+        .arg(listenAddress.toString())
+        .arg(listenPort);
+}
+
 void TcpFace::stopListening()
 {
     server.close();
     dropSocket();
-    ownController.restart();
+    controller().restart();
 }
 
 bool TcpFace::listenAgain()
@@ -52,26 +65,9 @@ bool TcpFace::listenAgain()
     return server.isListening() || server.listen(listenAddress, listenPort);
 }
 
-void TcpFace::closeConnection()
-{
-    close();
-}
-
-void TcpFace::halfCloseConnection()
-{
-    halfClose();
-}
-
 bool TcpFace::isConnected() const
 {
     return socket && socket->state() == QAbstractSocket::ConnectedState;
-}
-
-void TcpFace::setPaused(bool paused)
-{
-    ownController.setPaused(paused);
-    if (!paused && socket)
-        readInput();
 }
 
 void TcpFace::write(const QByteArray& bytes)
@@ -82,9 +78,9 @@ void TcpFace::write(const QByteArray& bytes)
     socket->flush();
 }
 
-qint64 TcpFace::bytesPending() const
+bool TcpFace::canSend()
 {
-    return socket ? socket->bytesToWrite() : 0;
+    return !socket || socket->bytesToWrite() <= mostBytesPending;
 }
 
 void TcpFace::close()
@@ -125,15 +121,15 @@ void TcpFace::adopt(QTcpSocket* connection)
         if (socket == connection)
             dropSocket();
     });
-    ownController.linkOpened();
+    controller().linkOpened();
     emit hostConnected(connection->peerAddress().toString());
     readInput();
 }
 
 void TcpFace::readInput()
 {
-    if (socket && !ownController.isPaused() && socket->bytesAvailable() > 0)
-        ownController.receive(socket->readAll());
+    if (socket && !controller().isPaused() && socket->bytesAvailable() > 0)
+        controller().receive(socket->readAll());
 }
 
 void TcpFace::dropSocket()
@@ -145,7 +141,7 @@ void TcpFace::dropSocket()
     gone->disconnect(this);
     gone->abort();
     gone->deleteLater();
-    ownController.linkClosed();
+    controller().linkClosed();
     emit hostDisconnected();
 }
 

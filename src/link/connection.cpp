@@ -284,6 +284,12 @@ bool Connection::awaitBytes(qint64 count)
     return device_->bytesAvailable() >= count;
 }
 
+/// A port that was lost meanwhile is closed and has nothing.
+QByteArray Connection::takeRest()
+{
+    return device_->isOpen() ? device_->readAll() : QByteArray();
+}
+
 void Connection::receiveReply()
 {
     clearReply();
@@ -307,7 +313,7 @@ void Connection::receiveReply()
             streamState_ = StreamState::Answered;
         // A refusal is short whatever was asked for. Anything else is of no use.
         const bool refusal = device_->bytesAvailable() == command::statusReplyLength;
-        const QByteArray rest = device_->readAll();
+        const QByteArray rest = takeRest();
         if (refusal)
             bytes = rest;
     }
@@ -413,7 +419,7 @@ void Connection::finishStreamWithoutEndMark()
         takeEventsFor1Ms();
     logMessage().debug() << "Finished saving reply";
 
-    const QByteArray tail = device_->readAll().right(command::statusReplyLength);
+    const QByteArray tail = takeRest().right(command::statusReplyLength);
     const bool confirmed = tail == QByteArray("\0;", command::statusReplyLength);
     if (confirmed)
         streaming_ = 0;

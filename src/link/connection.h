@@ -200,6 +200,7 @@ private:
     bool stopsWithoutEndMark() const;
     /// Takes events until at least `count` bytes wait or `deadline` is over.
     bool awaitBytes(qint64 count);
+    QByteArray takeRest();
 
     std::atomic<int> streaming_{0};
     std::atomic<RequestState> requestState_{RequestState::Idle};

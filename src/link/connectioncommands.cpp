@@ -4,10 +4,10 @@
 namespace {
 
 using command::frame;
+using command::idReplyLength;
 using command::packetLength;
 using command::statusReplyLength;
 
-constexpr int idReplyLength = 50;
 constexpr int valueReplyLength = 5;
 constexpr int statusFlagsReplyLength = 4;
 constexpr int fourValuesReplyLength = 11;

@@ -9,30 +9,17 @@ constexpr int makerOffset = 2;
 constexpr int triggerMarkOffset = 10;
 constexpr char triggerMark = 'A';
 
-bool namesMaker(const QByteArray& reply)
-{
-    return command::isAccepted(reply) && reply.size() > 3
-           && reply.mid(makerOffset, int(sizeof maker) - 1) == maker;
-}
-
-void clearLine(Connection& connection, LineClearing clearing)
-{
-    QByteArray reply;
-    connection.clearLiveStream();
-    connection.fetchReply(reply);
-    connection.clearLiveStream();
-    if (connection.fetchReply(reply) || clearing == LineClearing::TwoStops)
-        return;
-    connection.clearLiveStream();
-    connection.fetchReply(reply);
-}
-
 } // namespace
+
+bool namesMaker(const QByteArray& idReply)
+{
+    return idReply.mid(makerOffset, int(sizeof maker) - 1) == maker;
+}
 
 ControllerIdentity readIdentity(const QByteArray& idReply)
 {
     ControllerIdentity identity;
-    identity.isController = namesMaker(idReply);
+    identity.isController = command::isAccepted(idReply) && namesMaker(idReply);
 
     constexpr int markLength = 2;
     const int mark = idReply.indexOf("-V");
@@ -46,6 +33,18 @@ ControllerIdentity readIdentity(const QByteArray& idReply)
     identity.id =
         QString::fromUtf8(idReply.mid(makerOffset).chopped(idReply.size() > makerOffset ? 1 : 0));
     return identity;
+}
+
+void clearLine(Connection& connection, LineClearing clearing)
+{
+    QByteArray reply;
+    connection.clearLiveStream();
+    connection.fetchReply(reply);
+    connection.clearLiveStream();
+    if (connection.fetchReply(reply) || clearing == LineClearing::TwoStops)
+        return;
+    connection.clearLiveStream();
+    connection.fetchReply(reply);
 }
 
 ControllerIdentity identify(Connection& connection, LineClearing clearing)

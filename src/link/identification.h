@@ -24,10 +24,17 @@ enum class LineClearing {
     TwoStopsAndRepeat,
 };
 
+/// Whether a `GID` reply has the maker's mark in its place.
+bool namesMaker(const QByteArray& idReply);
+
 ControllerIdentity readIdentity(const QByteArray& idReply);
 
-/// Stops a stream that may have been left running and asks the controller who it is. Blocks for
-/// the exchanges. An identity that holds is stored in the connection.
+/// Stops a stream that may have been left running, and takes whatever the controller answers.
+/// Blocks for the exchanges.
+void clearLine(Connection& connection, LineClearing clearing);
+
+/// Clears the line and asks the controller who it is. Blocks for the exchanges. An identity that
+/// holds is stored in the connection.
 ControllerIdentity identify(Connection& connection, LineClearing clearing);
 
 /// Gives the connection its label and stores it in the controller, too.

@@ -1,6 +1,7 @@
 #include "link/serialport.h"
 
 #include "app/logging.h"
+#include "link/porterrors.h"
 #include "link/replyboundary.h"
 #include "link/triggerobject.h"
 
@@ -15,13 +16,6 @@
 namespace {
 
 constexpr int resyncMs = 1000;
-
-/// Errors that are told without the port being lost.
-bool isHarmless(QSerialPort::SerialPortError error)
-{
-    return error == QSerialPort::NoError || error == QSerialPort::TimeoutError
-           || error == QSerialPort::UnsupportedOperationError;
-}
 
 /// A driver without these requests changes nothing, which does no harm.
 void requestLowLatency(int descriptor)
@@ -71,10 +65,15 @@ bool SerialPort::openPort()
     port()->setDataBits(QSerialPort::Data8);
     port()->setParity(QSerialPort::NoParity);
     port()->setStopBits(QSerialPort::OneStop);
-    if (!port()->open(QIODevice::ReadWrite))
-        return false;
-    setlowlatency();
-    return port()->isOpen();
+    if (port()->open(QIODevice::ReadWrite))
+        setlowlatency();
+    // It was closed in between: one that did not come back is as good as one that never opened.
+    if (port()->isOpen())
+        return true;
+    const QString refusal = porterrors::explainRefusal(portName, port()->error());
+    if (!refusal.isEmpty())
+        logMessage().warning() << qPrintable(refusal);
+    return false;
 }
 
 void SerialPort::run()
@@ -90,13 +89,15 @@ void SerialPort::run()
     connect(
         port(), &QSerialPort::errorOccurred, this,
         [this](QSerialPort::SerialPortError error) {
-            if (!isHarmless(error))
+            if (porterrors::isLoss(error))
                 handleDisCon();
         },
         Qt::DirectConnection);
     watchInput();
     discardInput();
-    publishConnected();
+    // The port can be lost as early as that.
+    if (port()->isOpen())
+        publishConnected();
 
     exec();
 
@@ -110,7 +111,7 @@ void SerialPort::run()
 
 bool SerialPort::setlowlatency()
 {
-    if (!port()->isOpen())
+    if (!device() || !device()->isOpen())
         return false;
     port()->close();
     const QByteArray path = QByteArray("/dev/") + portName.toLocal8Bit();
@@ -126,6 +127,7 @@ bool SerialPort::setlowlatency()
 void SerialPort::handleDisCon()
 {
     reportLostPort();
+    // An open port repeats its error without end.
     port()->close();
 }
 

@@ -20,13 +20,97 @@ void markInvalid(QLineEdit& edit)
 void SettingsDialog::on_connectSerialButton_clicked()
 {
     logMessage().info() << "Trying to connect (serial)";
-    if (ui->serialPortLabel_2->text().isEmpty()) {
-        say(serialTab.info, tr("Please insert a label"));
-        markInvalid(*ui->serialPortLabel_2);
+    if (!serialFieldsAreFilled())
+        return;
+    serialTab.info.clear();
+    serialTab.labelEdit.setStyleSheet(QString());
+    resizeSmall();
+
+    // Ending a link takes events: a scan can replace the list in the middle of this.
+    const QStringList device = chosenInterface();
+    if (device.isEmpty())
+        return;
+    const int wanted = ui->baudrateComboBox->currentData().toInt();
+    if (device.value(interfaceBaudRate).toInt() != wanted && !adjustBaudRate(device, wanted))
+        return;
+
+    std::unique_ptr<Connection> connection = makeSerialConnection(device, wanted);
+    if (!connection) {
+        // In other words than where the rate is adjusted, on purpose: it tells which one it was.
+        logMessage().warning() << "Serial port is not suitable for communication";
+        say(serialTab.info, tr("Serial port is not suitable for communication"));
         return;
     }
-    if (ui->serialPortInfoListBox->count() == 0)
+    if (!connectController(serialTab, std::move(connection)))
+        return;
+    ui->serialPortInfoListBox->removeItem(
+        ui->serialPortInfoListBox->findText(device.value(interfaceId)));
+    say(serialTab.info, tr("Connected"));
+}
+
+bool SettingsDialog::serialFieldsAreFilled()
+{
+    if (serialTab.labelEdit.text().isEmpty()) {
+        say(serialTab.info, tr("Please insert a label"));
+        markInvalid(serialTab.labelEdit);
+        return false;
+    }
+    if (ui->serialPortInfoListBox->count() == 0) {
         say(serialTab.info, tr("No device available"));
+        return false;
+    }
+    return true;
+}
+
+/// Empty, with the reason said, if the chosen device can not be connected to.
+QStringList SettingsDialog::chosenInterface()
+{
+    const QString id = ui->serialPortInfoListBox->currentText();
+    if (serialTab.lines.indexOfNumber(id) >= 0) {
+        say(serialTab.info, tr("Connection already created"));
+        return {};
+    }
+    for (const QStringList& entry : qAsConst(interfaces)) {
+        if (entry.value(interfaceId) == id)
+            return entry;
+    }
+    say(serialTab.info, tr("Device not found"));
+    return {};
+}
+
+/// Null if no connection can take the port's name.
+std::unique_ptr<Connection> SettingsDialog::makeSerialConnection(const QStringList& device,
+                                                                 int baudRate)
+{
+    const QString port = device.value(interfacePort);
+    std::unique_ptr<Connection> connection = makeTransport(ConnectionType::Serial);
+    if (!connection->init(port, baudRate) || !decltype(ConnectionSettings::name)::fits(port))
+        return nullptr;
+    return connection;
+}
+
+/// Moves a controller from the rate at which it was found to the wanted one.
+bool SettingsDialog::adjustBaudRate(const QStringList& device, int baudRate)
+{
+    const WaitCursor waiting;
+    std::unique_ptr<Connection> connection =
+        makeSerialConnection(device, device.value(interfaceBaudRate).toInt());
+    if (!connection) {
+        say(serialTab.info, tr("SerialPort is not suitable for communication"));
+        return false;
+    }
+    say(serialTab.info, tr("Adjusting baudrate..."));
+    if (!changeBaudRate(*connection, serialTab.wait, baudRate)) {
+        say(serialTab.info, tr("Baudrate couldn't be adjusted"));
+        abandoned.push_back(std::move(connection));
+        return false;
+    }
+    connection->disconnectController();
+    for (QStringList& entry : interfaces) {
+        if (entry.value(interfaceId) == device.value(interfaceId))
+            entry[interfaceBaudRate] = QString::number(baudRate);
+    }
+    return true;
 }
 
 void SettingsDialog::on_connectTcpButton_clicked()

@@ -74,13 +74,32 @@ void takeEvents()
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
+bool bringUp(Connection& connection, LinkWait wait)
+{
+    connection.start(QThread::InheritPriority);
+    waitForLink(connection, wait);
+    return connection.isConnected();
+}
+
+bool changeBaudRate(Connection& connection, LinkWait wait, int baudRate)
+{
+    // Without a link the command is given all the same, with nothing to say, and is dropped.
+    QByteArray argument;
+    if (bringUp(connection, wait)) {
+        clearLine(connection, LineClearing::TwoStops);
+        argument = command::baudRateArgument(baudRate);
+    }
+    connection.setControllerBaudRate(argument);
+    QByteArray reply;
+    connection.fetchReply(reply);
+    return !reply.isEmpty() && reply.at(0) == 0;
+}
+
 LinkOutcome connectAndIdentify(Connection& connection, LinkWait wait, const QString& label,
                                QString& id)
 {
     const LossWatch watch(connection);
-    connection.start(QThread::InheritPriority);
-    waitForLink(connection, wait);
-    if (!connection.isConnected())
+    if (!bringUp(connection, wait))
         return LinkOutcome::NoLink;
 
     const ControllerIdentity identity = identify(connection, LineClearing::TwoStops);

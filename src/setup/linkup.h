@@ -25,6 +25,14 @@ enum class LinkOutcome {
 /// that no flow runs inside another one.
 void takeEvents();
 
+/// Starts the connection's thread and waits for the link. Returns whether it is up.
+bool bringUp(Connection& connection, LinkWait wait);
+
+/// Brings a new link to a controller at the wrong baud rate and lets the controller change to
+/// `baudRate`. Blocks for the wait and the exchanges. False if it did not agree; otherwise it is to
+/// be reached at the new rate only. Either way the thread may still run.
+bool changeBaudRate(Connection& connection, LinkWait wait, int baudRate);
+
 /// Starts the connection's thread, waits for the link, finds out who answers and gives that
 /// controller the label. `id` is the expected identification, or becomes the one that was found
 /// if it is empty. Blocks for the waits and the exchanges. Unless the result is `Up`, the thread

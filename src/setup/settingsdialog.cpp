@@ -2,6 +2,7 @@
 
 #include "app/logging.h"
 #include "app/switches.h"
+#include "link/interfacesearch.h"
 #include "link/serialport.h"
 #include "link/tcpclient.h"
 #include "setup/connectionregistry.h"
@@ -70,7 +71,9 @@ SettingsDialog::SettingsDialog(ConnectionRegistry& connectionRegistry, QWidget* 
     , tcpPort(TcpClient::defaultPort)
     , fileDialog(this)
     , makeTransport(makeRealTransport)
-    , searchInterfaces([](bool, bool) { return QList<QStringList>(); })
+    , searchAllInterfaces([](bool includePseudo, bool anyDevice) {
+        return searchInterfaces(includePseudo, anyDevice);
+    })
 {
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     prepareFields();
@@ -94,7 +97,7 @@ void SettingsDialog::setConnectionFactory(ConnectionFactory factory)
 
 void SettingsDialog::setInterfaceSearch(InterfaceSearch search)
 {
-    searchInterfaces = std::move(search);
+    searchAllInterfaces = std::move(search);
 }
 
 void SettingsDialog::prepareFields()
@@ -229,7 +232,7 @@ void SettingsDialog::fillPortsInfo()
     ui->serialPortInfoListBox->clear();
     {
         const WaitCursor waiting;
-        interfaces = searchInterfaces(false, switches::anySerialDevice);
+        interfaces = searchAllInterfaces(false, switches::anySerialDevice);
     }
     const int lines = serialTab.lines.size();
     for (const QStringList& entry : qAsConst(interfaces)) {

@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class Connection;
 class ConnectionRegistry;
@@ -104,6 +105,7 @@ private:
     /// Parts of an entry of the interface list.
     static constexpr int interfaceId = 0;
     static constexpr int interfacePort = 1;
+    static constexpr int interfaceBaudRate = 2;
 
     // The dialog.
     void prepareFields();
@@ -118,6 +120,10 @@ private:
     Tab& tab(ConnectionType type);
 
     // Making one connection.
+    bool serialFieldsAreFilled();
+    QStringList chosenInterface();
+    std::unique_ptr<Connection> makeSerialConnection(const QStringList& device, int baudRate);
+    bool adjustBaudRate(const QStringList& device, int baudRate);
     bool tcpFieldsAreFilled();
     bool isFreeTcpAddress(const QString& address);
     bool readTcpPort();
@@ -148,9 +154,12 @@ private:
     Tab serialTab;
     Tab tcpTab;
     QList<QStringList> interfaces;
+    /// Links over which a controller would not change its rate. They keep their ports for as long
+    /// as the dialog lives, as they always have.
+    std::vector<std::unique_ptr<Connection>> abandoned;
     /// An empty port field stands for the last one.
     int tcpPort;
     QFileDialog fileDialog;
     ConnectionFactory makeTransport;
-    InterfaceSearch searchInterfaces;
+    InterfaceSearch searchAllInterfaces;
 };

@@ -1,7 +1,7 @@
 #include "emulator/commandline.h"
+#include "program.h"
 #include "wiretools.h"
 
-#include <QProcess>
 #include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -14,41 +14,13 @@ using namespace wiretools;
 
 namespace {
 
-constexpr int limitMs = 10000;
-
 constexpr const char* allOptions[] = {
-    "--tcp",           "--firmware",    "--vm",         "--trigger",       "--trigger-rate",
-    "--seed",          "--preset",      "--detector",   "--refuse",        "--silent",
-    "--late",          "--short",       "--drop-every", "--insert-every",  "--insert-count",
-    "--corrupt-every", "--close-after", "--close-on",   "--half-close-on", "--garbage",
-    "--replay",        "--quiet",       "--help",       "--version"};
-
-/// The program, run with the given arguments.
-class Program final
-{
-public:
-    explicit Program(const QStringList& arguments)
-    {
-        process.start(QStringLiteral(LUMETRA_EMULATOR_PROGRAM), arguments);
-        process.waitForStarted(limitMs);
-    }
-    ~Program()
-    {
-        if (process.state() != QProcess::NotRunning) {
-            process.kill();
-            process.waitForFinished(limitMs);
-        }
-    }
-
-    QString readLine()
-    {
-        while (!process.canReadLine() && process.waitForReadyRead(limitMs)) {}
-        return QString::fromUtf8(process.readLine()).trimmed();
-    }
-    void sendSignal(int number) { ::kill(static_cast<pid_t>(process.processId()), number); }
-
-    QProcess process;
-};
+    "--tcp",           "--firmware",       "--vm",         "--trigger",       "--trigger-rate",
+    "--seed",          "--preset",         "--detector",   "--refuse",        "--silent",
+    "--late",          "--short",          "--drop-every", "--insert-every",  "--insert-count",
+    "--corrupt-every", "--close-after",    "--close-on",   "--half-close-on", "--garbage",
+    "--replay",        "--quiet",          "--help",       "--version",       "--pty",
+    "--baud",          "--no-flow-control"};
 
 struct Ready
 {
@@ -225,6 +197,9 @@ void TestProgram::wrongOptionIsNamed_data()
     QTest::newRow("no port") << QStringList({"--tcp", "127.0.0.1"}) << "127.0.0.1";
     QTest::newRow("name") << QStringList({"--tcp", "localhost:0"}) << "localhost:0";
     QTest::newRow("port too great") << QStringList({"--tcp", "127.0.0.1:65536"}) << "65536";
+    row({"--pty", ""}, "--pty");
+    row({"--baud", "9600"}, "9600");
+    row({"--baud", "fast"}, "--baud");
     row({"--nonsense"}, "nonsense");
     row({"stray"}, "stray");
     row({"--firmware", "-1"}, "--firmware");

@@ -369,8 +369,8 @@ void TestStreaming::pausedControllerIsSilentAndGoesOn()
 
 void TestStreaming::pauseIsNotMadeUpFor()
 {
-    // What was due during a pause is left out: right after it less than one more wake-up's worth
-    // of packets is sent per step of the clock.
+    // Of the 400 packets that were due during the pause none comes, while a busy test machine may
+    // make some of those behind it come late, and all at once.
     ControllerOptions options;
     options.script = countingScript(5000);
     EmulatorHost host;
@@ -381,13 +381,13 @@ void TestStreaming::pauseIsNotMadeUpFor()
     client.readUntilQuiet(400);
     controller.clearWire();
     controller.pause(false);
-    QTRY_VERIFY(controller.wire().size() >= 20);
+    QTRY_VERIFY(controller.wire().size() >= 300);
 
     const QVector<WireEvent> wire = controller.wire();
     for (int i = 1; i < wire.size(); ++i) {
         const double elapsed = static_cast<double>(wire[i].timeNs - wire[0].timeNs) * 1e-9;
-        constexpr double packetsPerWakeUp = 4;
-        QVERIFY(i <= elapsed * 1000 + packetsPerWakeUp);
+        constexpr double latePackets = 150;
+        QVERIFY(i <= elapsed * 1000 + latePackets);
     }
 }
 

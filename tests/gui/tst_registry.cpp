@@ -47,23 +47,6 @@ QColor textColor(const WindowFixture& fixture, const char* label)
     return fixture.find<QLabel>(label)->palette().color(QPalette::WindowText);
 }
 
-/// Comes up without the exchange that identifies it, which takes its time for many.
-bool registerUnasked(const WindowFixture& fixture, const emulator::ControllerHandle& controller,
-                     const ConnectionSettings& record)
-{
-    auto client = std::make_unique<TcpClient>();
-    client->setTimeoutMs(WindowFixture::shortTimeoutMs);
-    client->init(controller.address(), controller.port());
-    client->setLabel(record.label.text());
-    client->setFirmwareVersion(40);
-    client->start();
-    TcpClient& link = *client;
-    if (!QTest::qWaitFor([&link] { return link.isConnected(); }))
-        return false;
-    fixture.window().newConnection(std::move(client), record);
-    return true;
-}
-
 ConnectionSettings colored(ConnectionSettings record, const QColor& color)
 {
     record.colorX = color;
@@ -207,7 +190,7 @@ void TestRegistry::systemBeyondFiftyIsNotShown()
     WindowFixture fixture(count, quiet);
     QVERIFY(fixture.open());
     for (int i = 0; i < count; ++i)
-        QVERIFY(registerUnasked(fixture, fixture.controller(i), fixture.record(i)));
+        QVERIFY(fixture.registerSystem(i));
     QCOMPARE(fixture.window().shownConnections().size(), 50);
 
     fixture.window().showConnection(fixture.connection(50).address(), true);
@@ -235,7 +218,7 @@ void TestRegistry::systemShownWhileRunningJoins()
     QVERIFY(fixture.open());
     QVERIFY(fixture.registerSystem(0));
     QVERIFY(fixture.clickAction("startAction"));
-    QVERIFY(registerUnasked(fixture, fixture.controller(1), fixture.record(1)));
+    QVERIFY(fixture.registerSystem(1));
     QVERIFY(fixture.connection(1).isStreaming());
     QCOMPARE(fixture.controller(1).streamRate(), 100);
 }

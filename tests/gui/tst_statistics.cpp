@@ -2,6 +2,7 @@
 
 #include "link/connection.h"
 #include "plots/counter.h"
+#include "plots/curvedata.h"
 #include "plots/genericplot.h"
 #include "support/samplefeed.h"
 #include "support/widgetcheck.h"
@@ -131,6 +132,7 @@ private slots:
     void figuresOfTwoSamples();
     void figuresOfARestlessBeamToTheLastDigit();
     void figuresOfAStreamFromTheController();
+    void aRunOfAMillionSamplesEndsAtTheSampleTold();
     void aStillBeamHasNoRmsAndAPointForACross();
     void aRunEndsAtTheSampleTold();
     void aNewRunCountsFromZero();
@@ -191,6 +193,27 @@ void tst_Statistics::figuresOfARestlessBeamToTheLastDigit()
         QVERIFY(std::abs(shown - about) <= lastDigit * 1.001);
         QVERIFY(shown < double(std::sqrt(expected.twoPasses / samples.size()) / 1000.0L));
     }
+}
+
+void tst_Statistics::aRunOfAMillionSamplesEndsAtTheSampleTold()
+{
+    constexpr int samplesToTake = 1000000;
+    constexpr int perTick = 500;
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(startRun(fixture, samplesToTake));
+    // Unseen: painting the growing cloud would take longer than all the rest.
+    fixture.window().hide();
+    const SampleFeed feed(fixture);
+    const QVector<PacketValues> samples = restlessBeam(perTick);
+    for (int sent = perTick; sent < samplesToTake; sent += perTick)
+        QVERIFY(feed.show(samples));
+    QVERIFY(feed.show(samples.mid(0, perTick - 1)));
+    QVERIFY(running(fixture));
+    QVERIFY(feed.show(samples.mid(0, 2)));
+    QVERIFY(!running(fixture));
+    QVERIFY(fixture.statisticsText(1).contains("#samples=1000000\n"));
+    QCOMPARE(fixture.pointingPlot(1).curveData(0).samples().size(), samplesToTake);
 }
 
 void tst_Statistics::figuresOfAStreamFromTheController()

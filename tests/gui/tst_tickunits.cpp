@@ -279,6 +279,8 @@ void tst_TickUnits::aNewUnitClearsTheStatisticsInPointingMode()
     QVERIFY(feed.show({sampleOf(1200, 0, 1000)}));
     QVERIFY(fixture.statisticsText(1).contains("#samples=1\n"));
     fixture.window().showConnection(fixture.controller(0).address(), false);
+    // It joins the acquisition, and nothing of it is to be counted.
+    fixture.controller(1).setScript({PacketValues()});
     QVERIFY(registerWith(fixture, 1, psdInMm, psdInMm));
     QVERIFY(fixture.click("checkBox_Stats1"));
     fixture.tick();

@@ -24,7 +24,7 @@ bool EmulatedLink::connectAndIdentify()
 {
     if (!connect())
         return false;
-    const bool identified = identify(client, LineClearing::TwoStops).isController;
+    const bool identified = askIdentity(client);
     controller.clearWire();
     return identified;
 }
@@ -49,6 +49,18 @@ std::vector<MeasureSample> EmulatedLink::takeSamples()
     while (client.takeLiveSample(sample) != 0)
         samples.push_back(sample);
     return samples;
+}
+
+bool askIdentity(Connection& client)
+{
+    client.getControllerId();
+    QByteArray reply;
+    client.fetchReply(reply);
+    const ControllerIdentity identity = readIdentity(reply);
+    client.setFirmwareVersion(identity.firmwareVersion);
+    client.setVmFirmware(identity.vmFirmware);
+    client.setTriggerCapable(identity.triggerCapable);
+    return identity.isController;
 }
 
 QVector<emulator::PacketValues> numberedSamples(int count)

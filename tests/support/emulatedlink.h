@@ -11,14 +11,14 @@
 /// A `TcpClient` on an emulated controller of its own, with short waits unless asked otherwise.
 struct EmulatedLink
 {
-    static constexpr int shortTimeoutMs = 150;
+    static constexpr int shortTimeoutMs = 250;
 
     explicit EmulatedLink(const emulator::ControllerOptions& options = {},
                           int timeoutMs = shortTimeoutMs);
 
     /// Starts the thread and waits until the link is up.
     bool connect();
-    /// `connect` and the exchange that tells the client its controller's firmware.
+    /// `connect` and `askIdentity`.
     bool connectAndIdentify();
     /// Starts a stream and takes its first packet.
     bool startStream(int rateHz = 500);
@@ -34,6 +34,10 @@ struct EmulatedLink
     QStringList lost;
     QObject context;
 };
+
+/// Asks a new controller who it is and tells the client, without the stops that clear the line of
+/// one that may stream: those take their time. False if nobody of ours answered.
+bool askIdentity(Connection& client);
 
 /// Script samples whose x1 and y1 count from 1 and whose values hold no byte of a packet's marks.
 QVector<emulator::PacketValues> numberedSamples(int count);

@@ -1,11 +1,11 @@
 #include "support/windowfixture.h"
 
 #include "app/switches.h"
-#include "link/identification.h"
 #include "link/tcpclient.h"
 #include "plots/curvedata.h"
 #include "plots/genericplot.h"
 #include "setup/settings.h"
+#include "support/emulatedlink.h"
 #include "support/userinput.h"
 #include "window/mainwindow.h"
 
@@ -59,6 +59,12 @@ WindowFixture::WindowFixture(int count, const emulator::ControllerOptions& optio
 
 WindowFixture::~WindowFixture()
 {
+    // Leaving stops every system, which takes a wait for one that is idle.
+    constexpr int leavingTimeoutMs = 20;
+    if (mainWindow) {
+        for (const auto& connection : mainWindow->liveConnections())
+            connection->setTimeoutMs(leavingTimeoutMs);
+    }
     destroyWindow();
 }
 
@@ -126,9 +132,9 @@ bool WindowFixture::registerSystem(const ConnectionSettings& settings, int numbe
     TcpClient& link = *client;
     if (!waitWithoutEvents([&link] { return link.isConnected(); }))
         return false;
-    client->setTimeoutMs(timeoutMs);
-    if (!identify(*client, LineClearing::TwoStops).isController)
+    if (!askIdentity(*client))
         return false;
+    client->setTimeoutMs(timeoutMs);
     client->setTriggerMode(settings.pulsedLaser);
     mainWindow->newConnection(std::move(client), settings);
     controller(number).clearWire();

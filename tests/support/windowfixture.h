@@ -26,7 +26,7 @@ class WindowFixture final
 {
 public:
     /// Wait of the connections that `registerSystem` makes; a reply may take twice as long.
-    static constexpr int shortTimeoutMs = 150;
+    static constexpr int shortTimeoutMs = 300;
 
     explicit WindowFixture(int controllers = 0, const emulator::ControllerOptions& options = {});
     /// Closes the window and ends the controllers.

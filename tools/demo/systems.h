@@ -4,16 +4,18 @@
 
 #include <QString>
 
-/// The three systems that are shown to newcomers and on pictures.
+/// The systems that are shown to newcomers; the first three are on pictures, too.
 namespace demosystems {
 
-constexpr int count = 3;
+constexpr int pictured = 3;
+constexpr int count = 4;
 
 /// The label of system `number`, from 0.
 QString label(int number);
 
 /// The stored record of system `number`, which connects by itself. `id` is the controller's
 /// identification text.
-ConnectionSettings record(int number, const QString& address, int port, const QString& id);
+ConnectionSettings record(int number, ConnectionType type, const QString& address,
+                          int portOrBaudRate, const QString& id);
 
 } // namespace demosystems

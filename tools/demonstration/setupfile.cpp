@@ -3,6 +3,7 @@
 
 #include "app/messagelog.h"
 #include "demo/systems.h"
+#include "link/serialport.h"
 #include "link/tcpclient.h"
 #include "setup/linkup.h"
 #include "setup/settings.h"
@@ -11,6 +12,7 @@
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <memory>
 #include <optional>
 
 namespace {
@@ -20,18 +22,42 @@ constexpr LinkWait controllerWait{2000, false};
 /// clear the line unanswered, so each costs the wait.
 constexpr int replyTimeoutMs = 100;
 
-std::optional<ConnectionSettings> recordOf(int number, const QString& place)
+struct Place
 {
-    const int colon = place.lastIndexOf(QLatin1Char(':'));
-    TcpClient client;
-    client.setTimeoutMs(replyTimeoutMs);
+    ConnectionType type;
+    QString address;
+    int portOrBaudRate;
+};
+
+/// "ADDRESS:PORT" or "NAME@BAUDRATE".
+Place placeIn(const QString& text)
+{
+    const bool isSerial = text.contains(QLatin1Char('@'));
+    const int divider = text.lastIndexOf(QLatin1Char(isSerial ? '@' : ':'));
+    return {isSerial ? ConnectionType::Serial : ConnectionType::Tcp, text.left(divider),
+            text.mid(divider + 1).toInt()};
+}
+
+std::unique_ptr<Connection> transportTo(const Place& place)
+{
+    if (place.type == ConnectionType::Serial)
+        return std::make_unique<SerialPort>();
+    return std::make_unique<TcpClient>();
+}
+
+std::optional<ConnectionSettings> recordOf(int number, const QString& text)
+{
+    const Place place = placeIn(text);
+    const std::unique_ptr<Connection> connection = transportTo(place);
+    connection->setTimeoutMs(replyTimeoutMs);
     QString id;
-    if (colon < 0 || !client.init(place.left(colon), place.mid(colon + 1).toInt())
-        || connectAndIdentify(client, controllerWait, demosystems::label(number), id)
+    if (!connection->init(place.address, place.portOrBaudRate)
+        || connectAndIdentify(*connection, controllerWait, demosystems::label(number), id)
                != LinkOutcome::Up) {
         return std::nullopt;
     }
-    return demosystems::record(number, client.address(), client.portOrBaud(), id);
+    return demosystems::record(number, place.type, connection->address(), connection->portOrBaud(),
+                               id);
 }
 
 int complain(const QString& text)
@@ -51,7 +77,8 @@ int main(int argc, char** argv)
         QStringLiteral("Writes a setup file for up to %1 controllers.").arg(demosystems::count));
     parser.addHelpOption();
     parser.addPositionalArgument("FILE", "The setup file; its folder must exist.");
-    parser.addPositionalArgument("ADDRESS:PORT...", "Where the controllers are.");
+    parser.addPositionalArgument("PLACE...", "Where the controllers are: ADDRESS:PORT, or "
+                                             "NAME@BAUDRATE for that of a serial port.");
     parser.process(application);
     QStringList places = parser.positionalArguments();
     if (places.size() < 2 || places.size() > 1 + demosystems::count)

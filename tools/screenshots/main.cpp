@@ -119,14 +119,14 @@ int main(int argc, char** argv)
     switches::autoSerialSearch = false;
     emulator::EmulatorHost host;
     QList<ConnectionSettings> records;
-    for (int number = 0; number < demosystems::count; ++number) {
+    for (int number = 0; number < demosystems::pictured; ++number) {
         emulator::ControllerOptions options;
         options.seed = quint64(number + 1);
         options.preset = number == 2 ? emulator::Preset::Noisy : emulator::Preset::Typical;
         const QString address = QStringLiteral("127.0.0.%1").arg(11 + number);
         const emulator::ControllerHandle controller = host.addTcp(options, address);
-        records.append(
-            demosystems::record(number, controller.address(), controller.port(), controller.id()));
+        records.append(demosystems::record(number, ConnectionType::Tcp, controller.address(),
+                                           controller.port(), controller.id()));
     }
     Settings settings;
     settings.setList(records);
