@@ -190,10 +190,11 @@ void Connection::releaseCore()
 
 void Connection::makeEndpoint(std::unique_ptr<QIODevice> port)
 {
+    auto trigger = std::make_unique<TriggerObject>(*this);
+    // Orders what the previous thread did at its end before this, too.
+    const std::lock_guard<std::mutex> lock(sharedMutex);
     device_ = std::move(port);
     portLossTold = false;
-    auto trigger = std::make_unique<TriggerObject>(*this);
-    const std::lock_guard<std::mutex> lock(sharedMutex);
     trigger_ = std::move(trigger);
 }
 
