@@ -78,3 +78,10 @@ set(LUMETRA_TEST_ENVIRONMENT
   "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0"
   "UBSAN_OPTIONS=print_stacktrace=1"
   "TSAN_OPTIONS=ignore_noninstrumented_modules=1 exitcode=66 second_deadlock_stack=1")
+
+# lumetra_runs_alone(<test>...)
+# For tests of flows whose limits of a few hundred milliseconds are the application's own: what runs
+# beside them must not use them up.
+function(lumetra_runs_alone)
+  set_tests_properties(${ARGN} PROPERTIES RUN_SERIAL TRUE)
+endfunction()
