@@ -444,7 +444,8 @@ void TestInterfaceSearch::aPortThatVanishesIsNotWaitedFor()
     QElapsedTimer timer;
     timer.start();
     QVERIFY(searchInterfaces(false, false, listing({{name, "", "FTDI"}})).isEmpty());
-    QVERIFY2(timer.elapsed() < silentPortMs, QByteArray::number(timer.elapsed()).constData());
+    // Less than the two waits for a port that is there and silent.
+    QVERIFY2(timer.elapsed() < silentPortMs / 4, QByteArray::number(timer.elapsed()).constData());
     // What is left of the search finds no port.
     QCOMPARE(log.count("info: Interface closed"), 1);
     QCOMPARE(log.lines().filter("info: Cannot open interface").size(), 3);
