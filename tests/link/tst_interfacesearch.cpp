@@ -232,10 +232,12 @@ void TestInterfaceSearch::withoutControllersTheListIsEmptyAfterAllPorts()
 {
     const AnsweringPort first(nothing);
     const AnsweringPort second(nothing);
+    const LogCapture log;
     QVERIFY(searchInterfaces(false, false, listing({adapter(first), adapter(second)})).isEmpty());
-    // Two rates, two flow controls, two attempts.
-    QCOMPARE(first.count("CLS;"), 8);
-    QCOMPARE(second.count("CLS;"), 8);
+    // Two ports, two rates, two flow controls.
+    QCOMPARE(log.count("debug: Clear 0"), 8);
+    QCOMPARE(log.count("debug: Clear 1"), 8);
+    QVERIFY(first.count("CLS;") > 0 && second.count("CLS;") > 0);
     QCOMPARE(first.count("GID;") + second.count("GID;"), 0);
 }
 
@@ -442,7 +444,8 @@ void TestInterfaceSearch::aPortThatVanishesIsNotWaitedFor()
     QElapsedTimer timer;
     timer.start();
     QVERIFY(searchInterfaces(false, false, listing({{name, "", "FTDI"}})).isEmpty());
-    QVERIFY2(timer.elapsed() < silentPortMs, QByteArray::number(timer.elapsed()).constData());
+    // Less than the two waits for a port that is there and silent.
+    QVERIFY2(timer.elapsed() < silentPortMs / 4, QByteArray::number(timer.elapsed()).constData());
     // What is left of the search finds no port.
     QCOMPARE(log.count("info: Interface closed"), 1);
     QCOMPARE(log.lines().filter("info: Cannot open interface").size(), 3);

@@ -69,6 +69,7 @@ public:
     void hangUpNow() { hangsUp = true; }
 
 private:
+    static void hurry();
     void listen();
     void take(const QByteArray& command);
 
