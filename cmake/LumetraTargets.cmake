@@ -46,16 +46,16 @@ function(lumetra_room target)
   target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE lumetra_flags)
 endfunction()
 
-# lumetra_test(<name> SOURCES <file>... [LINK <target>...] [TIMEOUT <seconds>])
-# A Qt Test executable, run headless with a home of its own.
+# lumetra_test(<name> SOURCES <file>... [LINK <target>...] [TIMEOUT <seconds>] [RUNNER <word>...])
+# A Qt Test executable, run headless with a home of its own; by the command RUNNER if there is one.
 function(lumetra_test name)
-  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK;RUNNER" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LINK} lumetra_flags Qt5::Test)
-  add_test(NAME ${name} COMMAND ${name})
+  add_test(NAME ${name} COMMAND ${ARG_RUNNER} $<TARGET_FILE:${name}>)
   set(home ${CMAKE_BINARY_DIR}/homes/${name})
   file(MAKE_DIRECTORY ${home})
   set_tests_properties(${name} PROPERTIES

@@ -99,6 +99,11 @@ double shownRms(const QString& text)
     return text.section("RMS=", 1).section(' ', 0, 0).toDouble();
 }
 
+int shownCount(const QString& text)
+{
+    return text.section("#samples=", 1).section('\n', 0, 0).toInt();
+}
+
 QRectF crossRect(const WindowFixture& fixture, int stage)
 {
     const auto* cross = static_cast<const QwtPlotShapeItem*>(fixture.targetCross(stage));
@@ -133,6 +138,7 @@ private slots:
     void figuresOfARestlessBeamToTheLastDigit();
     void figuresOfAStreamFromTheController();
     void aRunOfAMillionSamplesEndsAtTheSampleTold();
+    void theTextIsNotBuiltForEverySample();
     void aStillBeamHasNoRmsAndAPointForACross();
     void aRunEndsAtTheSampleTold();
     void aNewRunCountsFromZero();
@@ -231,6 +237,23 @@ void tst_Statistics::figuresOfAStreamFromTheController()
     QCOMPARE(fixture.statisticsText(2),
              Expected(samples, &PacketValues::x2, &PacketValues::y2).text());
     QCOMPARE(pointsOf(fixture.pointingPlot(1), 0).size(), samples.size());
+}
+
+void tst_Statistics::theTextIsNotBuiltForEverySample()
+{
+    constexpr int ticks = 20;
+    constexpr int samplesPerTick = 400;
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(startRun(fixture, 2 * ticks * samplesPerTick));
+    const SampleFeed feed(fixture);
+    int ticksBehind = 0;
+    for (int tick = 1; tick <= ticks; ++tick) {
+        QVERIFY(feed.show(restlessBeam(samplesPerTick)));
+        if (shownCount(fixture.statisticsText(1)) < tick * samplesPerTick)
+            ++ticksBehind;
+    }
+    QVERIFY(ticksBehind > 0);
 }
 
 void tst_Statistics::aStillBeamHasNoRmsAndAPointForACross()

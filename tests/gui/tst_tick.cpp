@@ -17,6 +17,8 @@
 #include <qwt_symbol.h>
 
 #include <cmath>
+#include <memory>
+#include <vector>
 
 using emulator::PacketValues;
 
@@ -60,6 +62,22 @@ bool decimateByTen(const WindowFixture& fixture, int rateHz)
     return rateHz * seconds / width == 10;
 }
 
+/// Counts how often the plot that it is attached to is replotted.
+class ReplotCounter final : public QwtPlotItem
+{
+public:
+    explicit ReplotCounter(GenericPlot& plot)
+    {
+        setItemInterest(QwtPlotItem::ScaleInterest);
+        attach(&plot);
+        count = 0;
+    }
+    void updateScaleDiv(const QwtScaleDiv&, const QwtScaleDiv&) override { ++count; }
+    void draw(QPainter*, const QwtScaleMap&, const QwtScaleMap&, const QRectF&) const override {}
+
+    int count = 0;
+};
+
 QColor symbolColor(const GenericPlot& plot, int curve)
 {
     return plot.curve(curve).symbol()->brush().color();
@@ -91,6 +109,7 @@ private slots:
     void aHiddenSystemLosesItsPoints();
     void aNewColourComesWithTheNextPoint();
     void dotsOfThePointingPlotsAreThreePixelsWide();
+    void eachPlotIsReplottedOnceATick();
 };
 
 void tst_Tick::samplesBecomePointsOfTheirCurves()
@@ -411,6 +430,25 @@ void tst_Tick::dotsOfThePointingPlotsAreThreePixelsWide()
     QCOMPARE(fixture.pointingPlot(2).curve(0).symbol()->size(), QSize(3, 3));
     QCOMPARE(fixture.positionPlot(1).curve(0).symbol()->size(), QSize(2, 2));
     QCOMPARE(fixture.intensityPlot(2).curve(0).symbol()->size(), QSize(2, 2));
+}
+
+void tst_Tick::eachPlotIsReplottedOnceATick()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.openWithSystems());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    QVERIFY(feed.send(countedSamples(60), 0));
+    QVERIFY(feed.send(countedSamples(60), 1));
+
+    std::vector<std::unique_ptr<ReplotCounter>> counters;
+    for (const int stage : {1, 2}) {
+        for (const char* kind : {"osciPlot", "positionPlot", "intensityPlot"})
+            counters.push_back(std::make_unique<ReplotCounter>(fixture.plot(kind, stage)));
+    }
+    fixture.tick();
+    for (const auto& counter : counters)
+        QCOMPARE(counter->count, 1);
 }
 
 QTEST_MAIN(tst_Tick)

@@ -162,6 +162,7 @@ private slots:
     void theControllerAnswers();
     void anotherRateIsNotUnderstood();
     void oldInputIsDropped();
+    void resyncAsksForAReplyAndLeavesTheLinkUsable();
     void theRateCanBeChanged();
     void theEndIsTold();
 
@@ -290,6 +291,21 @@ void TestSerialPort::oldInputIsDropped()
     QVERIFY(port.write(QByteArray("\0;\x48;", 4)));
     QVERIFY(link.client.fetchReply(reply));
     QCOMPARE(reply, QByteArray("\0;\x48;", 4));
+}
+
+void TestSerialPort::resyncAsksForAReplyAndLeavesTheLinkUsable()
+{
+    const LogCapture log;
+    EmulatedSerialLink one;
+    resyncOnce(one.client, [&one] { return one.client.isConnected(); });
+    QVERIFY(one.link.connect());
+    QTRY_COMPARE(log.count("debug: Finished resyncing"), 1);
+    QCOMPARE(log.count("debug: Resyncing (serial)"), 1);
+    QCOMPARE(one.controller.commands(), QByteArrayList{"GSF;"});
+
+    QByteArray reply;
+    one.client.fetchReply(reply);
+    QCOMPARE(one.link.exchange(&Connection::getControllerId), one.controller.idReply());
 }
 
 void TestSerialPort::theRateCanBeChanged()

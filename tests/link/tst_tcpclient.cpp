@@ -16,6 +16,8 @@ private slots:
     void refusedConnectionEndsTheThreadSilently();
     void linkThatIsUpStaysUpBehindTheConnectTime();
     void peersCloseEndsTheThreadAndTellsTheAddress();
+    void resyncAsksForAReply();
+    void resyncOfAStreamAsksForNothing();
     void connectionCanBeStartedAgain();
     void disconnectedLinkIsNotTold();
     void destructionEndsARunningStream();
@@ -102,6 +104,28 @@ void TestTcpClient::peersCloseEndsTheThreadAndTellsTheAddress()
     QTRY_COMPARE(link.lost.count(), 1);
     QCOMPARE(link.lost.first(), QStringLiteral("127.0.0.1"));
     QCOMPARE(log.count("debug: Controller disconnected"), 1);
+}
+
+void TestTcpClient::resyncAsksForAReply()
+{
+    const LogCapture log;
+    EmulatedLink link;
+    resyncOnce(link.client, [&link] { return link.client.isConnected(); });
+    QVERIFY(link.connect());
+    QTRY_COMPARE(log.count("debug: Finished resyncing (TCP)"), 1);
+    QCOMPARE(log.count("debug: Resyncing (TCP)"), 1);
+    QCOMPARE(link.controller.commands(), QByteArrayList{"GSF;"});
+}
+
+void TestTcpClient::resyncOfAStreamAsksForNothing()
+{
+    const LogCapture log;
+    EmulatedLink link;
+    resyncOnce(link.client, [&link] { return link.client.isStreaming(); });
+    QVERIFY(link.connect());
+    QVERIFY(link.startStream());
+    QTRY_COMPARE(log.count("debug: Finished resyncing (TCP)"), 1);
+    QVERIFY(!link.controller.commands().contains("GSF;"));
 }
 
 void TestTcpClient::connectionCanBeStartedAgain()

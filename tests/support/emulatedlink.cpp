@@ -3,7 +3,21 @@
 #include "link/identification.h"
 #include "link/streampause.h"
 
+#include <QTimer>
 #include <QtTest>
+
+namespace {
+
+/// On the thread of the client.
+void resyncOrAskAgain(Connection& client, const std::function<bool()>& isTime)
+{
+    if (isTime())
+        client.resync();
+    else
+        QTimer::singleShot(1, [&client, isTime] { resyncOrAskAgain(client, isTime); });
+}
+
+} // namespace
 
 EmulatedLink::EmulatedLink(const emulator::ControllerOptions& options, int timeoutMs)
     : controller(host.addTcp(options))
@@ -61,6 +75,14 @@ bool askIdentity(Connection& client)
     client.setVmFirmware(identity.vmFirmware);
     client.setTriggerCapable(identity.triggerCapable);
     return identity.isController;
+}
+
+void resyncOnce(Connection& client, std::function<bool()> isTime)
+{
+    QObject::connect(
+        &client, &QThread::started, &client,
+        [&client, isTime = std::move(isTime)] { resyncOrAskAgain(client, isTime); },
+        Qt::DirectConnection);
 }
 
 QVector<emulator::PacketValues> numberedSamples(int count)

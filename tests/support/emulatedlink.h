@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include <functional>
 #include <vector>
 
 /// A `TcpClient` on an emulated controller of its own, with short waits unless asked otherwise.
@@ -38,6 +39,10 @@ struct EmulatedLink
 /// Asks a new controller who it is and tells the client, without the stops that clear the line of
 /// one that may stream: those take their time. False if nobody of ours answered.
 bool askIdentity(Connection& client);
+
+/// Lets the connection, which is still to be started, look for the boundary of replies on its own
+/// thread as soon as `isTime` holds there.
+void resyncOnce(Connection& client, std::function<bool()> isTime);
 
 /// Script samples whose x1 and y1 count from 1 and whose values hold no byte of a packet's marks.
 QVector<emulator::PacketValues> numberedSamples(int count);
