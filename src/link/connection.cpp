@@ -150,7 +150,8 @@ void Connection::stopStream()
 int Connection::endThread()
 {
     exit(0);
-    QCoreApplication::processEvents();
+    // What the user has clicked meanwhile could delete this object.
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     int pollsLeft = endPolls;
     while (pollsLeft >= 0 && isRunning()) {
         --pollsLeft;
