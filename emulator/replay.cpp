@@ -17,6 +17,8 @@ constexpr int columns = 11;
 constexpr double mvPerVolt = 1000.0;
 constexpr double mvPerMillimetre = 1200.0;
 constexpr double mvPerMicrometre = 50.0;
+/// The last line may last as long again as all the time before it.
+constexpr qint64 greatestTimeMs = std::numeric_limits<qint64>::max() / 2;
 
 QString tr(const char* text)
 {
@@ -45,7 +47,7 @@ Word asWord(double millivolts)
 {
     constexpr double least = std::numeric_limits<Word>::min();
     constexpr double greatest = std::numeric_limits<Word>::max();
-    // A quadrant detector without light is recorded as not-a-number.
+    // A quadrant detector without light, or with a signal beyond it, is recorded as not-a-number.
     return std::isnan(millivolts)
                ? Word(0)
                : static_cast<Word>(std::lround(std::clamp(millivolts, least, greatest)));
@@ -81,19 +83,29 @@ QVector<double> readHeader(QTextStream& text)
     return scales.contains(0.0) ? QVector<double>() : scales;
 }
 
-bool readFields(const QString& line, const QVector<double>& scales,
+/// C libraries print a not-a-number with its sign, which the conversion does not know.
+bool isNotANumber(const QString& text)
+{
+    return text == "nan" || text == "-nan" || text == "+nan";
+}
+
+double readNumber(const QString& text, bool& ok)
+{
+    ok = true;
+    return isNotANumber(text) ? std::numeric_limits<double>::quiet_NaN() : text.toDouble(&ok);
+}
+
+/// Reads everything but the time, which stands in the first column; false on failure.
+bool readValues(const QStringList& texts, const QVector<double>& scales,
                 std::array<double, columns>& fields)
 {
-    const QStringList texts = line.split('\t');
-    if (texts.size() != columns)
-        return false;
-    for (int column = 0; column < columns; ++column) {
+    for (int column = 1; column < columns; ++column) {
         bool ok = false;
-        fields[static_cast<std::size_t>(column)] = texts[column].toDouble(&ok) * scales[column];
+        fields[static_cast<std::size_t>(column)] = readNumber(texts[column], ok) * scales[column];
         if (!ok)
             return false;
     }
-    return fields[0] >= 0.0;
+    return true;
 }
 
 } // namespace
@@ -127,12 +139,11 @@ std::shared_ptr<const Replay> Replay::read(QIODevice& device, QString& error)
         const QString line = text.readLine();
         if (line.isEmpty())
             continue;
-        std::array<double, columns> fields{};
-        if (!readFields(line, scales, fields)) {
-            error = tr("line %1 is not a line of a recording").arg(number);
+        const QString complaint = replay->append(line.split('\t'), scales);
+        if (!complaint.isEmpty()) {
+            error = complaint.arg(number);
             return nullptr;
         }
-        replay->lines.append({static_cast<qint64>(fields[0]), valuesOf(fields)});
     }
     if (replay->lines.isEmpty()) {
         error = tr("the recording has no samples");
@@ -142,6 +153,24 @@ std::shared_ptr<const Replay> Replay::read(QIODevice& device, QString& error)
     // The last line lasts as long as the lines do on average.
     replay->lengthMs = last + std::max<qint64>(1, last / std::max(1, replay->lines.size() - 1));
     return replay;
+}
+
+/// Takes over one line of the file. The complaint about it, with a place for its number; empty if
+/// there is none.
+QString Replay::append(const QStringList& texts, const QVector<double>& scales)
+{
+    const QString noLine = tr("line %1 is not a line of a recording");
+    if (texts.size() != columns)
+        return noLine;
+    bool ok = false;
+    const qint64 timeMs = texts.first().toLongLong(&ok);
+    std::array<double, columns> fields{};
+    if (!ok || timeMs < 0 || timeMs > greatestTimeMs || !readValues(texts, scales, fields))
+        return noLine;
+    if (!lines.isEmpty() && timeMs < lines.last().timeMs)
+        return tr("line %1 is earlier than the line before");
+    lines.append({timeMs, valuesOf(fields)});
+    return {};
 }
 
 PacketValues Replay::at(qint64 timeMs) const

@@ -3,6 +3,7 @@
 #include "emulator/packet.h"
 
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <memory>
@@ -33,6 +34,8 @@ private:
         qint64 timeMs = 0;
         PacketValues values;
     };
+
+    QString append(const QStringList& texts, const QVector<double>& scales);
 
     QVector<Line> lines;
     qint64 lengthMs = 0;

@@ -1,10 +1,15 @@
 #include "emulator/device.h"
 #include "emulator/replay.h"
+#include "model/detector.h"
 #include "wiretools.h"
 
 #include <QBuffer>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <array>
+#include <cmath>
+#include <cstdio>
 
 using namespace emulator;
 using namespace wiretools;
@@ -44,6 +49,9 @@ private slots:
     void whatIsNoRecordingIsNamed();
     void missingFileIsNamed();
     void valuesBeyondSixteenBitsAreCut();
+    void notANumberIsReadHoweverItWasPrinted_data();
+    void notANumberIsReadHoweverItWasPrinted();
+    void equalTimesAreTaken();
     void streamCarriesTheRecordingInItsOwnTime();
 };
 
@@ -137,6 +145,14 @@ void TestReplay::whatIsNoRecordingIsNamed_data()
                              << "line 4 is not a line of a recording";
     QTest::newRow("decimal comma") << header + "0\t1,5\t2\t3\t4\t5\t6\t7\t8\t9\t10\n"
                                    << "line 4 is not a line of a recording";
+    const QByteArray rest = "\t1\t2\t3\t4\t5\t6\t7\t8\t9\t10\n";
+    for (const char* const time : {"-1", "inf", "nan", "1e30", "18446744073709551615",
+                                   "9223372036854775807", "4611686018427387904"}) {
+        QTest::newRow(time) << header + "0" + rest + time + rest
+                            << "line 5 is not a line of a recording";
+    }
+    QTest::newRow("time goes back") << header + "0" + rest + "20" + rest + "19" + rest
+                                    << "line 6 is earlier than the line before";
 }
 
 void TestReplay::whatIsNoRecordingIsNamed()
@@ -167,6 +183,44 @@ void TestReplay::valuesBeyondSixteenBitsAreCut()
     QCOMPARE(replay->at(0).y1, qint16(-32768));
     QCOMPARE(replay->at(0).i1, quint16(65535));
     QCOMPARE(replay->at(0).x2, qint16(0));
+}
+
+void TestReplay::notANumberIsReadHoweverItWasPrinted_data()
+{
+    QTest::addColumn<QByteArray>("text");
+
+    for (const char* const text : {"nan", "-nan", "+nan"})
+        QTest::newRow(text) << QByteArray(text);
+    // The formula has no answer where the signal exceeds the intensity, nor without light.
+    const QD detector{Detector(1000.0, 1)};
+    for (const auto& [signal, intensity] : {std::pair(2.0, 1.0), std::pair(0.0, 0.0)}) {
+        std::array<char, 20> text{};
+        const double position = detector.calculatePosition(signal, intensity);
+        QVERIFY(std::isnan(position));
+        std::snprintf(text.data(), text.size(), "%.*f", 2, position);
+        QTest::addRow("%g V of %g V is %s", signal, intensity, text.data())
+            << QByteArray(text.data());
+    }
+}
+
+void TestReplay::notANumberIsReadHoweverItWasPrinted()
+{
+    QFETCH(QByteArray, text);
+
+    const auto replay = read(header + "0\t" + text + "\t0.5\t4\t0\t0\t0\t0\t0\t0\t0\n");
+
+    QVERIFY(replay);
+    QCOMPARE(replay->at(0).x1, qint16(0));
+    QCOMPARE(replay->at(0).y1, qint16(500));
+}
+
+void TestReplay::equalTimesAreTaken()
+{
+    const QByteArray rest = "\t0\t0\t0\t0\t0\t0\t0\t0\t0\n";
+    const auto replay = read(header + "0\t0.001" + rest + "0\t0.002" + rest);
+
+    QVERIFY(replay);
+    QCOMPARE(replay->at(0).x1, qint16(2));
 }
 
 void TestReplay::streamCarriesTheRecordingInItsOwnTime()
