@@ -116,8 +116,10 @@ void GenericPlot::disableZoomer()
     for (int select = 0; select < QwtEventPattern::MousePatternCount; ++select)
         zoomer->setMousePattern(static_cast<QwtEventPattern::MousePatternCode>(select),
                                 Qt::NoButton);
-    for (auto key : {QwtEventPattern::KeySelect1, QwtEventPattern::KeySelect2,
-                     QwtEventPattern::KeyAbort, QwtEventPattern::KeyHome})
+    // Undo and redo, too: any step in the zoom stack would set the axes to the zoomer's own base.
+    for (auto key :
+         {QwtEventPattern::KeySelect1, QwtEventPattern::KeySelect2, QwtEventPattern::KeyAbort,
+          QwtEventPattern::KeyUndo, QwtEventPattern::KeyRedo, QwtEventPattern::KeyHome})
         zoomer->setKeyPattern(key, 0);
 }
 

@@ -36,7 +36,7 @@ public slots:
     void clear();
     /// Adds the two mid-lines over the present range.
     void drawCrossHairs();
-    /// The mouse and the selection keys no longer zoom.
+    /// Neither the mouse nor the keyboard zooms any more.
     void disableZoomer();
     /// Hides the position tracker. The zoom stack stays as it is, whatever the name says.
     void zeroZoomStack();

@@ -18,6 +18,7 @@
 #include <QtTest>
 #include <qwt_plot_canvas.h>
 #include <qwt_plot_shapeitem.h>
+#include <qwt_scale_draw.h>
 #include <qwt_scale_widget.h>
 
 namespace {
@@ -146,6 +147,8 @@ private slots:
     void resettingThePointingZoom();
     void resettingTheTimePlots();
     void aRubberBandZoomsPointingPlotsOnly();
+    void keysChangeNothingInTheTimePlots_data();
+    void keysChangeNothingInTheTimePlots();
     void aClickOnAnAxisDoesNothingYet();
 
     void oneSystemShowsItsFramesAndSecondHidesThem();
@@ -326,6 +329,39 @@ void tst_FrameView::aRubberBandZoomsPointingPlotsOnly()
         QCOMPARE(timeRange(*fixture, stage), QString("0..10"));
     }
     QCOMPARE(valueRanges(*fixture), (QStringList{"-5..5", "-5..5", "0..8", "0..8"}));
+}
+
+void tst_FrameView::keysChangeNothingInTheTimePlots_data()
+{
+    QTest::addColumn<Qt::Key>("key");
+    QTest::newRow("undo") << Qt::Key_Minus;
+    QTest::newRow("redo") << Qt::Key_Plus;
+    QTest::newRow("home") << Qt::Key_Escape;
+    QTest::newRow("select") << Qt::Key_Return;
+}
+
+void tst_FrameView::keysChangeNothingInTheTimePlots()
+{
+    QFETCH(Qt::Key, key);
+    for (int stage = 1; stage <= 2; ++stage) {
+        for (GenericPlot* plot : {&fixture->positionPlot(stage), &fixture->intensityPlot(stage)}) {
+            const auto shown = [plot] {
+                QStringList ranges;
+                for (const auto axis :
+                     {QwtPlot::yLeft, QwtPlot::yRight, QwtPlot::xBottom, QwtPlot::xTop})
+                    ranges.append(range(*plot, axis));
+                return ranges;
+            };
+            const QStringList before = shown();
+            const double extent = plot->axisScaleDraw(QwtPlot::yLeft)->minimumExtent();
+            QVERIFY(extent > 0.0);
+            QVERIFY(user::click(plot->canvas()));
+            QVERIFY(plot->canvas()->hasFocus());
+            QTest::keyClick(fixture->window().windowHandle(), key);
+            QCOMPARE(shown(), before);
+            QCOMPARE(plot->axisScaleDraw(QwtPlot::yLeft)->minimumExtent(), extent);
+        }
+    }
 }
 
 void tst_FrameView::aClickOnAnAxisDoesNothingYet()
