@@ -15,7 +15,11 @@ namespace {
 
 constexpr int greatestFirmware = 999;
 constexpr int greatestCount = 1000000000;
+/// Stray bytes before one packet.
+constexpr int greatestInsertCount = 16384;
 constexpr int greatestLatenessMs = 3600000;
+/// Between slower pulses too much of the beam would have to be computed at once.
+constexpr double leastTriggerRateHz = 0.01;
 constexpr double greatestTriggerRateHz = 1000.0;
 
 QString tr(const char* text)
@@ -85,9 +89,11 @@ double OptionReader::triggerRate(const QString& option)
 {
     bool ok = false;
     const double rate = parser.value(option).toDouble(&ok);
-    if (!ok || !(rate >= 0.0 && rate <= greatestTriggerRateHz)) {
-        complain(tr("--%1: \"%2\" is not a rate from 0 to %3")
+    const bool pulses = rate >= leastTriggerRateHz && rate <= greatestTriggerRateHz;
+    if (!ok || (!pulses && rate != 0.0)) {
+        complain(tr("--%1: \"%2\" is neither 0 nor a rate from %3 to %4")
                      .arg(option, parser.value(option))
+                     .arg(leastTriggerRateHz)
                      .arg(greatestTriggerRateHz));
     }
     return rate;
@@ -185,7 +191,7 @@ void addControllerOptions(QCommandLineParser& parser)
          QString::number(defaults.firmware)},
         {"vm", tr("Firmware of the kind VM.")},
         {"trigger", tr("Capable of packets by trigger pulses.")},
-        {"trigger-rate", tr("Trigger pulses per second, 0 to 1000."), "HZ",
+        {"trigger-rate", tr("Trigger pulses per second, 0.01 to 1000, or 0 for none."), "HZ",
          QString::number(defaults.triggerRateHz)},
         {"seed", tr("Seed of the beam. The first controller takes N, the next N + 1."), "N",
          QString::number(defaults.seed)},
@@ -210,7 +216,7 @@ void addFaultOptions(QCommandLineParser& parser)
         {"garbage", tr("Answer every command with noise.")},
         {"drop-every", tr("Leave out a byte of every Nth packet of a stream."), "N", "0"},
         {"insert-every", tr("Insert stray bytes before every Nth packet."), "N", "0"},
-        {"insert-count", tr("Number of bytes that --insert-every inserts."), "N", "1"},
+        {"insert-count", tr("Number of bytes that --insert-every inserts, 0 to 16384."), "N", "1"},
         {"corrupt-every", tr("Invert a byte of every Nth packet."), "N", "0"},
         {"close-after", tr("Close the connection behind the Nth packet of a stream."), "N", "0"},
     });
@@ -228,7 +234,7 @@ Faults readFaults(const QCommandLineParser& parser, OptionReader& reader)
     faults.garbageReplies = parser.isSet("garbage");
     faults.dropByteEvery = reader.number("drop-every", 0, greatestCount);
     faults.insertBytesEvery = reader.number("insert-every", 0, greatestCount);
-    faults.insertCount = reader.number("insert-count", 0, greatestCount);
+    faults.insertCount = reader.number("insert-count", 0, greatestInsertCount);
     faults.corruptByteEvery = reader.number("corrupt-every", 0, greatestCount);
     faults.closeAfterPackets = reader.number("close-after", 0, greatestCount);
     return faults;

@@ -38,6 +38,8 @@ void SampleSource::advance()
 
 int SampleSource::beamSteps()
 {
+    if (streamRate <= 0.0)
+        return 0;
     const auto due =
         static_cast<qint64>(static_cast<double>(packets + 1) * beamStepsPerSecond / streamRate);
     const auto steps = static_cast<int>(due - stepsDone);

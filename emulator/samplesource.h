@@ -27,7 +27,8 @@ public:
     /// Goes on by one packet.
     void advance();
     /// Beam steps from the last packet to the next at this rate. Over each second they add up to
-    /// the beam's steps of a second exactly.
+    /// the beam's steps of a second exactly. None while the rate is 0: no pulse comes that a step
+    /// could lead to.
     int beamSteps();
     /// The present sample of script or recording; nothing when the script has come to its end.
     std::optional<PacketValues> sample() const;

@@ -57,6 +57,7 @@ private slots:
     void beamIsBlockedAndWeakened();
     void seedDecidesTheBeam();
     void beamDoesNotDependOnTheRate();
+    void beamRestsWithoutPulses();
     void quadrantSignalFollowsTheErrorFunction_data();
     void quadrantSignalFollowsTheErrorFunction();
     void lateralSignalIsLinearAndClipped();
@@ -373,6 +374,21 @@ void TestBeam::beamDoesNotDependOnTheRate()
         QCOMPARE(slow[i], fast[5 * i + 4]);
         QCOMPARE(slow[i], odd[3 * i + 2]);
     }
+}
+
+void TestBeam::beamRestsWithoutPulses()
+{
+    ControllerOptions options;
+    options.triggerCapable = true;
+    options.triggerRateHz = 0;
+    Device device(options, "KEY");
+    QCOMPARE(device.execute(parseCommand("SPS" + hex("0000 3b")).command).reply, accepted());
+    constexpr int firstValue = 4;
+
+    const QByteArray sample = device.execute(parseCommand("S1S;").command).reply;
+    const QByteArray last = device.execute(parseCommand("CLS;").command).lastPacket;
+
+    QCOMPARE(last.mid(firstValue), sample.mid(firstValue));
 }
 
 void TestBeam::quadrantSignalFollowsTheErrorFunction_data()

@@ -209,11 +209,15 @@ void TestProgram::wrongOptionIsNamed_data()
     row({"--detector", "eye"}, "eye");
     row({"--trigger-rate", "-3"}, "--trigger-rate");
     row({"--trigger-rate", "nan"}, "--trigger-rate");
+    row({"--trigger-rate", "1001"}, "1001");
+    row({"--trigger-rate", "1e-300"}, "0.01");
     row({"--refuse", "ABC"}, "ABC");
     row({"--late", "GSF"}, "GSF");
     row({"--late", "GSF=soon"}, "soon");
     row({"--short", "XYZ=2"}, "XYZ");
     row({"--drop-every", "-1"}, "--drop-every");
+    row({"--insert-count", "16385"}, "from 0 to 16384");
+    row({"--insert-count", "1000000000"}, "from 0 to 16384");
     row({"--replay", "/nowhere/none.csv"}, "/nowhere/none.csv");
 }
 
