@@ -82,13 +82,14 @@ has_display() {
     [ -n "${DISPLAY:-}" ] && timeout 5 xdpyinfo >/dev/null 2>&1
 }
 
+# use_virtual_display [WIDTHxHEIGHT]
 # Starts a display that nobody sees and points $DISPLAY to it. Only this user has the key to it.
 use_virtual_display() {
-    local key number report
+    local size=${1:-1600x1200} key number report
     key=$(mcookie)
     export XAUTHORITY=$scratch/xauthority
     quietly xauth -f "$XAUTHORITY" add :0 . "$key"
-    exec {report}< <(exec Xvfb -displayfd 1 -screen 0 1600x1200x24 -nolisten tcp -noreset \
+    exec {report}< <(exec Xvfb -displayfd 1 -screen 0 "${size}x24" -nolisten tcp -noreset \
         -auth "$XAUTHORITY" 2>"$scratch/display.log")
     own_processes+=("$!")
     read -r -t 30 -u "$report" number || fail "no virtual display: $(cat "$scratch/display.log")"
