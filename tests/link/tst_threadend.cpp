@@ -2,34 +2,41 @@
 
 #include "support/emulatedlink.h"
 
+#include <QCursor>
 #include <QGuiApplication>
 #include <QRasterWindow>
 #include <QtTest>
 
 namespace {
 
-class ClickCounter final : public QRasterWindow
+/// A window that notes when the user's input reaches it.
+class WatchedWindow final : public QRasterWindow
 {
 public:
-    int clicks() const { return count; }
+    bool isReached() const { return reached; }
 
-    /// Leaves a click in the queue, as a person does who clicks while the application is busy.
-    void queueClick()
+    /// Whether the input comes with the next events. There must be one that wakes the event loop.
+    bool isReachedNext()
     {
-        const QPointF middle(width() / 2.0, height() / 2.0);
-        const QPointF onScreen = mapToGlobal(middle.toPoint());
-        qt_handleMouseEvent(this, middle, onScreen, Qt::LeftButton, Qt::LeftButton,
-                            QEvent::MouseButtonPress, Qt::NoModifier, ++clock);
-        qt_handleMouseEvent(this, middle, onScreen, Qt::NoButton, Qt::LeftButton,
-                            QEvent::MouseButtonRelease, Qt::NoModifier, ++clock);
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+        QCoreApplication::processEvents();
+        return reached;
+    }
+
+    /// Leaves a movement of the pointer in the queue, as a person does while the application is
+    /// busy. The other ways of a test deliver input at once.
+    void queueInput()
+    {
+        reached = false;
+        QCursor::setPos(geometry().center() + QPoint(++step, 0));
     }
 
 protected:
-    void mouseReleaseEvent(QMouseEvent*) override { ++count; }
+    void mouseMoveEvent(QMouseEvent*) override { reached = true; }
 
 private:
-    int count = 0;
-    int clock = 0;
+    bool reached = false;
+    int step = 0;
 };
 
 } // namespace
@@ -39,40 +46,54 @@ class TestThreadEnd : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void clicksAreLeftForLaterByADisconnect();
-    void clicksAreLeftForLaterByADeletion();
+    void initTestCase();
+    void cleanupTestCase();
+    void inputReachesTheWindowWithTheNextEvents();
+    void disconnectLeavesInputForLater();
+    void deletionLeavesInputForLater();
 
 private:
-    std::unique_ptr<ClickCounter> window;
+    std::unique_ptr<WatchedWindow> window;
 };
 
-void TestThreadEnd::init()
+void TestThreadEnd::initTestCase()
 {
-    window = std::make_unique<ClickCounter>();
-    window->resize(100, 100);
+    window = std::make_unique<WatchedWindow>();
+    window->setGeometry(100, 100, 100, 100);
     window->show();
     QVERIFY(QTest::qWaitForWindowExposed(window.get()));
 }
 
-void TestThreadEnd::clicksAreLeftForLaterByADisconnect()
+void TestThreadEnd::cleanupTestCase()
 {
-    EmulatedLink link;
-    QVERIFY(link.connect());
-    window->queueClick();
-    QCOMPARE(link.client.disconnectController(), 1);
-    QCOMPARE(window->clicks(), 0);
-    QTRY_COMPARE(window->clicks(), 1);
+    window.reset();
 }
 
-void TestThreadEnd::clicksAreLeftForLaterByADeletion()
+void TestThreadEnd::inputReachesTheWindowWithTheNextEvents()
+{
+    window->queueInput();
+    QVERIFY(!window->isReached());
+    QVERIFY(window->isReachedNext());
+}
+
+void TestThreadEnd::disconnectLeavesInputForLater()
 {
     EmulatedLink link;
     QVERIFY(link.connect());
-    window->queueClick();
+    window->queueInput();
+    QCOMPARE(link.client.disconnectController(), 1);
+    QVERIFY(!window->isReached());
+    QVERIFY(window->isReachedNext());
+}
+
+void TestThreadEnd::deletionLeavesInputForLater()
+{
+    EmulatedLink link;
+    QVERIFY(link.connect());
+    window->queueInput();
     link.client.releaseInPlace();
-    QCOMPARE(window->clicks(), 0);
-    QTRY_COMPARE(window->clicks(), 1);
+    QVERIFY(!window->isReached());
+    QVERIFY(window->isReachedNext());
 }
 
 QTEST_MAIN(TestThreadEnd)
