@@ -273,7 +273,9 @@ void Controller::sendDuePackets()
 {
     const qint64 due = packetsDue();
     const auto most = static_cast<qint64>(controlled->rate() * greatestBacklogSeconds) + 1;
-    paced = std::max(paced, due - most);
+    const qint64 leftOut = std::max<qint64>(0, due - most - paced);
+    lostPackets += leftOut;
+    paced += leftOut;
     while (paced < due && controlled->isStreaming()) {
         ++paced;
         sendNextPacket();

@@ -62,7 +62,8 @@ public:
     int baudRate() const { return lineBaudRate; }
     /// Packets sent since the controller was made, those with faults included.
     qint64 packetsSent() const { return packetCount; }
-    /// Packets that were due while they could not be sent, and are lost.
+    /// Packets that were due while they could not be sent, or that a stall of the program left out.
+    /// Together with those sent they are all that were due, but for those of a pause.
     qint64 packetsLost() const { return lostPackets; }
 
 signals:

@@ -77,7 +77,8 @@ public:
     /// Stream packets sent so far, the ones that answer a start and the last ones included.
     qint64 packetsSent() const;
     /// Packets that were due while they could not be sent: the host did not read, or did not have
-    /// the serial port open, or open with the other flow control.
+    /// the serial port open, or open with the other flow control. What a stall of the machine left
+    /// out counts, too; what a pause left out does not.
     qint64 packetsLost() const;
     bool isStreaming() const;
     /// Packets per second of the running stream, 0 without one.

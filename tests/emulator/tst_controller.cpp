@@ -82,6 +82,8 @@ void TestController::stallIsCaughtUpOnlyInPart()
     ControllerOptions options;
     options.script = countingScript(10000);
     Controller controller(options, link, nullptr);
+    QElapsedTimer sinceStart;
+    sinceStart.start();
     controller.receive(startAt(1000));
     QTRY_VERIFY(link.writes.size() >= 5);
 
@@ -94,6 +96,11 @@ void TestController::stallIsCaughtUpOnlyInPart()
     const int late = link.writes.size() - written;
     QVERIFY2(late >= 501 && late < 1200, qPrintable(QString::number(late)));
     QCOMPARE(wordAt(link.writes.last(), 4), link.writes.size());
+    // Nothing is forgotten: what was due, at one packet per millisecond, was sent or counted.
+    QCOMPARE(controller.packetsSent(), qint64(link.writes.size()));
+    const qint64 accounted = controller.packetsSent() + controller.packetsLost();
+    QVERIFY2(accounted >= written + qint64(stallMs), qPrintable(QString::number(accounted)));
+    QVERIFY2(accounted <= sinceStart.elapsed() + 2, qPrintable(QString::number(accounted)));
 }
 
 void TestController::refusalIsTold()
