@@ -143,6 +143,7 @@ void GenericPlot::setRange(double max, double min)
     // The mid-lines of earlier ranges stay on the plot on purpose.
     drawCrossHairs();
     zoomer->setZoomBase(true);
+    emit rangeChanged();
 }
 
 QwtPlotCanvas& GenericPlot::plotCanvas()

@@ -44,6 +44,10 @@ public slots:
     /// it. Earlier mid-lines stay.
     void setRange(double max, double min);
 
+signals:
+    /// All axes have a new range, and scales for it.
+    void rangeChanged();
+
 private:
     void attachGrid();
     void applyRange();

@@ -19,6 +19,7 @@
 #include <QSpinBox>
 #include <QUrl>
 #include <qwt_scale_draw.h>
+#include <qwt_scale_widget.h>
 
 namespace {
 
@@ -54,6 +55,14 @@ void dressTimePlot(GenericPlot& plot, const char* background, QwtPlot::Axis time
     plot.axisScaleDraw(QwtPlot::yLeft)->setMinimumExtent(leftAxisExtentPx);
 }
 
+/// Room that a pointing plot needs for the scale of an axis. Those of the far sides keep the full
+/// range while the plot is zoomed, so that their room is the same then.
+int scaleThickness(const GenericPlot& plot, QwtPlot::Axis axis)
+{
+    const QwtScaleWidget& scale = *plot.axisWidget(axis);
+    return scale.dimForLength(QWIDGETSIZE_MAX, scale.font());
+}
+
 } // namespace
 
 void MainWindow::makeOsciPlots()
@@ -67,6 +76,7 @@ void MainWindow::makeOsciPlots()
         stage.osciPlot->drawCrossHairs();
         stage.osciPlot->setSymbolSize(pointingDotSize);
         layouts[i]->addWidget(stage.osciPlot);
+        connect(stage.osciPlot, &GenericPlot::rangeChanged, this, &MainWindow::resizeGraphs);
         stage.timeWindowMs = timeAxisMaxS * msPerS;
     }
     ui->rescaler->installEventFilter(this);
@@ -201,10 +211,17 @@ void MainWindow::resizeEvent(QResizeEvent* event)
 
 void MainWindow::resizeGraphs()
 {
+    // The stage with the shorter numbers gets the room of the longer ones, and so the same canvas.
+    int numbersWidth = 0;
+    for (const StageView& stage : stages)
+        numbersWidth = qMax(numbersWidth, scaleThickness(*stage.osciPlot, QwtPlot::yRight));
+    for (const StageView& stage : stages) {
+        const int missing = numbersWidth - scaleThickness(*stage.osciPlot, QwtPlot::yRight);
+        stage.osciPlot->setContentsMargins(missing, 0, missing, 0);
+    }
     // Numbers beside the canvas are wider than those above it are high.
-    const GenericPlot& plot = *stages[0].osciPlot;
-    const QSize margins = plot.size() - plot.canvas()->size();
-    const int extraWidth = qMax(0, margins.width() - margins.height());
+    const int numbersHeight = scaleThickness(*stages[0].osciPlot, QwtPlot::xTop);
+    const int extraWidth = 2 * (numbersWidth - numbersHeight);
 
     const int widest = int(ui->scrollArea->viewport()->width() * maxOsciShare);
     const int smallest = ui->rescaler->minimumHeight();

@@ -1,5 +1,6 @@
 // The plots as the frame presents them: ranges, zoom, layout and what a click on an axis does.
 
+#include "model/detector.h"
 #include "plots/genericplot.h"
 #include "support/samplefeed.h"
 #include "support/userinput.h"
@@ -88,6 +89,36 @@ QPair<int, int> column(const WindowFixture& fixture, const char* name)
     return {widget->mapTo(contents, QPoint(0, 0)).x(), widget->width()};
 }
 
+/// What is wrong with the pointing plots' shape, or nothing: each canvas is square, and those of
+/// both stages stand above each other in columns of one width.
+QString misshapen(const WindowFixture& fixture)
+{
+    QStringList places;
+    for (int stage = 1; stage <= 2; ++stage) {
+        const QWidget& canvas = *fixture.pointingPlot(stage).canvas();
+        const int left = canvas.mapTo(&fixture.window(), QPoint(0, 0)).x();
+        places.append(QStringLiteral("at %1, %2 wide").arg(left).arg(canvas.width()));
+        constexpr int roundingPx = 1;
+        if (qAbs(canvas.width() - canvas.height()) > roundingPx)
+            return QStringLiteral("%1 x %2").arg(canvas.width()).arg(canvas.height());
+    }
+    if (places[0] != places[1])
+        return places.join(" over ");
+    const bool sameColumns = column(fixture, "rescaler") == column(fixture, "rescaler_2")
+                             && column(fixture, "osciPlot1") == column(fixture, "osciPlot2");
+    return sameColumns ? QString() : QStringLiteral("columns differ");
+}
+
+/// A system with quadrants whose stages show lengths over that beam diameter, or volts for 0.
+ConnectionSettings quadrants(const WindowFixture& fixture, double diameter1Um, double diameter2Um)
+{
+    ConnectionSettings record = fixture.record();
+    record.model = {QuadrantDetector, QuadrantDetector};
+    record.calculation = {diameter1Um > 0.0 ? 1 : 0, diameter2Um > 0.0 ? 1 : 0};
+    record.beamDiameter = {diameter1Um, diameter2Um};
+    return record;
+}
+
 /// Names of pairs of visible siblings that cover each other, anywhere below the parent.
 QStringList overlaps(const QWidget& parent)
 {
@@ -155,6 +186,10 @@ private slots:
     void namesAtTheAxesHaveTheColoursOfTheSystem();
     void pointingPlotsAreSquareAndColumnsEqual_data();
     void pointingPlotsAreSquareAndColumnsEqual();
+    void pointingPlotsStaySquareInAnyUnit_data();
+    void pointingPlotsStaySquareInAnyUnit();
+    void pointingPlotsResizedWhileZoomedAreSquareAgain_data();
+    void pointingPlotsResizedWhileZoomedAreSquareAgain();
     void nothingOverlaps_data();
     void nothingOverlaps();
     void theSmallestWindowScrolls();
@@ -455,13 +490,8 @@ void tst_FrameView::pointingPlotsAreSquareAndColumnsEqual()
         QVERIFY(fixture->registerSystem(number));
     QVERIFY(resizeTo(*fixture, size));
 
-    for (int stage = 1; stage <= 2; ++stage) {
-        const QSize canvas = fixture->pointingPlot(stage).canvas()->size();
-        QVERIFY2(qAbs(canvas.width() - canvas.height()) <= 4,
-                 qPrintable(QString("%1 x %2").arg(canvas.width()).arg(canvas.height())));
-        QVERIFY(canvas.width() > 50);
-    }
-    QCOMPARE(column(*fixture, "osciPlot2"), column(*fixture, "osciPlot1"));
+    QTRY_COMPARE(misshapen(*fixture), QString());
+    QVERIFY(fixture->pointingPlot(1).canvas()->width() > 50);
     QCOMPARE(column(*fixture, "positionPlot2"), column(*fixture, "positionPlot1"));
     QCOMPARE(column(*fixture, "intensityPlot2"), column(*fixture, "intensityPlot1"));
     QCOMPARE(column(*fixture, "intensityPlot1"), column(*fixture, "positionPlot1"));
@@ -475,6 +505,56 @@ void tst_FrameView::pointingPlotsAreSquareAndColumnsEqual()
     };
     for (int stage = 1; stage <= 2; ++stage)
         QCOMPARE(left(fixture->intensityPlot(stage)), left(fixture->positionPlot(stage)));
+}
+
+void tst_FrameView::pointingPlotsStaySquareInAnyUnit_data()
+{
+    QTest::addColumn<double>("diameter1Um");
+    QTest::addColumn<double>("diameter2Um");
+    QTest::newRow("short numbers") << 50.0 << 50.0;
+    QTest::newRow("long numbers") << 10000.0 << 10000.0;
+    QTest::newRow("stage 1 has longer ones") << 10000.0 << 0.0;
+    QTest::newRow("stage 2 has longer ones") << 0.0 << 10000.0;
+}
+
+void tst_FrameView::pointingPlotsStaySquareInAnyUnit()
+{
+    QFETCH(double, diameter1Um);
+    QFETCH(double, diameter2Um);
+    QTRY_COMPARE(misshapen(*fixture), QString());
+    QVERIFY(fixture->registerSystem(quadrants(*fixture, diameter1Um, diameter2Um), 0));
+    fixture->tick();
+    const double reach1 = diameter1Um > 0.0 ? diameter1Um / 2.0 : 5.0;
+    QCOMPARE(fixture->pointingPlot(1).maxRange(), reach1);
+    QTRY_COMPARE(misshapen(*fixture), QString());
+
+    // And back to volts.
+    fixture->window().closedConnection(fixture->controller().address());
+    QVERIFY(fixture->registerSystem(0));
+    fixture->tick();
+    QCOMPARE(fixture->pointingPlot(1).maxRange(), 5.0);
+    QTRY_COMPARE(misshapen(*fixture), QString());
+}
+
+void tst_FrameView::pointingPlotsResizedWhileZoomedAreSquareAgain_data()
+{
+    QTest::addColumn<QVector<int>>("zoomedStages");
+    QTest::newRow("stage 1") << QVector<int>{1};
+    QTest::newRow("stage 2") << QVector<int>{2};
+    QTest::newRow("both") << QVector<int>{1, 2};
+}
+
+void tst_FrameView::pointingPlotsResizedWhileZoomedAreSquareAgain()
+{
+    QFETCH(QVector<int>, zoomedStages);
+    for (const int stage : zoomedStages) {
+        drag(fixture->pointingPlot(stage));
+        QTRY_VERIFY(!fixture->pointingPlot(stage).axisEnabled(QwtPlot::yRight));
+    }
+    QVERIFY(resizeTo(*fixture, QSize(1900, 1000)));
+    for (const int stage : zoomedStages)
+        QVERIFY(fixture->click(stage == 1 ? "pushButton_Zoom1" : "pushButton_Zoom2"));
+    QTRY_COMPARE(misshapen(*fixture), QString());
 }
 
 void tst_FrameView::nothingOverlaps_data()
