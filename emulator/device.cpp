@@ -199,10 +199,8 @@ void Device::moveBeam()
 void Device::restart()
 {
     endStream();
-    for (StageModel& model : models) {
-        model.setOn(false);
-        model.clearHold();
-    }
+    for (StageModel& model : models)
+        model.restart();
 }
 
 QByteArray Device::id() const

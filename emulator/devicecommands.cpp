@@ -30,16 +30,20 @@ int baudRateOf(int code)
     }
 }
 
+bool namesStages(char stageByte)
+{
+    return stageByte >= 1 && stageByte <= bothStages;
+}
+
 } // namespace
 
 template <typename Change>
 QByteArray Device::changeStages(char stageByte, Change change)
 {
-    const int wanted = static_cast<quint8>(stageByte);
-    if (wanted < 1 || wanted > bothStages)
+    if (!namesStages(stageByte))
         return refused(RefusalCode::NoSuchStage);
     for (std::size_t i = 0; i < models.size(); ++i) {
-        if (wanted == bothStages || wanted == static_cast<int>(i) + 1)
+        if (stageByte == bothStages || stageByte == static_cast<int>(i) + 1)
             change(i);
     }
     return acceptance();
@@ -155,6 +159,9 @@ QByteArray Device::clearFreeze(const QByteArray& arguments)
 
 QByteArray Device::setPFactor(const QByteArray& arguments)
 {
+    // A stage that does not exist is told before what else is wrong.
+    if (!namesStages(arguments[0]))
+        return refused(RefusalCode::NoSuchStage);
     const int millivolts = signedWordAt(arguments, 1);
     if (millivolts < 0 || millivolts > greatestPFactorMv)
         return refused(RefusalCode::ValueOutOfRange);
@@ -169,6 +176,8 @@ QByteArray Device::tellPFactor(const QByteArray& arguments)
 
 QByteArray Device::setAdjustIn(const QByteArray& arguments)
 {
+    if (!namesStages(arguments[0]))
+        return refused(RefusalCode::NoSuchStage);
     const std::optional<StageModel::Axis> axis = axisOf(arguments[1]);
     if (!axis)
         return refusal();
@@ -192,6 +201,8 @@ QByteArray Device::setSensitivity(const QByteArray& arguments)
 {
     if (!hasSensitivity())
         return refused(RefusalCode::NotSupported);
+    if (!namesStages(arguments[0]))
+        return refused(RefusalCode::NoSuchStage);
     const int millivolts = signedWordAt(arguments, 1);
     if (millivolts < 0 || millivolts > greatestSensitivityMv)
         return refused(RefusalCode::ValueOutOfRange);
@@ -208,6 +219,8 @@ QByteArray Device::tellSensitivity(const QByteArray& arguments)
 
 QByteArray Device::driveActuator(const QByteArray& arguments)
 {
+    if (!namesStages(arguments[0]))
+        return refused(RefusalCode::NoSuchStage);
     const std::optional<StageModel::Axis> axis = axisOf(arguments[1]);
     if (!axis)
         return refusal();

@@ -75,6 +75,14 @@ void StageModel::advance(int steps)
         step();
 }
 
+void StageModel::restart()
+{
+    on = false;
+    held = false;
+    for (AxisState& state : axisStates)
+        state.loop.park(0.0);
+}
+
 void StageModel::setOn(bool switchOn)
 {
     if (on == switchOn)

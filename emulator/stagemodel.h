@@ -30,6 +30,9 @@ public:
 
     void advance(int steps);
 
+    /// As after a power cut: off, nothing held, the actuators in their middle; settings are kept.
+    void restart();
+
     void setOn(bool on);
     bool isOn() const { return on; }
     /// On, every actuator within its travel, and enough light.

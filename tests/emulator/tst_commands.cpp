@@ -170,6 +170,17 @@ void TestCommands::stageThatDoesNotExistIsRefusedAndNamed_data()
     QTest::newRow("axis X in upper case") << QByteArray("GAI" + hex("01 58 3b")) << noSuchAxis;
     QTest::newRow("drive axis 0") << QByteArray("SDA" + hex("01 00 0064 3b")) << noSuchAxis;
     QTest::newRow("adjust stage 7") << QByteArray("SAI" + hex("07 78 0064 3b")) << noSuchStage;
+    QTest::newRow("stage before axis") << QByteArray("SAI" + hex("07 7a 0064 3b")) << noSuchStage;
+    QTest::newRow("stage before adjust-in")
+        << QByteArray("SAI" + hex("00 78 1389 3b")) << noSuchStage;
+    QTest::newRow("stage before P-factor") << QByteArray("SPF" + hex("04 ffff 3b")) << noSuchStage;
+    QTest::newRow("stage before sensitivity")
+        << QByteArray("SDS" + hex("04 1389 3b")) << noSuchStage;
+    QTest::newRow("stage before driven axis")
+        << QByteArray("SDA" + hex("ff 7a 0064 3b")) << noSuchStage;
+    QTest::newRow("stage before drive") << QByteArray("SDA" + hex("04 78 ec77 3b")) << noSuchStage;
+    QTest::newRow("axis before adjust-in")
+        << QByteArray("SAI" + hex("01 7a 1389 3b")) << noSuchAxis;
 }
 
 void TestCommands::stageThatDoesNotExistIsRefusedAndNamed()

@@ -1,0 +1,246 @@
+#include "emulator/device.h"
+#include "wiretools.h"
+
+#include <QtTest>
+
+using namespace emulator;
+using namespace wiretools;
+
+namespace {
+
+/// Every value differs from the others in both bytes.
+PacketValues distinctValues()
+{
+    PacketValues values;
+    values.x1 = 0x0102;
+    values.y1 = -1000;
+    values.i1 = 4000;
+    values.x2 = 0x0304;
+    values.y2 = -2;
+    values.i2 = 3500;
+    values.rx1 = 0x1112;
+    values.ry1 = 0x1314;
+    values.rx2 = 0x1516;
+    values.ry2 = 0x1719;
+    return values;
+}
+
+Device deviceOf(const ControllerOptions& options)
+{
+    return Device(options, "KEY");
+}
+
+/// A controller whose beam hardly moves.
+Device quietDevice()
+{
+    ControllerOptions options;
+    options.preset = Preset::Quiet;
+    return deviceOf(options);
+}
+
+QByteArray answerTo(Device& device, const QByteArray& command)
+{
+    return device.execute(parseCommand(command).command).reply;
+}
+
+/// Words of the replies to GCA and GDA.
+enum Place { X1, Y1, X2, Y2 };
+
+int told(Device& device, const QByteArray& command, int place = 0)
+{
+    constexpr int bytesOfStatus = 2;
+    constexpr int bytesOfWord = 2;
+    return wordAt(answerTo(device, command), bytesOfStatus + bytesOfWord * place);
+}
+
+/// Each command takes the beam on by a hundredth of a second.
+void settle(Device& device)
+{
+    for (int i = 0; i < 20; ++i)
+        answerTo(device, "GSF;");
+}
+
+bool isNear(int value, int expected)
+{
+    // More than the quiet beam moves in a second, less than any step of these tests.
+    constexpr int tremblingMv = 150;
+    return std::abs(value - expected) < tremblingMv;
+}
+
+const QByteArray stageOneOn = "SEA" + hex("01 3b");
+const QByteArray driveX1To2500 = "SDA" + hex("01 78 09c4 3b");
+
+} // namespace
+
+class TestAnswers final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void sampleIsToldInItsOrder_data();
+    void sampleIsToldInItsOrder();
+    void driveMovesTheNamedActuator_data();
+    void driveMovesTheNamedActuator();
+    void driveMovesTheBeam();
+    void sensitivityScalesTheNamedStage();
+    void holdKeepsTheNamedStageWhereItIs_data();
+    void holdKeepsTheNamedStageWhereItIs();
+    void clearedHoldLetsTheBeamGoBack();
+    void restartLeavesNothingDrivenOrHeld();
+};
+
+void TestAnswers::sampleIsToldInItsOrder_data()
+{
+    QTest::addColumn<QByteArray>("command");
+    QTest::addColumn<QByteArray>("reply");
+
+    QTest::newRow("positions") << QByteArray("GCA;") << hex("00 3b 0102 fc18 0304 fffe 3b");
+    QTest::newRow("actuators") << QByteArray("GDA;") << hex("00 3b 1112 1314 1516 1719 3b");
+    QTest::newRow("intensity of stage 1")
+        << QByteArray("GIN" + hex("01 3b")) << hex("00 3b 0fa0 3b");
+    QTest::newRow("intensity of stage 2")
+        << QByteArray("GIN" + hex("02 3b")) << hex("00 3b 0dac 3b");
+    QTest::newRow("all of it") << QByteArray("S1S;")
+                               << hex("00 3b 00 00 0102 fc18 0fa0 0304 fffe 0dac"
+                                      "1112 1314 1516 1719 3b");
+}
+
+void TestAnswers::sampleIsToldInItsOrder()
+{
+    QFETCH(QByteArray, command);
+    QFETCH(QByteArray, reply);
+    ControllerOptions options;
+    options.script = {distinctValues()};
+    Device device = deviceOf(options);
+
+    QCOMPARE(answerTo(device, command), reply);
+}
+
+void TestAnswers::driveMovesTheNamedActuator_data()
+{
+    QTest::addColumn<QByteArray>("arguments");
+    QTest::addColumn<QByteArray>("actuators");
+
+    QTest::newRow("stage 1, x") << hex("01 78 09c4 3b") << hex("00 3b 1d4c 1388 1388 1388 3b");
+    QTest::newRow("stage 1, y") << hex("01 79 09c4 3b") << hex("00 3b 1388 1d4c 1388 1388 3b");
+    QTest::newRow("stage 2, x") << hex("02 78 fc18 3b") << hex("00 3b 1388 1388 0fa0 1388 3b");
+    QTest::newRow("stage 2, y, to the end")
+        << hex("02 79 1388 3b") << hex("00 3b 1388 1388 1388 2710 3b");
+    QTest::newRow("both, y, to the other end")
+        << hex("03 79 ec78 3b") << hex("00 3b 1388 0000 1388 0000 3b");
+}
+
+void TestAnswers::driveMovesTheNamedActuator()
+{
+    QFETCH(QByteArray, arguments);
+    QFETCH(QByteArray, actuators);
+    Device device = quietDevice();
+    QCOMPARE(answerTo(device, "GDA;"), hex("00 3b 1388 1388 1388 1388 3b"));
+
+    QCOMPARE(answerTo(device, "SDA" + arguments), accepted());
+
+    QCOMPARE(answerTo(device, "GDA;"), actuators);
+}
+
+void TestAnswers::driveMovesTheBeam()
+{
+    Device device = quietDevice();
+    const int x1 = told(device, "GCA;", X1);
+    const int y1 = told(device, "GCA;", Y1);
+
+    answerTo(device, driveX1To2500);
+    settle(device);
+
+    // 5 V of the actuator are 4 V of the detector.
+    QVERIFY(isNear(told(device, "GCA;", X1), x1 + 2000));
+    QVERIFY(isNear(told(device, "GCA;", Y1), y1));
+}
+
+void TestAnswers::sensitivityScalesTheNamedStage()
+{
+    Device device = quietDevice();
+    answerTo(device, "SDA" + hex("03 78 04e2 3b"));
+    settle(device);
+    const int x1 = told(device, "GCA;", X1);
+    const int x2 = told(device, "GCA;", X2);
+    const int i1 = told(device, "GIN" + hex("01 3b"));
+    const int i2 = told(device, "GIN" + hex("02 3b"));
+
+    QCOMPARE(answerTo(device, "SDS" + hex("02 07d0 3b")), accepted());
+    settle(device);
+
+    QVERIFY(isNear(told(device, "GCA;", X1), x1));
+    QVERIFY(isNear(told(device, "GCA;", X2), 2 * x2));
+    QVERIFY(isNear(told(device, "GIN" + hex("01 3b")), i1));
+    QVERIFY(isNear(told(device, "GIN" + hex("02 3b")), 2 * i2));
+}
+
+void TestAnswers::holdKeepsTheNamedStageWhereItIs_data()
+{
+    QTest::addColumn<QByteArray>("hold");
+    QTest::addColumn<bool>("holdsFirst");
+    QTest::addColumn<bool>("holdsSecond");
+
+    QTest::newRow("stage 1") << QByteArray("SSH" + hex("01 3b")) << true << false;
+    QTest::newRow("stage 2") << QByteArray("SSH" + hex("02 3b")) << false << true;
+    QTest::newRow("both") << QByteArray("SSH" + hex("03 3b")) << true << true;
+}
+
+void TestAnswers::holdKeepsTheNamedStageWhereItIs()
+{
+    QFETCH(QByteArray, hold);
+    QFETCH(bool, holdsFirst);
+    QFETCH(bool, holdsSecond);
+    Device device = quietDevice();
+    answerTo(device, "SDA" + hex("03 78 04e2 3b"));
+    settle(device);
+    const int x1 = told(device, "GCA;", X1);
+    const int x2 = told(device, "GCA;", X2);
+
+    QCOMPARE(answerTo(device, hold), accepted());
+    answerTo(device, "SEA" + hex("03 3b"));
+    settle(device);
+
+    QVERIFY(isNear(told(device, "GCA;", X1), holdsFirst ? x1 : 0));
+    QVERIFY(isNear(told(device, "GCA;", X2), holdsSecond ? x2 : 0));
+}
+
+void TestAnswers::clearedHoldLetsTheBeamGoBack()
+{
+    Device device = quietDevice();
+    answerTo(device, driveX1To2500);
+    settle(device);
+    answerTo(device, "SSH" + hex("01 3b"));
+    answerTo(device, stageOneOn);
+    settle(device);
+    QVERIFY(told(device, "GCA;", X1) > 1500);
+
+    QCOMPARE(answerTo(device, "CSH" + hex("02 3b")), accepted());
+    settle(device);
+    QVERIFY(told(device, "GCA;", X1) > 1500);
+    QCOMPARE(answerTo(device, "CSH" + hex("01 3b")), accepted());
+    settle(device);
+
+    QVERIFY(isNear(told(device, "GCA;", X1), 0));
+}
+
+void TestAnswers::restartLeavesNothingDrivenOrHeld()
+{
+    Device device = quietDevice();
+    const int x1 = told(device, "GCA;", X1);
+    answerTo(device, driveX1To2500);
+    settle(device);
+    answerTo(device, "SSH" + hex("01 3b"));
+
+    device.restart();
+
+    QCOMPARE(answerTo(device, "GDA;"), hex("00 3b 1388 1388 1388 1388 3b"));
+    settle(device);
+    QVERIFY(isNear(told(device, "GCA;", X1), x1));
+    answerTo(device, stageOneOn);
+    settle(device);
+    QVERIFY(isNear(told(device, "GCA;", X1), 0));
+}
+
+QTEST_GUILESS_MAIN(TestAnswers)
+#include "tst_answers.moc"
