@@ -8,7 +8,7 @@ namespace {
 
 constexpr int makerLength = 3;
 constexpr char keyPadding = '0';
-constexpr char tailPadding = '.';
+constexpr char tailPadding = ' ';
 
 } // namespace
 

@@ -27,6 +27,7 @@ private slots:
     void keyStandsAtItsPlaceWhateverTheKind_data();
     void keyStandsAtItsPlaceWhateverTheKind();
     void makerIsThreeLetters();
+    void idIsWrittenAsPeopleReadIt();
     void derivedKeyRepeats();
 };
 
@@ -206,6 +207,12 @@ void TestProtocol::makerIsThreeLetters()
 
     QVERIFY(idText(options, "K").startsWith("Oth-"));
     QCOMPARE(idText(options, "K").mid(14, 11), QByteArray("K0000000000"));
+}
+
+void TestProtocol::idIsWrittenAsPeopleReadIt()
+{
+    QCOMPARE(idText({}, "K1234567890"),
+             QByteArray("Zev-Qor-N-DIG:K1234567890-V40-Emulator").leftJustified(47, ' '));
 }
 
 void TestProtocol::derivedKeyRepeats()
