@@ -15,6 +15,11 @@ constexpr double diameterToErfScale = 0.35355339059327373;
 
 } // namespace
 
+bool isDetectorType(int typeCode)
+{
+    return typeCode >= SelectDetector && typeCode <= UvPsd10Detector;
+}
+
 bool isQuadrantType(int typeCode)
 {
     return (typeCode & ~2) == QuadrantDetector;

@@ -15,6 +15,8 @@ enum DetectorType : int {
     UvPsd10Detector = 5,
 };
 
+/// True for 0 to 5.
+bool isDetectorType(int typeCode);
 /// True for the detectors whose length scale is the beam diameter.
 bool isQuadrantType(int typeCode);
 /// True for the position sensitive detectors.
@@ -62,7 +64,8 @@ protected:
     bool showsLength() const { return calculation != 0; }
 };
 
-/// Lateral-effect detector. The limits are those of the widest one, whatever the scale.
+/// Lateral-effect detector. All kinds have the same limits in length, also the one whose full
+/// signal means far less: on purpose they do not follow from the scale.
 class PSD : public Detector
 {
 public:

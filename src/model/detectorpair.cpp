@@ -1,6 +1,33 @@
 #include "model/detectorpair.h"
 
+#include "app/logging.h"
 #include "model/connectionsettings.h"
+
+#include <cmath>
+
+namespace {
+
+int knownType(const ConnectionSettings& settings, std::size_t stage)
+{
+    const int code = settings.model[stage];
+    if (isDetectorType(code))
+        return code;
+    logMessage().warning() << "Unknown detector type" << code << "of stage" << int(stage) + 1
+                           << "of" << qPrintable(settings.label.text());
+    return SelectDetector;
+}
+
+double usableDiameterUm(const ConnectionSettings& settings, std::size_t stage)
+{
+    const double diameterUm = settings.beamDiameter[stage];
+    if (std::isfinite(diameterUm) && diameterUm > 0.0)
+        return diameterUm;
+    logMessage().warning() << "Impossible beam diameter" << diameterUm << "of stage"
+                           << int(stage) + 1 << "of" << qPrintable(settings.label.text());
+    return Detector::defaultBeamDiameterUm;
+}
+
+} // namespace
 
 DetectorPair::DetectorPair()
     : detectors{std::make_unique<Detector>(), std::make_unique<Detector>()}
@@ -14,9 +41,9 @@ DetectorPair::DetectorPair(int type1, int calculation1, int type2, int calculati
 {}
 
 DetectorPair::DetectorPair(const ConnectionSettings& settings)
-    : DetectorPair(settings.model[0], settings.calculation[0], settings.model[1],
-                   settings.calculation[1], settings.pulsedLaser ? 1 : 0, settings.beamDiameter[0],
-                   settings.beamDiameter[1])
+    : DetectorPair(knownType(settings, 0), settings.calculation[0], knownType(settings, 1),
+                   settings.calculation[1], settings.pulsedLaser ? 1 : 0,
+                   usableDiameterUm(settings, 0), usableDiameterUm(settings, 1))
 {}
 
 DetectorPair::DetectorPair(const DetectorPair& other)

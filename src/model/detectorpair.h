@@ -14,6 +14,8 @@ public:
     DetectorPair();
     DetectorPair(int type1, int calculation1, int type2, int calculation2, int pulsedLaser,
                  double beamDiameter1Um, double beamDiameter2Um);
+    /// Records come from a file that anybody may edit: a type code outside 0 to 5 gives a plain
+    /// detector, a beam diameter that is no positive number the default; the log tells.
     explicit DetectorPair(const ConnectionSettings& settings);
     DetectorPair(const DetectorPair& other);
     DetectorPair& operator=(const DetectorPair& other);

@@ -270,7 +270,7 @@ void MainWindow::showUnit(StageView& stage, const UnitChoice& choice)
     const QString unit = choice.unit();
     const QString text = QStringLiteral(" [") + unit + QLatin1Char(']');
     const bool sameText = stage.unitLabel->text() == text;
-    if (sameText && qFuzzyCompare(stage.positionMax, choice.maxPosition()))
+    if (sameText && stage.positionMax == choice.maxPosition())
         return;
     if (!sameText && choice.unitsAgree && displayedConnections.isEmpty())
         return;

@@ -108,6 +108,10 @@ private slots:
     void aNewUnitEmptiesTheCurvesOfItsStage();
     void anEqualUnitKeepsThem();
     void aNewUnitClearsTheStatisticsInPointingMode();
+    void aRecordOfUnknownDetectorsIsShownInVolts_data();
+    void aRecordOfUnknownDetectorsIsShownInVolts();
+    void aRecordWithoutADiameterIsDrawnOnce_data();
+    void aRecordWithoutADiameterIsDrawnOnce();
     void withNothingDisplayedTheLabelsStay();
     void aSignalBeyondTheIntensityIsNoNumberAndNoHarm();
 };
@@ -285,6 +289,48 @@ void tst_TickUnits::aNewUnitClearsTheStatisticsInPointingMode()
     QVERIFY(fixture.click("checkBox_Stats1"));
     fixture.tick();
     QCOMPARE(fixture.statisticsText(1), QString("\nx=\ny=\n#samples= 0\nRMS="));
+}
+
+void tst_TickUnits::aRecordOfUnknownDetectorsIsShownInVolts_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::newRow("behind the last") << 6;
+    QTest::newRow("before the first") << -1;
+}
+
+void tst_TickUnits::aRecordOfUnknownDetectorsIsShownInVolts()
+{
+    QFETCH(int, type);
+    WindowFixture fixture(1);
+    QVERIFY(fixture.open());
+    QVERIFY(registerWith(fixture, 0, {type, 1}, psdInMm));
+    fixture.tick();
+    QCOMPARE(labelsOf(fixture, 1), labelsIn("V"));
+    QCOMPARE(rangeOf(fixture, 1), 5.0);
+    QCOMPARE(labelsOf(fixture, 2), labelsIn("mm"));
+}
+
+void tst_TickUnits::aRecordWithoutADiameterIsDrawnOnce_data()
+{
+    QTest::addColumn<double>("diameterUm");
+    QTest::newRow("not a number") << double(NAN);
+    QTest::newRow("infinite") << double(INFINITY);
+    QTest::newRow("missing") << 0.0;
+}
+
+void tst_TickUnits::aRecordWithoutADiameterIsDrawnOnce()
+{
+    QFETCH(double, diameterUm);
+    WindowFixture fixture(1);
+    QVERIFY(fixture.open());
+    QVERIFY(registerWith(fixture, 0, {QuadrantDetector, 1, diameterUm}, psdInMm));
+    fixture.tick();
+    QCOMPARE(rangeOf(fixture, 1), 25.0);
+    // A new range brings its mid-lines, and they stay.
+    const int items = fixture.pointingPlot(1).itemList().size();
+    fixture.tick();
+    fixture.tick();
+    QCOMPARE(fixture.pointingPlot(1).itemList().size(), items);
 }
 
 void tst_TickUnits::withNothingDisplayedTheLabelsStay()
