@@ -279,11 +279,24 @@ void Connection::saveReply()
     watchInput();
 }
 
+bool Connection::isWaitOver() const
+{
+    return !portOpen_ || deadline.hasExpired();
+}
+
 bool Connection::awaitBytes(qint64 count)
 {
-    while (device_->bytesAvailable() < count && portOpen_ && !deadline.hasExpired())
+    while (device_->bytesAvailable() < count && !isWaitOver())
         takeEventsFor1Ms();
     return device_->bytesAvailable() >= count;
+}
+
+bool Connection::awaitAnswer()
+{
+    // A stray byte has led here, too: the command that gets through meanwhile sets the length.
+    while (device_->bytesAvailable() < answerLength_ && !isWaitOver())
+        takeEventsFor1Ms();
+    return device_->bytesAvailable() >= answerLength_;
 }
 
 /// A port that was lost meanwhile is closed and has nothing.
@@ -296,7 +309,7 @@ void Connection::receiveReply()
 {
     clearReply();
     deadline.setRemainingTime(timeoutMs_);
-    const bool whole = awaitBytes(answerLength_);
+    const bool whole = awaitAnswer();
 
     QByteArray bytes;
     if (whole) {
@@ -417,7 +430,7 @@ void Connection::finishStreamWithoutEndMark()
 {
     deadline.setRemainingTime(static_cast<qint64>(stopTimeoutFactor * timeoutMs_));
     logMessage().debug() << "Saving reply";
-    while (portOpen_ && !deadline.hasExpired())
+    while (!isWaitOver())
         takeEventsFor1Ms();
     logMessage().debug() << "Finished saving reply";
 

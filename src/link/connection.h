@@ -200,6 +200,9 @@ private:
     bool stopsWithoutEndMark() const;
     /// Takes events until at least `count` bytes wait or `deadline` is over.
     bool awaitBytes(qint64 count);
+    /// The same for the length of the answer to the latest command.
+    bool awaitAnswer();
+    bool isWaitOver() const;
     QByteArray takeRest();
 
     std::atomic<int> streaming_{0};

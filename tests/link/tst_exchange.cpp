@@ -14,6 +14,8 @@ using emulator::ControllerOptions;
 
 /// So long that a wait for it can not be taken for "at once".
 constexpr int longTimeoutMs = 20000;
+/// In which bytes that nobody asked for surely reach the connection's thread.
+constexpr int strayByteMs = 50;
 
 ControllerOptions withFaults(const emulator::Faults& faults)
 {
@@ -57,8 +59,11 @@ private slots:
     void lostLinkEndsTheWaitAtOnce();
     void everythingIsDroppedAfterASilentStreamStart();
     void stopIsSentOnceMoreIfNoReplyCame();
-    void everyWrapperSendsItsFrame_data();
-    void everyWrapperSendsItsFrame();
+    void strayByteBelongsToTheReplyOfTheNextCommand();
+    void strayByteDoesNotDelayAShorterReply();
+    void everyWrapperSendsItsFrameAndTakesItsReply_data();
+    void everyWrapperSendsItsFrameAndTakesItsReply();
+    void triggerFreezeAsksForMoreThanComes();
     void startFollowsFirmwareAndTriggerMode_data();
     void startFollowsFirmwareAndTriggerMode();
     void samplingRateIsOneTo500();
@@ -245,82 +250,132 @@ void TestExchange::stopIsSentOnceMoreIfNoReplyCame()
     QCOMPARE(link.controller.commands(), QByteArrayList({"CLS;", "CLS;"}));
 }
 
-void TestExchange::everyWrapperSendsItsFrame_data()
+void TestExchange::strayByteBelongsToTheReplyOfTheNextCommand()
+{
+    EmulatedLink link(withFaults(silence("GID")), longTimeoutMs);
+    QVERIFY(link.connect());
+    QCOMPARE(link.exchange(&Connection::sendShs).size(), 2);
+
+    link.controller.sendRaw("x");
+    QTest::qWait(strayByteMs);
+    link.client.getControllerId();
+    const QByteArray bytes = link.controller.idReply();
+    link.controller.sendRaw(bytes.left(20));
+    QTest::qWait(strayByteMs);
+    link.controller.sendRaw(bytes.mid(20));
+    QByteArray reply;
+    QVERIFY(link.client.fetchReply(reply));
+    QCOMPARE(reply, "x" + bytes.left(49));
+}
+
+void TestExchange::strayByteDoesNotDelayAShorterReply()
+{
+    EmulatedLink link({}, longTimeoutMs);
+    QVERIFY(link.connect());
+    QCOMPARE(link.exchange(&Connection::getStatusFlags).size(), 4);
+
+    link.controller.sendRaw("x");
+    QTest::qWait(strayByteMs);
+    QElapsedTimer time;
+    time.start();
+    QCOMPARE(link.exchange(&Connection::sendShs), QByteArray("x\0", 2));
+    QVERIFY(time.elapsed() < longTimeoutMs);
+}
+
+void TestExchange::everyWrapperSendsItsFrameAndTakesItsReply_data()
 {
     using Plain = void (Connection::*)();
     using WithArgument = void (Connection::*)(const QByteArray&);
     QTest::addColumn<std::function<void(Connection&)>>("send");
     QTest::addColumn<QByteArray>("frame");
+    QTest::addColumn<int>("answerLength");
 
-    const auto plain = [](const char* name, Plain command) {
-        QTest::newRow(name) << std::function<void(Connection&)>([command](Connection& c) {
-            (c.*command)();
-        }) << QByteArray(name) + ';';
+    const auto plain = [](const char* name, Plain command, int answerLength) {
+        QTest::newRow(name) << std::function<void(Connection&)>(
+            [command](Connection& c) { (c.*command)(); })
+                            << QByteArray(name) + ';' << answerLength;
     };
-    const auto withArgument = [](const char* name, WithArgument command,
-                                 const QByteArray& argument) {
-        QTest::newRow(name) << std::function<void(Connection&)>([command, argument](Connection& c) {
-            (c.*command)(argument);
-        }) << QByteArray(name) + argument;
+    const auto withArgument = [](const char* name, WithArgument command, const QByteArray& argument,
+                                 int answerLength) {
+        QTest::newRow(name) << std::function<void(Connection&)>(
+            [command, argument](Connection& c) { (c.*command)(argument); })
+                            << QByteArray(name) + argument << answerLength;
     };
 
-    plain("GID", &Connection::getControllerId);
-    plain("S1S", &Connection::triggerOneShot);
-    plain("CLS", &Connection::clearLiveStream);
-    plain("GSF", &Connection::getStatusFlags);
-    plain("GAS", &Connection::getActiveSignal);
-    plain("GCA", &Connection::getCommonAdjustment);
-    plain("GER", &Connection::getError);
-    plain("GDA", &Connection::sendGda);
-    plain("SHS", &Connection::sendShs);
-    plain("CHS", &Connection::sendChs);
-    plain("GMF", &Connection::sendGmf);
-    plain("GLA", &Connection::sendGla);
+    plain("GID", &Connection::getControllerId, 50);
+    plain("S1S", &Connection::triggerOneShot, 25);
+    plain("GSF", &Connection::getStatusFlags, 4);
+    plain("GAS", &Connection::getActiveSignal, 5);
+    plain("GCA", &Connection::getCommonAdjustment, 11);
+    plain("GER", &Connection::getError, 7);
+    plain("GDA", &Connection::sendGda, 11);
+    plain("SHS", &Connection::sendShs, 2);
+    plain("CHS", &Connection::sendChs, 2);
+    plain("GMF", &Connection::sendGmf, 4);
+    plain("GLA", &Connection::sendGla, 29);
 
     const QByteArray stage("\x01;");
-    withArgument("SLA", &Connection::storeLabel, QByteArray(25, 'n') + ';');
-    withArgument("SBR", &Connection::setControllerBaudRate, "\x09;");
-    withArgument("SLS", &Connection::startRatedStream, QByteArray("\0\0\x01\xf4;", 5));
-    withArgument("SGS", &Connection::startVmStream, QByteArray("\0\0\x01\xf4;", 5));
-    withArgument("SPS", &Connection::startPulsedStream, QByteArray("\0\0;", 3));
-    withArgument("GIN", &Connection::getIntensity, stage);
-    withArgument("SEA", &Connection::switchStabilisationOn, stage);
-    withArgument("CEA", &Connection::switchStabilisationOff, stage);
-    withArgument("SSH", &Connection::setAndHold, stage);
-    withArgument("CSH", &Connection::clearSetAndHold, stage);
-    withArgument("STF", &Connection::setTriggerFreeze, stage);
-    withArgument("CTF", &Connection::clearTriggerFreeze, stage);
-    withArgument("SPF", &Connection::setPFactor, "\x02\x05\xdc;");
-    withArgument("GPF", &Connection::getPFactor, stage);
-    withArgument("SAI", &Connection::setAdjustIn, "\x01y\xfc\x18;");
-    withArgument("GAI", &Connection::getAdjustIn, "\x01x;");
-    withArgument("SDS", &Connection::setDetectorSensitivity, "\x01\x05\xdc;");
-    withArgument("GDS", &Connection::getDetectorSensitivity, stage);
-    withArgument("SDA", &Connection::setDriveActuator, "\x01x\x05\xdc;");
-    withArgument("SMD", &Connection::switchMultiplexingOn, stage);
-    withArgument("CMD", &Connection::switchMultiplexingOff, stage);
-    withArgument("SSE", &Connection::setSubsystem, stage);
-    withArgument("RFR", &Connection::readFram, QByteArray("\0\0\xff;", 4));
+    withArgument("SLA", &Connection::storeLabel, QByteArray(25, 'n') + ';', 2);
+    withArgument("SBR", &Connection::setControllerBaudRate, "\x09;", 2);
+    withArgument("SLS", &Connection::startRatedStream, QByteArray("\0\0\x01\xf4;", 5), 25);
+    withArgument("SGS", &Connection::startVmStream, QByteArray("\0\0\x01\xf4;", 5), 25);
+    withArgument("SPS", &Connection::startPulsedStream, QByteArray("\0\0;", 3), 2);
+    withArgument("GIN", &Connection::getIntensity, stage, 5);
+    withArgument("SEA", &Connection::switchStabilisationOn, stage, 2);
+    withArgument("CEA", &Connection::switchStabilisationOff, stage, 2);
+    withArgument("SSH", &Connection::setAndHold, stage, 2);
+    withArgument("CSH", &Connection::clearSetAndHold, stage, 2);
+    withArgument("CTF", &Connection::clearTriggerFreeze, stage, 2);
+    withArgument("SPF", &Connection::setPFactor, "\x02\x05\xdc;", 2);
+    withArgument("GPF", &Connection::getPFactor, stage, 5);
+    withArgument("SAI", &Connection::setAdjustIn, "\x01y\xfc\x18;", 2);
+    withArgument("GAI", &Connection::getAdjustIn, "\x01x;", 5);
+    withArgument("SDS", &Connection::setDetectorSensitivity, "\x01\x05\xdc;", 2);
+    withArgument("GDS", &Connection::getDetectorSensitivity, stage, 5);
+    withArgument("SDA", &Connection::setDriveActuator, "\x01x\x05\xdc;", 2);
+    withArgument("SMD", &Connection::switchMultiplexingOn, stage, 2);
+    withArgument("CMD", &Connection::switchMultiplexingOff, stage, 2);
+    withArgument("SSE", &Connection::setSubsystem, stage, 2);
+    withArgument("RFR", &Connection::readFram, QByteArray("\0\0\xff;", 4), 258);
 
     QTest::newRow("unchanged") << std::function<void(Connection&)>([](Connection& c) {
-        c.sendUnchanged("GSF;");
-    }) << QByteArray("GSF;");
+        c.sendUnchanged("GID;");
+    }) << QByteArray("GID;") << 50;
 }
 
-void TestExchange::everyWrapperSendsItsFrame()
+void TestExchange::everyWrapperSendsItsFrameAndTakesItsReply()
 {
     QFETCH(std::function<void(Connection&)>, send);
     QFETCH(QByteArray, frame);
     ControllerOptions options;
     options.triggerCapable = true;
     options.vm = frame.startsWith("SGS");
-    EmulatedLink link(options);
+    EmulatedLink link(options, longTimeoutMs);
     QVERIFY(link.connect());
 
+    QElapsedTimer time;
+    time.start();
     send(link.client);
     QByteArray reply;
-    link.client.fetchReply(reply);
+    QVERIFY(link.client.fetchReply(reply));
     QCOMPARE(link.controller.commands(), QByteArrayList{frame});
+    // Asking for less leaves a rest behind, asking for more waits for what never comes.
+    QTEST(reply.size(), "answerLength");
+    QVERIFY(time.elapsed() < longTimeoutMs);
+}
+
+void TestExchange::triggerFreezeAsksForMoreThanComes()
+{
+    EmulatedLink link;
+    QVERIFY(link.connect());
+    QElapsedTimer time;
+    time.start();
+    link.client.setTriggerFreeze("\x01;");
+    QByteArray reply;
+    QVERIFY(link.client.fetchReply(reply));
+    QCOMPARE(link.controller.commands(), QByteArrayList{"STF\x01;"});
+    QCOMPARE(reply, QByteArray("\0;", 2));
+    QVERIFY(time.elapsed() >= EmulatedLink::shortTimeoutMs);
 }
 
 void TestExchange::startFollowsFirmwareAndTriggerMode_data()
