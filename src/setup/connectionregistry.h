@@ -15,6 +15,8 @@ class ConnectionRegistry
 public:
     virtual ~ConnectionRegistry() = default;
 
+    /// Whether everything is being ended. Who makes connections stops then.
+    virtual bool isLeaving() const = 0;
     /// Takes a connection, up or not, with its stored record. One that is not up has no running
     /// thread.
     virtual void newConnection(std::unique_ptr<Connection> connection,

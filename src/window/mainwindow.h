@@ -55,6 +55,7 @@ public:
     ~MainWindow() override;
 
     // The registry of live connections.
+    bool isLeaving() const override { return left; }
     void newConnection(std::unique_ptr<Connection> connection,
                        const ConnectionSettings& settings) override;
     bool updateSettingsAndParameters(QList<ConnectionSettings>& settings) override;

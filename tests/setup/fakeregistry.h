@@ -13,6 +13,8 @@
 class FakeRegistry final : public ConnectionRegistry
 {
 public:
+    bool isLeaving() const override { return leaving; }
+
     void newConnection(std::unique_ptr<Connection> connection,
                        const ConnectionSettings& settings) override
     {
@@ -66,6 +68,7 @@ public:
 
     /// Called with every new connection.
     std::function<void()> whenNew;
+    bool leaving = false;
     bool closes = true;
     bool reconnects = true;
     bool disconnects = true;
