@@ -16,8 +16,10 @@ namespace {
 
 constexpr QwtPlot::Axis axesInRangeOrder[] = {QwtPlot::xBottom, QwtPlot::yLeft, QwtPlot::xTop,
                                               QwtPlot::yRight};
+constexpr QwtPlot::Axis axesInFontOrder[] = {QwtPlot::xBottom, QwtPlot::xTop, QwtPlot::yLeft,
+                                             QwtPlot::yRight};
 
-}
+} // namespace
 
 GenericPlot::GenericPlot(QWidget* parent)
     : IncrementalPlot(parent)
@@ -33,7 +35,7 @@ GenericPlot::GenericPlot(QWidget* parent)
     applyRange();
     // With weight and style named, too, or the font of the plot would give them.
     const QFont axisFont(QStringLiteral("Sans Serif"), 8, QFont::Normal, false);
-    for (int axis : axesInRangeOrder)
+    for (int axis : axesInFontOrder)
         setAxisFont(axis, axisFont);
     replot();
 

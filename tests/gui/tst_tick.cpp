@@ -4,6 +4,7 @@
 #include "model/detector.h"
 #include "plots/counter.h"
 #include "plots/genericplot.h"
+#include "support/replotcounter.h"
 #include "support/samplefeed.h"
 #include "support/widgetcheck.h"
 #include "support/windowfixture.h"
@@ -61,22 +62,6 @@ bool decimateByTen(const WindowFixture& fixture, int rateHz)
     fixture.window().rescaleTimeAxis(3, 0, seconds, true);
     return rateHz * seconds / width == 10;
 }
-
-/// Counts how often the plot that it is attached to is replotted.
-class ReplotCounter final : public QwtPlotItem
-{
-public:
-    explicit ReplotCounter(GenericPlot& plot)
-    {
-        setItemInterest(QwtPlotItem::ScaleInterest);
-        attach(&plot);
-        count = 0;
-    }
-    void updateScaleDiv(const QwtScaleDiv&, const QwtScaleDiv&) override { ++count; }
-    void draw(QPainter*, const QwtScaleMap&, const QwtScaleMap&, const QRectF&) const override {}
-
-    int count = 0;
-};
 
 QColor symbolColor(const GenericPlot& plot, int curve)
 {

@@ -1,5 +1,6 @@
 #include "plots/curvedata.h"
 #include "plots/genericplot.h"
+#include "support/replotcounter.h"
 #include "support/widgetcheck.h"
 
 #include <QPainterPath>
@@ -67,12 +68,14 @@ private slots:
     void cleanup() { QCOMPARE(leftWidgets(), QString()); }
 
     void newPlotShowsAllFourAxesOverTheFullRange();
+    void axisFontsStayNormalWhateverThePlotsFont();
     void newPlotIsFramelessAndAlignedWithItsScales();
     void newPlotHasAGreyDottedGridOnLightBlue();
     void sizeHintLeavesTheSizeToTheLayout();
 
     void runningPlotHasNoBackingStore();
     void clearEmptiesOneCurveOrAll();
+    void clearRepaintsTwice();
     void appendedPointShowsAfterReplot();
 
     void crossHairsAreTwoDarkGreyLinesOverTheRange();
@@ -98,6 +101,17 @@ void GenericPlotTest::newPlotShowsAllFourAxesOverTheFullRange()
         QCOMPARE(plot.axisScaleDiv(axis).upperBound(), 5.0);
         QVERIFY(!plot.axisAutoScale(axis));
         QCOMPARE(plot.axisFont(axis).family(), QStringLiteral("Sans Serif"));
+        QCOMPARE(plot.axisFont(axis).pointSize(), 8);
+    }
+}
+
+void GenericPlotTest::axisFontsStayNormalWhateverThePlotsFont()
+{
+    GenericPlot plot(nullptr);
+    plot.setFont(QFont(QStringLiteral("Sans Serif"), 10, QFont::Bold, true));
+    for (int axis : allAxes) {
+        QCOMPARE(plot.axisFont(axis).weight(), int(QFont::Normal));
+        QVERIFY(!plot.axisFont(axis).italic());
         QCOMPARE(plot.axisFont(axis).pointSize(), 8);
     }
 }
@@ -154,6 +168,20 @@ void GenericPlotTest::clearEmptiesOneCurveOrAll()
     plot.appendData(2, QPointF(1.0, 1.0));
     plot.clear();
     QCOMPARE(plot.curveData(2).size(), size_t(0));
+}
+
+// On purpose: emptying the curves repaints already.
+void GenericPlotTest::clearRepaintsTwice()
+{
+    GenericPlot plot(nullptr);
+    plot.addCurves(2);
+    ReplotCounter counter(plot);
+    plot.clear(1);
+    QCOMPARE(counter.count, 2);
+    plot.clear(-1);
+    QCOMPARE(counter.count, 4);
+    plot.clear();
+    QCOMPARE(counter.count, 6);
 }
 
 void GenericPlotTest::appendedPointShowsAfterReplot()

@@ -107,6 +107,10 @@ void ScrollTicksTest::spanMapsToTheSlider_data()
                               << 1;
     QTest::newRow("page is rounded")
         << aMillion << false << PlotSpan{0.0, 2.6} << 1 << 999999 << 1 << 3 << 1;
+    QTest::newRow("half a tick is rounded up")
+        << aMillion << false << PlotSpan{0.0, 2.5} << 1 << 999999 << 1 << 3 << 1;
+    QTest::newRow("less than half a tick is rounded down")
+        << aMillion << false << PlotSpan{0.0, 2.4} << 1 << 999999 << 1 << 2 << 1;
 }
 
 void ScrollTicksTest::spanMapsToTheSlider()

@@ -12,7 +12,22 @@ namespace {
 
 const QRectF middle(-1.0, -1.0, 2.0, 2.0);
 
+/// Distances that the scales keep at their ends for labels that stick out: bottom, then left.
+QVector<int> borderDistances(const PlotOnScreen& screen)
+{
+    QVector<int> distances;
+    for (const int axis : {QwtPlot::xBottom, QwtPlot::yLeft}) {
+        int start = -1;
+        int end = -1;
+        screen.plot.axisWidget(axis)->getMinBorderDist(start, end);
+        distances << start << end;
+    }
+    return distances;
 }
+
+const QVector<int> noDistances(4, 0);
+
+} // namespace
 
 class ScrollZoomerTest final : public QObject
 {
@@ -42,6 +57,7 @@ private slots:
     void wheelOnTheBarScrollsThePlot();
     void cornerWidgetIsReplaced();
     void deletedBarIsMadeAnew();
+    void cornerThatLeavesTheCanvasIsMadeAnew();
     void zoomerTakesItsWidgetsAlong();
 };
 
@@ -59,20 +75,21 @@ void ScrollZoomerTest::zoomingInHidesTheFarAxesAndReleasesTheCanvas()
     QVERIFY(screen.plot.axisEnabled(QwtPlot::yLeft));
     for (int axis = 0; axis < QwtPlot::axisCnt; ++axis)
         QVERIFY(!screen.plot.plotLayout()->alignCanvasToScale(axis));
-
-    int start = 0;
-    int end = 0;
-    screen.plot.axisWidget(QwtPlot::xBottom)->getMinBorderDist(start, end);
-    QVERIFY(start > 0);
-    QVERIFY(end > 0);
+    for (const int distance : borderDistances(screen))
+        QVERIFY(distance > 0);
 }
 
 void ScrollZoomerTest::zoomingBackRestoresAxesAlignmentAndBorders()
 {
     PlotOnScreen screen;
+    // A range whose ends carry labels, which stick out of the scale.
+    screen.plot.setRange(4.0, -4.0);
     screen.plot.plotLayout()->setAlignCanvasToScale(QwtPlot::yRight, false);
+    QCOMPARE(borderDistances(screen), noDistances);
     screen.zoomer.zoom(middle);
     screen.zoomer.zoom(QRectF(-0.5, -0.5, 1.0, 1.0));
+    for (const int distance : borderDistances(screen))
+        QVERIFY(distance > 0);
     screen.plot.resetZoom();
     screen.plot.replot();
 
@@ -80,13 +97,7 @@ void ScrollZoomerTest::zoomingBackRestoresAxesAlignmentAndBorders()
         QVERIFY(screen.plot.axisEnabled(axis));
         QCOMPARE(screen.plot.plotLayout()->alignCanvasToScale(axis), axis != QwtPlot::yRight);
     }
-    for (int axis : {QwtPlot::xBottom, QwtPlot::yLeft}) {
-        int start = -1;
-        int end = -1;
-        screen.plot.axisWidget(axis)->getMinBorderDist(start, end);
-        QCOMPARE(start, 0);
-        QCOMPARE(end, 0);
-    }
+    QCOMPARE(borderDistances(screen), noDistances);
     QVERIFY(!screen.hBar().isVisible());
     QVERIFY(!screen.vBar().isVisible());
     QVERIFY(!screen.zoomer.cornerWidget()->isVisible());
@@ -368,6 +379,22 @@ void ScrollZoomerTest::deletedBarIsMadeAnew()
     screen.zoomer.zoom(QRectF(-0.5, -0.5, 1.0, 1.0));
     QVERIFY(screen.zoomer.horizontalScrollBar());
     QVERIFY(screen.zoomer.verticalScrollBar());
+}
+
+void ScrollZoomerTest::cornerThatLeavesTheCanvasIsMadeAnew()
+{
+    PlotOnScreen screen;
+    screen.zoomer.zoom(middle);
+    QWidget elsewhere;
+    QPointer<QWidget> first = screen.zoomer.cornerWidget();
+    QVERIFY(first);
+    first->setParent(&elsewhere);
+    QVERIFY(!screen.zoomer.cornerWidget());
+
+    screen.zoomer.zoom(QRectF(-0.5, -0.5, 1.0, 1.0));
+    QVERIFY(first);
+    QVERIFY(screen.zoomer.cornerWidget());
+    QVERIFY(screen.zoomer.cornerWidget() != first);
 }
 
 void ScrollZoomerTest::zoomerTakesItsWidgetsAlong()

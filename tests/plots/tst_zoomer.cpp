@@ -33,9 +33,10 @@ private slots:
     void disabledZoomerIgnoresTheMouse();
     void keysDoNotStepBackOnceZoomed_data();
     void keysDoNotStepBackOnceZoomed();
+    void eachRescaleTakesTheKeysBack();
     void zoomedScaleKeepsRoomForTheWidestLabel();
     void newRangeWhileZoomedIsTheNewBase();
-    void bandStaysOutOfTheScrollBars();
+    void bandStopsAtTheBarBesideAndOnTheLastRowsOfTheBarAbove();
     void bandIsLimited_data();
     void bandIsLimited();
 };
@@ -110,6 +111,20 @@ void ZoomerTest::keysDoNotStepBackOnceZoomed()
     QCOMPARE(screen.zoomer.zoomRectIndex(), 1u);
 }
 
+void ZoomerTest::eachRescaleTakesTheKeysBack()
+{
+    PlotOnScreen screen;
+    QVERIFY(screen.shown);
+    screen.zoomer.zoom(middle);
+    screen.zoomer.initKeyPattern();
+    QVERIFY(screen.zoomer.keyPattern()[QwtEventPattern::KeyUndo]
+            == QwtEventPattern::KeyPattern(Qt::Key_Minus));
+
+    screen.zoomer.zoom(QRectF(-0.5, -0.5, 1.0, 1.0));
+    QVERIFY(screen.zoomer.keyPattern()[QwtEventPattern::KeyUndo] == QwtEventPattern::KeyPattern(1));
+    QVERIFY(screen.zoomer.keyPattern()[QwtEventPattern::KeyHome] == QwtEventPattern::KeyPattern(2));
+}
+
 void ZoomerTest::zoomedScaleKeepsRoomForTheWidestLabel()
 {
     PlotOnScreen screen;
@@ -137,7 +152,7 @@ void ZoomerTest::newRangeWhileZoomedIsTheNewBase()
     QVERIFY(screen.plot.axisEnabled(QwtPlot::xTop));
 }
 
-void ZoomerTest::bandStaysOutOfTheScrollBars()
+void ZoomerTest::bandStopsAtTheBarBesideAndOnTheLastRowsOfTheBarAbove()
 {
     PlotOnScreen screen;
     QVERIFY(screen.shown);
@@ -151,10 +166,12 @@ void ZoomerTest::bandStaysOutOfTheScrollBars()
     const QPoint corner = screen.band().last();
     QCOMPARE(corner.x(), screen.hBar().contentsRect().right());
     QCOMPARE(corner.y(), screen.vBar().contentsRect().right());
-    QVERIFY(!screen.vBar().geometry().contains(corner));
-    // The limit counts from the canvas's edge and the bar from inside its frame, on purpose.
+    QVERIFY(corner.x() < screen.vBar().geometry().left());
+    // The limit above counts from the canvas's edge and the bar stands inside of its frame, so the
+    // band ends on the bar's last rows: as many as the frame is wide, and one.
     const int frame = canvas.top();
-    QVERIFY(corner.y() + frame >= screen.hBar().geometry().bottom());
+    QVERIFY(frame > 0);
+    QCOMPARE(screen.hBar().geometry().bottom() - corner.y(), frame);
 
     screen.moveTo(QPoint(canvas.left() - 5, canvas.bottom() + 5));
     QCOMPARE(screen.band().last(), canvas.bottomLeft());
