@@ -183,7 +183,7 @@ int main(int argc, char** argv)
     QList<ConnectionSettings> records;
     for (int number = 0; number < demosystems::pictured; ++number) {
         emulator::ControllerOptions options;
-        options.seed = quint64(number + 1);
+        options.seed = quint64(number) + 1;
         options.preset = number == 2 ? emulator::Preset::Noisy : emulator::Preset::Typical;
         const QString address = QStringLiteral("127.0.0.%1").arg(11 + number);
         const emulator::ControllerHandle controller = host.addTcp(options, address);
