@@ -97,10 +97,11 @@ bool Connection::fetchReply(QByteArray& out)
 
     if (requestState_ == RequestState::Pending)
         awaitReply();
-    if (requestState_ != RequestState::Ready) {
-        requestState_ = RequestState::Idle;
+    // A reply that comes at the very last moment is taken, not thrown away.
+    RequestState state = RequestState::Pending;
+    requestState_.compare_exchange_strong(state, RequestState::Idle);
+    if (state != RequestState::Ready)
         return false;
-    }
     {
         const std::lock_guard<std::mutex> lock(sharedMutex);
         out.append(reply_);
@@ -422,8 +423,8 @@ void Connection::finishStreamWithEndMark()
     QByteArray bytes;
     if (awaitBytes(command::statusReplyLength))
         bytes = device_->read(command::statusReplyLength);
-    streamState_ = StreamState::None;
     publishReply(bytes);
+    streamState_ = StreamState::None;
 }
 
 void Connection::finishStreamWithoutEndMark()

@@ -153,7 +153,7 @@ signals:
 public slots:
     /// Takes what has arrived: a reply, the stream, or the reply that ends it. On the
     /// connection's thread.
-    void saveReply();
+    virtual void saveReply();
 
 protected:
     enum class RequestState : int { Idle = 0, Pending = 1, Ready = 2 };
