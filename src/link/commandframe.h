@@ -20,6 +20,8 @@ constexpr char terminator = ';';
 
 /// Length of the shortest reply: status and terminator.
 constexpr int statusReplyLength = 2;
+/// Length of the reply with the status flags.
+constexpr int statusFlagsReplyLength = 4;
 /// Length of the reply that tells who the controller is.
 constexpr int idReplyLength = 50;
 /// Length of one packet of the measurement stream.

@@ -6,10 +6,10 @@ namespace {
 using command::frame;
 using command::idReplyLength;
 using command::packetLength;
+using command::statusFlagsReplyLength;
 using command::statusReplyLength;
 
 constexpr int valueReplyLength = 5;
-constexpr int statusFlagsReplyLength = 4;
 constexpr int fourValuesReplyLength = 11;
 constexpr int errorReplyLength = 7;
 constexpr int framReplyLength = 258;

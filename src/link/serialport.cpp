@@ -147,7 +147,7 @@ void SerialPort::discardInput()
 void SerialPort::resync()
 {
     logMessage().debug() << "Resyncing (serial)";
-    sendMessage("GSF;", command::statusReplyLength);
+    sendMessage("GSF;", command::statusFlagsReplyLength);
     findReplyBoundary(*device(), QDeadlineTimer(resyncMs), [] {
         QCoreApplication::processEvents();
         msleep(1);

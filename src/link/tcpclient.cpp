@@ -68,6 +68,7 @@ void TcpClient::run()
             Qt::DirectConnection);
 
     connectTimer = std::make_unique<QTimer>();
+    connectTimer->setTimerType(Qt::PreciseTimer);
     connect(connectTimer.get(), &QTimer::timeout, this, &TcpClient::checkConnection,
             Qt::DirectConnection);
     connectTimer->start(timeoutMs_);
@@ -97,6 +98,8 @@ void TcpClient::firstTalk()
 void TcpClient::checkConnection()
 {
     disconnect(connectTimer.get(), &QTimer::timeout, this, nullptr);
+    // The link can still come up before the event loop has ended: whoever is first decides.
+    disconnect(socket(), &QTcpSocket::connected, this, nullptr);
     exit(0);
 }
 
@@ -122,7 +125,7 @@ void TcpClient::resync()
 {
     logMessage().debug() << "Resyncing (TCP)";
     if (!isStreaming())
-        sendMessage("GSF;", command::statusReplyLength);
+        sendMessage("GSF;", command::statusFlagsReplyLength);
     findReplyBoundary(*device(), QDeadlineTimer(resyncMs), [] { msleep(1); });
     logMessage().debug() << "Finished resyncing (TCP)";
 }

@@ -4,6 +4,44 @@
 #include <QTcpServer>
 #include <QtTest>
 
+#include <atomic>
+#include <cerrno>
+#include <sys/socket.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+/// While it lives, a connection comes up only when told to. Within one machine it is there at once.
+class SlowNetwork final
+{
+public:
+    SlowNetwork() { holds = true; }
+    ~SlowNetwork() { holds = false; }
+    SlowNetwork(const SlowNetwork&) = delete;
+    SlowNetwork& operator=(const SlowNetwork&) = delete;
+
+    void letThrough() { holds = false; }
+    static bool isHolding() { return holds; }
+
+private:
+    static std::atomic<bool> holds;
+};
+
+std::atomic<bool> SlowNetwork::holds{false};
+
+} // namespace
+
+/// In place of the library's, which says that a connection is under way.
+extern "C" int connect(int descriptor, const sockaddr* address, socklen_t size)
+{
+    const auto result = static_cast<int>(::syscall(SYS_connect, descriptor, address, size));
+    if (!SlowNetwork::isHolding())
+        return result;
+    errno = EINPROGRESS;
+    return -1;
+}
+
 class TestTcpClient : public QObject
 {
     Q_OBJECT
@@ -13,13 +51,16 @@ private slots:
     void initTakesNumericAddresses();
     void failedInitStoresNothing();
     void baudRateIsThatOfTheAdapter();
+    void refusedConnectionEndsTheThreadSilently_data();
     void refusedConnectionEndsTheThreadSilently();
     void linkThatIsUpStaysUpBehindTheConnectTime();
+    void linkThatComesUpBehindTheConnectTimeStaysDown();
     void peersCloseEndsTheThreadAndTellsTheAddress();
-    void resyncAsksForAReply();
+    void resyncAsksForAReplyAndLeavesTheLinkUsable();
     void resyncOfAStreamAsksForNothing();
     void connectionCanBeStartedAgain();
     void disconnectedLinkIsNotTold();
+    void deletionIsToldInOrder();
     void destructionEndsARunningStream();
     void destructionWhileConnectingEndsTheThread();
 };
@@ -65,21 +106,36 @@ void TestTcpClient::baudRateIsThatOfTheAdapter()
     QCOMPARE(client.connectionType(), 1);
 }
 
+void TestTcpClient::refusedConnectionEndsTheThreadSilently_data()
+{
+    QTest::addColumn<int>("timeoutMs");
+    QTest::newRow("real wait") << 750;
+    QTest::newRow("other wait") << EmulatedLink::shortTimeoutMs;
+}
+
 void TestTcpClient::refusedConnectionEndsTheThreadSilently()
 {
+    QFETCH(int, timeoutMs);
     QTcpServer closed;
     QVERIFY(closed.listen(QHostAddress::LocalHost));
     const quint16 port = closed.serverPort();
     closed.close();
 
+    const LogCapture log;
     TcpClient client;
     bool told = false;
     connect(&client, &Connection::hostDisconnected, this, [&told] { told = true; });
-    client.setTimeoutMs(EmulatedLink::shortTimeoutMs);
+    if (timeoutMs != Connection::defaultTimeoutMs)
+        client.setTimeoutMs(timeoutMs);
     QVERIFY(client.init("127.0.0.1", port));
+    QElapsedTimer time;
+    time.start();
     client.start();
     QVERIFY(client.wait());
+    QVERIFY(time.elapsed() >= timeoutMs);
     QCOMPARE(client.linkState(), LinkState::NotConnected);
+    QCOMPARE(log.lines(), QStringList({"debug: Initializing TCP connection \"127.0.0.1\"",
+                                       "debug: Closing connection \"\""}));
     QCoreApplication::processEvents();
     QVERIFY(!told);
 }
@@ -91,6 +147,23 @@ void TestTcpClient::linkThatIsUpStaysUpBehindTheConnectTime()
     QTest::qWait(3 * EmulatedLink::shortTimeoutMs);
     QVERIFY(link.client.isRunning());
     QVERIFY(link.client.isConnected());
+}
+
+/// Both are due in the same round of the event loop: the end of the connect time comes first.
+void TestTcpClient::linkThatComesUpBehindTheConnectTimeStaysDown()
+{
+    SlowNetwork network;
+    EmulatedLink link;
+    onThreadOf(
+        link.client, [] { return true; },
+        [&] {
+            QMetaObject::invokeMethod(&link.client, "checkConnection", Qt::DirectConnection);
+            network.letThrough();
+            QCoreApplication::processEvents();
+        });
+    link.client.start();
+    QVERIFY(link.client.wait());
+    QCOMPARE(link.client.linkState(), LinkState::NotConnected);
 }
 
 void TestTcpClient::peersCloseEndsTheThreadAndTellsTheAddress()
@@ -106,7 +179,7 @@ void TestTcpClient::peersCloseEndsTheThreadAndTellsTheAddress()
     QCOMPARE(log.count("debug: Controller disconnected"), 1);
 }
 
-void TestTcpClient::resyncAsksForAReply()
+void TestTcpClient::resyncAsksForAReplyAndLeavesTheLinkUsable()
 {
     const LogCapture log;
     EmulatedLink link;
@@ -115,6 +188,11 @@ void TestTcpClient::resyncAsksForAReply()
     QTRY_COMPARE(log.count("debug: Finished resyncing (TCP)"), 1);
     QCOMPARE(log.count("debug: Resyncing (TCP)"), 1);
     QCOMPARE(link.controller.commands(), QByteArrayList{"GSF;"});
+
+    QByteArray reply;
+    QVERIFY(link.client.fetchReply(reply));
+    QCOMPARE(reply.size(), 4);
+    QCOMPARE(link.exchange(&Connection::getControllerId), link.controller.idReply());
 }
 
 void TestTcpClient::resyncOfAStreamAsksForNothing()
@@ -147,6 +225,17 @@ void TestTcpClient::disconnectedLinkIsNotTold()
     link.client.disconnectController();
     QCoreApplication::processEvents();
     QCOMPARE(link.lost.count(), 0);
+}
+
+void TestTcpClient::deletionIsToldInOrder()
+{
+    const LogCapture log;
+    {
+        TcpClient client;
+    }
+    QCOMPARE(log.lines(),
+             QStringList({"debug: Deleting TCP connection", "debug: Deleting connection",
+                          "debug: Finished deleting connection 1500"}));
 }
 
 void TestTcpClient::destructionEndsARunningStream()

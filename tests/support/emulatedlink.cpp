@@ -8,13 +8,14 @@
 
 namespace {
 
-/// On the thread of the client.
-void resyncOrAskAgain(Connection& client, const std::function<bool()>& isTime)
+void actOrAskAgain(const std::function<bool()>& isTime, const std::function<void()>& act)
 {
-    if (isTime())
-        client.resync();
-    else
-        QTimer::singleShot(1, [&client, isTime] { resyncOrAskAgain(client, isTime); });
+    QTimer::singleShot(1, [isTime, act] {
+        if (isTime())
+            act();
+        else
+            actOrAskAgain(isTime, act);
+    });
 }
 
 } // namespace
@@ -77,12 +78,17 @@ bool askIdentity(Connection& client)
     return identity.isController;
 }
 
-void resyncOnce(Connection& client, std::function<bool()> isTime)
+void onThreadOf(Connection& client, std::function<bool()> isTime, std::function<void()> act)
 {
     QObject::connect(
         &client, &QThread::started, &client,
-        [&client, isTime = std::move(isTime)] { resyncOrAskAgain(client, isTime); },
+        [isTime = std::move(isTime), act = std::move(act)] { actOrAskAgain(isTime, act); },
         Qt::DirectConnection);
+}
+
+void resyncOnce(Connection& client, std::function<bool()> isTime)
+{
+    onThreadOf(client, std::move(isTime), [&client] { client.resync(); });
 }
 
 QVector<emulator::PacketValues> numberedSamples(int count)

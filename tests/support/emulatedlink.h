@@ -40,6 +40,9 @@ struct EmulatedLink
 /// one that may stream: those take their time. False if nobody of ours answered.
 bool askIdentity(Connection& client);
 
+/// Acts on the thread of the connection, which is still to be started, within its event loop and as
+/// soon as `isTime` holds there.
+void onThreadOf(Connection& client, std::function<bool()> isTime, std::function<void()> act);
 /// Lets the connection, which is still to be started, look for the boundary of replies on its own
 /// thread as soon as `isTime` holds there.
 void resyncOnce(Connection& client, std::function<bool()> isTime);
