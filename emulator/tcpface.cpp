@@ -11,6 +11,8 @@ namespace {
 
 /// Packets are lost while more than this waits to be sent.
 constexpr qint64 mostBytesPending = 65536;
+/// How long a connection that is closed waits for a host that does not read.
+constexpr int closeLimitMs = 1000;
 
 bool hasHungUp(const QTcpSocket& socket)
 {
@@ -26,6 +28,9 @@ bool hasHungUp(const QTcpSocket& socket)
 TcpFace::TcpFace(const ControllerOptions& options, Logging logging)
     : Face(options, logging)
 {
+    closeTimer.setSingleShot(true);
+    closeTimer.setInterval(closeLimitMs);
+    connect(&closeTimer, &QTimer::timeout, this, &TcpFace::dropSocket);
     connect(&server, &QTcpServer::newConnection, this, &TcpFace::takeConnections);
 }
 
@@ -72,7 +77,7 @@ bool TcpFace::isConnected() const
 
 void TcpFace::write(const QByteArray& bytes)
 {
-    if (!isConnected())
+    if (!isConnected() || halfClosed)
         return;
     socket->write(bytes);
     socket->flush();
@@ -80,21 +85,36 @@ void TcpFace::write(const QByteArray& bytes)
 
 bool TcpFace::canSend()
 {
-    return !socket || socket->bytesToWrite() <= mostBytesPending;
+    return isConnected() && !halfClosed && socket->bytesToWrite() <= mostBytesPending;
 }
 
 void TcpFace::close()
 {
-    if (socket)
-        socket->disconnectFromHost();
+    if (!socket)
+        return;
+    socket->disconnectFromHost();
+    if (!socket)
+        return;
+    // The rest of what was written goes on its way, but the controller has done with this host.
+    controller().linkClosed();
+    closeTimer.start();
 }
 
 void TcpFace::halfClose()
 {
-    if (!isConnected())
+    if (!isConnected() || halfClosed)
         return;
+    halfClosed = true;
+    endSending();
+}
+
+/// Closes the sending side once everything is sent.
+void TcpFace::endSending()
+{
+    // May find out that the host has gone.
     socket->flush();
-    shutdown(static_cast<int>(socket->socketDescriptor()), SHUT_WR);
+    if (socket && socket->bytesToWrite() == 0)
+        shutdown(static_cast<int>(socket->socketDescriptor()), SHUT_WR);
 }
 
 void TcpFace::takeConnections()
@@ -117,6 +137,10 @@ void TcpFace::adopt(QTcpSocket* connection)
     socket = connection;
     socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     connect(connection, &QTcpSocket::readyRead, this, &TcpFace::readInput);
+    connect(connection, &QTcpSocket::bytesWritten, this, [this] {
+        if (halfClosed)
+            endSending();
+    });
     connect(connection, &QTcpSocket::disconnected, this, [this, connection] {
         if (socket == connection)
             dropSocket();
@@ -138,6 +162,8 @@ void TcpFace::dropSocket()
         return;
     QTcpSocket* const gone = socket;
     socket = nullptr;
+    halfClosed = false;
+    closeTimer.stop();
     gone->disconnect(this);
     gone->abort();
     gone->deleteLater();

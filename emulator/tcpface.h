@@ -4,6 +4,7 @@
 
 #include <QHostAddress>
 #include <QTcpServer>
+#include <QTimer>
 
 class QTcpSocket;
 
@@ -39,13 +40,18 @@ private:
     void takeConnections();
     void adopt(QTcpSocket* socket);
     void readInput() override;
+    void endSending();
     void dropSocket();
 
     QTcpServer server;
+    /// Runs while the connection closes.
+    QTimer closeTimer;
     /// The host's; owned by the server, null without a host.
     QTcpSocket* socket = nullptr;
     QHostAddress listenAddress;
     quint16 listenPort = 0;
+    /// Nothing more is written to this host.
+    bool halfClosed = false;
 };
 
 } // namespace emulator

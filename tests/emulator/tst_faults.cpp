@@ -4,10 +4,6 @@
 
 #include <QtTest>
 
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 using namespace emulator;
 using namespace wiretools;
 
@@ -30,7 +26,6 @@ private slots:
     void shortReplyIsCut_data();
     void shortReplyIsCut();
     void linkClosesOnACommand();
-    void halfClosedLinkStillListens();
     void halfCloseByHandEndsTheHostsInput();
     void linkClosesByHand();
     void missingBytesMoveThroughThePacket();
@@ -151,29 +146,6 @@ void TestFaults::linkClosesOnACommand()
     QVERIFY(client.waitForDisconnected());
     QCOMPARE(client.socket.bytesAvailable(), 0);
     QTRY_VERIFY(!controller.isConnected());
-}
-
-void TestFaults::halfClosedLinkStillListens()
-{
-    ControllerOptions options;
-    options.faults.halfCloseOn = {"GSF"};
-    EmulatorHost host;
-    const ControllerHandle controller = host.addTcp(options);
-    // A bare descriptor, since the socket class takes the end of its input for the end of all.
-    const int descriptor = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in place{};
-    place.sin_family = AF_INET;
-    place.sin_port = htons(controller.port());
-    place.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    QCOMPARE(::connect(descriptor, reinterpret_cast<sockaddr*>(&place), sizeof place), 0);
-
-    QCOMPARE(::send(descriptor, "GSF;", 4, MSG_NOSIGNAL), ssize_t(4));
-    char byte = 0;
-    QCOMPARE(::recv(descriptor, &byte, 1, 0), ssize_t(0));
-    QCOMPARE(::send(descriptor, "GAS;", 4, MSG_NOSIGNAL), ssize_t(4));
-
-    QTRY_COMPARE(controller.commands(), QByteArrayList({"GSF;", "GAS;"}));
-    ::close(descriptor);
 }
 
 void TestFaults::halfCloseByHandEndsTheHostsInput()
