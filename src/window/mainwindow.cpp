@@ -264,19 +264,14 @@ void MainWindow::leave()
         return;
     left = true;
     settingsDialog->closeAllConnections();
+    stopDrawingPlots();
+    QThread::msleep(lastWriteMs);
     updateTimer->disconnect(this);
     updateTimer.reset();
-    stopDrawingPlots();
-
-    // What the dialog does not know of was registered by somebody else.
-    for (const auto& connection : connections) {
-        if (connection->isStreaming())
-            connection->stopStream();
-    }
-    QThread::msleep(lastWriteMs);
     displayedConnections.clear();
     enableControls(false);
-    connections.clear();
-    statuses.clear();
-    statisticsSums.clear();
+    // What the dialog does not know of was registered by somebody else. One by one: the end of
+    // each takes events, and these must find whole lists.
+    while (!connections.empty())
+        closedConnection(connections.back()->address());
 }

@@ -58,7 +58,6 @@ public:
     bool isLeaving() const override { return left; }
     void newConnection(std::unique_ptr<Connection> connection,
                        const ConnectionSettings& settings) override;
-    bool updateSettingsAndParameters(QList<ConnectionSettings>& settings) override;
 
     const std::vector<std::unique_ptr<Connection>>& liveConnections() const { return connections; }
     const QList<ConnectionStatus>& liveStatuses() const { return statuses; }
@@ -69,6 +68,7 @@ public slots:
     bool closedConnection(QString address) override;
     bool disconnectConnection(QString address) override;
     bool reconnectConnection(QString address, QString& boardID) override;
+    bool updateSettingsAndParameters(QList<ConnectionSettings>& settings) override;
     /// Puts a connected system on the plots or takes it off.
     void showConnection(QString id, bool show);
     /// `graph` is 0 for x, 1 for y, 2 for intensity.
@@ -212,10 +212,18 @@ private:
     uchar pollStatusByte();
 
     // Registry.
+    class KeepingClosed;
     int indexOf(const QString& address) const;
+    int indexOf(const Connection& link) const;
+    int indexOfConnected(const QString& address) const;
     Connection& connectionAt(int index) const { return *connections[std::size_t(index)]; }
     /// What the stabilisation buttons address; null if it is not registered any more.
     Connection* currentLink() const;
+    void watchLink(Connection& link);
+    void takeLoss(const Connection* link);
+    void endLink(Connection& link);
+    bool comesUp(Connection& link);
+    void hideIfDisplayed(int index);
     void hideDisplayed(int position);
     void showForSingleSystem(int index);
     void hideSingleSystemWidgets();
@@ -266,6 +274,9 @@ private:
     std::array<StageView, 2> stages;
 
     std::vector<std::unique_ptr<Connection>> connections;
+    /// Closed, but still in use further up the stack.
+    std::vector<std::unique_ptr<Connection>> keptClosed;
+    int keepingClosed = 0;
     QList<ConnectionStatus> statuses;
     /// Owned by the parameter dialog.
     QList<DetectorPair>* detectorPairs = nullptr;

@@ -13,6 +13,7 @@
 
 #include <QAction>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
@@ -28,15 +29,57 @@ constexpr int fastLineMaxRateHz = 500;
 constexpr qint64 reconnectMs = 300;
 constexpr unsigned long settleMs = 2;
 
+/// -1 if there is none.
+template <typename Matches>
+int indexWhere(const std::vector<std::unique_ptr<Connection>>& connections, Matches matches)
+{
+    const auto found = std::find_if(connections.begin(), connections.end(),
+                                    [&matches](const auto& link) { return matches(*link); });
+    return found == connections.end() ? -1 : int(found - connections.begin());
+}
+
 } // namespace
+
+/// Keeps closed connections until the outermost of these is gone: while a connection's thread
+/// ends, events are taken inside of it, and they can close it.
+class MainWindow::KeepingClosed final
+{
+public:
+    explicit KeepingClosed(MainWindow& owner)
+        : window(owner)
+    {
+        ++window.keepingClosed;
+    }
+    ~KeepingClosed()
+    {
+        if (--window.keepingClosed > 0)
+            return;
+        // The end of each takes events, too: the list itself is in nobody's hands then.
+        const std::vector<std::unique_ptr<Connection>> closed = std::move(window.keptClosed);
+        window.keptClosed.clear();
+    }
+    KeepingClosed(const KeepingClosed&) = delete;
+    KeepingClosed& operator=(const KeepingClosed&) = delete;
+
+private:
+    MainWindow& window;
+};
 
 int MainWindow::indexOf(const QString& address) const
 {
-    for (std::size_t i = 0; i < connections.size(); ++i) {
-        if (connections[i]->address() == address)
-            return int(i);
-    }
-    return -1;
+    return indexWhere(connections, [&](const Connection& c) { return c.address() == address; });
+}
+
+int MainWindow::indexOf(const Connection& link) const
+{
+    return indexWhere(connections, [&](const Connection& c) { return &c == &link; });
+}
+
+int MainWindow::indexOfConnected(const QString& address) const
+{
+    return indexWhere(connections, [&](const Connection& c) {
+        return c.address() == address && c.isConnected();
+    });
 }
 
 Connection* MainWindow::currentLink() const
@@ -48,6 +91,9 @@ Connection* MainWindow::currentLink() const
 void MainWindow::newConnection(std::unique_ptr<Connection> connection,
                                const ConnectionSettings& settings)
 {
+    // Who brought it up took events meanwhile, and the window was closed.
+    if (left)
+        return;
     const int n = int(connections.size());
     for (StageView& stage : stages) {
         stage.osciPlot->addCurve(n);
@@ -55,8 +101,7 @@ void MainWindow::newConnection(std::unique_ptr<Connection> connection,
         stage.positionPlot->addCurve(2 * n);
         stage.intensityPlot->addCurve(n);
     }
-    connect(connection.get(), &Connection::hostDisconnected, settingsDialog,
-            &SettingsDialog::on_WidgetDisconnect);
+    watchLink(*connection);
     paramsDialog->appendDetectorPair(settings);
 
     ConnectionStatus status;
@@ -75,6 +120,29 @@ void MainWindow::newConnection(std::unique_ptr<Connection> connection,
     if (displayedConnections.size() < maxDisplayed && connectionAt(n).isConnected())
         showConnection(statuses[n].address, true);
     updateMaxRate();
+}
+
+/// A link that was lost before it came here has told so to nobody. Its thread, which may still be
+/// on its way out, then tells it by its end.
+void MainWindow::watchLink(Connection& link)
+{
+    const QPointer<Connection> watched(&link);
+    const auto takeOver = [this, watched] { takeLoss(watched); };
+    const auto takeOverIfEnded = [this, watched] {
+        if (watched && !watched->isRunning())
+            takeLoss(watched);
+    };
+    connect(&link, &Connection::hostDisconnected, this, takeOver);
+    connect(&link, &QThread::finished, this, takeOverIfEnded);
+    if (!link.isRunning())
+        QMetaObject::invokeMethod(this, takeOverIfEnded, Qt::QueuedConnection);
+}
+
+/// Told behind the back of one that was closed or disconnected meanwhile, a loss is no news.
+void MainWindow::takeLoss(const Connection* link)
+{
+    if (link && indexOf(*link) >= 0 && link->isConnected())
+        settingsDialog->on_WidgetDisconnect(link->address());
 }
 
 void MainWindow::setCurveColors(int index)
@@ -107,8 +175,8 @@ void MainWindow::showConnection(QString id, bool show)
         return;
     }
 
-    const int index = indexOf(id);
-    if (index < 0 || !connectionAt(index).isConnected() || displayedConnections.contains(index))
+    const int index = indexOfConnected(id);
+    if (index < 0 || displayedConnections.contains(index))
         return;
     if (displayedConnections.size() >= maxDisplayed) {
         statuses[index].displayed = false;
@@ -126,6 +194,13 @@ void MainWindow::showConnection(QString id, bool show)
     }
     if (startAction->isChecked() && !connectionAt(index).isStreaming())
         joinAcquisition(connectionAt(index));
+}
+
+void MainWindow::hideIfDisplayed(int index)
+{
+    const int position = displayedConnections.indexOf(index);
+    if (position >= 0)
+        hideDisplayed(position);
 }
 
 void MainWindow::hideDisplayed(int position)
@@ -208,10 +283,10 @@ bool MainWindow::closedConnection(QString address)
     if (n < 0)
         return false;
     stopTicking();
-    showConnection(address, false);
+    hideIfDisplayed(n);
     if (connectionAt(n).isStreaming())
         connectionAt(n).stopStream();
-    connectionAt(n).disconnect(settingsDialog);
+    connectionAt(n).disconnect(this);
 
     for (int& displayed : displayedConnections) {
         if (displayed > n)
@@ -228,55 +303,68 @@ bool MainWindow::closedConnection(QString address)
         stage.positionPlot->removeCurve(2 * n);
     }
     // Its thread ends when all lists are in step again: ending it takes events.
-    const std::unique_ptr<Connection> closed = std::move(connections[std::size_t(n)]);
+    std::unique_ptr<Connection> closed = std::move(connections[std::size_t(n)]);
     connections.erase(connections.begin() + n);
     if (serviceDialog->connection() == closed.get())
         serviceDialog->setConnection(nullptr);
     paramsDialog->removeDetectorPair(n);
     updateMaxRate();
     startTicking();
+    if (keepingClosed > 0)
+        keptClosed.push_back(std::move(closed));
     return true;
 }
 
 bool MainWindow::disconnectConnection(QString address)
 {
-    const int index = indexOf(address);
+    // Another one that is down can have the same address: it is not the one that is meant.
+    const int connected = indexOfConnected(address);
+    const int index = connected >= 0 ? connected : indexOf(address);
     if (index < 0)
         return false;
-    connectionAt(index).disconnectController();
+    const KeepingClosed keeping(*this);
+    Connection& link = connectionAt(index);
+    endLink(link);
+    return !link.isConnected();
+}
+
+void MainWindow::endLink(Connection& link)
+{
+    link.disconnectController();
     QThread::msleep(settleMs);
-    showConnection(address, false);
+    // That has taken events: it can stand elsewhere now, or nowhere.
+    const int index = indexOf(link);
+    if (index < 0)
+        return;
+    hideIfDisplayed(index);
     paramsDialog->closeIfDisconnected();
     statuses[index].displayed = false;
-    return !connectionAt(index).isConnected();
 }
 
 bool MainWindow::reconnectConnection(QString address, QString& boardID)
 {
     logMessage().info() << "Reconnecting";
-    for (std::size_t i = 0; i < connections.size(); ++i) {
-        Connection& connection = *connections[i];
-        if (connection.address() != address)
-            continue;
-        if (connection.isRunning()) {
-            connection.disconnectController();
+    const KeepingClosed keeping(*this);
+    std::vector<Connection*> links;
+    for (const auto& connection : connections) {
+        if (connection->address() == address)
+            links.push_back(connection.get());
+    }
+    for (Connection* link : links) {
+        if (link->isRunning()) {
+            link->disconnectController();
             QThread::msleep(settleMs);
         }
-        connection.start(QThread::InheritPriority);
-        const QDeadlineTimer limit(reconnectMs);
-        while (!connection.isConnected() && !limit.hasExpired())
-            QThread::msleep(1);
-        if (!connection.isConnected()) {
-            connection.disconnectController();
+        if (indexOf(*link) < 0)
+            continue;
+        if (!comesUp(*link))
             break;
-        }
-
-        const ControllerIdentity identity = identify(connection, LineClearing::TwoStopsAndRepeat);
+        const ControllerIdentity identity = identify(*link, LineClearing::TwoStopsAndRepeat);
         if (!identity.isController) {
-            connection.disconnectController();
+            link->disconnectController();
             continue;
         }
-        statuses[int(i)].statusValid = true;
+        statuses[indexOf(*link)].statusValid = true;
         if (displayedConnections.size() < maxDisplayed)
             showConnection(address, true);
         boardID = identity.id;
@@ -284,6 +372,19 @@ bool MainWindow::reconnectConnection(QString address, QString& boardID)
         return true;
     }
     logMessage().info() << "Reconnecting failed";
+    return false;
+}
+
+/// Takes no events until the link is up.
+bool MainWindow::comesUp(Connection& link)
+{
+    link.start(QThread::InheritPriority);
+    const QDeadlineTimer limit(reconnectMs);
+    while (!link.isConnected() && !limit.hasExpired())
+        QThread::msleep(1);
+    if (link.isConnected())
+        return true;
+    link.disconnectController();
     return false;
 }
 
