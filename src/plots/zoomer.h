@@ -17,7 +17,7 @@ struct BandLimits
 QPoint limitBand(const QPoint& pos, const BandLimits& limits);
 
 /// The zoomer of the live plots. It zooms in only; while zoomed, the y scale keeps its width, and
-/// the rubber band stays out of the scroll bars.
+/// the rubber band is held back at the scroll bars.
 class Zoomer final : public ScrollZoomer
 {
     Q_OBJECT
