@@ -25,21 +25,27 @@ int pixelsOf(const QColor& color, const QImage& image)
     return count;
 }
 
-/// Height of the coloured column in pixels.
-int filledHeight(double value)
+/// The coloured column of a piezo bar, in its pixels; its pixels are all there is of the colour.
+QRect filledColumn(ThermoSlider& slider)
+{
+    const QImage image = picture(slider);
+    QRect column;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixelColor(x, y) == QColor(Qt::darkCyan))
+                column |= QRect(x, y, 1, 1);
+        }
+    }
+    const bool solid = pixelsOf(QColor(Qt::darkCyan), image) == column.width() * column.height();
+    return solid ? column : QRect();
+}
+
+QRect filledColumn(double value)
 {
     ThermoSlider slider(nullptr);
     slider.resize(60, 200);
     slider.setValue(value);
-    const QImage image = picture(slider);
-    int highest = 0;
-    for (int x = 0; x < image.width(); ++x) {
-        int height = 0;
-        for (int y = 0; y < image.height(); ++y)
-            height += image.pixelColor(x, y) == QColor(Qt::darkCyan) ? 1 : 0;
-        highest = qMax(highest, height);
-    }
-    return highest;
+    return filledColumn(slider);
 }
 
 } // namespace
@@ -52,6 +58,7 @@ private slots:
     void cleanup() { QCOMPARE(leftWidgets(), QString()); }
 
     void piezoBarIsANarrowUprightBarFromZeroToTen();
+    void piezoBarFillsWithItsValue_data();
     void piezoBarFillsWithItsValue();
     void valueBeyondTheScaleFillsNoMoreThanThePipe();
 
@@ -80,19 +87,34 @@ void DisplayWidgetsTest::piezoBarIsANarrowUprightBarFromZeroToTen()
     QCOMPARE(slider.scaleMaxMinor(), 0);
 }
 
+void DisplayWidgetsTest::piezoBarFillsWithItsValue_data()
+{
+    QTest::addColumn<double>("value");
+    for (const double value : {0.5, 2.5, 5.0, 7.5, 10.0})
+        QTest::addRow("%.1f V", value) << value;
+}
+
 void DisplayWidgetsTest::piezoBarFillsWithItsValue()
 {
-    const int empty = filledHeight(0.0);
-    QVERIFY(empty <= 1);
-    const int full = filledHeight(10.0);
-    QVERIFY(full > 150);
-    QVERIFY(qAbs(filledHeight(5.0) * 2 - full) <= 2);
+    QFETCH(double, value);
+    ThermoSlider slider(nullptr);
+    slider.resize(60, 200);
+    slider.setValue(value);
+    const QRect column = filledColumn(slider);
+    QCOMPARE(column.width(), 4);
+    // The scale leaves room for half a number at either end.
+    const int numberHeight = QFontMetrics(slider.font()).height();
+    const int zero = slider.height() - 1 - numberHeight / 2;
+    const double reach = slider.height() - 1 - numberHeight;
+    QVERIFY(qAbs(column.bottom() - zero) <= 1);
+    QVERIFY(qAbs(column.top() - (zero - value / 10.0 * reach)) <= 1.0);
 }
 
 void DisplayWidgetsTest::valueBeyondTheScaleFillsNoMoreThanThePipe()
 {
-    QCOMPARE(filledHeight(12.5), filledHeight(10.0));
-    QCOMPARE(filledHeight(-3.0), filledHeight(0.0));
+    QCOMPARE(filledColumn(12.5), filledColumn(10.0));
+    QCOMPARE(filledColumn(-3.0), filledColumn(0.0));
+    QVERIFY(filledColumn(0.0).height() <= 1);
 }
 
 void DisplayWidgetsTest::colourBandsDivideTheHeight_data()
