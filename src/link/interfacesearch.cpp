@@ -46,7 +46,7 @@ private:
 
 InterfaceProbe::InterfaceProbe(const QString& name)
 {
-    logMessage().info() << "Trying to connect to interface" << name;
+    logMessage().info() << "Trying to connect to interface " << name;
     port.setPortName(name);
 }
 
@@ -76,9 +76,10 @@ bool InterfaceProbe::open()
         return true;
     logMessage().info() << "Cannot open interface" << port.errorString();
     const QString refusal = porterrors::explainRefusal(port.portName(), port.error());
-    if (!refusal.isEmpty() && !refusalExplained)
+    if (!refusal.isEmpty() && !refusalExplained) {
         logMessage().warning() << qPrintable(refusal);
-    refusalExplained = true;
+        refusalExplained = true;
+    }
     return false;
 }
 
@@ -150,7 +151,7 @@ void tellPseudoInterfaces()
 {
     const QStringList names = QDir(QStringLiteral("/dev/pts")).entryList(QDir::System);
     for (const QString& name : names)
-        logMessage().info() << "Found pseudo interface" << QStringLiteral("pts/") + name;
+        logMessage().info() << "Found pseudo interface " << QStringLiteral("pts/") + name;
 }
 
 QStringList candidates(const InterfaceLister& lister, bool anyDevice)
@@ -158,7 +159,7 @@ QStringList candidates(const InterfaceLister& lister, bool anyDevice)
     QStringList names;
     const QList<SerialInterface> interfaces = lister();
     for (const SerialInterface& each : interfaces) {
-        logMessage().info() << "Found interface" << each.name << each.description
+        logMessage().info() << "Found interface " << each.name << each.description
                             << each.manufacturer;
         if (anyDevice || each.manufacturer == QLatin1String(knownManufacturer))
             names.append(each.name);

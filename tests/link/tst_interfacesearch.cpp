@@ -155,11 +155,11 @@ void TestInterfaceSearch::pseudoTerminalsAreNamedAndNotTried()
     const LogCapture log;
     QVERIFY(searchInterfaces(true, true, listing({})).isEmpty());
     const QString name = port.device().mid(int(strlen("/dev/")));
-    QCOMPARE(log.count("info: Found pseudo interface " + quoted(name)), 1);
+    QCOMPARE(log.count("info: Found pseudo interface  " + quoted(name)), 1);
     QVERIFY(port.commands().empty());
 
     QVERIFY(searchInterfaces(false, true, listing({})).isEmpty());
-    QCOMPARE(log.count("info: Found pseudo interface " + quoted(name)), 1);
+    QCOMPARE(log.count("info: Found pseudo interface  " + quoted(name)), 1);
 }
 
 void TestInterfaceSearch::aControllerIsFoundAtItsRateAndFlowControl_data()
@@ -343,11 +343,11 @@ void TestInterfaceSearch::aSilentPortTellsTheStoryInOrder()
     searchInterfaces(false, false,
                      listing({{"ttyUSB998", "Other adapter", "ftdi"}, adapter(silent)}));
     QStringList story{"info: Searching for serial interfaces",
-                      "info: Found interface \"ttyUSB998\" \"Other adapter\" \"ftdi\"",
+                      "info: Found interface  \"ttyUSB998\" \"Other adapter\" \"ftdi\"",
                       "info: Skipping interface",
-                      "info: Found interface " + quoted(silent.name())
+                      "info: Found interface  " + quoted(silent.name())
                           + " \"Serial adapter\" \"FTDI\"",
-                      "info: Trying to connect to interface " + quoted(silent.name())};
+                      "info: Trying to connect to interface  " + quoted(silent.name())};
     for (const char* baudRate : {"115200", "921600"}) {
         story.append(QStringLiteral("info: Baud rate %1").arg(baudRate));
         for (const char* flowControl : {"1", "0"})
@@ -373,8 +373,8 @@ void TestInterfaceSearch::aFoundControllerTellsTheStoryInOrder()
         log.lines(),
         QStringList(
             {"info: Searching for serial interfaces",
-             "info: Found interface " + quoted(port.name()) + " \"Serial adapter\" \"FTDI\"",
-             "info: Trying to connect to interface " + quoted(port.name()),
+             "info: Found interface  " + quoted(port.name()) + " \"Serial adapter\" \"FTDI\"",
+             "info: Trying to connect to interface  " + quoted(port.name()),
              "info: Baud rate 115200", "info: Flow control 1", "debug: Clear 0", "debug: Clear 1",
              "info: Connection timeout", "info: Interface closed", "info: Flow control 0",
              "debug: Clear 0", "debug: Clear 1", "debug: Received: \"\\x00;\"",

@@ -30,17 +30,17 @@ void TestSystemInterfaces::onlyTheKnownAdapterIsTried()
 {
     const LogCapture log;
     searchInterfaces(false, false);
-    QCOMPARE(log.count("info: Trying to connect to interface \"ttyUSB0\""), 1);
+    QCOMPARE(log.count("info: Trying to connect to interface  \"ttyUSB0\""), 1);
     QCOMPARE(log.count("info: Skipping interface"), 1);
-    QCOMPARE(log.count("info: Trying to connect to interface \"ttyUSB1\""), 0);
+    QCOMPARE(log.count("info: Trying to connect to interface  \"ttyUSB1\""), 0);
 }
 
 void TestSystemInterfaces::everyAdapterIsTriedIfAsked()
 {
     const LogCapture log;
     searchInterfaces(false, true);
-    QCOMPARE(log.count("info: Trying to connect to interface \"ttyUSB0\""), 1);
-    QCOMPARE(log.count("info: Trying to connect to interface \"ttyUSB1\""), 1);
+    QCOMPARE(log.count("info: Trying to connect to interface  \"ttyUSB0\""), 1);
+    QCOMPARE(log.count("info: Trying to connect to interface  \"ttyUSB1\""), 1);
 }
 
 QTEST_GUILESS_MAIN(TestSystemInterfaces)
