@@ -41,12 +41,16 @@ private slots:
     void elementaryFunctionsAreRight();
     void randomNumbersAreThoseOfEveryPlatform();
     void gaussianNumbersHaveUnitVariance();
+    void seedGivesTheseVeryPackets();
+    void presetsHaveTheirFigures_data();
+    void presetsHaveTheirFigures();
     void airHasItsRmsAndSlope_data();
     void airHasItsRmsAndSlope();
     void mountLinesHaveTheirRms_data();
     void mountLinesHaveTheirRms();
     void acousticLinesHaveTheirRms_data();
     void acousticLinesHaveTheirRms();
+    void mainsLinesAreCoherent_data();
     void mainsLinesAreCoherent();
     void whiteNoiseHasItsDensity_data();
     void whiteNoiseHasItsDensity();
@@ -55,6 +59,7 @@ private slots:
     void stepsAreRareAndOfTheirSize();
     void intensityHasItsNoise();
     void beamIsBlockedAndWeakened();
+    void interruptionsLastFromATenthOfASecondToFive();
     void seedDecidesTheBeam();
     void beamDoesNotDependOnTheRate();
     void beamRestsWithoutPulses();
@@ -104,6 +109,60 @@ void TestBeam::gaussianNumbersHaveUnitVariance()
     QVERIFY(isWithin(squares / count, 1.0, 0.02));
     QVERIFY(isWithin(fourths / count, 3.0, 0.05));
     QVERIFY(isWithin(static_cast<double>(beyondTwo) / count, 0.0455, 0.05));
+}
+
+void TestBeam::seedGivesTheseVeryPackets()
+{
+    // Taken down once; they are the same on every platform and with every compiler.
+    ControllerOptions options;
+    options.seed = 1;
+    Device device(options, "KEY");
+    device.execute(parseCommand("SEA" + hex("01 3b")).command);
+
+    QCOMPARE(device.execute(parseCommand(startAt(500)).command).reply,
+             hex("003b 28 00 0001 fff9 0fb6 018e fd36 0d9f 133a 1525 1388 1388 3b"));
+    QCOMPARE(device.nextPacket(),
+             hex("003b 28 00 fff2 fff8 0fb7 0173 fd4d 0d99 1339 1534 1388 1388 3b"));
+    QCOMPARE(device.nextPacket(),
+             hex("003b 28 00 fff3 0009 0faf 0163 fd62 0d9f 1373 1529 1388 1388 3b"));
+    constexpr int laterPackets = 5000;
+    for (int packet = 0; packet < laterPackets; ++packet)
+        device.nextPacket();
+    QCOMPARE(device.nextPacket(),
+             hex("003b 28 00 fff0 0006 0fa4 0072 fd5d 0da3 12f0 1509 1388 1388 3b"));
+}
+
+void TestBeam::presetsHaveTheirFigures_data()
+{
+    QTest::addColumn<Preset>("preset");
+    QTest::addColumn<double>("microradiansAnHour");
+    QTest::addColumn<double>("microradiansADay");
+    QTest::addColumn<double>("mainsMicroradians");
+    QTest::addColumn<double>("stepsAnHour");
+    QTest::addColumn<bool>("interrupted");
+
+    QTest::newRow("quiet") << Preset::Quiet << 1.0 << 1.0 << 0.01 << 0.0 << false;
+    QTest::newRow("typical") << Preset::Typical << 5.0 << 5.0 << 0.05 << 1.0 << false;
+    QTest::newRow("noisy") << Preset::Noisy << 30.0 << 20.0 << 0.3 << 10.0 << true;
+}
+
+void TestBeam::presetsHaveTheirFigures()
+{
+    QFETCH(Preset, preset);
+    QFETCH(double, microradiansAnHour);
+    QFETCH(double, microradiansADay);
+    QFETCH(double, mainsMicroradians);
+    QFETCH(double, stepsAnHour);
+    QFETCH(bool, interrupted);
+
+    const BeamPreset& figures = beamPreset(preset);
+
+    QCOMPARE(figures.driftWalk, microradiansAnHour);
+    QCOMPARE(figures.driftDaily, microradiansADay);
+    QCOMPARE(figures.mainsAmplitude, mainsMicroradians);
+    QCOMPARE(figures.stepsPerHour, stepsAnHour);
+    QCOMPARE(figures.blocksPerHour > 0.0, interrupted);
+    QCOMPARE(figures.dipsPerHour > 0.0, interrupted);
 }
 
 void TestBeam::airHasItsRmsAndSlope_data()
@@ -189,16 +248,28 @@ void TestBeam::acousticLinesHaveTheirRms()
         QVERIFY(isWithin(spectrum.rms(hz - 20.0, hz + 20.0), rms / std::sqrt(5.0), 0.15));
 }
 
+void TestBeam::mainsLinesAreCoherent_data()
+{
+    QTest::addColumn<Preset>("preset");
+    QTest::addColumn<double>("amplitude");
+
+    QTest::newRow("quiet") << Preset::Quiet << 0.01;
+    QTest::newRow("typical") << Preset::Typical << 0.05;
+    QTest::newRow("noisy") << Preset::Noisy << 0.3;
+}
+
 void TestBeam::mainsLinesAreCoherent()
 {
+    QFETCH(Preset, preset);
+    QFETCH(double, amplitude);
     BeamPreset only;
-    only.mainsAmplitude = beamPreset(Preset::Typical).mainsAmplitude;
+    only.mainsAmplitude = beamPreset(preset).mainsAmplitude;
     Disturbance disturbance(only, BeamAxis::Horizontal, seed);
     constexpr int period = beamStepsPerSecond / 50;
 
     for (int step = 0; step < 3 * period; ++step) {
         const double phase = 2.0 * pi * step / period;
-        const double expected = 0.05 * (std::sin(phase) + std::sin(2.0 * phase));
+        const double expected = amplitude * (std::sin(phase) + std::sin(2.0 * phase));
         QVERIFY(std::fabs(disturbance.next() - expected) < 1e-12);
     }
 }
@@ -329,6 +400,33 @@ void TestBeam::beamIsBlockedAndWeakened()
 
     QCOMPARE(seen.keys(), QList<int>({0, 2800, 4000}));
     QVERIFY(seen[4000] > seen[0]);
+}
+
+void TestBeam::interruptionsLastFromATenthOfASecondToFive()
+{
+    BeamPreset only;
+    only.blocksPerHour = 2000.0;
+    only.dipsPerHour = 2000.0;
+    StageModel stage(only, DetectorKind::LateralEffect, 4000.0, seed);
+    std::vector<double> seconds;
+    int begun = 0;
+    quint16 last = stage.intensityMv();
+    for (int step = 0; step < 200 * beamStepsPerSecond; ++step) {
+        stage.advance(1);
+        if (stage.intensityMv() == last)
+            continue;
+        if (last < 4000)
+            seconds.push_back(double(step - begun) / beamStepsPerSecond);
+        begun = step;
+        last = stage.intensityMv();
+    }
+
+    // Evenly spread, they last 2.55 s on average, and begin 0.9 s behind the end of the last.
+    QVERIFY(seconds.size() > 40);
+    const auto [shortest, longest] = std::minmax_element(seconds.begin(), seconds.end());
+    QVERIFY2(*shortest >= 0.0999 && *shortest < 0.5, qPrintable(QString::number(*shortest)));
+    QVERIFY2(*longest <= 5.0001 && *longest > 4.5, qPrintable(QString::number(*longest)));
+    QVERIFY(isWithin(meanOf(seconds), 2.55, 0.2));
 }
 
 void TestBeam::seedDecidesTheBeam()
