@@ -1,8 +1,11 @@
 #include "link/identification.h"
+#include "support/emulatedlink.h"
 
 #include <QtTest>
 
 namespace {
+
+constexpr QChar micro(0xB5);
 
 QByteArray reply(const QByteArray& text)
 {
@@ -19,6 +22,8 @@ private slots:
     void identityIsReadFromTheReply_data();
     void identityIsReadFromTheReply();
     void idIsTheReplyWithoutItsFrame();
+    void labelIsStoredInTheLocalEncoding_data();
+    void labelIsStoredInTheLocalEncoding();
 };
 
 void TestIdentification::identityIsReadFromTheReply_data()
@@ -56,6 +61,31 @@ void TestIdentification::idIsTheReplyWithoutItsFrame()
 {
     QCOMPARE(readIdentity(reply("Zev-Box-B-0001-V40-2020")).id,
              QStringLiteral("Zev-Box-B-0001-V40-2020"));
+}
+
+void TestIdentification::labelIsStoredInTheLocalEncoding_data()
+{
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<QByteArray>("stored");
+    const QByteArray letters = "abcdefghijklmnopqrstuvwx";
+    QTest::newRow("letters") << QString("left")
+                             << QByteArray("left").leftJustified(command::labelLength);
+    QTest::newRow("two bytes in UTF-8")
+        << QString(micro) << QByteArray("\xc2\xb5").leftJustified(command::labelLength);
+    // It is cut by bytes, whatever they stand for.
+    QTest::newRow("cut in the middle of a letter") << QString(letters) + micro << letters + '\xc2';
+}
+
+void TestIdentification::labelIsStoredInTheLocalEncoding()
+{
+    QFETCH(QString, label);
+    QFETCH(QByteArray, stored);
+    EmulatedLink link;
+    QVERIFY(link.connect());
+    labelController(link.client, label);
+    QCOMPARE(link.client.label(), label);
+    QCOMPARE(link.controller.commands(), QByteArrayList{"SLA" + stored + ';'});
+    QCOMPARE(link.controller.label(), stored);
 }
 
 QTEST_GUILESS_MAIN(TestIdentification)
