@@ -24,8 +24,8 @@ constexpr std::chrono::milliseconds tickPeriod(10);
 /// One sweep of the time plots, from empty to full.
 constexpr int ticksPerSweep = 1000;
 
-/// One second of a beam that runs on a circle: fifty controllers that computed theirs would take
-/// more of the machine than what is measured.
+/// One second of a beam that runs on a circle. What fifty computed beams cost is the matter of
+/// `fiftyBeams`, and does not belong to a tick.
 QVector<emulator::PacketValues> circle()
 {
     constexpr double radiusMv = 2000.0;
