@@ -2,7 +2,9 @@
 
 #include "app/switches.h"
 #include "link/connection.h"
+#include "params/paramsdialog.h"
 #include "plots/genericplot.h"
+#include "recording/dataloggerdialog.h"
 #include "service/servicedialog.h"
 #include "setup/connectionoverviewdialog.h"
 #include "setup/settingsdialog.h"
@@ -19,6 +21,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QtTest>
+
+#include <algorithm>
 
 namespace {
 
@@ -93,8 +97,12 @@ private slots:
     void nothingTicksBehindTheEnd();
     void slotsAreHarmlessBehindTheEnd();
     void leavingInTheMiddleOfARun();
+    void leavingBehindLostLinks();
+    void whatComesUpBehindTheEndIsDropped();
+    void closingEndsTheServiceDialogsConnection();
 
     void setupAndOverviewOpen();
+    void parametersAndRecordingOpenAndClose();
     void serviceDialogNeedsAConnection();
     void missingManualIsTold_data();
     void missingManualIsTold();
@@ -242,6 +250,46 @@ void tst_FrameLeaving::leavingInTheMiddleOfARun()
     QVERIFY(!fixture.controller().isStreaming());
 }
 
+void tst_FrameLeaving::leavingBehindLostLinks()
+{
+    WindowFixture fixture(3);
+    QVERIFY(fixture.openWithSystems());
+    for (int number = 0; number < 3; ++number)
+        fixture.controller(number).closeConnection();
+    QVERIFY(waitWithoutEvents([&] {
+        const auto& links = fixture.window().liveConnections();
+        return std::none_of(links.begin(), links.end(),
+                            [](const auto& link) { return link->isRunning(); });
+    }));
+    // Nobody has been told of the losses yet: that comes while the connections go.
+    const LogCapture log;
+    fixture.destroyWindow();
+    QCOMPARE(log.count("debug: Deleting TCP connection"), 3);
+}
+
+void tst_FrameLeaving::whatComesUpBehindTheEndIsDropped()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.open());
+    QVERIFY(fixture.window().close());
+    QVERIFY(fixture.registerSystem(0));
+    QVERIFY(fixture.window().liveConnections().empty());
+    QVERIFY(fixture.window().liveStatuses().isEmpty());
+    QTRY_VERIFY(!fixture.controller().isConnected());
+}
+
+void tst_FrameLeaving::closingEndsTheServiceDialogsConnection()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const auto* service = fixture.window().findChild<ServiceDialog*>();
+    fixture.window().showServiceDialog();
+    QCOMPARE(service->connection(), &fixture.connection());
+    QVERIFY(fixture.window().close());
+    QVERIFY(!service->connection());
+    QCOMPARE(fixture.pointingPlot(1).curveCount(), 0);
+}
+
 void tst_FrameLeaving::setupAndOverviewOpen()
 {
     WindowFixture fixture(0);
@@ -254,6 +302,27 @@ void tst_FrameLeaving::setupAndOverviewOpen()
     QVERIFY(!settings->isVisible());
     fixture.find<QAction>("actionSetup")->trigger();
     QVERIFY(settings->isVisible());
+}
+
+void tst_FrameLeaving::parametersAndRecordingOpenAndClose()
+{
+    WindowFixture fixture(0);
+    QVERIFY(fixture.open());
+    const auto* parameters = fixture.window().findChild<ParamsDialog*>();
+    fixture.find<QAction>("actionOpenParams")->trigger();
+    QVERIFY(parameters->isVisible());
+    fixture.find<QAction>("actionCloseParams")->trigger();
+    QVERIFY(!parameters->isVisible());
+
+    const auto* recording = fixture.window().findChild<DataLoggerDialog*>();
+    QVERIFY(fixture.type("samplingRateCounter", "321"));
+    fixture.window().showDataloggerDialog();
+    QVERIFY(recording->isVisible());
+    QCOMPARE(recording->saveRate(), 321);
+    fixture.window().closeDataloggerDialog();
+    QVERIFY(!recording->isVisible());
+    fixture.window().closeDataloggerDialog();
+    QVERIFY(!recording->isVisible());
 }
 
 void tst_FrameLeaving::serviceDialogNeedsAConnection()

@@ -9,10 +9,8 @@
 #include "support/windowfixture.h"
 #include "window/mainwindow.h"
 
-#include <QAbstractButton>
 #include <QAction>
 #include <QLabel>
-#include <QListWidget>
 #include <QSpinBox>
 #include <QtTest>
 
@@ -67,9 +65,10 @@ private slots:
     void secondSystemHidesTheReadouts();
     void closingOneOfTwoBringsThemBackForTheSurvivor();
     void closingTheMiddleMovesIndicesAndCurves();
+    void closingKeepsTheOrderOfShowing();
+    void closingTheMiddleLeavesTheOthersStreaming();
     void closingTheLastDisablesTheControls();
     void slowSerialLineHoldsBothRates();
-    void systemBeyondFiftyIsNotShown();
     void systemShownWhileRunningJoins();
     void hiddenSystemLosesItsCurves();
     void labelGoesToTheControllerPadded();
@@ -81,6 +80,7 @@ private slots:
     void unconnectedSystemIsRegisteredButNotShown();
     void savedRecordsTakeOverTheLiveState();
     void savingWithAnotherNumberOfRecordsFails();
+    void savingFromAnOverviewOutOfStepStopsTheTick();
     void groupIsKept();
 };
 
@@ -148,6 +148,44 @@ void TestRegistry::closingTheMiddleMovesIndicesAndCurves()
     QCOMPARE(fixture.pointingPlot(2).curveColor(1), QColor(Qt::magenta).darker());
 }
 
+void TestRegistry::closingKeepsTheOrderOfShowing()
+{
+    WindowFixture fixture(3);
+    QVERIFY(fixture.openWithSystems());
+    for (const int hidden : {0, 1})
+        fixture.window().showConnection(fixture.connection(hidden).address(), false);
+    fixture.window().showConnection(fixture.connection(0).address(), true);
+    QCOMPARE(fixture.window().shownConnections(), (QList<int>{2, 0}));
+
+    QVERIFY(fixture.window().closedConnection(fixture.connection(1).address()));
+    QCOMPARE(fixture.window().shownConnections(), (QList<int>{1, 0}));
+    // The buttons address the one that was shown first.
+    QVERIFY(fixture.click("push_Stab1"));
+    QVERIFY(fixture.controller(2).stageOn(1));
+    QVERIFY(!fixture.controller(0).stageOn(1));
+}
+
+void TestRegistry::closingTheMiddleLeavesTheOthersStreaming()
+{
+    WindowFixture fixture(3);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.clickAction("startAction"));
+    for (int n = 0; n < 3; ++n)
+        QTRY_VERIFY(pointsOf(fixture.pointingPlot(1), n).size() > 3);
+    QVERIFY(fixture.window().closedConnection(fixture.connection(1).address()));
+    QVERIFY(!fixture.controller(1).isStreaming());
+    QVERIFY(fixture.connection(0).isStreaming());
+    QVERIFY(fixture.connection(1).isStreaming());
+    QCOMPARE(fixture.connection(1).address(), fixture.controller(2).address());
+
+    // What comes from now on lands in the curves of the index that each has now.
+    fixture.find<QAction>("clearAction")->trigger();
+    for (int n = 0; n < 2; ++n) {
+        QTRY_VERIFY(pointsOf(fixture.pointingPlot(2), n).size() > 3);
+        QTRY_VERIFY(pointsOf(fixture.positionPlot(1), 2 * n + 1).size() > 3);
+    }
+}
+
 void TestRegistry::closingTheLastDisablesTheControls()
 {
     WindowFixture fixture(1);
@@ -180,36 +218,6 @@ void TestRegistry::slowSerialLineHoldsBothRates()
     QVERIFY(fixture.window().closedConnection("ttyUSB7"));
     QCOMPARE(sampling->spinBox->maximum(), 500);
     QCOMPARE(update->spinBox->maximum(), 500);
-}
-
-void TestRegistry::systemBeyondFiftyIsNotShown()
-{
-    constexpr int count = 51;
-    emulator::ControllerOptions quiet;
-    quiet.script = {emulator::PacketValues{}};
-    WindowFixture fixture(count, quiet);
-    QVERIFY(fixture.open());
-    for (int i = 0; i < count; ++i)
-        QVERIFY(fixture.registerSystem(i));
-    QCOMPARE(fixture.window().shownConnections().size(), 50);
-
-    fixture.window().showConnection(fixture.connection(50).address(), true);
-    QCOMPARE(fixture.window().shownConnections().size(), 50);
-    QVERIFY(!fixture.window().shownConnections().contains(50));
-    fixture.tick();
-    auto* list = fixture.window().findChild<ConnectionOverviewDialog*>()->findChild<QListWidget*>();
-    const auto isTicked = [list](int row) {
-        return list->itemWidget(list->item(row))
-            ->findChild<QAbstractButton*>("showCheckBox")
-            ->isChecked();
-    };
-    QVERIFY(isTicked(50));
-    QVERIFY(!isTicked(51));
-
-    // With one hidden there is room for it.
-    fixture.window().showConnection(fixture.connection(0).address(), false);
-    fixture.window().showConnection(fixture.connection(50).address(), true);
-    QVERIFY(fixture.window().shownConnections().contains(50));
 }
 
 void TestRegistry::systemShownWhileRunningJoins()
@@ -391,6 +399,26 @@ void TestRegistry::savingWithAnotherNumberOfRecordsFails()
     QVERIFY(fixture.openWithSystems());
     QList<ConnectionSettings> none;
     QVERIFY(!fixture.window().updateSettingsAndParameters(none));
+    // That is found before anything is touched.
+    fixture.controller().clearWire();
+    QTRY_VERIFY(fixture.controller().commands().count("GSF;") > 2);
+}
+
+void TestRegistry::savingFromAnOverviewOutOfStepStopsTheTick()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const auto polls = [&] { return fixture.controller().commands().count("GSF;"); };
+    QTRY_VERIFY(polls() > 2);
+    fixture.window().findChild<ConnectionOverviewDialog*>()->update({});
+    QList<ConnectionSettings> records{fixture.record()};
+    QVERIFY(!fixture.window().updateSettingsAndParameters(records));
+    fixture.controller().clearWire();
+    QTest::qWait(100);
+    QCOMPARE(polls(), 0);
+
+    fixture.find<QAction>("clearAction")->trigger();
+    QTRY_VERIFY(polls() > 2);
 }
 
 void TestRegistry::groupIsKept()

@@ -1,79 +1,21 @@
 // One test per flow: the exact bytes and their order, both ways.
 
 #include "dialogue.h"
-#include "link/tcpclient.h"
+#include "link/connection.h"
 #include "setup/connectionoverviewdialog.h"
-#include "setup/connectionwidget.h"
 #include "setup/overviewwidget.h"
-#include "setup/settingsdialog.h"
 #include "support/userinput.h"
 #include "support/widgetcheck.h"
 #include "support/windowfixture.h"
+#include "tcptab.h"
 #include "window/mainwindow.h"
 
 #include <QAction>
-#include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QScrollBar>
-#include <QTabWidget>
 #include <QtTest>
 
 namespace {
-
-constexpr int tcpTab = 1;
-
-SettingsDialog& settingsDialog(const WindowFixture& fixture)
-{
-    return *fixture.window().findChild<SettingsDialog*>();
-}
-
-template <typename T>
-T& in(QWidget& dialog, const char* name)
-{
-    return *dialog.findChild<T*>(QLatin1String(name));
-}
-
-void makeShortConnections(const WindowFixture& fixture)
-{
-    settingsDialog(fixture).setConnectionFactory([](ConnectionType) {
-        auto client = std::make_unique<TcpClient>();
-        client->setTimeoutMs(WindowFixture::shortTimeoutMs);
-        return client;
-    });
-}
-
-/// Fills the TCP tab by keys and presses Connect.
-bool connectByDialog(WindowFixture& fixture, int number, const QString& label)
-{
-    SettingsDialog& dialog = settingsDialog(fixture);
-    fixture.find<QAction>("actionSetup")->trigger();
-    in<QTabWidget>(dialog, "tabWidget").setCurrentIndex(tcpTab);
-    QTest::keyClicks(&in<QLineEdit>(dialog, "addressTcpEdit"),
-                     fixture.controller(number).address());
-    in<QLineEdit>(dialog, "portLineEdit").clear();
-    QTest::keyClicks(&in<QLineEdit>(dialog, "portLineEdit"),
-                     QString::number(fixture.controller(number).port()));
-    QTest::keyClicks(&in<QLineEdit>(dialog, "labelTcpEdit"), label);
-    return user::click(&in<QPushButton>(dialog, "connectTcpButton"));
-}
-
-ConnectionWidget& line(const WindowFixture& fixture, int number)
-{
-    auto& list = in<QListWidget>(settingsDialog(fixture), "listWidgetTcp");
-    return *qobject_cast<ConnectionWidget*>(list.itemWidget(list.item(number)));
-}
-
-bool clickInLine(const WindowFixture& fixture, int number, const char* name)
-{
-    auto& button = in<QPushButton>(line(fixture, number), name);
-    // The screen of the tests is narrow: the line is scrolled as far as the button.
-    in<QListWidget>(settingsDialog(fixture), "listWidgetTcp")
-        .horizontalScrollBar()
-        ->setValue(button.geometry().right());
-    return user::click(&button);
-}
 
 /// Row 0 is the header.
 OverviewWidget& overviewRow(const WindowFixture& fixture, int number)
@@ -87,11 +29,6 @@ QStringList identificationWith(const emulator::ControllerHandle& controller)
 {
     return {sent("CLS"), accepted(),  sent("CLS"),
             accepted(),  sent("GID"), got(controller.idReply())};
-}
-
-QString infoText(const WindowFixture& fixture)
-{
-    return in<QLabel>(settingsDialog(fixture), "infoLabel2").text();
 }
 
 } // namespace
@@ -323,11 +260,11 @@ void TestWire::disconnectedSystemIsReconnected()
     QVERIFY(connectByDialog(fixture, 0, "bench"));
     QVERIFY(clickInLine(fixture, 0, "Button"));
     QTRY_VERIFY(!fixture.controller().isConnected());
-    QCOMPARE(in<QPushButton>(line(fixture, 0), "Button").text(), QStringLiteral("Reconnect"));
+    QCOMPARE(lineButtonText(fixture, 0), QStringLiteral("Reconnect"));
 
     fixture.controller().clearWire();
     QVERIFY(clickInLine(fixture, 0, "Button"));
-    QTRY_COMPARE(in<QPushButton>(line(fixture, 0), "Button").text(), QStringLiteral("Disconnect"));
+    QTRY_COMPARE(lineButtonText(fixture, 0), QStringLiteral("Disconnect"));
     QCOMPARE(dialogueWithoutPolls(fixture.controller()), identificationWith(fixture.controller()));
     QCOMPARE(fixture.window().shownConnections(), QList<int>{0});
 }
