@@ -7,8 +7,6 @@ namespace {
 bool sharesLengthUnit(const QList<DetectorPair>& pairs, const QList<int>& displayed,
                       std::size_t stage)
 {
-    if (displayed.isEmpty())
-        return true;
     const int reference = pairs[displayed.first()][stage]->unitCode();
     return std::all_of(displayed.begin(), displayed.end(), [&](int index) {
         const Detector& detector = *pairs[index][stage];
@@ -60,12 +58,16 @@ std::array<UnitChoice, 2> chooseUnits(const QList<DetectorPair>& pairs, const QL
                                       int current)
 {
     std::array<UnitChoice, 2> choices;
+    if (displayed.isEmpty())
+        return choices;
+    // The current one can have been hidden while others stayed.
+    const int source = displayed.contains(current) ? current : displayed.first();
     bool diameterMatters = false;
     for (std::size_t stage = 0; stage < choices.size(); ++stage) {
         UnitChoice& choice = choices[stage];
         choice.unitsAgree = sharesLengthUnit(pairs, displayed, stage);
-        if (!displayed.isEmpty() && choice.unitsAgree)
-            choice.detector = pairs[current][stage];
+        if (choice.unitsAgree)
+            choice.detector = pairs[source][stage];
         diameterMatters = diameterMatters || detectorOrPlain(choice.detector).usesBeamDiameter();
     }
     for (std::size_t stage = 0; stage < choices.size(); ++stage) {

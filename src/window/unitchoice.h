@@ -22,7 +22,8 @@ struct UnitChoice
 };
 
 /// Finds the unit of both stages for the connections in `displayed`, indices into `pairs`. Where
-/// the units agree, the stage takes the detector of `current`, or, if a beam diameter matters on
-/// any stage, that of the largest diameter; of equal ones the first displayed.
+/// the units agree, the stage takes the detector of `current`, or of the first displayed one if
+/// that is hidden; if a beam diameter matters on any stage, that of the largest diameter, of equal
+/// ones the first displayed.
 std::array<UnitChoice, 2> chooseUnits(const QList<DetectorPair>& pairs, const QList<int>& displayed,
                                       int current);

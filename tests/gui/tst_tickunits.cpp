@@ -3,6 +3,7 @@
 #include "link/connection.h"
 #include "model/detector.h"
 #include "plots/genericplot.h"
+#include "plots/rescaledialog.h"
 #include "support/samplefeed.h"
 #include "support/widgetcheck.h"
 #include "support/windowfixture.h"
@@ -104,6 +105,7 @@ private slots:
     void systemsOfOneUnitShareThePlots();
     void systemsOfDifferentUnitsFallBackToVolts();
     void theUnitReturnsWithTheLastSystemThatFits();
+    void hidingTheFirstOfThreeLeavesTheUnitOfTheOthers();
     void theLargestBeamGivesTheRange();
     void aNewUnitEmptiesTheCurvesOfItsStage();
     void anEqualUnitKeepsThem();
@@ -137,6 +139,9 @@ void tst_TickUnits::aStageInLengthsHasItsUnitEverywhere()
     QCOMPARE(labelsOf(fixture, 2), labelsIn(QString::fromUtf8("µm")));
     QCOMPARE(rangeOf(fixture, 1), 4.5);
     QCOMPARE(rangeOf(fixture, 2), 25.0);
+    const auto* rescaling = fixture.window().findChild<RescaleDialog*>();
+    QCOMPARE(rescaling->unit(1), 2);
+    QCOMPARE(rescaling->unit(2), 1);
 
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
@@ -218,6 +223,24 @@ void tst_TickUnits::theUnitReturnsWithTheLastSystemThatFits()
     QCOMPARE(labelsOf(fixture, 1), labelsIn(QString::fromUtf8("µm")));
     QCOMPARE(rangeOf(fixture, 1), 25.0);
     QCOMPARE(labelsOf(fixture, 2), labelsIn("V"));
+}
+
+void tst_TickUnits::hidingTheFirstOfThreeLeavesTheUnitOfTheOthers()
+{
+    WindowFixture fixture(3);
+    QVERIFY(fixture.open());
+    QVERIFY(registerWith(fixture, 0, psdInMm, psdInMm));
+    QVERIFY(registerWith(fixture, 1, quadrantInUm, psdInMm));
+    QVERIFY(registerWith(fixture, 2, quadrantInUm, psdInMm));
+    fixture.window().showConnection(fixture.controller(0).address(), false);
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    // Half the intensity is 8.4 µm, and would be 0.4 mm.
+    QVERIFY(feed.show({sampleOf(500, 0, 1000)}, 1));
+    QCOMPARE(labelsOf(fixture, 1), labelsIn(QString::fromUtf8("µm")));
+    QCOMPARE(rangeOf(fixture, 1), 25.0);
+    QVERIFY(lastPoint(fixture.pointingPlot(1), 1).x() > 8.0);
+    QCOMPARE(labelsOf(fixture, 2), labelsIn("mm"));
 }
 
 void tst_TickUnits::theLargestBeamGivesTheRange()

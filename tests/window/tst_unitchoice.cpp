@@ -52,6 +52,7 @@ private slots:
     void agreementIsJudgedAgainstTheFirstDisplayed();
     void onlyDisplayedSystemsCount();
     void withoutDiameterTheCurrentSystemGivesTheRange();
+    void aCurrentSystemThatIsNotDisplayedGivesNoUnit();
     void ofEqualDiametersTheFirstDisplayedCounts();
     void aStageThatDisagreesStaysPlainWhateverTheOtherDoes();
 };
@@ -132,6 +133,15 @@ void tst_UnitChoice::withoutDiameterTheCurrentSystemGivesTheRange()
     const QList<DetectorPair> systems{system(psdLength, psdLength), system(uvLength, uvLength)};
     QCOMPARE(chooseUnits(systems, {0, 1}, 1)[0].detector, systems[1][0]);
     QCOMPARE(chooseUnits(systems, {1, 0}, 0)[0].detector, systems[0][0]);
+}
+
+void tst_UnitChoice::aCurrentSystemThatIsNotDisplayedGivesNoUnit()
+{
+    const QList<DetectorPair> systems{system(psdLength, psdLength), system(quadrant50, psdLength),
+                                      system(quadrant50, uvLength)};
+    const std::array<UnitChoice, 2> choices = chooseUnits(systems, {1, 2}, 0);
+    QCOMPARE(shown(choices[0]), QString::fromUtf8("agree µm -25 25"));
+    QCOMPARE(shown(choices[1]), QString("agree mm -4.5 4.5"));
 }
 
 void tst_UnitChoice::ofEqualDiametersTheFirstDisplayedCounts()
