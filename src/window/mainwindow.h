@@ -208,7 +208,7 @@ private:
     bool switchStage(StageView& stage);
     void showSwitch(StageView& stage, bool on);
     void readStatusAfterSwitch(int connectionIndex);
-    bool storeStatusReply(ConnectionStatus& status, const QByteArray& reply);
+    void storeStatusReply(ConnectionStatus& status, const QByteArray& reply);
     uchar pollStatusByte();
 
     // Registry.

@@ -1,6 +1,7 @@
 #include "link/connection.h"
 #include "link/packet.h"
 #include "link/streampause.h"
+#include "setup/waitcursor.h"
 #include "window/mainwindow.h"
 
 #include <QLabel>
@@ -19,6 +20,14 @@ constexpr int maxCommErrors = 4;
 bool failed(uchar status)
 {
     return (status & statusflag::lastPacket) != 0;
+}
+
+/// What an accepted switch says of its stage, until the controller says more.
+void noteSwitch(ConnectionStatus& status, int stage, bool on)
+{
+    (stage == 1 ? status.stabilised1 : status.stabilised2) = on;
+    if (!on)
+        (stage == 1 ? status.active1 : status.active2) = false;
 }
 
 void sendSwitch(Connection& connection, int stage, bool on, QByteArray& reply)
@@ -46,6 +55,8 @@ bool MainWindow::switchStage(StageView& stage)
 {
     if (!currentLink())
         return true;
+    const WaitCursor waiting;
+    const bool hadFocus = stage.stabilisation->hasFocus();
     stage.stabilisation->setEnabled(false);
     Connection& connection = *currentLink();
     StreamPause pause(connection);
@@ -58,6 +69,7 @@ bool MainWindow::switchStage(StageView& stage)
     // Without a good reply the button waits for the status to correct it.
     if (command::isAccepted(reply)) {
         showSwitch(stage, on);
+        noteSwitch(statuses[currentConnection], stage.number, on);
         if (!on)
             stage.setActive(false);
     }
@@ -65,6 +77,9 @@ bool MainWindow::switchStage(StageView& stage)
 
     restart(pause);
     stage.stabilisation->setEnabled(true);
+    // Disabled, it lost the keyboard to its neighbour.
+    if (hadFocus)
+        stage.stabilisation->setFocus();
     return true;
 }
 
@@ -87,21 +102,21 @@ void MainWindow::readStatusAfterSwitch(int connectionIndex)
     storeStatusReply(statuses[connectionIndex], reply);
 }
 
-bool MainWindow::storeStatusReply(ConnectionStatus& status, const QByteArray& reply)
+void MainWindow::storeStatusReply(ConnectionStatus& status, const QByteArray& reply)
 {
     if (reply.size() <= statusOffset)
-        return false;
+        return;
     const auto flags = uchar(reply.at(statusOffset));
     status.stabilised1 = (flags & statusflag::stabilised1) != 0;
     status.stabilised2 = (flags & statusflag::stabilised2) != 0;
     status.active1 = (flags & statusflag::active1) != 0;
     status.active2 = (flags & statusflag::active2) != 0;
     status.statusValid = true;
-    return true;
 }
 
 void MainWindow::activeStage(QString id, int stage, bool activate)
 {
+    const WaitCursor waiting;
     for (int index = 0; index < statuses.size(); ++index) {
         Connection& connection = connectionAt(index);
         if (connection.address() != id || !connection.isConnected())
