@@ -1,18 +1,23 @@
 #include "dialogue.h"
-#include "link/connection.h"
+#include "link/tcpclient.h"
+#include "plots/counter.h"
 #include "setup/connectionoverviewdialog.h"
 #include "setup/overviewwidget.h"
 #include "support/boxanswers.h"
+#include "support/emulatedlink.h"
+#include "support/samplefeed.h"
 #include "support/userinput.h"
 #include "support/widgetcheck.h"
 #include "support/windowfixture.h"
 #include "window/mainwindow.h"
 
 #include <QAction>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QtTest>
 
 #include <thread>
@@ -42,12 +47,55 @@ int countOf(const emulator::ControllerHandle& controller, const char* mnemonic)
     return count;
 }
 
+/// Remembers what a button and the pointer looked like whenever the button was turned off or on.
+class PointerWatch final : public QObject
+{
+public:
+    explicit PointerWatch(QPushButton& watched) { watched.installEventFilter(this); }
+
+    QStringList seen;
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        if (event->type() == QEvent::EnabledChange) {
+            const QCursor* cursor = QGuiApplication::overrideCursor();
+            const bool waiting = cursor && cursor->shape() == Qt::WaitCursor;
+            const bool enabled = qobject_cast<QPushButton*>(object)->isEnabled();
+            seen.append(QString(enabled ? "enabled" : "disabled")
+                        + (waiting ? ", waiting" : ", ready"));
+        }
+        return false;
+    }
+};
+
+/// The dialogue without what the stream has sent before the first command.
+QStringList dialogueFromCommand(const emulator::ControllerHandle& controller)
+{
+    QStringList lines = dialogue(controller);
+    if (!lines.isEmpty() && lines.first() == packets())
+        lines.removeFirst();
+    return lines;
+}
+
 bool readStatus(MainWindow& window)
 {
     bool good = false;
     QMetaObject::invokeMethod(&window, "getStabilAndActiveStatus", Qt::DirectConnection,
                               Q_RETURN_ARG(bool, good));
     return good;
+}
+
+/// A status with stage 1 on but not active, and the other way round on stage 2.
+const QByteArray oneOnTwoActive("\0;\x48;", 4);
+
+/// Button and light of both stages.
+QStringList stagesShown(const WindowFixture& fixture)
+{
+    return {fixture.find<QPushButton>("push_Stab1")->text(),
+            fixture.find<QLabel>("label_ActiveText")->text(),
+            fixture.find<QPushButton>("push_Stab2")->text(),
+            fixture.find<QLabel>("label_ActiveText_2")->text()};
 }
 
 /// Answers the next status question with these bytes, in place of the silent controller.
@@ -75,14 +123,24 @@ private slots:
     void badReplyIsRepeatedOnceAndTheStatusCorrectsTheButton_data();
     void badReplyIsRepeatedOnceAndTheStatusCorrectsTheButton();
     void goodReplyOfTwoBytesIsNotRepeated();
+    void newFirmwareIsNotAskedForItsStatus_data();
+    void newFirmwareIsNotAskedForItsStatus();
+    void switchedButtonKeepsTheKeyboard();
+    void buttonIsDisabledAndThePointerWaitsDuringASwitch();
+    void switchWhileStreamingHoldsUntilTheNextSample();
     void streamGoesOnAtItsRateBehindASwitch();
     void refusedRestartIsTold();
     void rateThatWasNeverAcceptedRestartsAt500();
     void overviewSwitchesAnySystem();
     void unknownSystemIsNotSwitched();
+    void twoSystemsOfOneAddressAreSwitchedBoth();
+    void statusBitsBelongToTheirStagesAfterASwitch();
+    void statusBitsBelongToTheirStagesInAPoll();
+    void lostSystemHasNoStatus();
     void statusOfAnotherOperatorReachesTheButton();
     void fourthFailedStatusReadStopsAndTells();
     void goodStatusReadForgetsTheFailures();
+    void startForgetsTheFailures();
     void statusWithBit7CountsAsFailure();
     void statusByteShowsLights();
 };
@@ -182,14 +240,108 @@ void TestStabilisation::goodReplyOfTwoBytesIsNotRepeated()
     QCOMPARE(countOf(fixture.controller(), "SEA"), 1);
 }
 
+void TestStabilisation::newFirmwareIsNotAskedForItsStatus_data()
+{
+    QTest::addColumn<int>("stage");
+    QTest::addColumn<bool>("streaming");
+    for (const int stage : {1, 2}) {
+        QTest::addRow("stage %d, idle", stage) << stage << false;
+        QTest::addRow("stage %d, streaming", stage) << stage << true;
+    }
+}
+
+void TestStabilisation::newFirmwareIsNotAskedForItsStatus()
+{
+    QFETCH(int, stage);
+    QFETCH(bool, streaming);
+    WindowFixture fixture(1, withFirmware(11));
+    QVERIFY(fixture.openWithSystems());
+    if (streaming)
+        QVERIFY(fixture.clickAction("startAction"));
+    const auto expected = [&](const char* mnemonic) {
+        QStringList lines{stageCommand(mnemonic, stage), accepted()};
+        if (streaming)
+            lines = QStringList({sent("CLS"), packets(), accepted()}) + lines
+                    + QStringList({startCommand(100), packets()});
+        return lines;
+    };
+
+    // Without events there is no tick, and so no poll of the window's own.
+    fixture.controller().clearWire();
+    fixture.find<QPushButton>(stage == 1 ? "push_Stab1" : "push_Stab2")->click();
+    QCOMPARE(dialogueFromCommand(fixture.controller()), expected("SEA"));
+
+    fixture.controller().clearWire();
+    fixture.window().activeStage(fixture.controller().address(), stage, false);
+    QCOMPARE(dialogueFromCommand(fixture.controller()), expected("CEA"));
+}
+
+void TestStabilisation::switchedButtonKeepsTheKeyboard()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    auto* button = fixture.find<QPushButton>("push_Stab2");
+    button->setFocus();
+
+    for (const char* mnemonic : {"SEA", "CEA"}) {
+        QTest::keyClick(fixture.window().windowHandle(), Qt::Key_Space);
+        QCOMPARE(countOf(fixture.controller(), mnemonic), 1);
+        QVERIFY(button->hasFocus());
+    }
+    // One that did not have it does not get it.
+    QVERIFY(fixture.clickAction("startAction"));
+    fixture.find<QPushButton>("push_Stab1")->click();
+    QVERIFY(button->hasFocus());
+}
+
+void TestStabilisation::buttonIsDisabledAndThePointerWaitsDuringASwitch()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    const PointerWatch watch(*fixture.find<QPushButton>("push_Stab1"));
+    QVERIFY(fixture.click("push_Stab1"));
+    QCOMPARE(watch.seen, QStringList({"disabled, waiting", "enabled, waiting"}));
+    QVERIFY(!QGuiApplication::overrideCursor());
+}
+
+void TestStabilisation::switchWhileStreamingHoldsUntilTheNextSample()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    QVERIFY(feed.show({emulator::PacketValues()}));
+    auto* button = fixture.find<QPushButton>("push_Stab1");
+    auto* light = fixture.find<QLabel>("label_ActiveText");
+
+    // The restarted stream has nothing to show yet.
+    button->click();
+    fixture.tick();
+    QCOMPARE(button->text(), QStringLiteral("ON"));
+    QVERIFY(button->isChecked());
+
+    QVERIFY(feed.send({emulator::PacketValues()}, 0, emulator::Stage1On | emulator::Stage1Active));
+    fixture.tick();
+    QCOMPARE(light->text(), QStringLiteral("Active"));
+    button->click();
+    fixture.tick();
+    QCOMPARE(button->text(), QStringLiteral("OFF"));
+    QVERIFY(!button->isChecked());
+    QCOMPARE(light->text(), QStringLiteral("Inactive"));
+}
+
 void TestStabilisation::streamGoesOnAtItsRateBehindASwitch()
 {
     WindowFixture fixture(1, withFirmware(40));
     QVERIFY(fixture.openWithSystems());
     QVERIFY(fixture.type("samplingRateCounter", "200"));
     QVERIFY(fixture.clickAction("startAction"));
+    // Not what the tool bar says by now.
+    fixture.find<Counter>("samplingRateCounter")->spinBox->setValue(50);
+    fixture.controller().clearWire();
     QVERIFY(fixture.click("push_Stab1"));
     QVERIFY(fixture.connection().isStreaming());
+    QVERIFY(dialogue(fixture.controller()).contains(startCommand(200)));
     QCOMPARE(fixture.controller().streamRate(), 200);
 }
 
@@ -259,6 +411,77 @@ void TestStabilisation::unknownSystemIsNotSwitched()
     QCOMPARE(countOf(fixture.controller(), "SEA"), 0);
 }
 
+void TestStabilisation::twoSystemsOfOneAddressAreSwitchedBoth()
+{
+    emulator::EmulatorHost host;
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    // At another port, which the address does not tell.
+    const emulator::ControllerHandle twin =
+        host.addTcp(withFirmware(40), fixture.controller().address());
+    auto client = std::make_unique<TcpClient>();
+    TcpClient& link = *client;
+    QVERIFY(link.init(twin.address(), twin.port()));
+    link.start(QThread::InheritPriority);
+    QVERIFY(waitWithoutEvents([&link] { return link.isConnected(); }));
+    QVERIFY(askIdentity(link));
+    link.setTimeoutMs(WindowFixture::shortTimeoutMs);
+    fixture.window().newConnection(std::move(client), fixture.record());
+
+    fixture.window().activeStage(twin.address(), 2, true);
+    QVERIFY(fixture.controller().stageOn(2));
+    QVERIFY(twin.stageOn(2));
+}
+
+void TestStabilisation::statusBitsBelongToTheirStagesAfterASwitch()
+{
+    WindowFixture fixture(1, withFirmware(10));
+    QVERIFY(fixture.openWithSystems());
+    // While it streams nobody else asks for the status.
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    emulator::Faults silent;
+    silent.silent = {"GSF"};
+    fixture.controller().setFaults(silent);
+    std::thread answer = answerNextStatus(fixture.controller(), oneOnTwoActive);
+    fixture.find<QPushButton>("push_Stab2")->click();
+    answer.join();
+    fixture.tick();
+    QCOMPARE(stagesShown(fixture), QStringList({"ON", "Inactive", "OFF", "Active"}));
+}
+
+void TestStabilisation::statusBitsBelongToTheirStagesInAPoll()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    emulator::Faults silent;
+    silent.silent = {"GSF"};
+    fixture.controller().setFaults(silent);
+    std::thread answer = answerNextStatus(fixture.controller(), oneOnTwoActive);
+    fixture.tick();
+    answer.join();
+    QCOMPARE(stagesShown(fixture), QStringList({"ON", "Inactive", "OFF", "Active"}));
+}
+
+void TestStabilisation::lostSystemHasNoStatus()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    fixture.controller().setStage(1, true);
+    fixture.controller().setStage(2, true);
+    const auto flags = [&fixture] {
+        const ConnectionStatus& status = fixture.window().liveStatuses().first();
+        return QVector<bool>{status.statusValid, status.stabilised1, status.stabilised2,
+                             status.active1, status.active2};
+    };
+    QVERIFY(fixture.tickUntil([&] { return flags() == QVector<bool>(5, true); }));
+
+    fixture.controller().closeConnection();
+    QVERIFY(fixture.tickUntil([&] { return !fixture.connection().isConnected(); }));
+    fixture.tick();
+    QCOMPARE(flags(), QVector<bool>(5, false));
+}
+
 void TestStabilisation::statusOfAnotherOperatorReachesTheButton()
 {
     WindowFixture fixture(1, withFirmware(40));
@@ -304,6 +527,29 @@ void TestStabilisation::goodStatusReadForgetsTheFailures()
     QCOMPARE(answers.count(), 0);
 }
 
+void TestStabilisation::startForgetsTheFailures()
+{
+    WindowFixture fixture(1, withFirmware(40));
+    QVERIFY(fixture.openWithSystems());
+    emulator::Faults silent;
+    silent.silent = {"GSF"};
+    fixture.controller().setFaults(silent);
+    const BoxAnswers answers;
+    for (int failure = 1; failure <= 3; ++failure)
+        QVERIFY(!readStatus(fixture.window()));
+    fixture.find<QAction>("startAction")->trigger();
+    QVERIFY(fixture.connection().isStreaming());
+
+    // A streaming controller can not be asked: these fail, too.
+    for (int failure = 1; failure <= 3; ++failure)
+        QVERIFY(!readStatus(fixture.window()));
+    QCOMPARE(answers.count(), 0);
+    QVERIFY(fixture.find<QAction>("startAction")->isChecked());
+    QVERIFY(!readStatus(fixture.window()));
+    QCOMPARE(answers.count(), 1);
+    QVERIFY(!fixture.find<QAction>("startAction")->isChecked());
+}
+
 void TestStabilisation::statusWithBit7CountsAsFailure()
 {
     WindowFixture fixture(1, withFirmware(40));
@@ -311,11 +557,19 @@ void TestStabilisation::statusWithBit7CountsAsFailure()
     emulator::Faults silent;
     silent.silent = {"GSF"};
     fixture.controller().setFaults(silent);
+    const BoxAnswers answers;
     std::thread answer = answerNextStatus(fixture.controller(), QByteArray("\0;\x88;", 4));
     QVERIFY(!readStatus(fixture.window()));
     answer.join();
     // Bit 3 of it says on, and is not believed.
     QCOMPARE(fixture.find<QPushButton>("push_Stab1")->text(), QStringLiteral("OFF"));
+
+    // It was the first of four.
+    for (int failure = 2; failure <= 3; ++failure)
+        QVERIFY(!readStatus(fixture.window()));
+    QCOMPARE(answers.count(), 0);
+    QVERIFY(!readStatus(fixture.window()));
+    QCOMPARE(answers.count(), 1);
 }
 
 void TestStabilisation::statusByteShowsLights()
