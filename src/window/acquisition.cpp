@@ -4,6 +4,7 @@
 #include "plots/genericplot.h"
 #include "plots/thermoslider.h"
 #include "recording/dataloggerdialog.h"
+#include "setup/waitcursor.h"
 #include "window/mainwindow.h"
 
 #include <QAction>
@@ -23,6 +24,14 @@ quint64 nowMs()
     return quint64(QDateTime::currentMSecsSinceEpoch());
 }
 
+/// The order in which the plots go over to live painting and back.
+std::array<GenericPlot*, 6> drawingOrder(const std::array<StageView, 2>& stages)
+{
+    const auto& [one, two] = stages;
+    return {one.osciPlot,      one.positionPlot,  two.positionPlot,
+            one.intensityPlot, two.intensityPlot, two.osciPlot};
+}
+
 } // namespace
 
 void MainWindow::startTicking()
@@ -39,6 +48,7 @@ void MainWindow::stopTicking()
 
 void MainWindow::startStopDataAcquisition()
 {
+    const WaitCursor waiting;
     if (!startAction->isChecked()) {
         dataLoggerDialog->emitStopSignal();
         stopDrawingPlots();
@@ -47,10 +57,8 @@ void MainWindow::startStopDataAcquisition()
     }
 
     stopTicking();
-    for (const int index : displayedConnections) {
-        if (!startStreamAtRate(connectionAt(index), samplingRateCounter->spinBox->value()))
-            errorStreamStart();
-    }
+    for (const int index : displayedConnections)
+        joinAcquisition(connectionAt(index));
     commErrorCount = 0;
     resetPlotsAndDisplays();
     statisticsTime.start();
@@ -61,24 +69,24 @@ void MainWindow::startStopDataAcquisition()
 
 void MainWindow::startDrawingPlots()
 {
-    for (StageView& stage : stages) {
-        stage.osciPlot->start();
-        stage.positionPlot->start();
-        stage.intensityPlot->start();
-    }
+    for (GenericPlot* plot : drawingOrder(stages))
+        plot->start();
 }
 
 void MainWindow::stopDrawingPlots()
 {
+    const WaitCursor waiting;
     for (const int index : displayedConnections)
         connectionAt(index).stopStream();
     startAction->setChecked(false);
     showRunning(false);
-    for (StageView& stage : stages) {
-        stage.osciPlot->stop();
-        stage.osciPlot->replot();
-        stage.positionPlot->stop();
-        stage.intensityPlot->stop();
+    const auto isPointing = [this](const GenericPlot* plot) {
+        return plot == stages[0].osciPlot || plot == stages[1].osciPlot;
+    };
+    for (GenericPlot* plot : drawingOrder(stages)) {
+        plot->stop();
+        if (isPointing(plot))
+            plot->replot();
     }
 }
 
@@ -98,6 +106,7 @@ void MainWindow::resetPlotsAndDisplays()
     stopTicking();
     for (StageView& stage : stages) {
         stage.clearCurves();
+        stage.clearAverages();
         stage.plotOriginMs = nowMs();
     }
     clearStatistics();

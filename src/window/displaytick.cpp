@@ -90,11 +90,12 @@ void MainWindow::showSamples(const std::vector<Block>& blocks)
                 for (StageView& stage : stages)
                     wrapSweep(stage, sample.timeMs);
             }
+            // The sample that ends a run tells no state: the controller is asked from now on.
             if (!countSample(block, first, last))
                 break;
+            if (&sample == &block.samples.back())
+                takeStatus(sample, block.connection);
         }
-        if (!block.samples.empty())
-            takeStatus(block.samples.back(), block.connection);
     }
     replotAll();
 }
@@ -287,6 +288,7 @@ void MainWindow::showUnit(StageView& stage, const UnitChoice& choice)
     stage.osciPlot->setRange(stage.positionMax, stage.positionMin);
     stage.osciPlot->resetZoom();
     stage.clearCurves();
+    stage.clearAverages();
     if (pointingRadio->isChecked())
         clearStatistics();
 }

@@ -187,8 +187,6 @@ void MainWindow::showConnection(QString id, bool show)
     if (displayedConnections.size() == 1) {
         showForSingleSystem(index);
         enableControls(true);
-        for (StageView& stage : stages)
-            stage.clearAverages();
     } else if (displayedConnections.size() == 2) {
         hideSingleSystemWidgets();
     }
@@ -223,6 +221,8 @@ void MainWindow::hideDisplayed(int position)
 void MainWindow::showForSingleSystem(int index)
 {
     setSingleSystemWidgetsVisible(true);
+    for (StageView& stage : stages)
+        stage.clearAverages();
     if (pointingRadio->isChecked())
         enableStatistics(true);
     colorAxisLabels(statuses[index]);

@@ -3,6 +3,7 @@
 #include "emulator/packet.h"
 #include "link/connection.h"
 #include "link/serialport.h"
+#include "params/paramsdialog.h"
 #include "plots/counter.h"
 #include "plots/genericplot.h"
 #include "plots/thermoslider.h"
@@ -76,22 +77,33 @@ std::unique_ptr<Connection> slowSerialLine(const QString& port = "ttyS77")
     return line;
 }
 
-/// Remembers the precise timer that fires while it lives.
+/// Remembers the precise timer that fires while it lives, and when it did so first.
 class TimerWatch final : public QObject
 {
 public:
-    TimerWatch() { QCoreApplication::instance()->installEventFilter(this); }
+    TimerWatch()
+    {
+        QCoreApplication::instance()->installEventFilter(this);
+        clock.start();
+    }
 
     QTimer* seen = nullptr;
+    qint64 firstMs = -1;
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override
     {
         auto* timer = qobject_cast<QTimer*>(object);
-        if (timer && event->type() == QEvent::Timer && timer->timerType() == Qt::PreciseTimer)
-            seen = timer;
+        if (!timer || event->type() != QEvent::Timer || timer->timerType() != Qt::PreciseTimer)
+            return false;
+        if (!seen)
+            firstMs = clock.elapsed();
+        seen = timer;
         return false;
     }
+
+private:
+    QElapsedTimer clock;
 };
 
 } // namespace
@@ -106,6 +118,9 @@ private slots:
     void readoutsShowVoltsWithTwoDecimals();
     void readoutsAverageOverTheLatest41Samples();
     void aSystemShownAgainStartsItsAverageAnew();
+    void theLastSystemLeftStartsItsAverageAnew();
+    void clearingStartsTheAverageAnew();
+    void aNewUnitStartsTheAverageAnew();
     void piezoBarsShowTheNewestSample();
     void twoDisplayedSystemsLeaveReadoutsAndBarsAlone();
     void clearingZeroesReadoutsAndBars();
@@ -115,6 +130,8 @@ private slots:
     void withTwoDisplayedSystemsItDoesNot();
     void theStreamsFlagsReachButtonAndLight();
     void onlyTheLastSampleOfATickTellsTheState();
+    void theLastSampleTellsTheMultiplexing();
+    void theSampleThatEndsARunTellsNoState();
     void oldFirmwareHasNoStateInItsStream();
     void aWrongCheckedStateIsCorrected();
     void withoutAcquisitionTheStatusIsPolled();
@@ -177,6 +194,61 @@ void tst_TickReadouts::aSystemShownAgainStartsItsAverageAnew()
     values.x1 = 1000;
     QVERIFY(feed.show({values}));
     QCOMPARE(readouts(fixture).first(), 1.0);
+}
+
+void tst_TickReadouts::theLastSystemLeftStartsItsAverageAnew()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.openWithSystems());
+    fixture.window().showConnection(fixture.controller(1).address(), false);
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    PacketValues values;
+    values.x1 = 2000;
+    QVERIFY(feed.show(QVector<PacketValues>(30, values), 0));
+    QCOMPARE(readouts(fixture).first(), 2.0);
+
+    fixture.window().showConnection(fixture.controller(1).address(), true);
+    fixture.window().showConnection(fixture.controller(0).address(), false);
+    values.x1 = 1000;
+    QVERIFY(feed.show({values}, 1));
+    QCOMPARE(readouts(fixture).first(), 1.0);
+}
+
+void tst_TickReadouts::clearingStartsTheAverageAnew()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    PacketValues values;
+    values.x1 = 2000;
+    values.y2 = 4000;
+    QVERIFY(feed.show(QVector<PacketValues>(30, values)));
+    feed.clear();
+    values.x1 = 1000;
+    values.y2 = -1000;
+    QVERIFY(feed.show({values}));
+    QCOMPARE(readouts(fixture).at(0), 1.0);
+    QCOMPARE(readouts(fixture).at(4), -1.0);
+}
+
+void tst_TickReadouts::aNewUnitStartsTheAverageAnew()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    PacketValues values;
+    values.x1 = values.x2 = 1200;
+    QVERIFY(feed.show(QVector<PacketValues>(30, values)));
+    QList<DetectorPair>& pairs = *fixture.window().findChild<ParamsDialog*>()->detectorPairs();
+    pairs[0].setDetectorType(0, PsdDetector);
+    pairs[0][0]->calculation = 1;
+    QVERIFY(feed.show({values}));
+    // 1.2 V are 1 mm.
+    QCOMPARE(readouts(fixture).at(0), 1.0);
+    QCOMPARE(readouts(fixture).at(3), 1.2);
 }
 
 void tst_TickReadouts::piezoBarsShowTheNewestSample()
@@ -311,6 +383,44 @@ void tst_TickReadouts::onlyTheLastSampleOfATickTellsTheState()
     QCOMPARE(switchState(fixture, "push_Stab2"), QString("ON checked lightgreen"));
 }
 
+void tst_TickReadouts::theLastSampleTellsTheMultiplexing()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    const auto multiplexed = [&fixture] {
+        const ConnectionStatus& status = fixture.window().liveStatuses().first();
+        return QVector<bool>{status.multiplex1, status.multiplex2};
+    };
+    QVERIFY(feed.send({PacketValues()}, 0, 0, emulator::Multiplex1));
+    QVERIFY(feed.send({PacketValues()}, 0, 0, emulator::Multiplex2));
+    fixture.tick();
+    QCOMPARE(multiplexed(), (QVector<bool>{false, true}));
+    QVERIFY(feed.send({PacketValues()}, 0, 0, emulator::Multiplex1));
+    fixture.tick();
+    QCOMPARE(multiplexed(), (QVector<bool>{true, false}));
+}
+
+void tst_TickReadouts::theSampleThatEndsARunTellsNoState()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.click("pointingRadio"));
+    QVERIFY(fixture.type("samplesToTakeCounter", "4"));
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    QVERIFY(feed.send(QVector<PacketValues>(3), 0, 0, emulator::Multiplex1));
+    fixture.tick();
+    QVERIFY(feed.send({PacketValues()}, 0, 0, emulator::Multiplex2));
+    QVERIFY(feed.send({PacketValues()}, 0, 0, emulator::Multiplex2));
+    fixture.tick();
+    QVERIFY(!fixture.find<QAction>("startAction")->isChecked());
+    const ConnectionStatus& status = fixture.window().liveStatuses().first();
+    QVERIFY(status.multiplex1);
+    QVERIFY(!status.multiplex2);
+}
+
 void tst_TickReadouts::oldFirmwareHasNoStateInItsStream()
 {
     emulator::ControllerOptions options;
@@ -386,9 +496,10 @@ void tst_TickReadouts::theUpdateRateIsThePeriodOfTheTick()
 void tst_TickReadouts::theFirstTickComesASecondAfterConstruction()
 {
     WindowFixture fixture(1);
-    QVERIFY(fixture.openWithSystems());
     const TimerWatch watch;
+    QVERIFY(fixture.openWithSystems());
     QTRY_VERIFY(watch.seen);
+    QVERIFY2(watch.firstMs >= 1000, qPrintable(QString::number(watch.firstMs)));
     // From then on at the update rate, with the status polls that come with it.
     QCOMPARE(watch.seen->interval(), 10);
     QTRY_VERIFY(fixture.controller().commands().count("GSF;") > 2);

@@ -23,14 +23,14 @@ bool SampleFeed::start() const
                        [this](int i) { return fixture.connection(i).isStreaming(); });
 }
 
-bool SampleFeed::send(const QVector<emulator::PacketValues>& samples, int number,
-                      quint8 flagsA) const
+bool SampleFeed::send(const QVector<emulator::PacketValues>& samples, int number, quint8 flagsA,
+                      quint8 flagsB) const
 {
     const Connection& connection = fixture.connection(number);
     const quint64 wanted = connection.samplesStored() + quint64(samples.size());
     QByteArray bytes;
     for (const emulator::PacketValues& values : samples)
-        bytes += emulator::encodePacket(values, flagsA, 0);
+        bytes += emulator::encodePacket(values, flagsA, flagsB);
     fixture.controller(number).sendRaw(bytes);
     return waitWithoutEvents([&] { return connection.samplesStored() == wanted; });
 }

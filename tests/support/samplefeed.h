@@ -19,8 +19,8 @@ public:
     /// time begin behind the packets that answered the starts.
     bool start() const;
     /// Sends samples of a controller and waits until its connection holds them.
-    bool send(const QVector<emulator::PacketValues>& samples, int number = 0,
-              quint8 flagsA = 0) const;
+    bool send(const QVector<emulator::PacketValues>& samples, int number = 0, quint8 flagsA = 0,
+              quint8 flagsB = 0) const;
     /// `send` and one tick.
     bool show(const QVector<emulator::PacketValues>& samples, int number = 0) const;
     /// Clears as the tool bar does, at a later millisecond than anything before.
