@@ -80,7 +80,9 @@ MainWindow::MainWindow(QWidget* parent)
     disableWhatNeedsAConnection();
     disableWhatIsNotOffered();
     loadSetupFile();
-    maxRate = initialMaxRateHz;
+    // A pulsed system of the setup file holds the lock by now, and this is what it gives back.
+    if (!pulsedRateLock)
+        maxRate = initialMaxRateHz;
     logMessage().debug() << "Finished constructing main window";
 }
 

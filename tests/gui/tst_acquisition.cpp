@@ -2,16 +2,21 @@
 #include "plots/counter.h"
 #include "plots/genericplot.h"
 #include "plots/thermoslider.h"
+#include "recording/dataloggerdialog.h"
 #include "support/widgetcheck.h"
 #include "support/windowfixture.h"
 #include "window/mainwindow.h"
 
 #include <QAction>
+#include <QGuiApplication>
 #include <QLCDNumber>
 #include <QMessageBox>
+#include <QSignalSpy>
 #include <QSpinBox>
 #include <QtTest>
 #include <qwt_plot_canvas.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -44,6 +49,28 @@ int countOf(const emulator::ControllerHandle& controller, const QByteArray& comm
     return controller.commands().count(command);
 }
 
+bool showsIcon(const QAction& action, const QString& name)
+{
+    constexpr QSize size(22, 22);
+    const QIcon icon(QStringLiteral(":/images/%1.xpm").arg(name));
+    return action.icon().pixmap(size).toImage() == icon.pixmap(size).toImage();
+}
+
+/// Numbers of the controllers in the order in which they got their first command of this kind.
+QList<int> orderOf(const WindowFixture& fixture, const char* mnemonic)
+{
+    QMap<qint64, int> numbers;
+    for (int i = 0; i < int(fixture.window().liveConnections().size()); ++i) {
+        const QVector<emulator::WireEvent> wire = fixture.controller(i).wire();
+        const auto first = std::find_if(wire.begin(), wire.end(), [&](const auto& event) {
+            return event.bytes.startsWith(mnemonic);
+        });
+        if (first != wire.end())
+            numbers.insert(first->timeNs, i);
+    }
+    return numbers.values();
+}
+
 /// Pointing mode with its statistics shown, at a rate that a test does not wait for.
 bool enterPointingMode(const WindowFixture& fixture)
 {
@@ -68,6 +95,9 @@ private slots:
     void cleanup();
     void nothingCanBeStartedWithoutASystem();
     void startCarriesTheRateAndTurnsTheButton();
+    void stopEndsARecording();
+    void pointerWaitsDuringStartAndStop_data();
+    void pointerWaitsDuringStartAndStop();
     void samplingRateIsFixedWhileRunning();
     void refusedStartIsToldAndTheOthersRun_data();
     void refusedStartIsToldAndTheOthersRun();
@@ -79,10 +109,13 @@ private slots:
     void enteringPointingModeWhileRunningBeginsANewCount();
     void leavingPointingModeEndsTheLimit();
     void pulsedSystemLocksTheRate();
+    void lockedStartKeepsTheRateThatWasAccepted();
+    void lockOfAStoredSystemEndsAtTheFullRate();
     void clearWhileStoppedEmptiesTheDisplay();
     void clearWhileRunningBeginsTimeAnew();
     void canvasesHaveNoBackingStoreWhileRunning();
     void streamsOfAllShownSystemsStartAndStop();
+    void streamsStartAndStopInTheOrderOfDisplay();
 };
 
 void TestAcquisition::cleanup()
@@ -107,16 +140,58 @@ void TestAcquisition::startCarriesTheRateAndTurnsTheButton()
     auto* action = fixture.find<QAction>("startAction");
     QCOMPARE(action->text(), QStringLiteral("Start"));
 
+    QVERIFY(showsIcon(*action, "go"));
+
     QVERIFY(fixture.clickAction("startAction"));
     QCOMPARE(action->text(), QStringLiteral("Stop"));
     QVERIFY(action->isChecked());
+    QVERIFY(showsIcon(*action, "stop"));
     QCOMPARE(countOf(fixture.controller(), QByteArray("SLS\0\0\x01\xae;", 8)), 1);
     QCOMPARE(fixture.connection().samplingRate(), 430);
 
     QVERIFY(fixture.clickAction("startAction"));
     QCOMPARE(action->text(), QStringLiteral("Start"));
     QVERIFY(!action->isChecked());
+    QVERIFY(showsIcon(*action, "go"));
     QVERIFY(!fixture.connection().isStreaming());
+}
+
+void TestAcquisition::stopEndsARecording()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const QSignalSpy stopped(fixture.window().findChild<DataLoggerDialog*>(),
+                             &DataLoggerDialog::dataRecordingStopped);
+    QVERIFY(fixture.clickAction("startAction"));
+    QCOMPARE(stopped.count(), 0);
+    QVERIFY(fixture.clickAction("startAction"));
+    QCOMPARE(stopped.count(), 1);
+}
+
+void TestAcquisition::pointerWaitsDuringStartAndStop_data()
+{
+    QTest::addColumn<bool>("running");
+    QTest::newRow("start") << false;
+    QTest::newRow("stop") << true;
+}
+
+void TestAcquisition::pointerWaitsDuringStartAndStop()
+{
+    QFETCH(bool, running);
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    if (running)
+        QVERIFY(fixture.clickAction("startAction"));
+    bool waited = false;
+    // The text of the button changes when the controllers have answered.
+    const auto look = [&waited] {
+        const QCursor* cursor = QGuiApplication::overrideCursor();
+        waited = waited || (cursor && cursor->shape() == Qt::WaitCursor);
+    };
+    connect(fixture.find<QAction>("startAction"), &QAction::changed, &fixture.window(), look);
+    QVERIFY(fixture.clickAction("startAction"));
+    QVERIFY(waited);
+    QVERIFY(!QGuiApplication::overrideCursor());
 }
 
 void TestAcquisition::samplingRateIsFixedWhileRunning()
@@ -303,6 +378,50 @@ void TestAcquisition::pulsedSystemLocksTheRate()
     QVERIFY(rate->isEnabled());
 }
 
+void TestAcquisition::lockedStartKeepsTheRateThatWasAccepted()
+{
+    // Controllers of this kind are told a rate also where they follow trigger pulses.
+    emulator::ControllerOptions options;
+    options.vm = true;
+    WindowFixture fixture(2, options);
+    QVERIFY(fixture.open());
+    ConnectionSettings pulsed = fixture.record();
+    pulsed.pulsedLaser = true;
+    QVERIFY(fixture.registerSystem(pulsed, 0));
+    QVERIFY(fixture.registerSystem(1));
+    fixture.tick();
+    QVERIFY(fixture.type("samplingRateCounter", "200"));
+    QVERIFY(fixture.clickAction("startAction"));
+    QCOMPARE(fixture.connection(0).samplingRate(), 200);
+    QVERIFY(fixture.clickAction("startAction"));
+
+    fixture.window().showConnection(fixture.controller(1).address(), false);
+    fixture.tick();
+    QVERIFY(fixture.clickAction("startAction"));
+    QCOMPARE(countOf(fixture.controller(0), QByteArray("SGS\0\0\x03\xe8;", 8)), 1);
+    QVERIFY(fixture.connection(0).isStreaming());
+    QCOMPARE(fixture.connection(0).samplingRate(), 200);
+}
+
+void TestAcquisition::lockOfAStoredSystemEndsAtTheFullRate()
+{
+    emulator::ControllerOptions options;
+    options.triggerCapable = true;
+    WindowFixture fixture(1, options);
+    ConnectionSettings pulsed = fixture.record();
+    pulsed.pulsedLaser = true;
+    QVERIFY(fixture.writeSetupFile({pulsed}));
+    QVERIFY(fixture.open());
+    QSpinBox& rate = *fixture.find<Counter>("samplingRateCounter")->spinBox;
+    fixture.tick();
+    QCOMPARE(rate.value(), 1000);
+
+    fixture.window().showConnection(fixture.connection().address(), false);
+    fixture.tick();
+    QCOMPARE(rate.maximum(), 500);
+    QCOMPARE(rate.value(), 100);
+}
+
 void TestAcquisition::clearWhileStoppedEmptiesTheDisplay()
 {
     WindowFixture fixture(1, scripted(60));
@@ -376,6 +495,20 @@ void TestAcquisition::streamsOfAllShownSystemsStartAndStop()
     QVERIFY(fixture.clickAction("startAction"));
     for (int system = 0; system < 3; ++system)
         QVERIFY(!fixture.connection(system).isStreaming());
+}
+
+void TestAcquisition::streamsStartAndStopInTheOrderOfDisplay()
+{
+    WindowFixture fixture(3);
+    QVERIFY(fixture.openWithSystems());
+    fixture.window().showConnection(fixture.connection(0).address(), false);
+    fixture.window().showConnection(fixture.connection(0).address(), true);
+    QVERIFY(fixture.clickAction("startAction"));
+    QCOMPARE(orderOf(fixture, "SLS"), (QList<int>{1, 2, 0}));
+    for (int system = 0; system < 3; ++system)
+        fixture.controller(system).clearWire();
+    QVERIFY(fixture.clickAction("startAction"));
+    QCOMPARE(orderOf(fixture, "CLS"), (QList<int>{1, 2, 0}));
 }
 
 QTEST_MAIN(TestAcquisition)
