@@ -11,6 +11,7 @@
 
 #include <QAction>
 #include <QCheckBox>
+#include <QLCDNumber>
 #include <QSpinBox>
 #include <QtTest>
 #include <qwt_plot_shapeitem.h>
@@ -152,6 +153,7 @@ private slots:
     void enteringPointingModeOffersTheBoxesOfASingleSystem();
     void clearingEmptiesTextAndCross();
     void switchingToPointingModeCountsFromZero();
+    void switchingToPointingModeAgainCountsFromZero();
     void switchingBackEndsTheLimit();
     void aSecondSystemTakesTheStatisticsAway();
     void withTwoSystemsTheFirstOneCountsAndTheLastOneEndsTheRun();
@@ -301,9 +303,20 @@ void tst_Statistics::aNewRunCountsFromZero()
     QVERIFY(feed.show(restlessBeam(50)));
     QVERIFY(fixture.clickAction("startAction"));
     QVERIFY(!running(fixture));
-    QVERIFY(feed.start());
-    QVERIFY(pointsOf(fixture.pointingPlot(1), 0).isEmpty());
-    QCOMPARE(fixture.statisticsText(1), emptyText);
+    const auto* readout = fixture.find<QLCDNumber>("lcd1x");
+    QVERIFY(readout->value() != 0.0);
+
+    // The controller answers the start and sends nothing yet.
+    fixture.find<QAction>("startAction")->trigger();
+    QVERIFY(running(fixture));
+    for (int stage = 1; stage <= 2; ++stage) {
+        QVERIFY(pointsOf(fixture.pointingPlot(stage), 0).isEmpty());
+        QVERIFY(pointsOf(fixture.positionPlot(stage), 0).isEmpty());
+        QVERIFY(pointsOf(fixture.positionPlot(stage), 1).isEmpty());
+        QVERIFY(pointsOf(fixture.intensityPlot(stage), 0).isEmpty());
+        QCOMPARE(fixture.statisticsText(stage), emptyText);
+    }
+    QCOMPARE(readout->value(), 0.0);
     const QVector<PacketValues> still100(100, sampleOf(1, 2));
     QVERIFY(feed.show(still100.mid(0, 99)));
     QVERIFY(running(fixture));
@@ -475,6 +488,26 @@ void tst_Statistics::switchingToPointingModeCountsFromZero()
     QVERIFY(running(fixture));
     QVERIFY(feed.show(restlessBeam(5)));
     QVERIFY(!running(fixture));
+}
+
+void tst_Statistics::switchingToPointingModeAgainCountsFromZero()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(startRun(fixture, 50));
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.show(restlessBeam(20)));
+    QVERIFY(fixture.click("oscilloscopeRadio"));
+    QVERIFY(fixture.click("pointingRadio"));
+    QVERIFY(fixture.click("checkBox_Stats1"));
+    QCOMPARE(fixture.statisticsText(1), emptyText);
+    const QVector<PacketValues> still50(50, sampleOf(1, 2));
+    QVERIFY(feed.show(still50.mid(0, 49)));
+    QVERIFY(running(fixture));
+    QVERIFY(feed.show(still50.mid(49)));
+    QVERIFY(!running(fixture));
+    QCOMPARE(fixture.statisticsText(1),
+             QString("\nx=0.001 [V]\ny=0.002 [V]\n#samples=50\nRMS=0.0000 [V]"));
 }
 
 void tst_Statistics::switchingBackEndsTheLimit()
