@@ -1,17 +1,24 @@
 // The plots as the frame presents them: ranges, zoom, layout and what a click on an axis does.
 
 #include "model/detector.h"
+#include "plots/colorscalesframe.h"
 #include "plots/genericplot.h"
+#include "setup/overviewwidget.h"
+#include "support/replotcounter.h"
 #include "support/samplefeed.h"
 #include "support/userinput.h"
 #include "support/widgetcheck.h"
 #include "support/windowfixture.h"
 #include "window/mainwindow.h"
 
+#include <QAction>
 #include <QApplication>
+#include <QCheckBox>
+#include <QDialog>
 #include <QFrame>
 #include <QLCDNumber>
 #include <QLabel>
+#include <QListWidget>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
@@ -50,15 +57,17 @@ QString timeRange(const WindowFixture& fixture, int stage)
     return same ? shown : QStringLiteral("differ");
 }
 
-/// The newest mid-line of a plot.
-QRectF midLine(const GenericPlot& plot)
+/// Where the dark grey lines of that title stand, oldest first.
+QVector<QRectF> midLines(const GenericPlot& plot, const char* title = "Horizontale Mittellinie")
 {
+    QVector<QRectF> places;
     const QwtPlotItemList shapes = plot.itemList(QwtPlotItem::Rtti_PlotShape);
-    const auto* line = static_cast<const QwtPlotShapeItem*>(shapes.last());
-    return line->title().text() == "Horizontale Mittellinie"
-                   && line->pen().color() == QColor(Qt::darkGray)
-               ? line->shape().boundingRect()
-               : QRectF();
+    for (const QwtPlotItem* shape : shapes) {
+        const auto& line = static_cast<const QwtPlotShapeItem&>(*shape);
+        if (line.title().text() == title && line.pen().color() == QColor(Qt::darkGray))
+            places.append(line.shape().boundingRect());
+    }
+    return places;
 }
 
 /// Draws a rubber band over a part of the canvas.
@@ -169,12 +178,16 @@ private slots:
     void cleanup();
 
     void pointingPlotsShowFiveVoltsOnAllAxes();
+    void crossHairsStandOnThePointingPlots();
     void timePlotsShowTenSeconds();
+    void stoppingReplotsThePointingPlots();
+    void aColourScaleStandsBesideEachPiezoBar();
     void rescalingAnAxis_data();
     void rescalingAnAxis();
     void positionsOfDifferentUnitsDoNotFollow();
     void rescalingATimeAxis_data();
     void rescalingATimeAxis();
+    void aRescaledTimeAxisAddsAMidLineToBothStages();
     void resettingThePointingZoom();
     void resettingTheTimePlots();
     void aRubberBandZoomsPointingPlotsOnly();
@@ -194,7 +207,7 @@ private slots:
     void nothingOverlaps();
     void theSmallestWindowScrolls();
     void numbersOfAnyWidthMoveNothing();
-    void aLongLabelWidensNothing();
+    void aLongLabelScrollsInTheOverviewAndWidensNothing();
 
 private:
     std::unique_ptr<WindowFixture> fixture;
@@ -224,6 +237,55 @@ void tst_FrameView::pointingPlotsShowFiveVoltsOnAllAxes()
     }
 }
 
+void tst_FrameView::crossHairsStandOnThePointingPlots()
+{
+    for (int stage = 1; stage <= 2; ++stage) {
+        const GenericPlot& plot = fixture->pointingPlot(stage);
+        QCOMPARE(midLines(plot, "Vertikale Mittellinie"),
+                 (QVector<QRectF>{{0.0, -5.0, 0.0, 10.0}}));
+        QCOMPARE(midLines(plot, "Horizontale Mittellinie"),
+                 (QVector<QRectF>{{-5.0, 0.0, 10.0, 0.0}}));
+    }
+}
+
+void tst_FrameView::stoppingReplotsThePointingPlots()
+{
+    QVERIFY(fixture->registerSystem(0));
+    const SampleFeed feed(*fixture);
+    QVERIFY(feed.start());
+    QVERIFY(feed.show(countedSamples(1)));
+    const ReplotCounter pointing1(fixture->pointingPlot(1));
+    const ReplotCounter pointing2(fixture->pointingPlot(2));
+    const ReplotCounter position(fixture->positionPlot(1));
+    fixture->window().stopDrawingPlots();
+    QCOMPARE(pointing1.count, 1);
+    QCOMPARE(pointing2.count, 1);
+    QCOMPARE(position.count, 0);
+}
+
+void tst_FrameView::aColourScaleStandsBesideEachPiezoBar()
+{
+    QVERIFY(fixture->registerSystem(0));
+    const QList<ColorScalesFrame*> strips = fixture->window().findChildren<ColorScalesFrame*>();
+    QCOMPARE(strips.size(), 4);
+    const auto place = [this](const QWidget& widget) {
+        return QRect(widget.mapTo(&fixture->window(), QPoint(0, 0)), widget.size());
+    };
+    for (const char* name : {"thermoRX1", "thermoRY1", "thermoRX2", "thermoRY2"}) {
+        const QRect bar = place(*fixture->find<QWidget>(name));
+        int beside = 0;
+        for (const ColorScalesFrame* strip : strips) {
+            constexpr int mostGapPx = 10;
+            const QRect rect = place(*strip);
+            const int gap = bar.left() - rect.right() - 1;
+            const bool isBeside = gap >= 0 && gap <= mostGapPx && rect.top() == bar.top()
+                                  && rect.height() == bar.height();
+            beside += isBeside && strip->isVisible() ? 1 : 0;
+        }
+        QCOMPARE(beside, 1);
+    }
+}
+
 void tst_FrameView::timePlotsShowTenSeconds()
 {
     for (int stage = 1; stage <= 2; ++stage) {
@@ -247,7 +309,7 @@ void tst_FrameView::timePlotsShowTenSeconds()
             QVERIFY(!plot->axisEnabled(QwtPlot::yRight));
             QCOMPARE(plot->canvas()->cursor().shape(), Qt::ArrowCursor);
         }
-        QCOMPARE(midLine(position), QRectF(0.0, 0.0, 10000.0, 0.0));
+        QCOMPARE(midLines(position), (QVector<QRectF>{{0.0, 0.0, 10000.0, 0.0}}));
     }
 }
 
@@ -325,8 +387,18 @@ void tst_FrameView::rescalingATimeAxis()
     QCOMPARE(timeRange(*fixture, 1), stage1);
     QTEST(timeRange(*fixture, 2), "stage2");
     QCOMPARE(valueRanges(*fixture), (QStringList{"-5..5", "-5..5", "0..8", "0..8"}));
-    if (stage1 == "1..20")
-        QCOMPARE(midLine(fixture->positionPlot(1)), QRectF(0.0, 0.0, 20000.0, 0.0));
+}
+
+void tst_FrameView::aRescaledTimeAxisAddsAMidLineToBothStages()
+{
+    const QRectF tenSeconds(0.0, 0.0, 10000.0, 0.0);
+    const QRectF twentySeconds(0.0, 0.0, 20000.0, 0.0);
+    for (int stage = 1; stage <= 2; ++stage)
+        QCOMPARE(midLines(fixture->positionPlot(stage)), QVector<QRectF>{tenSeconds});
+    fixture->window().rescaleTimeAxis(3, 1, 20, false);
+    for (int stage = 1; stage <= 2; ++stage)
+        QCOMPARE(midLines(fixture->positionPlot(stage)),
+                 (QVector<QRectF>{tenSeconds, twentySeconds}));
 }
 
 void tst_FrameView::resettingThePointingZoom()
@@ -560,14 +632,27 @@ void tst_FrameView::pointingPlotsResizedWhileZoomedAreSquareAgain()
 void tst_FrameView::nothingOverlaps_data()
 {
     QTest::addColumn<QSize>("size");
-    for (const QSize& size : {usualSize, QSize(900, 700), QSize(600, 450)})
-        QTest::addRow("%d x %d", size.width(), size.height()) << size;
+    QTest::addColumn<int>("systems");
+    QTest::addColumn<bool>("pointing");
+    for (const QSize& size : {usualSize, QSize(900, 700), QSize(600, 450)}) {
+        for (int systems = 0; systems <= 2; ++systems) {
+            for (const bool pointing : {false, true})
+                QTest::addRow("%d x %d, %d systems, %s", size.width(), size.height(), systems,
+                              pointing ? "pointing" : "oscilloscope")
+                    << size << systems << pointing;
+        }
+    }
 }
 
 void tst_FrameView::nothingOverlaps()
 {
     QFETCH(QSize, size);
-    QVERIFY(fixture->registerSystem(0));
+    QFETCH(int, systems);
+    QFETCH(bool, pointing);
+    for (int number = 0; number < systems; ++number)
+        QVERIFY(fixture->registerSystem(number));
+    if (pointing)
+        QVERIFY(fixture->click("pointingRadio"));
     QVERIFY(resizeTo(*fixture, size));
     const auto* contents = fixture->find<QWidget>("scrollAreaWidgetContents");
     QCOMPARE(overlaps(*contents), QStringList());
@@ -618,19 +703,35 @@ void tst_FrameView::numbersOfAnyWidthMoveNothing()
     }
 }
 
-void tst_FrameView::aLongLabelWidensNothing()
+void tst_FrameView::aLongLabelScrollsInTheOverviewAndWidensNothing()
 {
-    ConnectionSettings record = fixture->record();
-    record.label.set(QString(63, 'W'));
-    const QSize before = fixture->window().minimumSizeHint();
     QVERIFY(fixture->registerSystem(0));
-    const QSize usual = fixture->window().minimumSizeHint();
-    fixture->window().closedConnection(fixture->controller().address());
-    QVERIFY(fixture->registerSystem(record, 0));
+    fixture->find<QAction>("actionConfiguration")->trigger();
     fixture->tick();
-    QCOMPARE(fixture->window().minimumSizeHint(), usual);
-    QVERIFY(before.isValid());
+    const auto* overview = fixture->find<QDialog>("ConnectionOverviewDialog");
+    QVERIFY(overview && overview->isVisible());
+    QScrollBar& across = *overview->findChild<QListWidget*>("listWidget")->horizontalScrollBar();
+    QTRY_COMPARE(across.maximum(), 0);
+    const QSize overviewSize = overview->size();
+    const QSize windowNeeds = fixture->window().minimumSizeHint();
+
+    const QString longest(63, 'W');
+    fixture->window().changeLabel(fixture->controller().address(), longest);
+    fixture->tick();
+    QTRY_VERIFY(across.maximum() > 0);
+    QCOMPARE(overview->size(), overviewSize);
+    QCOMPARE(fixture->window().minimumSizeHint(), windowNeeds);
     QCOMPARE(fixture->window().size(), usualSize);
+
+    // The label is whole, and what stands behind it can be scrolled to.
+    const QWidget* row = overview->findChildren<OverviewWidget*>().last();
+    const auto* label = row->findChild<QLabel*>("label");
+    QCOMPARE(label->text(), longest);
+    QVERIFY(label->width() >= label->fontMetrics().horizontalAdvance(longest));
+    const auto* lastOfRow = row->findChild<QCheckBox*>("showCheckBox");
+    QVERIFY(lastOfRow->visibleRegion().isEmpty());
+    across.setValue(across.maximum());
+    QCOMPARE(lastOfRow->visibleRegion().boundingRect(), lastOfRow->rect());
 }
 
 QTEST_MAIN(tst_FrameView)
