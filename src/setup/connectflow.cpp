@@ -41,6 +41,7 @@ void SettingsDialog::on_connectSerialButton_clicked()
         say(serialTab.info, tr("Serial port is not suitable for communication"));
         return;
     }
+    logMessage().info() << "Connecting";
     if (!connectController(serialTab, std::move(connection)))
         return;
     ui->serialPortInfoListBox->removeItem(
@@ -186,7 +187,6 @@ std::unique_ptr<Connection> SettingsDialog::makeTcpConnection()
 bool SettingsDialog::connectController(Tab& flow, std::unique_ptr<Connection> connection)
 {
     const WaitCursor waiting;
-    logMessage().info() << "Connecting" << connection->address();
     say(flow.info, tr("Connecting..."));
     QString id;
     const LinkOutcome outcome =

@@ -299,13 +299,12 @@ void TestSerialFlow::aConnectedDeviceIsKept()
 
 void TestSerialFlow::theFlowTellsItsStory()
 {
-    ControllerHandle controller = plug();
+    plug();
     scanUntilFound();
     const LogCapture log;
     connectAs("a");
-    QCOMPARE(storyOf(log),
-             QStringList({"info: Trying to connect (serial)",
-                          "info: Connecting \"" + portOf(controller) + '"', "info: Connected"}));
+    QCOMPARE(storyOf(log), QStringList({"info: Trying to connect (serial)", "info: Connecting",
+                                        "info: Connected"}));
 }
 
 void TestSerialFlow::aKnownControllerGetsItsDetectorsAgain()
@@ -421,8 +420,7 @@ void TestSerialFlow::aPortThatIsGoneCanNotBeConnected()
     connectAs("a");
     QVERIFY(time.elapsed() < 1000);
     QCOMPARE(bench->serialInfo(), QStringLiteral("Connection could not be established"));
-    QCOMPARE(storyOf(log), QStringList({"info: Trying to connect (serial)",
-                                        "info: Connecting \"" + portOf(controller) + '"',
+    QCOMPARE(storyOf(log), QStringList({"info: Trying to connect (serial)", "info: Connecting",
                                         "warning: Connection could not be established"}));
 
     controller.replug();
@@ -522,8 +520,7 @@ void TestSerialFlow::theAdjustmentClosesItsLink()
     QCOMPARE(lines,
              QStringList({"info: Trying to connect (serial)", initialised, "debug: Disconnecting",
                           "debug: Finished disconnecting", "debug: Deleting serial connection",
-                          initialised, "info: Connecting \"" + portOf(controller) + '"',
-                          "info: Connected"}));
+                          initialised, "info: Connecting", "info: Connected"}));
     QCOMPARE(log.count("debug: Closing connection \"\""), 1);
 }
 
