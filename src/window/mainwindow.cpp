@@ -196,7 +196,6 @@ void MainWindow::makeStatisticsOverlay()
         stage.statisticsText.setFont(QFont(QStringLiteral("Sans Serif"), textSizePt));
         stage.statisticsText.setColor(Qt::red);
         stage.statisticsText.setRenderFlags(Qt::AlignLeft | Qt::AlignTop);
-        stage.statisticsText.setText(emptyStatisticsText());
         stage.statisticsLabel = std::make_unique<QwtPlotTextLabel>();
         stage.statisticsLabel->setText(stage.statisticsText);
 

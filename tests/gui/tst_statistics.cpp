@@ -157,6 +157,8 @@ private slots:
     void switchingBackEndsTheLimit();
     void aSecondSystemTakesTheStatisticsAway();
     void withTwoSystemsTheFirstOneCountsAndTheLastOneEndsTheRun();
+    void eachOfTwoSystemsHasSumsOfItsOwn_data();
+    void eachOfTwoSystemsHasSumsOfItsOwn();
     void textIsRedAndInTheCorner();
 };
 
@@ -453,8 +455,11 @@ void tst_Statistics::enteringPointingModeOffersTheBoxesOfASingleSystem()
     QVERIFY(fixture.click("pointingRadio"));
     QVERIFY(box->isEnabled() && !box->isChecked());
     QVERIFY(fixture.click("checkBox_Stats1"));
-    QCOMPARE(fixture.statisticsText(1), emptyText);
+    QVERIFY(fixture.statisticsText(1).isEmpty());
     QCOMPARE(crossRect(fixture, 1), QRectF(-0.75, -0.75, 1.5, 1.5));
+    // The text comes with the first clearing.
+    QVERIFY(fixture.clickAction("clearAction"));
+    QCOMPARE(fixture.statisticsText(1), emptyText);
 }
 
 void tst_Statistics::clearingEmptiesTextAndCross()
@@ -556,6 +561,41 @@ void tst_Statistics::withTwoSystemsTheFirstOneCountsAndTheLastOneEndsTheRun()
     QCOMPARE(pointsOf(fixture.pointingPlot(1), 1).size(), 1);
     QVERIFY(!fixture.controller(0).isStreaming());
     QVERIFY(!fixture.controller(1).isStreaming());
+}
+
+void tst_Statistics::eachOfTwoSystemsHasSumsOfItsOwn_data()
+{
+    QTest::addColumn<int>("hidden");
+    QTest::addColumn<double>("rms");
+    // The mean of k samples at 1 V that all 20 are counted for stands at k / 20.
+    double squares = 0.0;
+    for (int k = 1; k <= 20; ++k)
+        squares += (1.0 - k / 20.0) * (1.0 - k / 20.0);
+    QTest::newRow("the first one") << 1 << still;
+    QTest::newRow("the second one") << 0 << std::sqrt(squares / 20.0);
+}
+
+void tst_Statistics::eachOfTwoSystemsHasSumsOfItsOwn()
+{
+    QFETCH(int, hidden);
+    QFETCH(double, rms);
+    WindowFixture fixture(2);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.click("pointingRadio"));
+    const SampleFeed feed(fixture);
+    QVERIFY(feed.start());
+    // The text is refreshed at most every 11 ms.
+    QElapsedTimer sinceStart;
+    sinceStart.start();
+    QVERIFY(waitWithoutEvents([&] { return sinceStart.elapsed() > 11; }));
+    QVERIFY(feed.send(QVector<PacketValues>(20, sampleOf(0, 0)), 0));
+    QVERIFY(feed.send(QVector<PacketValues>(20, sampleOf(1000, 0)), 1));
+    fixture.tick();
+
+    fixture.window().showConnection(fixture.controller(hidden).address(), false);
+    QVERIFY(fixture.click("checkBox_Stats1"));
+    const QString text = fixture.statisticsText(1);
+    QVERIFY2(text.endsWith("\nRMS=" + QString::number(rms, 'f', 4) + " [V]"), qPrintable(text));
 }
 
 void tst_Statistics::textIsRedAndInTheCorner()
