@@ -19,6 +19,11 @@ void markInvalid(QLineEdit& edit)
 
 void SettingsDialog::on_connectSerialButton_clicked()
 {
+    inTurn([this] { connectSerial(); });
+}
+
+void SettingsDialog::connectSerial()
+{
     logMessage().info() << "Trying to connect (serial)";
     if (!serialFieldsAreFilled())
         return;
@@ -90,7 +95,8 @@ std::unique_ptr<Connection> SettingsDialog::makeSerialConnection(const QStringLi
     return connection;
 }
 
-/// Moves a controller from the rate at which it was found to the wanted one.
+/// Moves a controller from the rate at which it was found to the wanted one. False, with the reason
+/// said, if it did not go along, or if nobody waits for it any more.
 bool SettingsDialog::adjustBaudRate(const QStringList& device, int baudRate)
 {
     const WaitCursor waiting;
@@ -106,15 +112,21 @@ bool SettingsDialog::adjustBaudRate(const QStringList& device, int baudRate)
         abandoned.push_back(std::move(connection));
         return false;
     }
-    connection->disconnectController();
+    // The end of the link takes events, which must find the rate that the controller has now.
     for (QStringList& entry : interfaces) {
         if (entry.value(interfaceId) == device.value(interfaceId))
             entry[interfaceBaudRate] = QString::number(baudRate);
     }
-    return true;
+    connection->disconnectController();
+    return !registry.isLeaving();
 }
 
 void SettingsDialog::on_connectTcpButton_clicked()
+{
+    inTurn([this] { connectTcp(); });
+}
+
+void SettingsDialog::connectTcp()
 {
     if (!tcpFieldsAreFilled() || !readTcpPort())
         return;
@@ -183,7 +195,8 @@ std::unique_ptr<Connection> SettingsDialog::makeTcpConnection()
     return connection;
 }
 
-/// Brings a connection up and keeps it. A flow that fails leaves nothing but its message.
+/// Brings a connection up and keeps it. A flow that fails leaves nothing but its message; one that
+/// nobody waits for any more leaves not even that.
 bool SettingsDialog::connectController(Tab& flow, std::unique_ptr<Connection> connection)
 {
     const WaitCursor waiting;
@@ -191,6 +204,8 @@ bool SettingsDialog::connectController(Tab& flow, std::unique_ptr<Connection> co
     QString id;
     const LinkOutcome outcome =
         connectAndIdentify(*connection, flow.wait, flow.labelEdit.text(), id);
+    if (registry.isLeaving())
+        return false;
     if (outcome == LinkOutcome::Up) {
         logMessage().info() << "Connected";
         keepNewConnection(flow, std::move(connection), id);
@@ -213,18 +228,16 @@ void SettingsDialog::keepNewConnection(Tab& flow, std::unique_ptr<Connection> co
     record.id.set(id);
     record.label.set(flow.labelEdit.text());
     record.baudRateOrPort = connection->portOrBaud();
-    record.position = records.size();
     record.autoConnect = true;
     record.colorX = Qt::red;
     record.colorY = Qt::darkGreen;
     record.colorI = Qt::blue;
 
-    addLine(flow, record, connection->address()).setConnected(true);
+    addLine(flow, record, *connection).setConnected(true);
     flow.labelEdit.clear();
     // A controller that was known before gets its detectors again.
     settings.read(QString());
     settings.getDetectorData(record);
-    records.append(record);
     connection->setTriggerMode(record.pulsedLaser);
-    registry.newConnection(std::move(connection), record);
+    registerConnection(std::move(connection), record);
 }

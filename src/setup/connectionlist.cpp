@@ -1,5 +1,6 @@
 #include "setup/connectionlist.h"
 
+#include "link/connection.h"
 #include "setup/connectionwidget.h"
 
 #include <QListWidget>
@@ -19,11 +20,12 @@ int indexOf(const QList<ConnectionWidget*>& widgets, Predicate matches)
 } // namespace
 
 ConnectionWidget& ConnectionList::add(const QString& number, const QString& label,
-                                      const QString& address, const QString& registryAddress)
+                                      const QString& address, const Connection& connection)
 {
     widgets.append(new ConnectionWidget(number, label, address, &list));
     items.append(new QListWidgetItem(&list));
-    registryAddresses.append(registryAddress);
+    owners.append(&connection);
+    registryAddresses.append(connection.address());
     items.last()->setSizeHint(widgets.last()->sizeHint());
     list.setItemWidget(items.last(), widgets.last());
     return *widgets.last();
@@ -33,6 +35,7 @@ void ConnectionList::removeAt(int index)
 {
     ConnectionWidget* const widget = widgets.takeAt(index);
     const std::unique_ptr<QListWidgetItem> item(items.takeAt(index));
+    owners.removeAt(index);
     registryAddresses.removeAt(index);
     list.removeItemWidget(item.get());
     // The line's own button can be what asks for this.

@@ -3,6 +3,7 @@
 #include <QList>
 #include <QString>
 
+class Connection;
 class ConnectionWidget;
 class QListWidget;
 class QListWidgetItem;
@@ -15,15 +16,17 @@ public:
         : list(listWidget)
     {}
 
-    /// Adds a line. `registryAddress` is the address by which the connection is registered: empty
-    /// for a stored address that no connection can take.
+    /// Adds the line of a connection. Its own address is empty if the stored one is none.
     ConnectionWidget& add(const QString& number, const QString& label, const QString& address,
-                          const QString& registryAddress);
+                          const Connection& connection);
     void removeAt(int index);
 
     int size() const { return widgets.size(); }
     ConnectionWidget& at(int index) const { return *widgets.at(index); }
+    /// The address by which the connection is registered.
     QString registryAddressAt(int index) const { return registryAddresses.at(index); }
+    /// Whose lines these are, in their order. They can be gone.
+    const QList<const Connection*>& connections() const { return owners; }
 
     /// Index of the first line with this address or number; -1 if there is none.
     int indexOfAddress(const QString& address) const;
@@ -39,5 +42,6 @@ private:
     // Same indices.
     QList<ConnectionWidget*> widgets;
     QList<QListWidgetItem*> items;
+    QList<const Connection*> owners;
     QList<QString> registryAddresses;
 };

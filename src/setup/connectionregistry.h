@@ -9,7 +9,10 @@
 
 class Connection;
 
-/// Keeps the connections that the connection dialog makes, by address. GUI thread only.
+/// Keeps the connections that the connection dialog makes. GUI thread only.
+///
+/// Most of them are told apart by their addresses. Those whose stored address is none share the
+/// empty one: what has to find these, too, goes by the connection itself.
 class ConnectionRegistry
 {
 public:
@@ -21,8 +24,11 @@ public:
     /// thread.
     virtual void newConnection(std::unique_ptr<Connection> connection,
                                const ConnectionSettings& settings) = 0;
-    /// Ends and removes a connection; false if the address is not known.
-    virtual bool closedConnection(QString address) = 0;
+    /// Ends and removes a connection; false if it is not there. It is only compared: it can be
+    /// gone.
+    virtual bool closeConnection(const Connection* connection) = 0;
+    /// Renames a connection, at its controller, too, if it is up.
+    virtual void relabelConnection(const Connection* connection, const QString& label) = 0;
     /// Brings a connection up again and tells who answered. Blocks for the exchanges. False if
     /// no controller did.
     virtual bool reconnectConnection(QString address, QString& boardID) = 0;

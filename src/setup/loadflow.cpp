@@ -38,27 +38,41 @@ void SettingsDialog::on_loadConnectionButton_clicked()
     ui->loadConnectionButton->setEnabled(false);
     const QString path = chooseFile(QFileDialog::AcceptOpen, tr("Load Connection Setup"));
     if (!path.isEmpty()) {
-        sayInBoth(QString());
-        closeAllConnections();
-        const auto telling =
-            connect(this, &SettingsDialog::connectingTo, this, [this](const QString& label) {
-                sayInBoth(tr("Connecting to %1...").arg(label));
-            });
-        loadConnection(path);
-        disconnect(telling);
+        inTurn([this, path] { loadChosen(path); });
     }
     ui->loadConnectionButton->setEnabled(true);
 }
 
+void SettingsDialog::loadChosen(const QString& path)
+{
+    sayInBoth(QString());
+    closeAllConnections();
+    if (registry.isLeaving())
+        return;
+    const auto telling =
+        connect(this, &SettingsDialog::connectingTo, this,
+                [this](const QString& label) { sayInBoth(tr("Connecting to %1...").arg(label)); });
+    makeConnections(path);
+    disconnect(telling);
+}
+
 void SettingsDialog::loadConnection(QString path)
+{
+    inTurn([this, path] { makeConnections(path); });
+}
+
+void SettingsDialog::makeConnections(const QString& path)
 {
     logMessage().info() << "Loading connections";
     if (switches::autoSerialSearch)
         fillPortsInfo();
-    const bool loaded = takeRecords(path);
-    for (int i = 0; i < records.size(); ++i) {
-        records[i].position = i;
-        makeStoredConnection(records[i]);
+    // If the file can not be read, those that are there already are gone through.
+    QList<ConnectionSettings> wanted = records;
+    const bool loaded = readRecords(path, wanted);
+    for (const ConnectionSettings& record : qAsConst(wanted)) {
+        if (registry.isLeaving())
+            break;
+        makeStoredConnection(record);
     }
     if (!path.isEmpty())
         showLoadOutcome(loaded);
@@ -66,15 +80,15 @@ void SettingsDialog::loadConnection(QString path)
     emit loadingFinished();
 }
 
-/// False, with the records kept, if the file can not be read; false with no records if it holds
-/// no controller.
-bool SettingsDialog::takeRecords(const QString& path)
+/// False, with `found` as it was, if the file can not be read; false with an empty `found` if it
+/// holds no controller.
+bool SettingsDialog::readRecords(const QString& path, QList<ConnectionSettings>& found)
 {
     if (!settings.read(path))
         return false;
-    settings.getList(records);
-    removeRepeated(records);
-    return !records.isEmpty();
+    settings.getList(found);
+    removeRepeated(found);
+    return !found.isEmpty();
 }
 
 void SettingsDialog::showLoadOutcome(bool loaded)
@@ -92,12 +106,14 @@ bool SettingsDialog::hasLineFor(const QString& id) const
 void SettingsDialog::findInterface(ConnectionSettings& record) const
 {
     for (const QStringList& entry : interfaces) {
-        if (entry.value(interfaceId) == record.id.text())
-            record.name.set(entry.value(interfacePort));
+        const QString port = entry.value(interfacePort);
+        // A name without room in the record belongs to no port that can be connected.
+        if (entry.value(interfaceId) == record.id.text() && decltype(record.name)::fits(port))
+            record.name.set(port);
     }
 }
 
-void SettingsDialog::makeStoredConnection(ConnectionSettings& record)
+void SettingsDialog::makeStoredConnection(ConnectionSettings record)
 {
     if (hasLineFor(record.id.text())) {
         logMessage().info() << "Skipping already existing" << record.id.text();
@@ -117,11 +133,13 @@ void SettingsDialog::makeStoredConnection(ConnectionSettings& record)
     // From here on the connection's way to write its address is the one that counts.
     if (usable && decltype(record.name)::fits(connection->address()))
         record.name.set(connection->address());
-    ConnectionWidget& line = addLine(own, record, connection->address());
+    ConnectionWidget& line = addLine(own, record, *connection);
 
     if (usable && record.autoConnect && connectStored(*connection, record))
         line.setConnected(true);
-    registry.newConnection(std::move(connection), record);
+    if (registry.isLeaving())
+        return;
+    registerConnection(std::move(connection), record);
     takeEvents();
 }
 

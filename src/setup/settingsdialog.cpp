@@ -12,11 +12,13 @@
 
 #include <QDir>
 #include <QGuiApplication>
+#include <QPointer>
 #include <QRegExpValidator>
 #include <QScreen>
 #include <QShowEvent>
 #include <QStyle>
 
+#include <algorithm>
 #include <initializer_list>
 
 namespace {
@@ -301,21 +303,41 @@ QString SettingsDialog::registryAddress(const QString& address) const
 }
 
 ConnectionWidget& SettingsDialog::addLine(Tab& lineTab, const ConnectionSettings& record,
-                                          const QString& registered)
+                                          const Connection& connection)
 {
-    const QString address = record.name.text();
     ConnectionWidget& line =
-        lineTab.lines.add(record.id.text(), record.label.text(), address, registered);
+        lineTab.lines.add(record.id.text(), record.label.text(), record.name.text(), connection);
     line.setAutoConnect(record.autoConnect);
     keepTabOrder(line);
-    connect(&line, &ConnectionWidget::labelChanged, this, &SettingsDialog::newLabel);
+    // What the user does to a line is meant for its connection, whoever else has the address.
+    const QPointer<const Connection> owner(&connection);
+    const bool hasAddress = !connection.address().isEmpty();
+    connect(&line, &ConnectionWidget::labelChanged, this,
+            [this, owner, hasAddress](const QString& address, const QString& label) {
+                if (hasAddress)
+                    emit newLabel(address, label);
+                else
+                    registry.relabelConnection(owner, label);
+            });
     connect(&line, &ConnectionWidget::reconnectC, this, &SettingsDialog::on_WidgetReconnect);
     connect(&line, &ConnectionWidget::disconnectC, this, &SettingsDialog::on_WidgetDisconnect);
     connect(&line, &ConnectionWidget::deleteConnection, this,
-            &SettingsDialog::deleteConnectionSlot);
-    connect(&line, &ConnectionWidget::autoConnectChanged, this,
-            [this, address](bool isActive) { autoConnectChanged(address, isActive); });
+            [this, owner] { inTurn([this, owner] { deleteConnection(owner); }); });
+    connect(
+        &line, &ConnectionWidget::autoConnectChanged, this,
+        [this, address = line.address()](bool isActive) { autoConnectChanged(address, isActive); });
     return line;
+}
+
+/// Record and connection come together, so that both lists stay in step whatever comes between
+/// two connections.
+void SettingsDialog::registerConnection(std::unique_ptr<Connection> connection,
+                                        ConnectionSettings record)
+{
+    record.position = records.size();
+    records.append(record);
+    recordOwners.append(connection.get());
+    registry.newConnection(std::move(connection), record);
 }
 
 /// Tab follows the eye: the lines stand above the buttons of the dialog.
@@ -339,51 +361,72 @@ void SettingsDialog::autoConnectChanged(QString address, bool isActive)
     }
 }
 
-void SettingsDialog::removeRecord(const QString& address)
+void SettingsDialog::deleteConnectionSlot(QString address)
 {
-    for (int i = 0; i < records.size(); ++i) {
-        if (records.at(i).name.text() == address) {
-            records.removeAt(i);
-            return;
-        }
+    for (const Tab* each : {&serialTab, &tcpTab}) {
+        const int index = each->lines.indexOfAddress(address);
+        if (index < 0)
+            continue;
+        deleteConnection(each->lines.connections().at(index));
+        return;
     }
 }
 
-void SettingsDialog::deleteConnectionSlot(QString address)
+/// Record and line go if the registry agrees. Its work takes events: they are looked for after it.
+void SettingsDialog::deleteConnection(const Connection* connection)
 {
     const WaitCursor waiting;
-    if (!registry.closedConnection(registryAddress(address)))
+    if (!registry.closeConnection(connection))
         return;
-    removeRecord(address);
+    const int record = recordOwners.indexOf(connection);
+    if (record >= 0) {
+        recordOwners.removeAt(record);
+        records.removeAt(record);
+    }
     for (Tab* each : {&serialTab, &tcpTab}) {
-        const int index = each->lines.indexOfAddress(address);
-        if (index >= 0)
-            each->lines.removeAt(index);
+        const int line = each->lines.connections().indexOf(connection);
+        if (line >= 0)
+            each->lines.removeAt(line);
     }
 }
 
 void SettingsDialog::closeAllConnections()
 {
-    const WaitCursor waiting;
-    for (Tab* each : {&serialTab, &tcpTab}) {
-        for (int i = each->lines.size() - 1; i >= 0; --i) {
-            if (!registry.closedConnection(each->lines.registryAddressAt(i)))
-                continue;
-            removeRecord(each->lines.at(i).address());
-            each->lines.removeAt(i);
-        }
+    for (const Tab* each : {&serialTab, &tcpTab}) {
+        const QList<const Connection*> present = each->lines.connections();
+        std::for_each(present.crbegin(), present.crend(),
+                      [this](const Connection* connection) { deleteConnection(connection); });
+    }
+}
+
+/// Runs a flow when no other one does. Flows take events, and what comes with these must not find
+/// another one half done: it waits for its turn, as it would in the queue of events.
+void SettingsDialog::inTurn(std::function<void()> flow)
+{
+    turns.push_back(std::move(flow));
+    if (turns.size() > 1)
+        return;
+    while (!turns.empty()) {
+        if (!registry.isLeaving())
+            turns.front()();
+        turns.pop_front();
     }
 }
 
 void SettingsDialog::on_WidgetReconnect(QString address)
 {
+    inTurn([this, address] { reconnect(address); });
+}
+
+void SettingsDialog::reconnect(const QString& address)
+{
     QString boardId;
     const QString registered = registryAddress(address);
-    const auto reconnect = [&] {
+    const auto isReconnected = [&] {
         const WaitCursor waiting;
         return registry.reconnectConnection(registered, boardId);
     };
-    if (!reconnect()) {
+    if (!isReconnected()) {
         sayInBoth(tr("Could not establish connection."));
         return;
     }

@@ -10,6 +10,7 @@
 #include <QList>
 #include <QStringList>
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -119,7 +120,11 @@ private:
     void sayInBoth(const QString& text);
     Tab& tab(ConnectionType type);
 
+    void inTurn(std::function<void()> flow);
+
     // Making one connection.
+    void connectSerial();
+    void connectTcp();
     bool serialFieldsAreFilled();
     QStringList chosenInterface();
     std::unique_ptr<Connection> makeSerialConnection(const QStringList& device, int baudRate);
@@ -131,26 +136,34 @@ private:
     bool connectController(Tab& tab, std::unique_ptr<Connection> connection);
     void keepNewConnection(Tab& tab, std::unique_ptr<Connection> connection, const QString& id);
     ConnectionWidget& addLine(Tab& tab, const ConnectionSettings& record,
-                              const QString& registryAddress);
+                              const Connection& connection);
+    void registerConnection(std::unique_ptr<Connection> connection, ConnectionSettings record);
     void keepTabOrder(const ConnectionWidget& line);
 
     // Making those of a file.
-    bool takeRecords(const QString& path);
+    void loadChosen(const QString& path);
+    void makeConnections(const QString& path);
+    bool readRecords(const QString& path, QList<ConnectionSettings>& found);
     bool hasLineFor(const QString& id) const;
-    void makeStoredConnection(ConnectionSettings& record);
+    void makeStoredConnection(ConnectionSettings record);
     void findInterface(ConnectionSettings& record) const;
     bool connectStored(Connection& connection, const ConnectionSettings& record);
     void showLoadOutcome(bool loaded);
 
     // Lines and records.
     QString registryAddress(const QString& address) const;
-    void removeRecord(const QString& address);
+    void reconnect(const QString& address);
+    void deleteConnection(const Connection* connection);
 
     std::unique_ptr<Ui::SettingsDialog> ui;
     ConnectionRegistry& registry;
     Settings settings;
     /// The working copy, in the order in which the connections were made: that of the registry.
     QList<ConnectionSettings> records;
+    /// Whose records they are; same indices. They can be gone.
+    QList<const Connection*> recordOwners;
+    /// The flow that runs, and those that wait for its end.
+    std::deque<std::function<void()>> turns;
     Tab serialTab;
     Tab tcpTab;
     QList<QStringList> interfaces;

@@ -274,5 +274,5 @@ void MainWindow::leave()
     // What the dialog does not know of was registered by somebody else. One by one: the end of
     // each takes events, and these must find whole lists.
     while (!connections.empty())
-        closedConnection(connections.back()->address());
+        closeConnection(connections.back().get());
 }

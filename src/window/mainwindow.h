@@ -58,6 +58,8 @@ public:
     bool isLeaving() const override { return left; }
     void newConnection(std::unique_ptr<Connection> connection,
                        const ConnectionSettings& settings) override;
+    bool closeConnection(const Connection* connection) override;
+    void relabelConnection(const Connection* connection, const QString& label) override;
 
     const std::vector<std::unique_ptr<Connection>>& liveConnections() const { return connections; }
     const QList<ConnectionStatus>& liveStatuses() const { return statuses; }
@@ -65,7 +67,7 @@ public:
     const QList<int>& shownConnections() const { return displayedConnections; }
 
 public slots:
-    bool closedConnection(QString address) override;
+    bool closedConnection(QString address);
     bool disconnectConnection(QString address) override;
     bool reconnectConnection(QString address, QString& boardID) override;
     bool updateSettingsAndParameters(QList<ConnectionSettings>& settings) override;
@@ -214,7 +216,7 @@ private:
     // Registry.
     class KeepingClosed;
     int indexOf(const QString& address) const;
-    int indexOf(const Connection& link) const;
+    int indexOf(const Connection* link) const;
     int indexOfConnected(const QString& address) const;
     Connection& connectionAt(int index) const { return *connections[std::size_t(index)]; }
     /// What the stabilisation buttons address; null if it is not registered any more.

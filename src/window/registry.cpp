@@ -70,9 +70,9 @@ int MainWindow::indexOf(const QString& address) const
     return indexWhere(connections, [&](const Connection& c) { return c.address() == address; });
 }
 
-int MainWindow::indexOf(const Connection& link) const
+int MainWindow::indexOf(const Connection* link) const
 {
-    return indexWhere(connections, [&](const Connection& c) { return &c == &link; });
+    return indexWhere(connections, [&](const Connection& c) { return &c == link; });
 }
 
 int MainWindow::indexOfConnected(const QString& address) const
@@ -141,7 +141,7 @@ void MainWindow::watchLink(Connection& link)
 /// Told behind the back of one that was closed or disconnected meanwhile, a loss is no news.
 void MainWindow::takeLoss(const Connection* link)
 {
-    if (link && indexOf(*link) >= 0 && link->isConnected())
+    if (link && indexOf(link) >= 0 && link->isConnected())
         settingsDialog->on_WidgetDisconnect(link->address());
 }
 
@@ -280,6 +280,12 @@ void MainWindow::clearCurvesOf(int index)
 bool MainWindow::closedConnection(QString address)
 {
     const int n = indexOf(address);
+    return n >= 0 && closeConnection(&connectionAt(n));
+}
+
+bool MainWindow::closeConnection(const Connection* connection)
+{
+    const int n = indexOf(connection);
     if (n < 0)
         return false;
     stopTicking();
@@ -333,7 +339,7 @@ void MainWindow::endLink(Connection& link)
     link.disconnectController();
     QThread::msleep(settleMs);
     // That has taken events: it can stand elsewhere now, or nowhere.
-    const int index = indexOf(link);
+    const int index = indexOf(&link);
     if (index < 0)
         return;
     hideIfDisplayed(index);
@@ -355,7 +361,7 @@ bool MainWindow::reconnectConnection(QString address, QString& boardID)
             link->disconnectController();
             QThread::msleep(settleMs);
         }
-        if (indexOf(*link) < 0)
+        if (indexOf(link) < 0)
             continue;
         if (!comesUp(*link))
             break;
@@ -364,7 +370,7 @@ bool MainWindow::reconnectConnection(QString address, QString& boardID)
             link->disconnectController();
             continue;
         }
-        statuses[indexOf(*link)].statusValid = true;
+        statuses[indexOf(link)].statusValid = true;
         if (displayedConnections.size() < maxDisplayed)
             showConnection(address, true);
         boardID = identity.id;
@@ -415,6 +421,13 @@ void MainWindow::updateColorGraph(QString id, QColor color, int graph)
 void MainWindow::changeLabel(QString address, QString label)
 {
     const int n = indexOf(address);
+    if (n >= 0)
+        relabelConnection(&connectionAt(n), label);
+}
+
+void MainWindow::relabelConnection(const Connection* connection, const QString& label)
+{
+    const int n = indexOf(connection);
     if (n < 0)
         return;
     labelController(connectionAt(n), label);

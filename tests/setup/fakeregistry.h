@@ -5,6 +5,7 @@
 
 #include <QStringList>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -27,16 +28,27 @@ public:
         connections.push_back(std::move(connection));
     }
 
-    bool closedConnection(QString address) override
+    bool closeConnection(const Connection* connection) override
     {
-        calls.append("close " + address);
-        for (auto it = connections.begin(); closes && it != connections.end(); ++it) {
-            if ((*it)->address() != address)
-                continue;
-            connections.erase(it);
-            return true;
-        }
-        return false;
+        const auto found = find(connection);
+        if (found == connections.end())
+            return false;
+        calls.append("close " + (*found)->address());
+        if (!closes)
+            return false;
+        if (whenClosing)
+            whenClosing();
+        // Its end takes events, and these find a whole list.
+        const std::unique_ptr<Connection> closed = std::move(*found);
+        connections.erase(found);
+        return true;
+    }
+
+    void relabelConnection(const Connection* connection, const QString& label) override
+    {
+        const auto found = find(connection);
+        if (found != connections.end())
+            (*found)->setLabel(label);
     }
 
     bool reconnectConnection(QString address, QString& boardID) override
@@ -55,8 +67,8 @@ public:
     bool updateSettingsAndParameters(QList<ConnectionSettings>& settings) override
     {
         calls.append("update");
-        for (int i = 0; i < qMin(settings.size(), order.size()); ++i)
-            settings[i].position = order.at(i);
+        for (int i = 0; i < settings.size(); ++i)
+            settings[i].position = order.value(i, i);
         return updates;
     }
 
@@ -68,6 +80,8 @@ public:
 
     /// Called with every new connection.
     std::function<void()> whenNew;
+    /// Called before a connection is closed.
+    std::function<void()> whenClosing;
     bool leaving = false;
     bool closes = true;
     bool reconnects = true;
@@ -77,4 +91,11 @@ public:
     QString answeringId;
     /// The order that the overview shows; empty: as made.
     QList<int> order;
+
+private:
+    std::vector<std::unique_ptr<Connection>>::iterator find(const Connection* connection)
+    {
+        return std::find_if(connections.begin(), connections.end(),
+                            [connection](const auto& each) { return each.get() == connection; });
+    }
 };

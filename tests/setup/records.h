@@ -4,6 +4,7 @@
 #include "setup/setupdocument.h"
 
 #include <QString>
+#include <QStringList>
 
 namespace records {
 
@@ -52,6 +53,18 @@ inline ConnectionSettings quietSerial(const QString& key, const QString& port, c
     ConnectionSettings record = serial(key, label);
     record.name.set(port);
     return record;
+}
+
+/// Labels of the systems of a setup file, in its order.
+inline QStringList labelsIn(const QByteArray& xml)
+{
+    QStringList labels;
+    const auto content = setupdocument::read(xml);
+    if (content) {
+        for (const ConnectionSettings& record : content->records)
+            labels.append(record.label.text());
+    }
+    return labels;
 }
 
 /// A whole setup file.

@@ -7,25 +7,11 @@
 #include <QtTest>
 
 using records::file;
+using records::labelsIn;
 using records::quietSerial;
 using records::quietTcp;
 using widgettest::click;
 using widgettest::named;
-
-namespace {
-
-QStringList labelsIn(const QByteArray& xml)
-{
-    QStringList labels;
-    const auto content = setupdocument::read(xml);
-    if (content) {
-        for (const ConnectionSettings& record : content->records)
-            labels.append(record.label.text());
-    }
-    return labels;
-}
-
-} // namespace
 
 class TestStoredSystems final : public QObject
 {
