@@ -6,8 +6,8 @@
 #include "link/triggerobject.h"
 
 #include <QCoreApplication>
-#include <QSerialPort>
 
+#include <cerrno>
 #include <fcntl.h>
 #include <linux/serial.h>
 #include <sys/ioctl.h>
@@ -70,10 +70,15 @@ bool SerialPort::openPort()
     // It was closed in between: one that did not come back is as good as one that never opened.
     if (port()->isOpen())
         return true;
-    const QString refusal = porterrors::explainRefusal(portName, port()->error());
+    tellRefusal(port()->error());
+    return false;
+}
+
+void SerialPort::tellRefusal(QSerialPort::SerialPortError error) const
+{
+    const QString refusal = porterrors::explainRefusal(portName, error);
     if (!refusal.isEmpty())
         logMessage().warning() << qPrintable(refusal);
-    return false;
 }
 
 void SerialPort::run()
@@ -116,8 +121,11 @@ bool SerialPort::setlowlatency()
     port()->close();
     const QByteArray path = QByteArray("/dev/") + portName.toLocal8Bit();
     const int descriptor = ::open(path.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
-    if (descriptor < 0)
+    if (descriptor < 0) {
+        if (errno == EACCES || errno == EPERM)
+            tellRefusal(QSerialPort::PermissionError);
         return false;
+    }
     requestLowLatency(descriptor);
     ::close(descriptor);
     port()->open(QIODevice::ReadWrite);

@@ -2,7 +2,7 @@
 
 #include "link/connection.h"
 
-class QSerialPort;
+#include <QSerialPort>
 
 /// A connection over a serial line. It is up, or has failed, as soon as its thread has opened the
 /// port.
@@ -39,6 +39,7 @@ private slots:
 private:
     QSerialPort* port() const;
     bool openPort();
+    void tellRefusal(QSerialPort::SerialPortError error) const;
 
     // Written only while the thread does not run.
     QString portName;

@@ -1,5 +1,6 @@
 // The search for controllers, over pseudo terminals with the names of serial adapters.
 
+#include "anotheruser.h"
 #include "link/interfacesearch.h"
 #include "support/logcapture.h"
 #include "support/privatedev.h"
@@ -62,25 +63,6 @@ QString quoted(const QString& text)
 {
     return '"' + text + '"';
 }
-
-/// The effective user is another one for as long as this lives; nothing for who is not root.
-class AnotherUser final
-{
-public:
-    AnotherUser() { change(nobody); }
-    ~AnotherUser() { change(0); }
-    AnotherUser(const AnotherUser&) = delete;
-    AnotherUser& operator=(const AnotherUser&) = delete;
-
-private:
-    static constexpr uid_t nobody = 65534;
-
-    static void change(uid_t user)
-    {
-        if (::getuid() == 0 && ::seteuid(user) != 0)
-            qFatal("Can not change the user");
-    }
-};
 
 } // namespace
 

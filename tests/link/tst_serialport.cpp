@@ -1,142 +1,21 @@
 // A connection over a serial line, against emulated controllers behind pseudo terminals.
 
-#include "emulator/emulatorhost.h"
-#include "link/identification.h"
-#include "link/serialport.h"
+#include "driverwatch.h"
 #include "link/streampause.h"
+#include "seriallink.h"
 #include "support/emulatedlink.h"
 #include "support/logcapture.h"
 #include "support/privatedev.h"
-#include "support/pseudoport.h"
 
 #include <QElapsedTimer>
-#include <QFile>
-#include <QSerialPort>
 #include <QtTest>
 
-#include <atomic>
-#include <cstdarg>
-#include <functional>
 #include <linux/serial.h>
-#include <memory>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
-#include <sys/syscall.h>
+#include <termios.h>
 #include <thread>
-#include <unistd.h>
 
 namespace {
-
-constexpr int startAnswer = 1;
-
-/// What a test does when a request reaches the driver of a serial port.
-struct DriverWatch
-{
-    using Act = std::function<void()>;
-
-    static std::atomic<DriverWatch*> present;
-
-    explicit DriverWatch(unsigned long watchedRequest = 0, Act onRequest = {})
-        : request(watchedRequest)
-        , act(std::move(onRequest))
-    {
-        present = this;
-    }
-    ~DriverWatch() { present = nullptr; }
-    DriverWatch(const DriverWatch&) = delete;
-    DriverWatch& operator=(const DriverWatch&) = delete;
-
-    void note(unsigned long passing, const void* argument)
-    {
-        if (passing == TIOCSSERIAL)
-            flags = static_cast<const serial_struct*>(argument)->flags;
-        if (passing == request && act)
-            act();
-    }
-
-    const unsigned long request;
-    const Act act;
-    /// Of the last setting that was asked for.
-    std::atomic<int> flags{0};
-};
-
-std::atomic<DriverWatch*> DriverWatch::present{nullptr};
-
-} // namespace
-
-/// In place of the library's, so that a test sees what is asked of the driver.
-extern "C" int ioctl(int descriptor, unsigned long request, ...) noexcept
-{
-    va_list arguments;
-    va_start(arguments, request);
-    void* const argument = va_arg(arguments, void*);
-    va_end(arguments);
-    if (DriverWatch* watch = DriverWatch::present)
-        watch->note(request, argument);
-    return static_cast<int>(::syscall(SYS_ioctl, descriptor, request, argument));
-}
-
-namespace {
-
-/// A `SerialPort` on a pseudo terminal, with short waits unless asked otherwise.
-struct SerialLink
-{
-    static constexpr int shortTimeoutMs = 150;
-
-    explicit SerialLink(const QString& portName, int timeoutMs = shortTimeoutMs)
-    {
-        client.setTimeoutMs(timeoutMs);
-        client.init(portName, 115200);
-        QObject::connect(&client, &Connection::hostDisconnected, &context,
-                         [this](const QString& address) { lost.append(address); });
-    }
-
-    /// Starts the thread and waits until the link is up or has failed.
-    bool connect()
-    {
-        client.start(QThread::InheritPriority);
-        const auto isDecided = [this] { return client.isConnected() || !client.isRunning(); };
-        return QTest::qWaitFor(isDecided) && client.isConnected();
-    }
-
-    bool connectAndIdentify()
-    {
-        return connect() && identify(client, LineClearing::TwoStops).isController;
-    }
-
-    QByteArray exchange(void (Connection::*command)())
-    {
-        (client.*command)();
-        QByteArray reply;
-        client.fetchReply(reply);
-        return reply;
-    }
-
-    SerialPort client;
-    /// The addresses that `hostDisconnected` told.
-    QStringList lost;
-    QObject context;
-};
-
-/// With an emulated controller at the other end.
-struct EmulatedSerialLink
-{
-    explicit EmulatedSerialLink(const emulator::ControllerOptions& options = {},
-                                int timeoutMs = SerialLink::shortTimeoutMs)
-        : name(freePortName())
-        , controller(host.addPty(options, "/dev/" + name))
-        , link(name, timeoutMs)
-        , client(link.client)
-        , lost(link.lost)
-    {}
-
-    const QString name;
-    emulator::EmulatorHost host;
-    emulator::ControllerHandle controller;
-    SerialLink link;
-    SerialPort& client;
-    QStringList& lost;
-};
 
 QByteArray tooLate(const QElapsedTimer& time)
 {
@@ -171,10 +50,6 @@ private slots:
     void aPortThatDoesNotComeBackIsLost_data();
     void aPortThatDoesNotComeBackIsLost();
 
-    void aPortThatCanNotBeOpenedFails();
-    void aBusyPortFailsAndTellsWhoHasIt();
-    void aPortWithoutRightsFailsAndTellsWhatHelps();
-
     void aPortLostBeforeTheFirstByteIsToldOnce();
     void aPortLostAtTheFirstCommandIsToldOnce();
     void aPortLostInTheMiddleOfAReplyEndsTheWait();
@@ -184,8 +59,6 @@ private slots:
     void aPortLostAtAnyMomentIsToldOnce();
     void aLostPortIsFreeAgain();
     void aReplugLetsTheSameConnectionComeUpAgain();
-
-    void everyPacketOfAFastStreamIsStored();
 };
 
 void TestSerialPort::initTestCase()
@@ -252,9 +125,14 @@ void TestSerialPort::thePortIsSetAsTheControllerExpects()
     const PseudoPort port;
     SerialLink link(port.name());
     link.client.init(port.name(), baudRate);
+    const DriverWatch driver;
     QVERIFY(link.connect());
     QCOMPARE(port.baudRate(), baudRate);
     QVERIFY(port.hasHardwareFlowControl());
+    // Neither parity nor a second stop bit.
+    constexpr unsigned int eightBits = CS8;
+    QCOMPARE(driver.lineModes.load(), eightBits);
+    link.client.disconnectController();
 }
 
 void TestSerialPort::theControllerAnswers()
@@ -381,55 +259,6 @@ void TestSerialPort::aPortThatDoesNotComeBackIsLost()
     QCOMPARE(link.client.linkState(), LinkState::OpenFailed);
     QCoreApplication::processEvents();
     QVERIFY(link.lost.isEmpty());
-}
-
-void TestSerialPort::aPortThatCanNotBeOpenedFails()
-{
-    SerialLink link("ttyUSB996");
-    const LogCapture log;
-    QVERIFY(!link.connect());
-    QVERIFY(link.client.wait(5000));
-    QCOMPARE(link.client.linkState(), LinkState::OpenFailed);
-    QVERIFY(log.lines().isEmpty());
-    QCoreApplication::processEvents();
-    QVERIFY(link.lost.isEmpty());
-
-    // The other side of `open failed`: nothing can be sent, and nothing waits.
-    QCOMPARE(link.exchange(&Connection::getStatusFlags), QByteArray());
-}
-
-void TestSerialPort::aBusyPortFailsAndTellsWhoHasIt()
-{
-    EmulatedSerialLink one;
-    QVERIFY(one.link.connect());
-    SerialLink second(one.name);
-    const LogCapture log;
-    QVERIFY(!second.connect());
-    QVERIFY(second.client.wait(5000));
-    QCOMPARE(second.client.linkState(), LinkState::OpenFailed);
-    QCOMPARE(log.lines().size(), 1);
-    QVERIFY(log.lines().first().startsWith("warning: /dev/" + one.name + " is in use by "));
-    QVERIFY(log.lines().first().contains(QString::number(::getpid())));
-    QVERIFY(one.client.isConnected());
-}
-
-void TestSerialPort::aPortWithoutRightsFailsAndTellsWhatHelps()
-{
-    const PseudoPort port;
-    QCOMPARE(::chmod(port.device().toLocal8Bit().constData(), 0), 0);
-    SerialLink link(port.name());
-    const LogCapture log;
-    constexpr uid_t nobody = 65534;
-    const bool isRoot = ::getuid() == 0;
-    QVERIFY(!isRoot || ::seteuid(nobody) == 0);
-    const bool connected = link.connect();
-    QVERIFY(!isRoot || ::seteuid(0) == 0);
-    QVERIFY(!connected);
-    QVERIFY(link.client.wait(5000));
-    QCOMPARE(link.client.linkState(), LinkState::OpenFailed);
-    QCOMPARE(log.lines(), QStringList("warning: This user has no rights to use " + port.path()
-                                      + ". Membership in the group \"dialout\" or the udev rule "
-                                        "gives them: see \"Serial ports\" in the README"));
 }
 
 void TestSerialPort::aPortLostBeforeTheFirstByteIsToldOnce()
@@ -593,42 +422,6 @@ void TestSerialPort::aReplugLetsTheSameConnectionComeUpAgain()
     QVERIFY(one.link.connectAndIdentify());
     QVERIFY(!one.controller.isStreaming());
     QVERIFY(startStreamAtRate(one.client, 200));
-}
-
-void TestSerialPort::everyPacketOfAFastStreamIsStored()
-{
-    constexpr int streamMs = 10000;
-    emulator::ControllerOptions options;
-    options.baudRate = 921600;
-    EmulatedSerialLink one(options, Connection::defaultTimeoutMs);
-    one.client.init(one.name, 921600);
-    QVERIFY(one.link.connectAndIdentify());
-    auto log = std::make_unique<LogCapture>();
-    QVERIFY(startStreamAtRate(one.client, 500));
-    QElapsedTimer time;
-    time.start();
-    quint64 taken = 0;
-    MeasureSample sample;
-    const auto takeAll = [&] {
-        while (one.client.takeLiveSample(sample) != 0)
-            ++taken;
-    };
-    while (time.elapsed() < streamMs) {
-        takeAll();
-        QThread::msleep(10);
-    }
-    one.client.stopStream();
-    takeAll();
-    QVERIFY(log->lines().filter("skipped").isEmpty());
-    log.reset();
-    const qint64 sent = one.controller.packetsSent();
-    qInfo("%lld packets sent, %lld left out, %llu stored", sent, one.controller.packetsLost(),
-          one.client.samplesStored());
-    QVERIFY(!one.client.isStreaming());
-    QVERIFY(sent > 9 * streamMs / 20);
-    QCOMPARE(one.controller.packetsLost(), qint64(0));
-    QCOMPARE(qint64(one.client.samplesStored()), sent - startAnswer);
-    QCOMPARE(taken, one.client.samplesStored());
 }
 
 int main(int argc, char** argv)
