@@ -91,14 +91,17 @@ int workerThreads(int processors)
     return processors >= 2 ? processors : 0;
 }
 
-QRect windowGeometry(const QSize& wanted, const QSize& available)
+QSize windowSize(const QSize& wanted, const QSize& available)
 {
     const bool tooLarge =
         wanted.width() > available.width() || wanted.height() > available.height();
-    const QSize size = tooLarge ? available : wanted;
-    const QPoint corner((available.width() - size.width()) / 2,
-                        (available.height() - size.height()) / 2);
-    return QRect(corner, size);
+    return tooLarge ? available : wanted;
+}
+
+QPoint windowCorner(const QSize& window, const QSize& available)
+{
+    return QPoint((available.width() - window.width()) / 2,
+                  (available.height() - window.height()) / 2);
 }
 
 int run(int argc, char** argv, const WindowHook& whenShown)
@@ -108,6 +111,7 @@ int run(int argc, char** argv, const WindowHook& whenShown)
     prepareWorkers();
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
+    // Without it icons are drawn at one pixel a point and blur on a scaled screen.
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     qInstallMessageHandler(writeToMessageLog);
     readArguments(argc, argv);
@@ -123,9 +127,8 @@ int run(int argc, char** argv, const WindowHook& whenShown)
 
     MainWindow window;
     window.resize(initialSize);
-    const QRect geometry = windowGeometry(window.size(), available);
-    window.resize(geometry.size());
-    window.move(geometry.topLeft());
+    window.resize(windowSize(window.size(), available));
+    window.move(windowCorner(window.size(), available));
     window.show();
     window.resizeGraphs();
     window.raise();

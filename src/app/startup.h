@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QRect>
+#include <QPoint>
+#include <QSize>
 #include <QString>
 
 #include <functional>
@@ -29,8 +30,9 @@ void prepareConfigDir(int argc, char** argv);
 /// leaves the runtime's own number.
 int workerThreads(int processors);
 
-/// Where the window stands: in its size or the available one, in the middle of an area of that
-/// size that begins at 0,0.
-QRect windowGeometry(const QSize& wanted, const QSize& available);
+/// The wanted size, or the available one if that is too small in either direction.
+QSize windowSize(const QSize& wanted, const QSize& available);
+/// Puts a window in the middle of an area that begins at 0,0; left of it or above if it is larger.
+QPoint windowCorner(const QSize& window, const QSize& available);
 
 } // namespace startup

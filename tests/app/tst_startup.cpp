@@ -92,8 +92,10 @@ private slots:
     void runtimeIsToldTheNumberOfWorkers_data();
     void runtimeIsToldTheNumberOfWorkers();
 
-    void windowStandsInTheMiddleOrFillsTheArea_data();
-    void windowStandsInTheMiddleOrFillsTheArea();
+    void windowHasItsSizeOrTheAvailableOne_data();
+    void windowHasItsSizeOrTheAvailableOne();
+    void windowStandsInTheMiddle_data();
+    void windowStandsInTheMiddle();
     void smallScreenIsFilledFromItsCorner();
 
     void serviceMenuIsShownOnlyInServiceMode_data();
@@ -224,21 +226,38 @@ void TestStartup::runtimeIsToldTheNumberOfWorkers()
     QCOMPARE(omp_get_dynamic(), 0);
 }
 
-void TestStartup::windowStandsInTheMiddleOrFillsTheArea_data()
+void TestStartup::windowHasItsSizeOrTheAvailableOne_data()
 {
     QTest::addColumn<QSize>("available");
-    QTest::addColumn<QRect>("window");
-    QTest::newRow("large") << QSize(1919, 1079) << QRect(319, 59, 1280, 960);
-    QTest::newRow("just fits") << QSize(1280, 960) << QRect(0, 0, 1280, 960);
-    QTest::newRow("too narrow") << QSize(1279, 1079) << QRect(0, 0, 1279, 1079);
-    QTest::newRow("too low") << QSize(1919, 959) << QRect(0, 0, 1919, 959);
-    QTest::newRow("small") << QSize(1023, 767) << QRect(0, 0, 1023, 767);
+    QTest::addColumn<QSize>("window");
+    QTest::newRow("large") << QSize(1919, 1079) << QSize(1280, 960);
+    QTest::newRow("just fits") << QSize(1280, 960) << QSize(1280, 960);
+    QTest::newRow("too narrow") << QSize(1279, 1079) << QSize(1279, 1079);
+    QTest::newRow("too low") << QSize(1919, 959) << QSize(1919, 959);
+    QTest::newRow("small") << QSize(1023, 767) << QSize(1023, 767);
 }
 
-void TestStartup::windowStandsInTheMiddleOrFillsTheArea()
+void TestStartup::windowHasItsSizeOrTheAvailableOne()
 {
     QFETCH(const QSize, available);
-    QTEST(startup::windowGeometry(QSize(1280, 960), available), "window");
+    QTEST(startup::windowSize(QSize(1280, 960), available), "window");
+}
+
+void TestStartup::windowStandsInTheMiddle_data()
+{
+    QTest::addColumn<QSize>("window");
+    QTest::addColumn<QSize>("available");
+    QTest::addColumn<QPoint>("corner");
+    QTest::newRow("smaller") << QSize(1280, 960) << QSize(1919, 1079) << QPoint(319, 59);
+    QTest::newRow("as large") << QSize(1023, 767) << QSize(1023, 767) << QPoint(0, 0);
+    QTest::newRow("larger") << QSize(600, 450) << QSize(499, 399) << QPoint(-50, -25);
+}
+
+void TestStartup::windowStandsInTheMiddle()
+{
+    QFETCH(const QSize, window);
+    QFETCH(const QSize, available);
+    QTEST(startup::windowCorner(window, available), "corner");
 }
 
 void TestStartup::smallScreenIsFilledFromItsCorner()
@@ -281,6 +300,7 @@ void TestStartup::attributesAreSet()
     runWith({}, [](MainWindow&) {});
     QVERIFY(QCoreApplication::testAttribute(Qt::AA_EnableHighDpiScaling));
     QVERIFY(QCoreApplication::testAttribute(Qt::AA_Use96Dpi));
+    QVERIFY(QCoreApplication::testAttribute(Qt::AA_UseHighDpiPixmaps));
     QCOMPARE(qgetenv("LC_NUMERIC"), QByteArray("C"));
 }
 
