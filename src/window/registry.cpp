@@ -176,6 +176,7 @@ void MainWindow::showConnection(QString id, bool show)
     }
 
     const int index = indexOfConnected(id);
+    // One that is shown already keeps its place.
     if (index < 0 || displayedConnections.contains(index))
         return;
     if (displayedConnections.size() >= maxDisplayed) {
