@@ -126,6 +126,16 @@ bool startRun(const WindowFixture& fixture, int count)
            && SampleFeed(fixture).start();
 }
 
+/// Shows samples one by one until the text, which is built now and then, tells of them.
+bool showUntilTextTells(const WindowFixture& fixture, const SampleFeed& feed, int atMost)
+{
+    for (int i = 0; i < atMost && fixture.statisticsText(1) == emptyText; ++i) {
+        if (!feed.show(restlessBeam(1)))
+            return false;
+    }
+    return fixture.statisticsText(1) != emptyText;
+}
+
 } // namespace
 
 class tst_Statistics final : public QObject
@@ -300,9 +310,9 @@ void tst_Statistics::aNewRunCountsFromZero()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
-    QVERIFY(startRun(fixture, 100));
+    QVERIFY(startRun(fixture, 300));
     const SampleFeed feed(fixture);
-    QVERIFY(feed.show(restlessBeam(50)));
+    QVERIFY(showUntilTextTells(fixture, feed, 200));
     QVERIFY(fixture.clickAction("startAction"));
     QVERIFY(!running(fixture));
     const auto* readout = fixture.find<QLCDNumber>("lcd1x");
@@ -319,13 +329,13 @@ void tst_Statistics::aNewRunCountsFromZero()
         QCOMPARE(fixture.statisticsText(stage), emptyText);
     }
     QCOMPARE(readout->value(), 0.0);
-    const QVector<PacketValues> still100(100, sampleOf(1, 2));
-    QVERIFY(feed.show(still100.mid(0, 99)));
+    const QVector<PacketValues> still300(300, sampleOf(1, 2));
+    QVERIFY(feed.show(still300.mid(0, 299)));
     QVERIFY(running(fixture));
-    QVERIFY(feed.show(still100.mid(99)));
+    QVERIFY(feed.show(still300.mid(299)));
     QVERIFY(!running(fixture));
     QCOMPARE(fixture.statisticsText(1),
-             QString("\nx=0.001 [V]\ny=0.002 [V]\n#samples=100\nRMS=0.0000 [V]"));
+             QString("\nx=0.001 [V]\ny=0.002 [V]\n#samples=300\nRMS=0.0000 [V]"));
 }
 
 void tst_Statistics::aRunCanBeCutWhileItRuns()
@@ -499,20 +509,20 @@ void tst_Statistics::switchingToPointingModeAgainCountsFromZero()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
-    QVERIFY(startRun(fixture, 50));
+    QVERIFY(startRun(fixture, 300));
     const SampleFeed feed(fixture);
-    QVERIFY(feed.show(restlessBeam(20)));
+    QVERIFY(showUntilTextTells(fixture, feed, 200));
     QVERIFY(fixture.click("oscilloscopeRadio"));
     QVERIFY(fixture.click("pointingRadio"));
     QVERIFY(fixture.click("checkBox_Stats1"));
     QCOMPARE(fixture.statisticsText(1), emptyText);
-    const QVector<PacketValues> still50(50, sampleOf(1, 2));
-    QVERIFY(feed.show(still50.mid(0, 49)));
+    const QVector<PacketValues> still300(300, sampleOf(1, 2));
+    QVERIFY(feed.show(still300.mid(0, 299)));
     QVERIFY(running(fixture));
-    QVERIFY(feed.show(still50.mid(49)));
+    QVERIFY(feed.show(still300.mid(299)));
     QVERIFY(!running(fixture));
     QCOMPARE(fixture.statisticsText(1),
-             QString("\nx=0.001 [V]\ny=0.002 [V]\n#samples=50\nRMS=0.0000 [V]"));
+             QString("\nx=0.001 [V]\ny=0.002 [V]\n#samples=300\nRMS=0.0000 [V]"));
 }
 
 void tst_Statistics::switchingBackEndsTheLimit()
