@@ -598,6 +598,8 @@ void tst_FrameView::pointingPlotsStaySquareInAnyUnit()
     fixture->tick();
     const double reach1 = diameter1Um > 0.0 ? diameter1Um / 2.0 : 5.0;
     QCOMPARE(fixture->pointingPlot(1).maxRange(), reach1);
+    const auto* contents = fixture->find<QWidget>("scrollAreaWidgetContents");
+    QTRY_COMPARE(overlaps(*contents), QStringList());
     QTRY_COMPARE(misshapen(*fixture), QString());
 
     // And back to volts.
