@@ -129,11 +129,11 @@ bool startRun(const WindowFixture& fixture, int count)
 /// Shows samples one by one until the text, which is built now and then, tells of them.
 bool showUntilTextTells(const WindowFixture& fixture, const SampleFeed& feed, int atMost)
 {
-    for (int i = 0; i < atMost && fixture.statisticsText(1) == emptyText; ++i) {
+    for (int i = 0; i < atMost && shownCount(fixture.statisticsText(1)) == 0; ++i) {
         if (!feed.show(restlessBeam(1)))
             return false;
     }
-    return fixture.statisticsText(1) != emptyText;
+    return shownCount(fixture.statisticsText(1)) > 0;
 }
 
 } // namespace
