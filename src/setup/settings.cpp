@@ -93,9 +93,9 @@ bool Settings::read(const QString& path)
     if (content->misfit)
         refuse(*content->misfit, pathToRead(path));
     records = content->records;
-    for (const ConnectionSettings& record : qAsConst(records))
-        logMessage().info() << "Loaded connection settings for" << record.name.text() << "with ID"
-                            << record.id.text();
+    for (const int index : content->reachable)
+        logMessage().info() << "Loaded connection settings for" << records.at(index).name.text()
+                            << "with ID" << records.at(index).id.text();
     logMessage().info() << "Finished loading connection settings";
     return true;
 }

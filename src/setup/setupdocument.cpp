@@ -9,6 +9,7 @@ constexpr char doctype[] = "SetupML";
 constexpr char rootTag[] = "Zev_Lumetra";
 constexpr char devicePrefix[] = "Device_";
 constexpr int devicePrefixLength = int(sizeof devicePrefix) - 1;
+constexpr char connectionTag[] = "Settings";
 constexpr int indentation = 1;
 /// Marks that a file of an earlier version has no group; no number reads like it.
 constexpr char noGroup[] = "false";
@@ -91,7 +92,7 @@ ConnectionSettings readDevice(const QDomNode& device, std::optional<setupdocumen
     for (QDomElement element = device.firstChildElement(); !element.isNull();
          element = element.nextSiblingElement()) {
         const QString part = element.tagName();
-        if (part == "Settings") {
+        if (part == connectionTag) {
             readConnection(element, tag, record, misfit);
         } else if (part == "General") {
             record.pulsedLaser = intAttribute(element, "pulsedLaser") != 0;
@@ -123,7 +124,7 @@ QDomElement appendTo(QDomNode parent, const QString& tag)
 
 void writeConnection(QDomElement device, const ConnectionSettings& record)
 {
-    QDomElement settings = appendTo(device, "Settings");
+    QDomElement settings = appendTo(device, connectionTag);
     settings.setAttribute("name", record.name.text());
     settings.setAttribute("type", static_cast<int>(record.type));
     settings.setAttribute("label", record.label.text());
@@ -190,8 +191,11 @@ std::optional<Content> read(const QByteArray& xml)
     Content content;
     // Whatever a child is called, it stands for a device.
     for (QDomNode device = document.documentElement().firstChild(); !device.isNull();
-         device = device.nextSibling())
+         device = device.nextSibling()) {
+        if (!device.firstChildElement(connectionTag).isNull())
+            content.reachable.append(content.records.size());
         content.records.append(readDevice(device, content.misfit));
+    }
     return content;
 }
 

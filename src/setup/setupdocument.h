@@ -26,6 +26,8 @@ struct Content
 {
     /// In file order.
     QList<ConnectionSettings> records;
+    /// Indices of those that say how to reach the controller: of others only detectors are known.
+    QList<int> reachable;
     /// The first text that did not fit. The record has that text empty.
     std::optional<Misfit> misfit;
 };

@@ -1,7 +1,7 @@
 // The search for controllers, over pseudo terminals with the names of serial adapters.
 
-#include "anotheruser.h"
 #include "link/interfacesearch.h"
+#include "support/anotheruser.h"
 #include "support/logcapture.h"
 #include "support/privatedev.h"
 #include "support/pseudoport.h"

@@ -1,8 +1,8 @@
 // A serial port that can not be opened, and what the log says of it.
 
-#include "anotheruser.h"
 #include "driverwatch.h"
 #include "seriallink.h"
+#include "support/anotheruser.h"
 #include "support/logcapture.h"
 #include "support/privatedev.h"
 

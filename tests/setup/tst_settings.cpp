@@ -1,6 +1,8 @@
 #include "app/switches.h"
 #include "records.h"
 #include "setup/settings.h"
+#include "support/anotheruser.h"
+#include "support/logcapture.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -66,6 +68,8 @@ private slots:
     void theReaderTakesThePathAsItIs();
     void aFailedReadKeepsTheRecords_data();
     void aFailedReadKeepsTheRecords();
+    void aReadOnlyFileIsNotRead();
+    void readingTellsWhatItFound();
     void aRootWithoutDevicesClearsTheRecords();
     void anOverlongTextEndsTheApplication_data();
     void anOverlongTextEndsTheApplication();
@@ -180,6 +184,39 @@ void TestSettings::aFailedReadKeepsTheRecords()
     QVERIFY(settings.getList(list));
     QCOMPARE(list.first().label.text(), QStringLiteral("kept"));
     QCOMPARE(QFile::exists(path("bad.xml")), !content.isNull());
+}
+
+void TestSettings::aReadOnlyFileIsNotRead()
+{
+    put(path("setup.xml"), goodFile);
+    Settings settings;
+    QVERIFY(settings.read(path("setup.xml")));
+    QVERIFY(QFile::setPermissions(path("setup.xml"),
+                                  QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther));
+    // Whoever may not write the file may still reach it.
+    QVERIFY(QFile::setPermissions(directory->path(), QFile::permissions(directory->path())
+                                                         | QFile::ExeGroup | QFile::ExeOther));
+    // Root may write everything.
+    const AnotherUser user;
+    QVERIFY(!contentOf(path("setup.xml")).isEmpty());
+    QVERIFY(!settings.read(path("setup.xml")));
+}
+
+void TestSettings::readingTellsWhatItFound()
+{
+    put(path("setup.xml"),
+        "<Zev_Lumetra><Device_AB000000001><Settings name=\"here\" id=\"one\"/></Device_AB000000001>"
+        "<Device_CD000000002><Detector1/><General/></Device_CD000000002>"
+        "<Device_EF000000003><General/><Settings/></Device_EF000000003></Zev_Lumetra>");
+    Settings settings;
+    const LogCapture log;
+    QVERIFY(settings.read(path("setup.xml")));
+    // A device of which only the detectors are known has nothing to tell.
+    QCOMPARE(log.lines(),
+             QStringList({"info: Loading connection settings \"" + path("setup.xml") + '"',
+                          "info: Loaded connection settings for \"here\" with ID \"one\"",
+                          "info: Loaded connection settings for \"\" with ID \"\"",
+                          "info: Finished loading connection settings"}));
 }
 
 void TestSettings::aRootWithoutDevicesClearsTheRecords()
