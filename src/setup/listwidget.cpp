@@ -10,18 +10,14 @@ constexpr int headerHeightPx = 24;
 
 } // namespace
 
-bool ListWidget::isOnHeader(int y) const
-{
-    // The upper half of a header that is higher would take the row above it.
-    const QListWidgetItem* header = item(headerRow);
-    return y < headerHeightPx || (header && y < visualItemRect(header).center().y());
-}
-
 void ListWidget::dropEvent(QDropEvent* event)
 {
     const int row = currentRow();
-    if (row <= headerRow || isOnHeader(qRound(event->posF().y())))
+    if (row <= headerRow || qRound(event->posF().y()) < headerHeightPx)
         return;
     QListWidget::dropEvent(event);
+    // On the upper half of a header that is higher, it came above it.
+    if (currentRow() == headerRow)
+        model()->moveRow({}, headerRow, {}, headerRow + 2);
     emit indexChanged(row - 1, currentRow() - 1);
 }

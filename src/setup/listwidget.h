@@ -10,13 +10,11 @@ class ListWidget final : public QListWidget
 public:
     using QListWidget::QListWidget;
 
-    /// Moves the current row to where it was dropped, unless that is the header or the row is.
+    /// Moves the current row to where it was dropped, unless that is the header or the row is. It
+    /// never comes above the header.
     void dropEvent(QDropEvent* event) override;
 
 signals:
     /// A row was dropped. The indices do not count the header.
     void indexChanged(int oldIndex, int newIndex);
-
-private:
-    bool isOnHeader(int y) const;
 };
