@@ -2,6 +2,7 @@
 
 #include "dialogbench.h"
 #include "emulator/emulatorhost.h"
+#include "flowtools.h"
 #include "records.h"
 #include "setup/setupdocument.h"
 
@@ -22,34 +23,14 @@ Q_DECLARE_METATYPE(LinkState)
 using emulator::ControllerHandle;
 using emulator::ControllerOptions;
 using emulator::EmulatorHost;
+using flowtools::buttonOf;
+using flowtools::framesOfAConnect;
+using flowtools::stored;
 using records::file;
 using widgettest::click;
 using widgettest::named;
 
 namespace {
-
-/// What a controller gets to store a label.
-QByteArray labelFrame(const QByteArray& label)
-{
-    return "SLA" + label.leftJustified(25, ' ') + ";";
-}
-
-QByteArrayList framesOfAConnect(const QByteArray& label)
-{
-    return {"CLS;", "CLS;", "GID;", labelFrame(label)};
-}
-
-ConnectionSettings stored(const ControllerHandle& controller, const QString& label)
-{
-    ConnectionSettings record;
-    record.type = ConnectionType::Tcp;
-    record.name.set(controller.address());
-    record.baudRateOrPort = controller.port();
-    record.id.set(controller.id());
-    record.label.set(label);
-    record.autoConnect = true;
-    return record;
-}
 
 /// Listens with a queue that is full: whoever connects waits until it is emptied.
 class FullListener final
@@ -93,11 +74,6 @@ private:
     int listener = -1;
     std::array<int, 2> clients{};
 };
-
-QString buttonOf(const ConnectionWidget& line)
-{
-    return named<QPushButton>(line, "Button").text();
-}
 
 } // namespace
 
@@ -201,10 +177,7 @@ void TestFlows::aConnectedControllerIsKept()
     QCOMPARE(record.id.text(), controller.id());
     QCOMPARE(record.label.text(), QStringLiteral("left_arm"));
     QCOMPARE(record.baudRateOrPort, int(controller.port()));
-    QVERIFY(record.autoConnect);
-    QCOMPARE(record.colorX, QColor(Qt::red));
-    QCOMPARE(record.colorY, QColor(Qt::darkGreen));
-    QCOMPARE(record.colorI, QColor(Qt::blue));
+    QVERIFY(flowtools::isFresh(record));
 
     QCOMPARE(bench->tcpLines().size(), 1);
     const ConnectionWidget& line = *bench->tcpLines().first();
@@ -329,33 +302,14 @@ void TestFlows::aControllerThatFailsLeavesNoTrace_data()
     QTest::addColumn<QString>("text");
     const QString unknown = "System identification failed";
     const QString noLink = "Connection couldn't be established";
+    for (const flowtools::Failure& failure : flowtools::failures()) {
+        ControllerOptions options;
+        options.faults = failure.faults;
+        QTest::newRow(failure.name) << options << (failure.losesLink ? noLink : unknown);
+    }
     ControllerOptions options;
-    options.faults.silent = {"CLS", "GID", "SLA"};
-    QTest::newRow("silent") << options << unknown;
-    options.faults = {};
-    options.faults.silent = {"GID"};
-    QTest::newRow("silent when asked who it is") << options << unknown;
-    options.faults = {};
-    options.faults.garbageReplies = true;
-    QTest::newRow("garbage") << options << unknown;
-    options.faults = {};
-    options.faults.refuse = {"GID"};
-    QTest::newRow("refuses to tell who it is") << options << unknown;
-    options.faults = {};
-    options.faults.shortBytes = {{"GID", 20}};
-    QTest::newRow("tells only a part") << options << unknown;
-    options.faults = {};
     options.maker = "Abc";
     QTest::newRow("another maker's") << options << unknown;
-    options.maker = "Zev";
-    options.faults.closeOn = {"CLS"};
-    QTest::newRow("goes at the stop") << options << unknown;
-    options.faults = {};
-    options.faults.closeOn = {"GID"};
-    QTest::newRow("goes when asked who it is") << options << unknown;
-    options.faults = {};
-    options.faults.closeOn = {"SLA"};
-    QTest::newRow("goes when it gets its label") << options << noLink;
 }
 
 void TestFlows::aControllerThatFailsLeavesNoTrace()
@@ -466,20 +420,12 @@ void TestFlows::aSilentSystemIsListedAndItsThreadEnded_data()
 {
     QTest::addColumn<ControllerOptions>("options");
     QTest::addColumn<bool>("listens");
-    ControllerOptions options;
-    QTest::newRow("nobody there") << options << false;
-    options.faults.silent = {"CLS", "GID", "SLA"};
-    QTest::newRow("silent") << options << true;
-    options.faults = {};
-    options.faults.garbageReplies = true;
-    QTest::newRow("garbage") << options << true;
-    options.faults = {};
-    options.faults.closeOn = {"CLS"};
-    QTest::newRow("goes at the stop") << options << true;
-    options.faults.closeOn = {"GID"};
-    QTest::newRow("goes when asked who it is") << options << true;
-    options.faults.closeOn = {"SLA"};
-    QTest::newRow("goes when it gets its label") << options << true;
+    QTest::newRow("nobody there") << ControllerOptions() << false;
+    for (const flowtools::Failure& failure : flowtools::failures()) {
+        ControllerOptions options;
+        options.faults = failure.faults;
+        QTest::newRow(failure.name) << options << true;
+    }
 }
 
 void TestFlows::aSilentSystemIsListedAndItsThreadEnded()

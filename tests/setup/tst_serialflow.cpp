@@ -3,6 +3,7 @@
 
 #include "dialogbench.h"
 #include "emulator/emulatorhost.h"
+#include "flowtools.h"
 #include "link/interfacesearch.h"
 #include "records.h"
 #include "support/logcapture.h"
@@ -21,6 +22,8 @@ Q_DECLARE_METATYPE(emulator::ControllerOptions)
 using emulator::ControllerHandle;
 using emulator::ControllerOptions;
 using emulator::EmulatorHost;
+using flowtools::buttonOf;
+using flowtools::framesOfAConnect;
 using records::file;
 using widgettest::click;
 using widgettest::named;
@@ -29,16 +32,6 @@ namespace {
 
 const QByteArray toFastRate("SBR\x09;", 5);
 const QByteArray toSlowRate("SBR\x01;", 5);
-
-QByteArray labelFrame(const QByteArray& label)
-{
-    return "SLA" + label.leftJustified(25, ' ') + ";";
-}
-
-QByteArrayList framesOfAConnect(const QByteArray& label)
-{
-    return {"CLS;", "CLS;", "GID;", labelFrame(label)};
-}
 
 ControllerOptions atRate(int baudRate)
 {
@@ -63,11 +56,6 @@ ConnectionSettings stored(const ControllerHandle& controller, const QString& por
     record.label.set(QStringLiteral("left"));
     record.autoConnect = true;
     return record;
-}
-
-QString buttonOf(const ConnectionWidget& line)
-{
-    return named<QPushButton>(line, "Button").text();
 }
 
 /// Lines of the flows, without what connections and search tell of themselves.
@@ -116,6 +104,9 @@ private slots:
     void theLinkThatIsLeftBehindGoesWithTheDialog();
     void aPortThatIsGoneCanNotBeAdjusted();
     void aScanInTheMiddleDoesNoHarm();
+    void aSecondConnectInTheMiddleWaits_data();
+    void aSecondConnectInTheMiddleWaits();
+    void anAdjustmentIsTheLastThingWhenTheWindowLeaves();
     void adjustingWorksWithTheRealWaits();
 
     // The stored systems.
@@ -279,10 +270,7 @@ void TestSerialFlow::aConnectedDeviceIsKept()
     QCOMPARE(record.id.text(), controller.id());
     QCOMPARE(record.label.text(), QStringLiteral("left_arm"));
     QCOMPARE(record.baudRateOrPort, 115200);
-    QVERIFY(record.autoConnect);
-    QCOMPARE(record.colorX, QColor(Qt::red));
-    QCOMPARE(record.colorY, QColor(Qt::darkGreen));
-    QCOMPARE(record.colorI, QColor(Qt::blue));
+    QVERIFY(flowtools::isFresh(record));
 
     QCOMPARE(bench->serialLines().size(), 1);
     const ConnectionWidget& line = *bench->serialLines().first();
@@ -367,32 +355,24 @@ void TestSerialFlow::whatFailsLeavesNoTrace_data()
     QTest::addColumn<QString>("text");
     const QString unknown = "System identification failed";
     const QString noLink = "Connection could not be established";
+    for (const flowtools::Failure& failure : flowtools::failures()) {
+        ControllerOptions options;
+        options.faults = failure.faults;
+        QTest::newRow(failure.name) << options << (failure.losesLink ? noLink : unknown);
+    }
+    // The search finds it all the same, but a connection is always opened with flow control.
     ControllerOptions options;
-    options.faults.silent = {"CLS", "GID", "SLA"};
-    QTest::newRow("silent") << options << unknown;
-    options.faults = {};
-    options.faults.garbageReplies = true;
-    QTest::newRow("garbage") << options << unknown;
-    options.faults = {};
-    options.faults.refuse = {"GID"};
-    QTest::newRow("refuses to tell who it is") << options << unknown;
-    options.faults = {};
-    options.faults.shortBytes = {{"GID", 20}};
-    QTest::newRow("tells only a part") << options << unknown;
-    options.faults = {};
-    options.faults.closeOn = {"CLS"};
-    QTest::newRow("unplugged at the stop") << options << unknown;
-    options.faults.closeOn = {"GID"};
-    QTest::newRow("unplugged when asked who it is") << options << unknown;
-    options.faults.closeOn = {"SLA"};
-    QTest::newRow("unplugged when it gets its label") << options << noLink;
+    options.hardwareFlowControl = false;
+    QTest::newRow("without hardware flow control") << options << unknown;
 }
 
 void TestSerialFlow::whatFailsLeavesNoTrace()
 {
     QFETCH(ControllerOptions, options);
     QFETCH(QString, text);
-    ControllerHandle controller = plug();
+    ControllerOptions healthy = options;
+    healthy.faults = {};
+    ControllerHandle controller = plug(healthy);
     scanUntilFound();
     controller.setFaults(options.faults);
     const LogCapture log;
@@ -653,6 +633,57 @@ void TestSerialFlow::aScanInTheMiddleDoesNoHarm()
     QCOMPARE(scans, 1);
     QCOMPARE(bench->serialInfo(), QStringLiteral("Connected"));
     QCOMPARE(controller.baudRate(), 921600);
+}
+
+void TestSerialFlow::aSecondConnectInTheMiddleWaits_data()
+{
+    QTest::addColumn<int>("rate");
+    QTest::newRow("while the link comes up") << 115200;
+    QTest::newRow("when the controller has changed its rate") << 921600;
+}
+
+void TestSerialFlow::aSecondConnectInTheMiddleWaits()
+{
+    QFETCH(int, rate);
+    ControllerHandle controller = plug();
+    scanUntilFound();
+    controller.clearWire();
+    choose(921600);
+    int clicks = 0;
+    QTimer impatience;
+    connect(&impatience, &QTimer::timeout, &bench->dialog, [&] {
+        if (controller.baudRate() != rate || bench->serialInfo() != "Adjusting baudrate...")
+            return;
+        impatience.stop();
+        clicks += click(bench->child<QPushButton>("connectSerialButton"));
+    });
+    impatience.start(0);
+    connectAs("a");
+    QCOMPARE(clicks, 1);
+    QCOMPARE(controller.commands(),
+             QByteArrayList({"CLS;", "CLS;", toFastRate}) + framesOfAConnect("a"));
+    QCOMPARE(bench->registry.connections.size(), std::size_t(1));
+    QVERIFY(bench->registry.connections.front()->isConnected());
+    QCOMPARE(bench->serialLines().size(), 1);
+    // The second one came to a dialog that had done its work.
+    QCOMPARE(bench->serialInfo(), QStringLiteral("Please insert a label"));
+}
+
+void TestSerialFlow::anAdjustmentIsTheLastThingWhenTheWindowLeaves()
+{
+    ControllerHandle controller = plug();
+    scanUntilFound();
+    controller.clearWire();
+    choose(921600);
+    QTimer::singleShot(0, &bench->dialog, [this] { bench->registry.leaving = true; });
+    auto& edit = bench->child<QLineEdit>("serialPortLabel_2");
+    edit.setText("a");
+    bench->child<QPushButton>("connectSerialButton").click();
+    QVERIFY(bench->registry.leaving);
+    QCOMPARE(controller.commands(), QByteArrayList({"CLS;", "CLS;", toFastRate}));
+    QVERIFY(!controller.isConnected());
+    QVERIFY(bench->registry.calls.isEmpty());
+    QVERIFY(bench->serialLines().isEmpty());
 }
 
 void TestSerialFlow::adjustingWorksWithTheRealWaits()
