@@ -27,6 +27,11 @@ WindowHand::WindowHand(MainWindow& mainWindow, const QString& pictures)
 void WindowHand::take(QWidget& widget, const QString& name) const
 {
     QTest::qWait(settleMs);
+    takeNow(widget, name);
+}
+
+void WindowHand::takeNow(QWidget& widget, const QString& name) const
+{
     const QString path = folder.absoluteFilePath(name + QStringLiteral(".png"));
     if (!widget.grab().save(path)) {
         std::fprintf(stderr, "Can not write %s\n", qPrintable(path));

@@ -16,6 +16,8 @@ public:
     /// Writes `name`.png, which shows the widget as it is after a moment. Ends the process if the
     /// file can not be written.
     void take(QWidget& widget, const QString& name) const;
+    /// The same for the widget as it is now.
+    void takeNow(QWidget& widget, const QString& name) const;
 
     /// Clicks the tool bar button of the action with this object name.
     void click(const char* action) const;

@@ -105,7 +105,7 @@ void takeOneSystem(MainWindow& window, const WindowHand& hand)
     hand.clickOn(*window.findChild<QWidget*>("push_Stab1"));
     QTest::qWait(sweepMs / 2);
     await([&window] { return readsNoNegativeZero(window); });
-    hand.take(window, "one-system");
+    hand.takeNow(window, "one-system");
 }
 
 void takePointingMode(MainWindow& window, const WindowHand& hand)
@@ -151,10 +151,10 @@ void takeDialogs(MainWindow& window, const WindowHand& hand)
 
 void takeSmallest(MainWindow& window, const WindowHand& hand)
 {
-    hand.click("startAction");
     show(window, 1, false);
     show(window, 2, false);
     window.resize(smallestSize);
+    fillSweep(hand);
     hand.take(window, "smallest");
 }
 
