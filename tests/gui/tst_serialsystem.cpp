@@ -138,6 +138,8 @@ private slots:
     void aReplugBringsTheSameSystemBack();
     void anotherControllerAtTheSamePortIsRejected();
     void aStoredSystemComesUpWithTheWindow();
+    void aLinkThatIsLeftBehindGoesWithTheWindow_data();
+    void aLinkThatIsLeftBehindGoesWithTheWindow();
 };
 
 void TestSerialSystem::initTestCase()
@@ -256,6 +258,31 @@ void TestSerialSystem::aStoredSystemComesUpWithTheWindow()
     QCOMPARE(system.lineButton(), QStringLiteral("Disconnect"));
     QVERIFY(system.fixture.clickAction("startAction"));
     QTRY_VERIFY(system.pointCount() > 3);
+}
+
+void TestSerialSystem::aLinkThatIsLeftBehindGoesWithTheWindow_data()
+{
+    QTest::addColumn<bool>("isClosed");
+    QTest::newRow("closed") << true;
+    QTest::newRow("destroyed") << false;
+}
+
+void TestSerialSystem::aLinkThatIsLeftBehindGoesWithTheWindow()
+{
+    QFETCH(bool, isClosed);
+    emulator::ControllerOptions options;
+    options.faults.refuse = {"SBR"};
+    SerialSystem system(options);
+    QVERIFY(system.open());
+    QVERIFY(!system.connect(921600));
+    QCOMPARE(system.info(), QStringLiteral("Baudrate couldn't be adjusted"));
+    QVERIFY(system.controller.isConnected());
+    QVERIFY(system.fixture.window().liveConnections().empty());
+
+    if (isClosed)
+        QVERIFY(system.fixture.window().close());
+    system.fixture.destroyWindow();
+    QVERIFY(!system.controller.isConnected());
 }
 
 int main(int argc, char** argv)

@@ -177,6 +177,7 @@ void TestOverviewDrag::draggingTheHeaderDoesNothing()
     drag(list(), 0, lowerHalf(list(), 2));
     QCOMPARE(spy.size(), 0);
     QCOMPARE(shownLabels(list()), QStringList({"a", "b", "c"}));
+    QCOMPARE(dialog->order(), QList<int>({0, 1, 2}));
 }
 
 int main(int argc, char** argv)
