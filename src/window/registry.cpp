@@ -315,6 +315,8 @@ bool MainWindow::closeConnection(const Connection* connection)
     if (serviceDialog->connection() == closed.get())
         serviceDialog->setConnection(nullptr);
     paramsDialog->removeDetectorPair(n);
+    // Who saves before the next tick needs the overview in step.
+    connectionOverviewDialog->update(statuses);
     updateMaxRate();
     startTicking();
     if (keepingClosed > 0)

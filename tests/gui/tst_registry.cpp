@@ -81,6 +81,7 @@ private slots:
     void unconnectedSystemIsRegisteredButNotShown();
     void savedRecordsTakeOverTheLiveState();
     void savingWithAnotherNumberOfRecordsFails();
+    void savingRightBehindADeletionWorks();
     void savingFromAnOverviewOutOfStepStopsTheTick();
     void groupIsKept();
 };
@@ -402,6 +403,16 @@ void TestRegistry::savingWithAnotherNumberOfRecordsFails()
     // That is found before anything is touched.
     fixture.controller().clearWire();
     QTRY_VERIFY(fixture.controller().commands().count("GSF;") > 2);
+}
+
+void TestRegistry::savingRightBehindADeletionWorks()
+{
+    WindowFixture fixture(2);
+    QVERIFY(fixture.openWithSystems());
+    fixture.tick();
+    QVERIFY(fixture.window().closedConnection(fixture.controller(0).address()));
+    QList<ConnectionSettings> records{fixture.record(1)};
+    QVERIFY(fixture.window().updateSettingsAndParameters(records));
 }
 
 void TestRegistry::savingFromAnOverviewOutOfStepStopsTheTick()

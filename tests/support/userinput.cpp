@@ -10,6 +10,7 @@
 #include <QToolBar>
 #include <QWindow>
 #include <QtTest>
+#include <qwt_plot.h>
 
 namespace {
 
@@ -83,6 +84,18 @@ void hover(QWidget& widget, const QPoint& where)
     QWidget* window = widget.window();
     QTest::mouseMove(window->windowHandle(), widget.mapTo(window, where));
     QCoreApplication::processEvents();
+}
+
+void dragBand(const QwtPlot& plot)
+{
+    const QWidget& canvas = *plot.canvas();
+    QWidget* window = canvas.window();
+    const QPoint middle = canvas.mapTo(window, canvas.rect().center());
+    const QPoint reach(canvas.width() / 8, canvas.height() / 8);
+    QTest::mousePress(window->windowHandle(), Qt::LeftButton, {}, middle - reach);
+    QTest::mouseMove(window->windowHandle(), middle);
+    QTest::mouseMove(window->windowHandle(), middle + reach);
+    QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, middle + reach);
 }
 
 } // namespace user

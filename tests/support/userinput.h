@@ -5,6 +5,7 @@
 
 class QAction;
 class QWidget;
+class QwtPlot;
 
 /// What a person does with mouse and keyboard. The events go through the window that holds the
 /// widget, so that boxes and other widgets in front of it stop them. All return false, and say why,
@@ -20,5 +21,7 @@ bool clickAction(QWidget& toolBar, const char* actionName);
 bool type(QWidget* counter, const QString& text);
 /// Moves the pointer to a place in the widget without a button.
 void hover(QWidget& widget, const QPoint& where);
+/// Draws a rubber band over the middle of a plot's canvas.
+void dragBand(const QwtPlot& plot);
 
 } // namespace user
