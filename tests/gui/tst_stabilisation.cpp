@@ -109,6 +109,14 @@ std::thread answerNextStatus(emulator::ControllerHandle controller, const QByteA
     });
 }
 
+/// Status requests get no answer from now on.
+void silenceStatus(emulator::ControllerHandle controller)
+{
+    emulator::Faults faults;
+    faults.silent = {"GSF"};
+    controller.setFaults(faults);
+}
+
 } // namespace
 
 class TestStabilisation : public QObject
@@ -440,9 +448,7 @@ void TestStabilisation::statusBitsBelongToTheirStagesAfterASwitch()
     // While it streams nobody else asks for the status.
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
-    emulator::Faults silent;
-    silent.silent = {"GSF"};
-    fixture.controller().setFaults(silent);
+    silenceStatus(fixture.controller());
     std::thread answer = answerNextStatus(fixture.controller(), oneOnTwoActive);
     fixture.find<QPushButton>("push_Stab2")->click();
     answer.join();
@@ -454,9 +460,7 @@ void TestStabilisation::statusBitsBelongToTheirStagesInAPoll()
 {
     WindowFixture fixture(1, withFirmware(40));
     QVERIFY(fixture.openWithSystems());
-    emulator::Faults silent;
-    silent.silent = {"GSF"};
-    fixture.controller().setFaults(silent);
+    silenceStatus(fixture.controller());
     std::thread answer = answerNextStatus(fixture.controller(), oneOnTwoActive);
     fixture.tick();
     answer.join();
@@ -496,9 +500,7 @@ void TestStabilisation::fourthFailedStatusReadStopsAndTells()
 {
     WindowFixture fixture(1, withFirmware(40));
     QVERIFY(fixture.openWithSystems());
-    emulator::Faults faults;
-    faults.silent = {"GSF"};
-    fixture.controller().setFaults(faults);
+    silenceStatus(fixture.controller());
     const BoxAnswers answers;
 
     for (int failure = 1; failure <= 3; ++failure)
@@ -515,10 +517,8 @@ void TestStabilisation::goodStatusReadForgetsTheFailures()
     WindowFixture fixture(1, withFirmware(40));
     QVERIFY(fixture.openWithSystems());
     const BoxAnswers answers;
-    emulator::Faults silent;
-    silent.silent = {"GSF"};
     for (int round = 0; round < 2; ++round) {
-        fixture.controller().setFaults(silent);
+        silenceStatus(fixture.controller());
         for (int failure = 1; failure <= 3; ++failure)
             QVERIFY(!readStatus(fixture.window()));
         fixture.controller().setFaults({});
@@ -531,9 +531,7 @@ void TestStabilisation::startForgetsTheFailures()
 {
     WindowFixture fixture(1, withFirmware(40));
     QVERIFY(fixture.openWithSystems());
-    emulator::Faults silent;
-    silent.silent = {"GSF"};
-    fixture.controller().setFaults(silent);
+    silenceStatus(fixture.controller());
     const BoxAnswers answers;
     for (int failure = 1; failure <= 3; ++failure)
         QVERIFY(!readStatus(fixture.window()));
@@ -554,9 +552,7 @@ void TestStabilisation::statusWithBit7CountsAsFailure()
 {
     WindowFixture fixture(1, withFirmware(40));
     QVERIFY(fixture.openWithSystems());
-    emulator::Faults silent;
-    silent.silent = {"GSF"};
-    fixture.controller().setFaults(silent);
+    silenceStatus(fixture.controller());
     const BoxAnswers answers;
     std::thread answer = answerNextStatus(fixture.controller(), QByteArray("\0;\x88;", 4));
     const bool good = readStatus(fixture.window());
