@@ -5,6 +5,7 @@
 #include "plots/genericplot.h"
 #include "service/servicedialog.h"
 #include "setup/connectionoverviewdialog.h"
+#include "setup/listwidget.h"
 #include "support/logcapture.h"
 #include "support/widgetcheck.h"
 #include "support/windowfixture.h"
@@ -380,7 +381,8 @@ void TestRegistry::savedRecordsTakeOverTheLiveState()
     QVERIFY(fixture.registerSystem(1));
     fixture.window().updateColorGraph(fixture.connection(0).address(), Qt::cyan, 1);
     fixture.window().changeLabel(fixture.connection(1).address(), "other");
-    fixture.window().findChild<ConnectionOverviewDialog*>()->changeOrder(0, 1);
+    auto* overview = fixture.window().findChild<ConnectionOverviewDialog*>();
+    QVERIFY(overview->findChild<ListWidget*>()->model()->moveRow({}, 1, {}, 3));
 
     QList<ConnectionSettings> records{fixture.record(0), fixture.record(1)};
     QVERIFY(fixture.window().updateSettingsAndParameters(records));
