@@ -7,6 +7,7 @@
 #include "plots/genericplot.h"
 #include "recording/dataloggerdialog.h"
 #include "service/servicedialog.h"
+#include "setup/colors.h"
 #include "setup/connectionoverviewdialog.h"
 #include "setup/settingsdialog.h"
 #include "window/mainwindow.h"
@@ -112,9 +113,9 @@ void MainWindow::newConnection(std::unique_ptr<Connection> connection,
 
     ConnectionStatus status;
     status.connection = connection.get();
-    status.colorX = settings.colorX;
-    status.colorY = settings.colorY;
-    status.colorI = settings.colorI;
+    status.colorX = toColor(settings.colorX);
+    status.colorY = toColor(settings.colorY);
+    status.colorI = toColor(settings.colorI);
     status.address = connection->address();
     status.label = connection->label();
     status.statusValid = connection->isConnected();
@@ -483,9 +484,9 @@ bool MainWindow::updateSettingsAndParameters(QList<ConnectionSettings>& settings
         return false;
     for (int i = 0; i < settings.size(); ++i) {
         settings[i].label.set(statuses[i].label);
-        settings[i].colorX = statuses[i].colorX;
-        settings[i].colorY = statuses[i].colorY;
-        settings[i].colorI = statuses[i].colorI;
+        settings[i].colorX = toName(statuses[i].colorX);
+        settings[i].colorY = toName(statuses[i].colorY);
+        settings[i].colorI = toName(statuses[i].colorI);
         (*detectorPairs)[i].copyTo(settings[i]);
         settings[i].position = order[i];
     }
