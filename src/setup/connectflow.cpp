@@ -2,6 +2,7 @@
 
 #include "app/logging.h"
 #include "link/connection.h"
+#include "setup/colors.h"
 #include "setup/connectionregistry.h"
 #include "setup/connectionwidget.h"
 #include "setup/settingsdialog.h"
@@ -229,9 +230,9 @@ void SettingsDialog::keepNewConnection(Tab& flow, std::unique_ptr<Connection> co
     record.label.set(flow.labelEdit.text());
     record.baudRateOrPort = connection->portOrBaud();
     record.autoConnect = true;
-    record.colorX = Qt::red;
-    record.colorY = Qt::darkGreen;
-    record.colorI = Qt::blue;
+    record.colorX = toName(Qt::red);
+    record.colorY = toName(Qt::darkGreen);
+    record.colorI = toName(Qt::blue);
 
     addLine(flow, record, *connection).setConnected(true);
     flow.labelEdit.clear();

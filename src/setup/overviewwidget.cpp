@@ -1,6 +1,6 @@
 #include "setup/overviewwidget.h"
 
-#include "model/connectionstatus.h"
+#include "setup/connectionstatus.h"
 #include "ui_overviewwidget.h"
 
 #include <QPixmap>
@@ -133,6 +133,7 @@ QWidget& OverviewWidget::lastTabStop() const
 
 void OverviewWidget::updateRow(const ConnectionStatus& status)
 {
+    owner = status.connection;
     updateLabel(status);
     updateStabilised(stabilised1, status.stabilised1, *ui->enable1);
     updateStabilised(stabilised2, status.stabilised2, *ui->enable2);

@@ -292,14 +292,14 @@ bool SettingsDialog::saveRecords(const QString& path)
 
 // Lines and records.
 
-QString SettingsDialog::registryAddress(const QString& address) const
+const Connection* SettingsDialog::connectionWith(const QString& address) const
 {
     for (const Tab* each : {&serialTab, &tcpTab}) {
         const int index = each->lines.indexOfAddress(address);
         if (index >= 0)
-            return each->lines.registryAddressAt(index);
+            return each->lines.connections().at(index);
     }
-    return address;
+    return nullptr;
 }
 
 ConnectionWidget& SettingsDialog::addLine(Tab& lineTab, const ConnectionSettings& record,
@@ -420,30 +420,47 @@ void SettingsDialog::on_WidgetReconnect(QString address)
 
 void SettingsDialog::reconnect(const QString& address)
 {
-    QString boardId;
-    const QString registered = registryAddress(address);
-    const auto isReconnected = [&] {
+    const Connection* const connection = connectionWith(address);
+    const int record = recordOwners.indexOf(connection);
+    if (record < 0)
+        return;
+    const QString number = records.at(record).id.text();
+    const auto result = [&] {
         const WaitCursor waiting;
-        return registry.reconnectConnection(registered, boardId);
-    };
-    if (!isReconnected()) {
+        return registry.reconnect(connection, number);
+    }();
+    switch (result) {
+    case ReconnectResult::Reconnected:
+        sayInBoth(QString());
+        for (const Tab* each : {&serialTab, &tcpTab})
+            each->lines.markConnected(address, number, true);
+        break;
+    case ReconnectResult::NoController:
         sayInBoth(tr("Could not establish connection."));
+        break;
+    case ReconnectResult::OtherController:
+        sayInBoth(tr("Could not establish connection. Controller ID mismatch."));
+        break;
+    }
+}
+
+void SettingsDialog::onLinkLost(const Connection* connection)
+{
+    if (!registry.disconnectLink(connection)) {
+        sayInBoth(tr("Could not disconnect."));
         return;
     }
     sayInBoth(QString());
-    bool matched = false;
-    for (const Tab* each : {&serialTab, &tcpTab})
-        matched |= each->lines.markConnected(address, boardId, true);
-    if (matched)
-        return;
-    // Another controller answers where this one was: it is not the user's.
-    registry.disconnectConnection(registered);
-    sayInBoth(tr("Could not establish connection. Controller ID mismatch."));
+    for (const Tab* each : {&serialTab, &tcpTab}) {
+        const int line = each->lines.connections().indexOf(connection);
+        if (line >= 0)
+            each->lines.at(line).setConnected(false);
+    }
 }
 
 void SettingsDialog::on_WidgetDisconnect(QString address)
 {
-    if (!registry.disconnectConnection(registryAddress(address))) {
+    if (!registry.disconnectLink(connectionWith(address))) {
         sayInBoth(tr("Could not disconnect."));
         return;
     }

@@ -49,6 +49,10 @@ public:
     /// that it closed.
     void closeAllConnections();
 
+    /// Ends the thread of a connection whose link is lost, and shows that in its line. Also for
+    /// connections that have no line.
+    void onLinkLost(const Connection* connection);
+
 signals:
     /// Nothing emits these two in this version.
     void connected(bool status);
@@ -151,7 +155,7 @@ private:
     void showLoadOutcome(bool loaded);
 
     // Lines and records.
-    QString registryAddress(const QString& address) const;
+    const Connection* connectionWith(const QString& address) const;
     void reconnect(const QString& address);
     void deleteConnection(const Connection* connection);
 

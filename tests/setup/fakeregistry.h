@@ -51,16 +51,18 @@ public:
             (*found)->setLabel(label);
     }
 
-    bool reconnectConnection(QString address, QString& boardID) override
+    ReconnectResult reconnect(const Connection* connection, const QString& expectedId) override
     {
-        calls.append("reconnect " + address);
-        boardID = answeringId;
-        return reconnects;
+        calls.append("reconnect " + addressOf(connection));
+        if (!reconnects)
+            return ReconnectResult::NoController;
+        return answeringId == expectedId ? ReconnectResult::Reconnected
+                                         : ReconnectResult::OtherController;
     }
 
-    bool disconnectConnection(QString address) override
+    bool disconnectLink(const Connection* connection) override
     {
-        calls.append("disconnect " + address);
+        calls.append("disconnect " + addressOf(connection));
         return disconnects;
     }
 
@@ -93,6 +95,12 @@ public:
     QList<int> order;
 
 private:
+    QString addressOf(const Connection* connection)
+    {
+        const auto found = find(connection);
+        return found == connections.end() ? QStringLiteral("nobody") : (*found)->address();
+    }
+
     std::vector<std::unique_ptr<Connection>>::iterator find(const Connection* connection)
     {
         return std::find_if(connections.begin(), connections.end(),

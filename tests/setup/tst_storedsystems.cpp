@@ -379,7 +379,7 @@ void TestStoredSystems::anotherControllerIsRejectedOnReconnect()
     QCOMPARE(bench->tcpInfo(), text);
     QCOMPARE(bench->serialInfo(), text);
     QCOMPARE(button.text(), QStringLiteral("Reconnect"));
-    QCOMPARE(bench->registry.calls.last(), QStringLiteral("disconnect 127.0.0.77"));
+    QCOMPARE(bench->registry.calls.last(), QStringLiteral("reconnect 127.0.0.77"));
 }
 
 void TestStoredSystems::disconnectingMarksTheLine()
