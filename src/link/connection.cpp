@@ -207,12 +207,10 @@ void Connection::stopStream()
 int Connection::endThread()
 {
     exit(0);
-    // What the user has clicked meanwhile could delete this object.
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     int pollsLeft = endPolls;
     while (pollsLeft >= 0 && isRunning()) {
         --pollsLeft;
-        msleep(endPollMs);
+        wait(endPollMs);
     }
     // Orders what the thread did to its objects before whatever this thread does next.
     const std::lock_guard<std::mutex> lock(sharedMutex);
