@@ -18,6 +18,11 @@ constexpr int endPolls = 1500;
 constexpr double stopTimeoutFactor = 1.5;
 constexpr int callerTimeoutFactor = 2;
 
+CommandFrame statusRequest()
+{
+    return command::frame("GSF", {}, command::statusFlagsReplyLength);
+}
+
 void takeEventsFor1Ms()
 {
     QCoreApplication::processEvents();
@@ -72,35 +77,59 @@ int Connection::takeCommonSample(MeasureSample& out)
 
 void Connection::send(const CommandFrame& frame)
 {
-    delivery = std::make_shared<SendDelivery>();
-    {
-        // The lock keeps the trigger alive while the call is posted to it.
-        const std::lock_guard<std::mutex> lock(sharedMutex);
-        if (trigger_) {
-            const PostedSend call(*trigger_, frame, delivery);
-            QMetaObject::invokeMethod(trigger_.get(), call, Qt::QueuedConnection);
-        } else {
-            delivery->finish();
-        }
-    }
+    settlePoll();
+    post(frame);
+    // Whoever stops a stream knows that the stop was written when this returns.
     if (frame.isStop())
-        delivery->wait();
+        delivery->waitUntil(replyDeadline);
     msleep(pollMs);
+}
+
+void Connection::post(const CommandFrame& frame)
+{
+    replyDeadline.setRemainingTime(callerTimeoutFactor * timeoutMs_, Qt::PreciseTimer);
+    delivery = std::make_shared<SendDelivery>();
+    // The lock keeps the trigger alive while the call is posted to it.
+    const std::lock_guard<std::mutex> lock(sharedMutex);
+    if (trigger_) {
+        const PostedSend call(*trigger_, frame, delivery);
+        QMetaObject::invokeMethod(trigger_.get(), call, Qt::QueuedConnection);
+    } else {
+        delivery->finish();
+    }
 }
 
 bool Connection::fetchReply(QByteArray& out)
 {
     out.clear();
-    // On a loaded machine the send can still lie in the queue: its outcome is not known before.
-    if (delivery)
-        delivery->waitUntil(QDeadlineTimer(callerTimeoutFactor * timeoutMs_));
+    // The reply of a poll belongs to whoever polls.
+    return !isPolling && awaitReply(out);
+}
 
+bool Connection::awaitReply(QByteArray& out)
+{
+    // On a loaded machine the send can still lie in the queue: its outcome is not known before.
+    if (delivery && !delivery->waitUntil(replyDeadline))
+        delivery->giveUp();
+    while (requestState_ == RequestState::Pending && portOpen_ && !replyDeadline.hasExpired())
+        msleep(pollMs);
     if (requestState_ == RequestState::Pending)
-        awaitReply();
-    // A reply that comes at the very last moment is taken, not thrown away.
-    RequestState state = RequestState::Pending;
-    requestState_.compare_exchange_strong(state, RequestState::Idle);
-    if (state != RequestState::Ready)
+        giveUpReply();
+    return takeReply(out);
+}
+
+/// A reply that comes at the very last moment is kept, not thrown away.
+void Connection::giveUpReply()
+{
+    StreamState stopSent = StreamState::StopSent;
+    streamState_.compare_exchange_strong(stopSent, StreamState::Answered);
+    RequestState pending = RequestState::Pending;
+    requestState_.compare_exchange_strong(pending, RequestState::Idle);
+}
+
+bool Connection::takeReply(QByteArray& out)
+{
+    if (requestState_ != RequestState::Ready)
         return false;
     {
         const std::lock_guard<std::mutex> lock(sharedMutex);
@@ -110,17 +139,44 @@ bool Connection::fetchReply(QByteArray& out)
     return true;
 }
 
-void Connection::awaitReply()
+void Connection::pollStatus()
 {
-    replyDeadline.setRemainingTime(callerTimeoutFactor * timeoutMs_);
-    while (requestState_ == RequestState::Pending) {
-        if (!portOpen_ || replyDeadline.hasExpired()) {
-            StreamState stopSent = StreamState::StopSent;
-            streamState_.compare_exchange_strong(stopSent, StreamState::Answered);
-            return;
-        }
-        msleep(pollMs);
-    }
+    if (isPolling || !isConnected() || isStreaming())
+        return;
+    const bool isAwaited = !isSent() || requestState_ == RequestState::Pending;
+    if (isAwaited && !replyDeadline.hasExpired())
+        return;
+    // Nobody fetches any more what an earlier command has left behind.
+    QByteArray abandoned;
+    awaitReply(abandoned);
+    post(statusRequest());
+    isPolling = true;
+}
+
+bool Connection::takePolledStatus(QByteArray& reply)
+{
+    reply.clear();
+    if (!isPolling)
+        return false;
+    const bool isOpen = !isSent() || (requestState_ == RequestState::Pending && portOpen_);
+    if (isOpen && !replyDeadline.hasExpired())
+        return false;
+    isPolling = false;
+    return awaitReply(reply);
+}
+
+bool Connection::isSent() const
+{
+    return !delivery || delivery->isFinished();
+}
+
+void Connection::settlePoll()
+{
+    if (!isPolling)
+        return;
+    isPolling = false;
+    QByteArray ignored;
+    awaitReply(ignored);
 }
 
 void Connection::startStream(const QByteArray& argument)
@@ -151,12 +207,10 @@ void Connection::stopStream()
 int Connection::endThread()
 {
     exit(0);
-    // What the user has clicked meanwhile could delete this object.
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     int pollsLeft = endPolls;
     while (pollsLeft >= 0 && isRunning()) {
         --pollsLeft;
-        msleep(endPollMs);
+        wait(endPollMs);
     }
     // Orders what the thread did to its objects before whatever this thread does next.
     const std::lock_guard<std::mutex> lock(sharedMutex);
@@ -167,6 +221,8 @@ int Connection::disconnectController()
 {
     logMessage().debug() << "Disconnecting";
     const int pollsLeft = endThread();
+    isPolling = false;
+    delivery.reset();
     streaming_ = 0;
     requestState_ = RequestState::Idle;
     streamState_ = StreamState::None;

@@ -66,9 +66,20 @@ public:
     virtual void resync() = 0;
 
     /// Takes the reply of the last command into `out`. False, with `out` empty, if nothing was
-    /// sent or nothing came within twice the time-out. True says only that the wait is over: a
-    /// reply that was too short is empty, a refusal has two bytes, so callers test the bytes.
+    /// sent or nothing came within twice the time-out, counted from the moment of sending. True
+    /// says only that the wait is over: a reply that was too short is empty, a refusal has two
+    /// bytes, so callers test the bytes.
     bool fetchReply(QByteArray& out);
+
+    /// Sends `GSF;` without waiting, for whoever must not be held up. Only an idle link is asked:
+    /// nothing is sent during a stream, without a link, while the reply of a command is awaited, or
+    /// until the last poll is settled, which it is once its reply was taken or it was given up.
+    /// Every other command waits for the poll to settle, at most until that is given up, and throws
+    /// its reply away.
+    void pollStatus();
+    /// Takes the reply of the last poll into `reply`, without waiting. False, with `reply` empty,
+    /// if it is not there. A poll that is not answered within twice the time-out is given up here.
+    bool takePolledStatus(QByteArray& reply);
 
     /// Starts the stream that firmware and trigger mode ask for; `argument` is that of
     /// `command::streamArgument`.
@@ -187,7 +198,12 @@ private:
     enum class DrainEnd { InputUsedUp, StopOfOldKind, LastPacket, Misaligned };
 
     void send(const CommandFrame& frame);
-    void awaitReply();
+    void post(const CommandFrame& frame);
+    void settlePoll();
+    bool isSent() const;
+    bool awaitReply(QByteArray& out);
+    bool takeReply(QByteArray& out);
+    void giveUpReply();
     void publishReply(const QByteArray& bytes);
     void clearReply();
 
@@ -233,6 +249,8 @@ private:
     /// Only the GUI thread touches these.
     QDeadlineTimer replyDeadline;
     std::shared_ptr<SendDelivery> delivery;
+    /// Whether the last command was a status poll that is not settled.
+    bool isPolling = false;
     bool released = false;
 
     measureStore liveStore{storeCapacity};

@@ -14,17 +14,29 @@ void SendDelivery::finish()
     changed.notify_all();
 }
 
-void SendDelivery::wait()
-{
-    std::unique_lock<std::mutex> lock(mutex);
-    changed.wait(lock, [this] { return finished; });
-}
-
 bool SendDelivery::waitUntil(const QDeadlineTimer& deadline)
 {
     std::unique_lock<std::mutex> lock(mutex);
     const auto patience = std::chrono::milliseconds(deadline.remainingTime());
     return changed.wait_for(lock, patience, [this] { return finished; });
+}
+
+bool SendDelivery::isFinished() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return finished;
+}
+
+void SendDelivery::giveUp()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    givenUp = true;
+}
+
+bool SendDelivery::begin()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return !givenUp;
 }
 
 struct PostedSend::Call
@@ -61,6 +73,7 @@ PostedSend::~PostedSend()
 void PostedSend::operator()()
 {
     threadmarks::takeOver(this);
-    call->receiver.sendMessage(call->frame.message, call->frame.answerLength);
+    if (call->delivery->begin())
+        call->receiver.sendMessage(call->frame.message, call->frame.answerLength);
     call->delivery->finish();
 }
