@@ -36,6 +36,8 @@ Ready readyFrom(const QString& line)
     return {match.captured(1), match.captured(2).toUShort(), match.captured(3)};
 }
 
+volatile std::sig_atomic_t signalsReceived = 0;
+
 CommandLine readArguments(const QStringList& arguments)
 {
     return readCommandLine(QStringList("lumetra-emulator") + arguments);
@@ -63,6 +65,7 @@ private slots:
     void faultsReachTheController();
     void recordingIsStreamed();
     void connectionsAreToldUnlessQuiet();
+    void signalToAProgramThatHasEndedReachesNobody();
 };
 
 void TestProgram::readyLineTellsPlaceAndKey()
@@ -139,7 +142,7 @@ void TestProgram::signalEndsItInOrder()
     socket.write(startAt(500));
     QVERIFY(socket.waitForReadyRead(limitMs));
 
-    program.sendSignal(number);
+    QVERIFY(program.sendSignal(number));
 
     QVERIFY(program.process.waitForFinished(limitMs));
     QCOMPARE(program.process.exitStatus(), QProcess::NormalExit);
@@ -349,7 +352,7 @@ void TestProgram::connectionsAreToldUnlessQuiet()
         QVERIFY(socket.waitForConnected(limitMs));
         socket.write("XYZ;");
         QVERIFY(socket.waitForReadyRead(limitMs));
-        program.sendSignal(SIGTERM);
+        QVERIFY(program.sendSignal(SIGTERM));
         QVERIFY(program.process.waitForFinished(limitMs));
 
         const QByteArray told = program.process.readAllStandardError();
@@ -357,6 +360,22 @@ void TestProgram::connectionsAreToldUnlessQuiet()
         QCOMPARE(told.contains(": refused XYZ\n"), !quiet);
         QCOMPARE(told.isEmpty(), quiet);
     }
+}
+
+void TestProgram::signalToAProgramThatHasEndedReachesNobody()
+{
+    // Processes that do not ask for this signal do not notice it.
+    constexpr int harmless = SIGURG;
+    signalsReceived = 0;
+    const auto before = std::signal(harmless, [](int) { signalsReceived = signalsReceived + 1; });
+    Program program({"--version"});
+    QVERIFY(program.process.waitForFinished(limitMs));
+
+    const bool sent = program.sendSignal(harmless);
+    std::signal(harmless, before);
+
+    QVERIFY(!sent);
+    QCOMPARE(int(signalsReceived), 0);
 }
 
 QTEST_GUILESS_MAIN(TestProgram)
