@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <limits>
+#include <vector>
 
 using namespace emulator;
 using namespace wiretools;
@@ -37,6 +38,19 @@ Ready readyFrom(const QString& line)
 }
 
 volatile std::sig_atomic_t signalsReceived = 0;
+
+/// The key by which the controller at that place identifies itself; empty if none answers.
+QString keyAt(const Ready& place)
+{
+    constexpr int replyBytes = 50;
+    QTcpSocket socket;
+    socket.connectToHost(place.address, place.port);
+    if (!socket.waitForConnected(limitMs))
+        return {};
+    socket.write("GID;");
+    while (socket.bytesAvailable() < replyBytes && socket.waitForReadyRead(limitMs)) {}
+    return QString::fromLatin1(socket.read(replyBytes).mid(16, 11));
+}
 
 CommandLine readArguments(const QStringList& arguments)
 {
@@ -76,33 +90,28 @@ void TestProgram::readyLineTellsPlaceAndKey()
 
     QCOMPARE(ready.address, QString("127.0.0.1"));
     QVERIFY(ready.port > 0);
-    QTcpSocket socket;
-    socket.connectToHost(ready.address, ready.port);
-    QVERIFY(socket.waitForConnected(limitMs));
-    socket.write("GID;");
-    while (socket.bytesAvailable() < 50 && socket.waitForReadyRead(limitMs)) {}
-    QCOMPARE(QString::fromLatin1(socket.readAll().mid(2).left(25).right(11)), ready.key);
+    QVERIFY(!ready.key.isEmpty());
+    QCOMPARE(keyAt(ready), ready.key);
 }
 
 void TestProgram::everyControllerAnswersAtItsOwnAddress()
 {
     Program program({"--tcp", "127.0.0.1:0", "--tcp", "127.0.0.2:0", "--tcp", "127.0.0.1:0"});
+    std::vector<Ready> controllers;
+    for (int i = 0; i < 3; ++i)
+        controllers.push_back(readyFrom(program.readLine()));
     QSet<QString> keys;
-    QSet<QString> places;
-    QStringList addresses;
-    for (int i = 0; i < 3; ++i) {
-        const Ready ready = readyFrom(program.readLine());
-        QTcpSocket socket;
-        socket.connectToHost(ready.address, ready.port);
-        QVERIFY(socket.waitForConnected(limitMs));
-        addresses.append(ready.address);
-        places.insert(ready.address + QString::number(ready.port));
-        keys.insert(ready.key);
+
+    for (const Ready& controller : controllers) {
+        QCOMPARE(keyAt(controller), controller.key);
+        keys.insert(controller.key);
     }
 
-    QCOMPARE(addresses, QStringList({"127.0.0.1", "127.0.0.2", "127.0.0.1"}));
-    QCOMPARE(places.size(), 3);
     QCOMPARE(keys.size(), 3);
+    QCOMPARE(controllers[0].address, QString("127.0.0.1"));
+    QCOMPARE(controllers[1].address, QString("127.0.0.2"));
+    QCOMPARE(controllers[2].address, QString("127.0.0.1"));
+    QVERIFY(controllers[0].port != controllers[2].port);
 }
 
 void TestProgram::runsRepeat()

@@ -1,5 +1,4 @@
 #include "plots/colorscalesframe.h"
-#include "plots/qor_toolbar.h"
 #include "plots/thermoslider.h"
 #include "support/widgetcheck.h"
 
@@ -67,8 +66,6 @@ private slots:
     void colourScaleIsFivePixelsWide();
     void colourScaleIsGreenBetweenTwoRedEnds();
     void lowFrameShowsNoBands();
-
-    void toolBarIsAPlainToolBar();
 };
 
 void DisplayWidgetsTest::piezoBarIsANarrowUprightBarFromZeroToTen()
@@ -178,12 +175,6 @@ void DisplayWidgetsTest::lowFrameShowsNoBands()
     frame.resize(16, 7);
     const QImage image = picture(frame);
     QCOMPARE(pixelsOf(image.pixelColor(0, 0), image), 16 * 7);
-}
-
-void DisplayWidgetsTest::toolBarIsAPlainToolBar()
-{
-    const Qor_ToolBar toolBar;
-    QVERIFY(toolBar.actions().isEmpty());
 }
 
 QTEST_MAIN(DisplayWidgetsTest)

@@ -190,11 +190,9 @@ void ScrollZoomerTest::barsFollowTheCanvasSize()
     QVERIFY(screen.shown);
     screen.zoomer.zoom(middle);
     screen.plot.resize(600, 300);
-    const QRect room = screen.plot.canvas()->contentsRect();
     QTRY_COMPARE(screen.vBar().geometry().right(), screen.plot.canvas()->contentsRect().right());
     QTRY_COMPARE(screen.vBar().geometry().bottom(), screen.plot.canvas()->contentsRect().bottom());
     QCOMPARE(screen.hBar().geometry().right() + 1, screen.vBar().geometry().left());
-    QVERIFY(!room.isEmpty());
 }
 
 void ScrollZoomerTest::barsCanBeLaidOutOnEitherSide_data()
