@@ -59,7 +59,8 @@ endfunction()
 
 # lumetra_test(<name> SOURCES <file>... [LINK <target>...] [TIMEOUT <seconds>] [RUNNER <word>...])
 # A Qt Test executable, run headless with a home of its own; by the command RUNNER if there is one.
-# One that skips in initTestCase, for want of what all of its tests need, counts as skipped.
+# One that skips in initTestCase, for want of what all of its tests need, counts as skipped; so does
+# one whose RUNNER returns 77.
 function(lumetra_test name)
   cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK;RUNNER" ${ARGN})
   if(NOT ARG_TIMEOUT)
@@ -72,6 +73,7 @@ function(lumetra_test name)
   file(MAKE_DIRECTORY ${home})
   set_tests_properties(${name} PROPERTIES
     TIMEOUT ${ARG_TIMEOUT}
+    SKIP_RETURN_CODE 77
     SKIP_REGULAR_EXPRESSION "SKIP   : [A-Za-z]+::initTestCase"
     ENVIRONMENT "${LUMETRA_TEST_ENVIRONMENT};HOME=${home}")
 endfunction()
