@@ -5,6 +5,7 @@
 #include "setup/colors.h"
 #include "setup/connectionregistry.h"
 #include "setup/connectionwidget.h"
+#include "setup/recordroom.h"
 #include "setup/settingsdialog.h"
 #include "setup/waitcursor.h"
 #include "ui_settingsdialog.h"
@@ -204,7 +205,7 @@ bool SettingsDialog::connectController(Tab& flow, std::unique_ptr<Connection> co
     say(flow.info, tr("Connecting..."));
     QString id;
     const LinkOutcome outcome =
-        connectAndIdentify(*connection, flow.wait, flow.labelEdit.text(), id);
+        connectAndIdentify(*connection, flow.wait, flow.labelEdit.text(), id, &canBeStored);
     if (registry.isLeaving())
         return false;
     if (outcome == LinkOutcome::Up) {

@@ -5,6 +5,7 @@
 #include "link/connection.h"
 #include "setup/connectionregistry.h"
 #include "setup/connectionwidget.h"
+#include "setup/recordroom.h"
 #include "setup/settingsdialog.h"
 #include "setup/waitcursor.h"
 #include "ui_settingsdialog.h"
@@ -13,7 +14,7 @@
 
 namespace {
 
-constexpr LinkWait storedWait{300, false};
+constexpr LinkWait storedWait{300};
 
 /// A system has one connection: the first record of it counts.
 void removeRepeated(QList<ConnectionSettings>& records)
@@ -152,7 +153,8 @@ bool SettingsDialog::connectStored(Connection& connection, const ConnectionSetti
     // Whoever shows this gets the chance to paint it before the exchanges block.
     takeEvents();
     QString id = record.id.text();
-    if (connectAndIdentify(connection, storedWait, record.label.text(), id) != LinkOutcome::Up) {
+    if (connectAndIdentify(connection, storedWait, record.label.text(), id, &canBeStored)
+        != LinkOutcome::Up) {
         connection.disconnectController();
         return false;
     }

@@ -23,8 +23,8 @@
 
 namespace {
 
-constexpr LinkWait serialWait{200, false};
-constexpr LinkWait tcpWait{300, true};
+constexpr LinkWait serialWait{200};
+constexpr LinkWait tcpWait{300, LinkWait::Manner::InOneGo};
 constexpr int serialTabIndex = 0;
 constexpr char fileEnding[] = ".xml";
 

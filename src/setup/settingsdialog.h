@@ -1,8 +1,8 @@
 #pragma once
 
+#include "link/linkup.h"
 #include "model/connectionsettings.h"
 #include "setup/connectionlist.h"
-#include "setup/linkup.h"
 #include "setup/settings.h"
 
 #include <QDialog>
