@@ -74,7 +74,7 @@ bool SettingsDialog::serialFieldsAreFilled()
 QStringList SettingsDialog::chosenInterface()
 {
     const QString id = ui->serialPortInfoListBox->currentText();
-    if (serialTab.lines.indexOfNumber(id) >= 0) {
+    if (systems.lines(ConnectionType::Serial).hasNumber(id)) {
         say(serialTab.info, tr("Connection already created"));
         return {};
     }
@@ -156,7 +156,7 @@ bool SettingsDialog::tcpFieldsAreFilled()
 
 bool SettingsDialog::isFreeTcpAddress(const QString& address)
 {
-    if (tcpTab.lines.indexOfAddress(address) < 0)
+    if (!systems.lines(ConnectionType::Tcp).hasAddress(address))
         return true;
     markInvalid(*ui->addressTcpEdit);
     say(tcpTab.info, tr("Connection already exists."));
@@ -235,11 +235,12 @@ void SettingsDialog::keepNewConnection(Tab& flow, std::unique_ptr<Connection> co
     record.colorY = toName(Qt::darkGreen);
     record.colorI = toName(Qt::blue);
 
-    addLine(flow, record, *connection).setConnected(true);
+    systems.addLine(record, *connection);
+    systems.showConnected(connection.get(), true);
     flow.labelEdit.clear();
     // A controller that was known before gets its detectors again.
     settings.read(QString());
     settings.getDetectorData(record);
     connection->setTriggerMode(record.pulsedLaser);
-    registerConnection(std::move(connection), record);
+    systems.registerSystem(std::move(connection), record);
 }

@@ -68,7 +68,7 @@ void SettingsDialog::makeConnections(const QString& path)
     if (switches::autoSerialSearch)
         fillPortsInfo();
     // If the file can not be read, those that are there already are gone through.
-    QList<ConnectionSettings> wanted = records;
+    QList<ConnectionSettings> wanted = systems.records();
     const bool loaded = readRecords(path, wanted);
     for (const ConnectionSettings& record : qAsConst(wanted)) {
         if (registry.isLeaving())
@@ -98,11 +98,6 @@ void SettingsDialog::showLoadOutcome(bool loaded)
     say(*ui->infoLabel2, loaded ? tr("Loading successful") : tr("Loading failed"));
 }
 
-bool SettingsDialog::hasLineFor(const QString& id) const
-{
-    return tcpTab.lines.indexOfNumber(id) >= 0 || serialTab.lines.indexOfNumber(id) >= 0;
-}
-
 /// The port of a stored serial connection is only a hint: the device is found by what it says.
 void SettingsDialog::findInterface(ConnectionSettings& record) const
 {
@@ -116,7 +111,7 @@ void SettingsDialog::findInterface(ConnectionSettings& record) const
 
 void SettingsDialog::makeStoredConnection(ConnectionSettings record)
 {
-    if (hasLineFor(record.id.text())) {
+    if (systems.hasNumber(record.id.text())) {
         logMessage().info() << "Skipping already existing" << record.id.text();
         return;
     }
@@ -134,13 +129,13 @@ void SettingsDialog::makeStoredConnection(ConnectionSettings record)
     // From here on the connection's way to write its address is the one that counts.
     if (usable && decltype(record.name)::fits(connection->address()))
         record.name.set(connection->address());
-    ConnectionWidget& line = addLine(own, record, *connection);
+    systems.addLine(record, *connection);
 
     if (usable && record.autoConnect && connectStored(*connection, record))
-        line.setConnected(true);
+        systems.showConnected(connection.get(), true);
     if (registry.isLeaving())
         return;
-    registerConnection(std::move(connection), record);
+    systems.registerSystem(std::move(connection), record);
     takeEvents();
 }
 

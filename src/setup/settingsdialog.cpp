@@ -58,17 +58,10 @@ SettingsDialog::SettingsDialog(ConnectionRegistry& connectionRegistry, QWidget* 
     : QDialog(parent)
     , ui(makeForm(*this))
     , registry(connectionRegistry)
-    , serialTab{ConnectionType::Serial,
-                ConnectionList(*ui->listWidgetSerial),
-                *ui->serialPortLabel_2,
-                *ui->infoLabel,
-                serialWait,
+    , systems(registry, *ui->listWidgetSerial, *ui->listWidgetTcp)
+    , serialTab{ConnectionType::Serial, *ui->serialPortLabel_2, *ui->infoLabel, serialWait,
                 tr("Connection could not be established")}
-    , tcpTab{ConnectionType::Tcp,
-             ConnectionList(*ui->listWidgetTcp),
-             *ui->labelTcpEdit,
-             *ui->infoLabel2,
-             tcpWait,
+    , tcpTab{ConnectionType::Tcp, *ui->labelTcpEdit, *ui->infoLabel2, tcpWait,
              tr("Connection couldn't be established")}
     , tcpPort(TcpClient::defaultPort)
     , fileDialog(this)
@@ -80,17 +73,12 @@ SettingsDialog::SettingsDialog(ConnectionRegistry& connectionRegistry, QWidget* 
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     prepareFields();
     prepareFileDialog();
+    wireLines();
     connect(ui->rescanButton, &QPushButton::clicked, this, &SettingsDialog::fillPortsInfo);
     connect(ui->closeButton, &QPushButton::clicked, this, &QWidget::close);
 }
 
-SettingsDialog::~SettingsDialog()
-{
-    for (Tab* each : {&serialTab, &tcpTab}) {
-        while (each->lines.size() > 0)
-            each->lines.removeAt(each->lines.size() - 1);
-    }
-}
+SettingsDialog::~SettingsDialog() = default;
 
 void SettingsDialog::setConnectionFactory(ConnectionFactory factory)
 {
@@ -236,11 +224,11 @@ void SettingsDialog::fillPortsInfo()
         const WaitCursor waiting;
         interfaces = searchAllInterfaces(false, switches::anySerialDevice);
     }
-    const int lines = serialTab.lines.size();
+    const QString lastNumber = systems.lines(ConnectionType::Serial).lastNumber();
     for (const QStringList& entry : qAsConst(interfaces)) {
         const QString id = entry.value(interfaceId);
-        // Only the last line counts, on purpose: connecting refuses the others.
-        if (lines == 0 || serialTab.lines.at(lines - 1).number() != id)
+        // Only the last line hides its device; connecting refuses those of the other lines.
+        if (lastNumber.isNull() || lastNumber != id)
             ui->serialPortInfoListBox->addItem(id);
     }
 }
@@ -283,61 +271,27 @@ void SettingsDialog::save(const QString& path)
 
 bool SettingsDialog::saveRecords(const QString& path)
 {
-    if (!registry.updateSettingsAndParameters(records))
+    if (!systems.updateRecords())
         return false;
     // No connections are a setup, too.
-    settings.setList(inShownOrder(records));
+    settings.setList(inShownOrder(systems.records()));
     return settings.save(path);
 }
 
 // Lines and records.
 
-const Connection* SettingsDialog::connectionWith(const QString& address) const
+void SettingsDialog::wireLines()
 {
-    for (const Tab* each : {&serialTab, &tcpTab}) {
-        const int index = each->lines.indexOfAddress(address);
-        if (index >= 0)
-            return each->lines.connections().at(index);
-    }
-    return nullptr;
-}
-
-ConnectionWidget& SettingsDialog::addLine(Tab& lineTab, const ConnectionSettings& record,
-                                          const Connection& connection)
-{
-    ConnectionWidget& line =
-        lineTab.lines.add(record.id.text(), record.label.text(), record.name.text(), connection);
-    line.setAutoConnect(record.autoConnect);
-    keepTabOrder(line);
-    // What the user does to a line is meant for its connection, whoever else has the address.
-    const QPointer<const Connection> owner(&connection);
-    const bool hasAddress = !connection.address().isEmpty();
-    connect(&line, &ConnectionWidget::labelChanged, this,
-            [this, owner, hasAddress](const QString& address, const QString& label) {
-                if (hasAddress)
-                    emit newLabel(address, label);
-                else
-                    registry.relabelConnection(owner, label);
-            });
-    connect(&line, &ConnectionWidget::reconnectC, this, &SettingsDialog::on_WidgetReconnect);
-    connect(&line, &ConnectionWidget::disconnectC, this, &SettingsDialog::on_WidgetDisconnect);
-    connect(&line, &ConnectionWidget::deleteConnection, this,
-            [this, owner] { inTurn([this, owner] { deleteConnection(owner); }); });
-    connect(
-        &line, &ConnectionWidget::autoConnectChanged, this,
-        [this, address = line.address()](bool isActive) { autoConnectChanged(address, isActive); });
-    return line;
-}
-
-/// Record and connection come together, so that both lists stay in step whatever comes between
-/// two connections.
-void SettingsDialog::registerConnection(std::unique_ptr<Connection> connection,
-                                        ConnectionSettings record)
-{
-    record.position = records.size();
-    records.append(record);
-    recordOwners.append(connection.get());
-    registry.newConnection(std::move(connection), record);
+    connect(&systems, &SystemLines::lineAdded, this,
+            [this](const ConnectionWidget* line) { keepTabOrder(*line); });
+    connect(&systems, &SystemLines::labelEdited, this, &SettingsDialog::newLabel);
+    connect(&systems, &SystemLines::disconnectWanted, this, &SettingsDialog::disconnectByUser);
+    connect(&systems, &SystemLines::reconnectWanted, this, [this](const Connection* connection) {
+        inTurn([this, meant = QPointer<const Connection>(connection)] { reconnect(meant); });
+    });
+    connect(&systems, &SystemLines::removalWanted, this, [this](const Connection* connection) {
+        inTurn([this, meant = QPointer<const Connection>(connection)] { systems.remove(meant); });
+    });
 }
 
 /// Tab follows the eye: the lines stand above the buttons of the dialog.
@@ -353,50 +307,17 @@ void SettingsDialog::keepTabOrder(const ConnectionWidget& line)
 
 void SettingsDialog::autoConnectChanged(QString address, bool isActive)
 {
-    for (ConnectionSettings& record : records) {
-        if (record.name.text() == address) {
-            record.autoConnect = isActive;
-            return;
-        }
-    }
+    systems.setAutoConnect(systems.meantBy(address), isActive);
 }
 
 void SettingsDialog::deleteConnectionSlot(QString address)
 {
-    for (const Tab* each : {&serialTab, &tcpTab}) {
-        const int index = each->lines.indexOfAddress(address);
-        if (index < 0)
-            continue;
-        deleteConnection(each->lines.connections().at(index));
-        return;
-    }
-}
-
-/// Record and line go if the registry agrees. Its work takes events: they are looked for after it.
-void SettingsDialog::deleteConnection(const Connection* connection)
-{
-    const WaitCursor waiting;
-    if (!registry.closeConnection(connection))
-        return;
-    const int record = recordOwners.indexOf(connection);
-    if (record >= 0) {
-        recordOwners.removeAt(record);
-        records.removeAt(record);
-    }
-    for (Tab* each : {&serialTab, &tcpTab}) {
-        const int line = each->lines.connections().indexOf(connection);
-        if (line >= 0)
-            each->lines.removeAt(line);
-    }
+    systems.remove(systems.meantBy(address));
 }
 
 void SettingsDialog::closeAllConnections()
 {
-    for (const Tab* each : {&serialTab, &tcpTab}) {
-        const QList<const Connection*> present = each->lines.connections();
-        std::for_each(present.crbegin(), present.crend(),
-                      [this](const Connection* connection) { deleteConnection(connection); });
-    }
+    systems.removeAll();
 }
 
 /// Runs a flow when no other one does. Flows take events, and what comes with these must not find
@@ -415,25 +336,14 @@ void SettingsDialog::inTurn(std::function<void()> flow)
 
 void SettingsDialog::on_WidgetReconnect(QString address)
 {
-    inTurn([this, address] { reconnect(address); });
+    inTurn([this, address] { reconnect(systems.meantBy(address)); });
 }
 
-void SettingsDialog::reconnect(const QString& address)
+void SettingsDialog::reconnect(const Connection* connection)
 {
-    const Connection* const connection = connectionWith(address);
-    const int record = recordOwners.indexOf(connection);
-    if (record < 0)
-        return;
-    const QString number = records.at(record).id.text();
-    const auto result = [&] {
-        const WaitCursor waiting;
-        return registry.reconnect(connection, number);
-    }();
-    switch (result) {
+    switch (systems.reconnect(connection)) {
     case ReconnectResult::Reconnected:
         sayInBoth(QString());
-        for (const Tab* each : {&serialTab, &tcpTab})
-            each->lines.markConnected(address, number, true);
         break;
     case ReconnectResult::NoController:
         sayInBoth(tr("Could not establish connection."));
@@ -444,27 +354,17 @@ void SettingsDialog::reconnect(const QString& address)
     }
 }
 
-void SettingsDialog::onLinkLost(const Connection* connection)
-{
-    if (!registry.disconnectLink(connection)) {
-        sayInBoth(tr("Could not disconnect."));
-        return;
-    }
-    sayInBoth(QString());
-    for (const Tab* each : {&serialTab, &tcpTab}) {
-        const int line = each->lines.connections().indexOf(connection);
-        if (line >= 0)
-            each->lines.at(line).setConnected(false);
-    }
-}
-
 void SettingsDialog::on_WidgetDisconnect(QString address)
 {
-    if (!registry.disconnectLink(connectionWith(address))) {
-        sayInBoth(tr("Could not disconnect."));
-        return;
-    }
-    sayInBoth(QString());
-    for (const Tab* each : {&serialTab, &tcpTab})
-        each->lines.markConnected(address, false);
+    disconnectByUser(systems.meantBy(address));
+}
+
+void SettingsDialog::disconnectByUser(const Connection* connection)
+{
+    sayInBoth(systems.disconnectLink(connection) ? QString() : tr("Could not disconnect."));
+}
+
+void SettingsDialog::onLinkLost(const Connection* connection)
+{
+    sayInBoth(systems.disconnectLink(connection) ? QString() : tr("Could not disconnect."));
 }

@@ -2,8 +2,8 @@
 
 #include "link/linkup.h"
 #include "model/connectionsettings.h"
-#include "setup/connectionlist.h"
 #include "setup/settings.h"
+#include "setup/systemlines.h"
 
 #include <QDialog>
 #include <QFileDialog>
@@ -99,7 +99,6 @@ private:
     struct Tab
     {
         ConnectionType type;
-        ConnectionList lines;
         QLineEdit& labelEdit;
         QLabel& info;
         /// How long a new link may take, and what is said of one that did not come up.
@@ -139,33 +138,26 @@ private:
     std::unique_ptr<Connection> makeTcpConnection();
     bool connectController(Tab& tab, std::unique_ptr<Connection> connection);
     void keepNewConnection(Tab& tab, std::unique_ptr<Connection> connection, const QString& id);
-    ConnectionWidget& addLine(Tab& tab, const ConnectionSettings& record,
-                              const Connection& connection);
-    void registerConnection(std::unique_ptr<Connection> connection, ConnectionSettings record);
     void keepTabOrder(const ConnectionWidget& line);
 
     // Making those of a file.
     void loadChosen(const QString& path);
     void makeConnections(const QString& path);
     bool readRecords(const QString& path, QList<ConnectionSettings>& found);
-    bool hasLineFor(const QString& id) const;
     void makeStoredConnection(ConnectionSettings record);
     void findInterface(ConnectionSettings& record) const;
     bool connectStored(Connection& connection, const ConnectionSettings& record);
     void showLoadOutcome(bool loaded);
 
     // Lines and records.
-    const Connection* connectionWith(const QString& address) const;
-    void reconnect(const QString& address);
-    void deleteConnection(const Connection* connection);
+    void wireLines();
+    void reconnect(const Connection* connection);
+    void disconnectByUser(const Connection* connection);
 
     std::unique_ptr<Ui::SettingsDialog> ui;
     ConnectionRegistry& registry;
     Settings settings;
-    /// The working copy, in the order in which the connections were made: that of the registry.
-    QList<ConnectionSettings> records;
-    /// Whose records they are; same indices. They can be gone.
-    QList<const Connection*> recordOwners;
+    SystemLines systems;
     /// The flow that runs, and those that wait for its end.
     std::deque<std::function<void()>> turns;
     Tab serialTab;

@@ -49,13 +49,16 @@ public:
     void relabelConnection(const Connection* connection, const QString& label) override
     {
         const auto found = find(connection);
-        if (found != connections.end())
-            (*found)->setLabel(label);
+        if (found == connections.end())
+            return;
+        (*found)->setLabel(label);
+        relabelled.append(int(found - connections.begin()));
     }
 
     ReconnectResult reconnect(const Connection* connection, const QString& expectedId) override
     {
         calls.append("reconnect " + addressOf(connection));
+        reconnected.append(indexOf(connection));
         if (!reconnects)
             return ReconnectResult::NoController;
         return answeringId == expectedId ? ReconnectResult::Reconnected
@@ -65,6 +68,7 @@ public:
     bool disconnectLink(const Connection* connection) override
     {
         calls.append("disconnect " + addressOf(connection));
+        disconnected.append(indexOf(connection));
         return disconnects;
     }
 
@@ -77,6 +81,11 @@ public:
     }
 
     QStringList calls;
+    /// Indices of the connections that were asked for, in the order of the calls; -1 for one that
+    /// is not there.
+    QList<int> relabelled;
+    QList<int> reconnected;
+    QList<int> disconnected;
     QList<ConnectionSettings> records;
     QList<LinkState> statesWhenNew;
     QList<bool> runningWhenNew;
@@ -95,6 +104,13 @@ public:
     QString answeringId;
     /// The order that the overview shows; empty: as made.
     QList<int> order;
+
+    /// -1 for one that is not there.
+    int indexOf(const Connection* connection)
+    {
+        const auto found = find(connection);
+        return found == connections.end() ? -1 : int(found - connections.begin());
+    }
 
 private:
     QString addressOf(const Connection* connection)
