@@ -59,7 +59,7 @@ QStringList TestMessageLog::lines() const
     if (!file.open(QIODevice::ReadOnly))
         return {};
     QStringList list = QString::fromUtf8(file.readAll()).split('\n');
-    // Behind the last line's end.
+    // The last line ends with a line feed, behind which split() finds an empty line.
     list.removeLast();
     return list;
 }

@@ -208,7 +208,7 @@ void TestCounter::partnerDoesNotChangeTheWishOfAFocusedCounter()
     QCOMPARE(two.shown(), 80);
 }
 
-// On purpose: a partner at or below the wish takes the counter along, upwards as well.
+// A partner at or below the wish sets the counter to its own number, also to a higher one.
 void TestCounter::numberFollowsAPartnerBelowTheWish()
 {
     TwoCounters two;

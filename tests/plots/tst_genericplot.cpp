@@ -170,7 +170,7 @@ void TestGenericPlot::clearEmptiesOneCurveOrAll()
     QCOMPARE(plot.curveData(2).size(), size_t(0));
 }
 
-// On purpose: emptying the curves repaints already.
+// Emptying the curves replots once, and so does clear() itself.
 void TestGenericPlot::clearRepaintsTwice()
 {
     GenericPlot plot(nullptr);
@@ -221,7 +221,7 @@ void TestGenericPlot::midLineOfNoHeightShowsOnThePlot()
     QVERIFY(pixelsOf(Qt::darkGray, plot.canvas()->grab().toImage()) > 100);
 }
 
-// On purpose: mid-lines of earlier ranges are never taken away.
+// Mid-lines of earlier ranges are never removed.
 void TestGenericPlot::smallerRangeLeavesTheLongerMidLines()
 {
     GenericPlot plot(nullptr);
@@ -280,7 +280,7 @@ void TestGenericPlot::disabledZoomerTakesNeitherMouseNorKeys()
         QVERIFY(keys[key] == QwtEventPattern::KeyPattern(0));
 }
 
-// On purpose: the name promises more.
+// The slot does less than its name promises.
 void TestGenericPlot::zeroingTheZoomStackOnlyHidesTheTracker()
 {
     GenericPlot plot(nullptr);

@@ -229,7 +229,7 @@ void TestIncrementalPlot::curveIsRemovedOnlyWithinTheIndex()
     QCOMPARE(plot.curveCount(), count);
 }
 
-// On purpose: the emptied curve is left to the plot, which deletes it with itself.
+// The plot keeps the curve item until the plot itself is deleted.
 void TestIncrementalPlot::removedCurveStaysOnThePlotAndTheNextMovesUp()
 {
     IncrementalPlot plot(nullptr);
@@ -359,7 +359,7 @@ void TestIncrementalPlot::boundingRectangleIsComputedOnceUntilCleared()
     curve.append(QPointF(3.0, 5.0));
     QCOMPARE(curve.boundingRect(), QRectF(1.0, 2.0, 2.0, 3.0));
 
-    // On purpose: all axes have explicit scales, so nobody needs the rectangle to follow.
+    // The rectangle does not follow: all axes have explicit scales, so nothing needs it.
     curve.append(QPointF(100.0, 100.0));
     QCOMPARE(curve.boundingRect(), QRectF(1.0, 2.0, 2.0, 3.0));
 

@@ -112,7 +112,7 @@ void TestScrollBar::sameInversionChangesNothing()
     QCOMPARE(bar.value(), 200000);
 }
 
-// The ticks stay, and so does the slider: what it shows is the mirrored span.
+// The slider stays where it is on the bar, so it shows the mirrored span.
 void TestScrollBar::inversionKeepsTheSpanSeenUnderTheNewFlag()
 {
     ScrollBar bar(Qt::Horizontal, -5.0, 5.0);
