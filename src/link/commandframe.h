@@ -33,6 +33,9 @@ constexpr int maxSamplingRateHz = 500;
 /// A command whose argument, if any, already ends in ';'.
 CommandFrame frame(const char* mnemonic, const QByteArray& argument, int answerLength);
 
+/// `GSF;`, which asks for the status flags.
+CommandFrame statusRequest();
+
 /// Argument bytes with their closing ';'. A stage is 1, 2, or 3 for both; an axis is 'x' or 'y'.
 QByteArray stageArgument(int stage);
 QByteArray stageAxisArgument(int stage, char axis);

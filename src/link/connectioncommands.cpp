@@ -59,7 +59,7 @@ void Connection::clearLiveStream()
 
 void Connection::getStatusFlags()
 {
-    send(frame("GSF", {}, statusFlagsReplyLength));
+    send(command::statusRequest());
 }
 
 void Connection::getActiveSignal()

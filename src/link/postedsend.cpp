@@ -29,14 +29,16 @@ bool SendDelivery::isFinished() const
 
 void SendDelivery::giveUp()
 {
-    const std::lock_guard<std::mutex> lock(mutex);
-    givenUp = true;
+    std::unique_lock<std::mutex> lock(mutex);
+    givenUp = !begun;
+    changed.wait(lock, [this] { return givenUp || finished; });
 }
 
 bool SendDelivery::begin()
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    return !givenUp;
+    begun = !givenUp;
+    return begun;
 }
 
 struct PostedSend::Call

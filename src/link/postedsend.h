@@ -19,14 +19,16 @@ public:
     /// Waits at most until `deadline` and returns whether the delivery has finished.
     bool waitUntil(const QDeadlineTimer& deadline);
     bool isFinished() const;
-    /// A send that was not begun yet is not made any more: nobody would take its reply.
+    /// A send that was not begun yet is not made any more, since nobody would take its reply. One
+    /// that is just being made is waited for.
     void giveUp();
-    /// Whether the send is to be made. From now on it can not be given up.
+    /// Whether the send is to be made; from now on it can not be given up.
     bool begin();
 
 private:
     mutable std::mutex mutex;
     std::condition_variable changed;
+    bool begun = false;
     bool finished = false;
     bool givenUp = false;
 };

@@ -3,7 +3,6 @@
 #include "app/logging.h"
 #include "link/porterrors.h"
 #include "link/replyboundary.h"
-#include "link/triggerobject.h"
 
 #include <QCoreApplication>
 
@@ -35,18 +34,14 @@ SerialPort::~SerialPort()
 
 void SerialPort::releaseInPlace()
 {
-    if (released)
-        return;
-    released = true;
-    logMessage().debug() << "Deleting serial connection";
-    releaseCore();
+    release("serial");
 }
 
 bool SerialPort::init(const QString& address, int baudOrPort)
 {
     logMessage().debug() << "Initializing serial connection" << address;
     portName = address;
-    baudRate_ = baudOrPort;
+    setBaudRate(baudOrPort);
     return address.startsWith(QLatin1String("ttyUSB"))
            || address.startsWith(QLatin1String("ttyACM"))
            || address.startsWith(QLatin1String("COM")) || address.startsWith(QLatin1String("ttyS"));
@@ -60,7 +55,7 @@ QSerialPort* SerialPort::port() const
 bool SerialPort::openPort()
 {
     port()->setPortName(portName);
-    port()->setBaudRate(baudRate_, QSerialPort::AllDirections);
+    port()->setBaudRate(baudRate(), QSerialPort::AllDirections);
     port()->setFlowControl(QSerialPort::HardwareControl);
     port()->setDataBits(QSerialPort::Data8);
     port()->setParity(QSerialPort::NoParity);
@@ -83,10 +78,9 @@ void SerialPort::tellRefusal(QSerialPort::SerialPortError error) const
 
 void SerialPort::run()
 {
-    linkState_ = LinkState::NotConnected;
     makeEndpoint(std::make_unique<QSerialPort>());
     if (!openPort()) {
-        linkState_ = LinkState::OpenFailed;
+        publishOpenFailed();
         deleteEndpoint();
         return;
     }

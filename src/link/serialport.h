@@ -43,5 +43,4 @@ private:
 
     // Written only while the thread does not run.
     QString portName;
-    bool released = false;
 };

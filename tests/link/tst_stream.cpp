@@ -97,6 +97,7 @@ void TestStream::strayBytesBeforeAPacketAreSkippedAndLogged()
     QCOMPARE(x1Of(link.takeSamples()), QVector<int>({7}));
     QCOMPARE(log.lines().filter("Bytes skipped"),
              QStringList("debug: Incomplete stream message. Bytes skipped: 3"));
+    QCOMPARE(link.client.skippedBytes(), quint64(3));
 }
 
 void TestStream::partialPacketIsCompletedLater()
@@ -440,6 +441,7 @@ void TestStream::everyPacketOfAFastStreamIsStored()
     QTRY_VERIFY(link.client.samplesStored() >= 1000);
     link.client.stopStream();
     QCOMPARE(qint64(link.client.samplesStored()), link.controller.packetsSent() - startAnswer);
+    QCOMPARE(link.client.skippedBytes(), quint64(0));
 }
 
 void TestStream::slowReaderLosesTheOldestSamples()
@@ -455,6 +457,7 @@ void TestStream::slowReaderLosesTheOldestSamples()
 
     const QVector<int> stored = x1Of(link.takeSamples());
     QCOMPARE(stored.size(), Connection::storeCapacity - 1);
+    QCOMPARE(link.client.droppedSamples(), quint64(packets - startAnswer - stored.size()));
     QCOMPARE(stored.last(), int(numberedSamples(packets).last().x1));
 }
 
