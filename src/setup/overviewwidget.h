@@ -74,10 +74,10 @@ private:
     void showOnly(bool header);
     void updateLabel(const ConnectionStatus& status);
     void updateStabilised(bool& shown, bool now, QPushButton& button);
-    void updateActive(bool& shown, bool now, QLabel& light);
+    void updateActive(bool& shown, bool now, QLabel& active);
     void updateColor(QColor& shown, const QColor& now, int graph);
     void showStabilised(QPushButton& button, bool on);
-    void showActive(QLabel& light, bool on);
+    void showActive(QLabel& active, bool on);
     void chooseColor(int target);
     void emitMultiplexing(int comboIndex, int stage);
     QColor& colorOf(int graph);

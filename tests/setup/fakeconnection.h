@@ -14,8 +14,16 @@ class FakeConnection final : public Connection
 public:
     explicit FakeConnection(ConnectionType connectionType)
         : type(connectionType)
-    {}
-    ~FakeConnection() override { releaseInPlace(); }
+    {
+        ++alive;
+    }
+    ~FakeConnection() override
+    {
+        releaseInPlace();
+        --alive;
+    }
+    /// How many exist.
+    static int count() { return alive; }
 
     static void* operator new(std::size_t size)
     {
@@ -30,12 +38,14 @@ public:
     {
         name = address;
         number = baudOrPort;
-        return true;
+        return usable;
     }
     int portOrBaud() const override { return number; }
     void releaseInPlace() override { releaseCore(); }
     void resync() override {}
 
+    /// Whether `init` takes what it is given.
+    void setUsable(bool on) { usable = on; }
     void comeUp() { publishConnected(); }
     void goDown() { disconnectController(); }
 
@@ -44,8 +54,10 @@ protected:
 
 private:
     static inline void* spare = nullptr;
+    static inline int alive = 0;
 
     ConnectionType type;
     QString name;
     int number = 0;
+    bool usable = true;
 };
