@@ -94,7 +94,7 @@ void addCases()
 
 Q_DECLARE_METATYPE(Meanwhile)
 
-class tst_RegistryMeanwhile final : public QObject
+class TestRegistryMeanwhile final : public QObject
 {
     Q_OBJECT
 
@@ -115,19 +115,19 @@ private:
     std::unique_ptr<WindowFixture> fixture;
 };
 
-void tst_RegistryMeanwhile::init()
+void TestRegistryMeanwhile::init()
 {
     fixture = std::make_unique<WindowFixture>(systems);
     QVERIFY(fixture->openWithSystems());
 }
 
-void tst_RegistryMeanwhile::cleanup()
+void TestRegistryMeanwhile::cleanup()
 {
     fixture.reset();
     QCOMPARE(leftWidgets(), QString());
 }
 
-void tst_RegistryMeanwhile::whatClosesWhileAConnectionEndsClosesAfterwards()
+void TestRegistryMeanwhile::whatClosesWhileAConnectionEndsClosesAfterwards()
 {
     QFETCH(Meanwhile, meanwhile);
     QFETCH(int, registered);
@@ -143,7 +143,7 @@ void tst_RegistryMeanwhile::whatClosesWhileAConnectionEndsClosesAfterwards()
     QTRY_VERIFY(!fixture->controller(ending).isConnected());
 }
 
-void tst_RegistryMeanwhile::whatClosesBeforeAReconnectionClosesAfterwards()
+void TestRegistryMeanwhile::whatClosesBeforeAReconnectionClosesAfterwards()
 {
     QFETCH(Meanwhile, meanwhile);
     QFETCH(int, registered);
@@ -167,7 +167,7 @@ void tst_RegistryMeanwhile::whatClosesBeforeAReconnectionClosesAfterwards()
     QCOMPARE(shownAddresses(*fixture), shown);
 }
 
-void tst_RegistryMeanwhile::whatClosesWhileAForeignDeviceIsDroppedClosesAfterwards()
+void TestRegistryMeanwhile::whatClosesWhileAForeignDeviceIsDroppedClosesAfterwards()
 {
     QFETCH(Meanwhile, meanwhile);
     QFETCH(int, registered);
@@ -192,5 +192,5 @@ void tst_RegistryMeanwhile::whatClosesWhileAForeignDeviceIsDroppedClosesAfterwar
     QTRY_VERIFY(!fixture->controller(ending).isConnected());
 }
 
-QTEST_MAIN(tst_RegistryMeanwhile)
+QTEST_MAIN(TestRegistryMeanwhile)
 #include "tst_registrymeanwhile.moc"
