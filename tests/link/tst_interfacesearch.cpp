@@ -74,7 +74,6 @@ private slots:
     void initTestCase();
 
     void withoutInterfacesNothingIsFound();
-    void theSystemIsAskedForInterfaces();
     void pseudoTerminalsAreNamedAndNotTried();
     void aControllerIsFoundAtItsRateAndFlowControl_data();
     void aControllerIsFoundAtItsRateAndFlowControl();
@@ -118,17 +117,6 @@ void TestInterfaceSearch::withoutInterfacesNothingIsFound()
     QVERIFY(searchInterfaces(false, true, listing({})).isEmpty());
     QCOMPARE(log.lines(), QStringList({"info: Searching for serial interfaces",
                                        "info: Search for controllers completed"}));
-}
-
-void TestInterfaceSearch::theSystemIsAskedForInterfaces()
-{
-    const LogCapture log;
-    const QList<SerialInterface> known = availableInterfaces();
-    for (const SerialInterface& each : known)
-        QVERIFY(!each.name.isEmpty() && !each.name.contains('/'));
-    // No adapter is tried here: the machine's own ports are not ours.
-    QVERIFY(searchInterfaces(false, false, listing({{"ttyS0", "", "someone"}})).isEmpty());
-    QCOMPARE(log.count("info: Skipping interface"), 1);
 }
 
 void TestInterfaceSearch::pseudoTerminalsAreNamedAndNotTried()
