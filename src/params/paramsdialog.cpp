@@ -3,6 +3,8 @@
 #include "app/logging.h"
 #include "link/connection.h"
 
+#include <algorithm>
+
 ParamsDialog::ParamsDialog(const Connections& connectionList,
                            const QList<ConnectionStatus>& statusList, QWidget* parent)
     : QDialog(parent)
@@ -33,12 +35,18 @@ void ParamsDialog::closeIfDisconnected()
         close();
 }
 
-void ParamsDialog::openDialog(QString address)
+void ParamsDialog::openFor(const Connection* connection)
 {
     for (int i = 0; i < statuses.size(); ++i) {
-        if (statuses[i].address == address) {
+        if (connections[std::size_t(i)].get() == connection)
             currentIndex = i;
-            return;
-        }
     }
+}
+
+void ParamsDialog::openDialog(QString address)
+{
+    const auto found = std::find_if(connections.begin(), connections.end(),
+                                    [&](const auto& each) { return each->address() == address; });
+    if (found != connections.end())
+        openFor(found->get());
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "model/connectionstatus.h"
 #include "model/detectorpair.h"
+#include "setup/connectionstatus.h"
 
 #include <QDialog>
 #include <QList>
@@ -34,7 +34,11 @@ public:
     /// Closes the dialog if its connection is not connected any more.
     void closeIfDisconnected();
 
+    /// Opens the dialog for a connection; nothing happens if it is not in the list.
+    void openFor(const Connection* connection);
+
 public slots:
+    /// Opens the dialog for the first connection with this address.
     void openDialog(QString address);
 
 signals:

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "model/connectionstatus.h"
 #include "model/detectorpair.h"
 #include "model/measuresample.h"
 #include "setup/connectionregistry.h"
+#include "setup/connectionstatus.h"
 #include "window/stageview.h"
 #include "window/statisticssums.h"
 #include "window/unitchoice.h"
@@ -60,6 +60,8 @@ public:
                        const ConnectionSettings& settings) override;
     bool closeConnection(const Connection* connection) override;
     void relabelConnection(const Connection* connection, const QString& label) override;
+    ReconnectResult reconnect(const Connection* connection, const QString& expectedId) override;
+    bool disconnectLink(const Connection* connection) override;
 
     const std::vector<std::unique_ptr<Connection>>& liveConnections() const { return connections; }
     const QList<ConnectionStatus>& liveStatuses() const { return statuses; }
@@ -68,8 +70,10 @@ public:
 
 public slots:
     bool closedConnection(QString address);
-    bool disconnectConnection(QString address) override;
-    bool reconnectConnection(QString address, QString& boardID) override;
+    bool disconnectConnection(QString address);
+    /// Brings up the connected system with this address, else the first; `boardID` becomes the
+    /// identification of the controller that answers, whoever it is.
+    bool reconnectConnection(QString address, QString& boardID);
     bool updateSettingsAndParameters(QList<ConnectionSettings>& settings) override;
     /// Puts a connected system on the plots or takes it off.
     void showConnection(QString id, bool show);
@@ -224,7 +228,13 @@ private:
     void watchLink(Connection& link);
     void takeLoss(const Connection* link);
     void endLink(Connection& link);
+    /// The connected one with this address, else the first; -1 if there is none.
+    int indexMeantBy(const QString& address) const;
+    /// Brings up a link and finds out who answers. With an empty `expectedId` any controller will
+    /// do. `id` is what the controller says of itself.
+    ReconnectResult bringBack(Connection& link, const QString& expectedId, QString& id);
     bool comesUp(Connection& link);
+    void showSystem(int index);
     void hideIfDisplayed(int index);
     void hideDisplayed(int position);
     void showForSingleSystem(int index);

@@ -7,6 +7,7 @@
 #include "plots/genericplot.h"
 #include "recording/dataloggerdialog.h"
 #include "service/servicedialog.h"
+#include "setup/colors.h"
 #include "setup/connectionoverviewdialog.h"
 #include "setup/settingsdialog.h"
 #include "window/mainwindow.h"
@@ -82,6 +83,12 @@ int MainWindow::indexOfConnected(const QString& address) const
     });
 }
 
+int MainWindow::indexMeantBy(const QString& address) const
+{
+    const int connected = indexOfConnected(address);
+    return connected >= 0 ? connected : indexOf(address);
+}
+
 Connection* MainWindow::currentLink() const
 {
     const auto index = std::size_t(currentConnection);
@@ -105,9 +112,10 @@ void MainWindow::newConnection(std::unique_ptr<Connection> connection,
     paramsDialog->appendDetectorPair(settings);
 
     ConnectionStatus status;
-    status.colorX = settings.colorX;
-    status.colorY = settings.colorY;
-    status.colorI = settings.colorI;
+    status.connection = connection.get();
+    status.colorX = toColor(settings.colorX);
+    status.colorY = toColor(settings.colorY);
+    status.colorI = toColor(settings.colorI);
     status.address = connection->address();
     status.label = connection->label();
     status.statusValid = connection->isConnected();
@@ -118,7 +126,7 @@ void MainWindow::newConnection(std::unique_ptr<Connection> connection,
     connectionOverviewDialog->update(statuses);
 
     if (displayedConnections.size() < maxDisplayed && connectionAt(n).isConnected())
-        showConnection(statuses[n].address, true);
+        showSystem(n);
     updateMaxRate();
 }
 
@@ -142,7 +150,7 @@ void MainWindow::watchLink(Connection& link)
 void MainWindow::takeLoss(const Connection* link)
 {
     if (link && indexOf(link) >= 0 && link->isConnected())
-        settingsDialog->on_WidgetDisconnect(link->address());
+        settingsDialog->onLinkLost(link);
 }
 
 void MainWindow::setCurveColors(int index)
@@ -175,7 +183,11 @@ void MainWindow::showConnection(QString id, bool show)
         return;
     }
 
-    const int index = indexOfConnected(id);
+    showSystem(indexOfConnected(id));
+}
+
+void MainWindow::showSystem(int index)
+{
     // One that is shown already keeps its place.
     if (index < 0 || displayedConnections.contains(index))
         return;
@@ -326,9 +338,13 @@ bool MainWindow::closeConnection(const Connection* connection)
 
 bool MainWindow::disconnectConnection(QString address)
 {
-    // Another one that is down can have the same address: it is not the one that is meant.
-    const int connected = indexOfConnected(address);
-    const int index = connected >= 0 ? connected : indexOf(address);
+    const int index = indexMeantBy(address);
+    return index >= 0 && disconnectLink(&connectionAt(index));
+}
+
+bool MainWindow::disconnectLink(const Connection* connection)
+{
+    const int index = indexOf(connection);
     if (index < 0)
         return false;
     const KeepingClosed keeping(*this);
@@ -352,36 +368,48 @@ void MainWindow::endLink(Connection& link)
 
 bool MainWindow::reconnectConnection(QString address, QString& boardID)
 {
-    logMessage().info() << "Reconnecting";
+    const int index = indexMeantBy(address);
+    if (index < 0)
+        return false;
     const KeepingClosed keeping(*this);
-    std::vector<Connection*> links;
-    for (const auto& connection : connections) {
-        if (connection->address() == address)
-            links.push_back(connection.get());
+    return bringBack(connectionAt(index), QString(), boardID) == ReconnectResult::Reconnected;
+}
+
+ReconnectResult MainWindow::reconnect(const Connection* connection, const QString& expectedId)
+{
+    const int index = indexOf(connection);
+    if (index < 0)
+        return ReconnectResult::NoController;
+    const KeepingClosed keeping(*this);
+    QString id;
+    return bringBack(connectionAt(index), expectedId, id);
+}
+
+ReconnectResult MainWindow::bringBack(Connection& link, const QString& expectedId, QString& id)
+{
+    logMessage().info() << "Reconnecting";
+    if (link.isRunning())
+        endLink(link);
+    // Ending a link takes events, and these can have closed it.
+    if (indexOf(&link) < 0 || !comesUp(link)) {
+        logMessage().info() << "Reconnecting failed";
+        return ReconnectResult::NoController;
     }
-    for (Connection* link : links) {
-        if (link->isRunning()) {
-            link->disconnectController();
-            QThread::msleep(settleMs);
-        }
-        if (indexOf(link) < 0)
-            continue;
-        if (!comesUp(*link))
-            break;
-        const ControllerIdentity identity = identify(*link, LineClearing::TwoStopsAndRepeat);
-        if (!identity.isController) {
-            link->disconnectController();
-            continue;
-        }
-        statuses[indexOf(link)].statusValid = true;
-        if (displayedConnections.size() < maxDisplayed)
-            showConnection(address, true);
-        boardID = identity.id;
-        logMessage().info() << "Successfully reconnected";
-        return true;
+    const ControllerIdentity identity = identify(link, LineClearing::TwoStopsAndRepeat);
+    const bool isExpected = expectedId.isEmpty() || identity.id == expectedId;
+    if (!identity.isController || !isExpected) {
+        endLink(link);
+        logMessage().info() << "Reconnecting failed";
+        return identity.isController ? ReconnectResult::OtherController
+                                     : ReconnectResult::NoController;
     }
-    logMessage().info() << "Reconnecting failed";
-    return false;
+    const int index = indexOf(&link);
+    statuses[index].statusValid = true;
+    if (displayedConnections.size() < maxDisplayed)
+        showSystem(index);
+    id = identity.id;
+    logMessage().info() << "Successfully reconnected";
+    return ReconnectResult::Reconnected;
 }
 
 /// Takes no events until the link is up.
@@ -450,15 +478,15 @@ bool MainWindow::updateSettingsAndParameters(QList<ConnectionSettings>& settings
     if (statuses.size() != settings.size())
         return false;
     stopTicking();
-    const QList<int> order = connectionOverviewDialog->order();
+    const QList<int> order = connectionOverviewDialog->shownOrder();
     // The timer stays stopped: an overview that lost count is not shown as if it were in step.
     if (order.size() != settings.size())
         return false;
     for (int i = 0; i < settings.size(); ++i) {
         settings[i].label.set(statuses[i].label);
-        settings[i].colorX = statuses[i].colorX;
-        settings[i].colorY = statuses[i].colorY;
-        settings[i].colorI = statuses[i].colorI;
+        settings[i].colorX = toName(statuses[i].colorX);
+        settings[i].colorY = toName(statuses[i].colorY);
+        settings[i].colorI = toName(statuses[i].colorI);
         (*detectorPairs)[i].copyTo(settings[i]);
         settings[i].position = order[i];
     }

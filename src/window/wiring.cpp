@@ -70,7 +70,6 @@ void MainWindow::wireActions()
     connect(ui->actionConnect, &QAction::triggered, settingsDialog, &SettingsDialog::tryConnect);
     connect(ui->actionDisconnect, &QAction::triggered, settingsDialog,
             &SettingsDialog::tryDisconnect);
-    connect(settingsDialog, &SettingsDialog::newLabel, this, &MainWindow::changeLabel);
     for (QAction* action : {ui->actionOpenParams, ui->actionCloseParams}) {
         connect(settingsDialog, &SettingsDialog::connected, action, &QAction::setEnabled);
         connect(settingsDialog, &SettingsDialog::disconnected, action, &QAction::setEnabled);

@@ -49,20 +49,26 @@ public:
     void relabelConnection(const Connection* connection, const QString& label) override
     {
         const auto found = find(connection);
-        if (found != connections.end())
-            (*found)->setLabel(label);
+        if (found == connections.end())
+            return;
+        (*found)->setLabel(label);
+        relabelled.append(int(found - connections.begin()));
     }
 
-    bool reconnectConnection(QString address, QString& boardID) override
+    ReconnectResult reconnect(const Connection* connection, const QString& expectedId) override
     {
-        calls.append("reconnect " + address);
-        boardID = answeringId;
-        return reconnects;
+        calls.append("reconnect " + addressOf(connection));
+        reconnected.append(indexOf(connection));
+        if (!reconnects)
+            return ReconnectResult::NoController;
+        return answeringId == expectedId ? ReconnectResult::Reconnected
+                                         : ReconnectResult::OtherController;
     }
 
-    bool disconnectConnection(QString address) override
+    bool disconnectLink(const Connection* connection) override
     {
-        calls.append("disconnect " + address);
+        calls.append("disconnect " + addressOf(connection));
+        disconnected.append(indexOf(connection));
         return disconnects;
     }
 
@@ -75,6 +81,11 @@ public:
     }
 
     QStringList calls;
+    /// Indices of the connections that were asked for, in the order of the calls; -1 for one that
+    /// is not there.
+    QList<int> relabelled;
+    QList<int> reconnected;
+    QList<int> disconnected;
     QList<ConnectionSettings> records;
     QList<LinkState> statesWhenNew;
     QList<bool> runningWhenNew;
@@ -94,7 +105,20 @@ public:
     /// The order that the overview shows; empty: as made.
     QList<int> order;
 
+    /// -1 for one that is not there.
+    int indexOf(const Connection* connection)
+    {
+        const auto found = find(connection);
+        return found == connections.end() ? -1 : int(found - connections.begin());
+    }
+
 private:
+    QString addressOf(const Connection* connection)
+    {
+        const auto found = find(connection);
+        return found == connections.end() ? QStringLiteral("nobody") : (*found)->address();
+    }
+
     std::vector<std::unique_ptr<Connection>>::iterator find(const Connection* connection)
     {
         return std::find_if(connections.begin(), connections.end(),

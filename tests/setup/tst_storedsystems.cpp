@@ -337,6 +337,8 @@ void TestStoredSystems::aLabelIsPassedOn()
     load({quietTcp("AB000000001", "127.0.0.77", "a")});
     QSignalSpy spy(&bench->dialog, &SettingsDialog::newLabel);
     QTest::keyClicks(&named<QLineEdit>(*bench->tcpLines().first(), "lineEdit"), "b");
+    QCOMPARE(bench->registry.relabelled, QList<int>{0});
+    QCOMPARE(bench->registry.connections.front()->label(), QStringLiteral("ab"));
     QCOMPARE(spy.size(), 1);
     QCOMPARE(spy.first(), QList<QVariant>({"127.0.0.77", "ab"}));
 }
@@ -379,7 +381,7 @@ void TestStoredSystems::anotherControllerIsRejectedOnReconnect()
     QCOMPARE(bench->tcpInfo(), text);
     QCOMPARE(bench->serialInfo(), text);
     QCOMPARE(button.text(), QStringLiteral("Reconnect"));
-    QCOMPARE(bench->registry.calls.last(), QStringLiteral("disconnect 127.0.0.77"));
+    QCOMPARE(bench->registry.calls.last(), QStringLiteral("reconnect 127.0.0.77"));
 }
 
 void TestStoredSystems::disconnectingMarksTheLine()
