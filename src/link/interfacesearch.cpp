@@ -10,6 +10,8 @@
 #include <QSerialPort>
 #include <QSerialPortInfo>
 
+#include <optional>
+
 namespace {
 
 constexpr char knownManufacturer[] = "FTDI";
@@ -29,8 +31,8 @@ class InterfaceProbe final
 public:
     explicit InterfaceProbe(const QString& name);
 
-    /// The controller's entry; empty if there is none.
-    QStringList run();
+    /// Nothing if no controller was found.
+    std::optional<FoundInterface> run();
 
 private:
     bool open();
@@ -50,7 +52,7 @@ InterfaceProbe::InterfaceProbe(const QString& name)
     port.setPortName(name);
 }
 
-QStringList InterfaceProbe::run()
+std::optional<FoundInterface> InterfaceProbe::run()
 {
     for (const int baudRate : baudRates) {
         logMessage().info() << "Baud rate" << baudRate;
@@ -63,11 +65,10 @@ QStringList InterfaceProbe::run()
             const QString id = controllerId();
             close();
             if (!id.isEmpty())
-                return {id, port.portName(), QString::number(baudRate),
-                        QString::number(flowControl)};
+                return FoundInterface{id, port.portName(), baudRate, flowControl};
         }
     }
-    return {};
+    return std::nullopt;
 }
 
 bool InterfaceProbe::open()
@@ -180,18 +181,17 @@ QList<SerialInterface> availableInterfaces()
     return interfaces;
 }
 
-QList<QStringList> searchInterfaces(bool includePseudo, bool anyDevice,
-                                    const InterfaceLister& lister)
+QList<FoundInterface> searchInterfaces(bool includePseudo, bool anyDevice,
+                                       const InterfaceLister& lister)
 {
     logMessage().info() << "Searching for serial interfaces";
     if (includePseudo)
         tellPseudoInterfaces();
-    QList<QStringList> found;
+    QList<FoundInterface> found;
     const QStringList names = candidates(lister, anyDevice);
     for (const QString& name : names) {
-        const QStringList entry = InterfaceProbe(name).run();
-        if (!entry.isEmpty())
-            found.append(entry);
+        if (const std::optional<FoundInterface> controller = InterfaceProbe(name).run())
+            found.append(*controller);
     }
     logMessage().info() << "Search for controllers completed";
     return found;
