@@ -84,7 +84,7 @@ bool InterfaceProbe::open()
     return false;
 }
 
-/// Empty if nobody answers, or somebody who is not a controller.
+/// Empty if nothing answers, or something that is not a controller.
 QString InterfaceProbe::controllerId()
 {
     const QByteArray stopped = stopReply();
@@ -147,8 +147,8 @@ void InterfaceProbe::close()
     logMessage().info() << "Interface closed";
 }
 
-/// They are only named: a controller that was found there could not be connected.
-void tellPseudoInterfaces()
+/// Pseudo terminals are not tried: a serial connection does not accept their names.
+void logPseudoInterfaces()
 {
     const QStringList names = QDir(QStringLiteral("/dev/pts")).entryList(QDir::System);
     for (const QString& name : names)
@@ -186,7 +186,7 @@ QList<FoundInterface> searchInterfaces(bool includePseudo, bool anyDevice,
 {
     logMessage().info() << "Searching for serial interfaces";
     if (includePseudo)
-        tellPseudoInterfaces();
+        logPseudoInterfaces();
     QList<FoundInterface> found;
     const QStringList names = candidates(lister, anyDevice);
     for (const QString& name : names) {
