@@ -3,7 +3,7 @@
 #include "emulator/packet.h"
 #include "link/connection.h"
 #include "link/serialport.h"
-#include "params/paramsdialog.h"
+#include "model/detectorpair.h"
 #include "plots/counter.h"
 #include "plots/genericplot.h"
 #include "plots/thermoslider.h"
@@ -242,9 +242,9 @@ void tst_TickReadouts::aNewUnitStartsTheAverageAnew()
     PacketValues values;
     values.x1 = values.x2 = 1200;
     QVERIFY(feed.show(QVector<PacketValues>(30, values)));
-    QList<DetectorPair>& pairs = *fixture.window().findChild<ParamsDialog*>()->detectorPairs();
-    pairs[0].setDetectorType(0, PsdDetector);
-    pairs[0][0]->calculation = 1;
+    DetectorPair& detectors = *fixture.window().liveSystems().at(0).detectors;
+    detectors.setDetectorType(0, PsdDetector);
+    detectors[0]->calculation = 1;
     QVERIFY(feed.show({values}));
     // 1.2 V are 1 mm.
     QCOMPARE(readouts(fixture).at(0), 1.0);
@@ -320,13 +320,13 @@ void tst_TickReadouts::aStateFromAnotherPathReachesTheButtonOfASingleSystem()
     QCOMPARE(switchState(fixture, button), QString("OFF unchecked lightcoral"));
 
     fixture.controller().setStage(stage, true);
-    fixture.tick();
-    QCOMPARE(switchState(fixture, button), QString("ON checked lightgreen"));
+    QVERIFY(fixture.tickUntil(
+        [&] { return switchState(fixture, button) == QString("ON checked lightgreen"); }));
     QCOMPARE(switchState(fixture, otherButton), QString("OFF unchecked lightcoral"));
 
     fixture.controller().setStage(stage, false);
-    fixture.tick();
-    QCOMPARE(switchState(fixture, button), QString("OFF unchecked lightcoral"));
+    QVERIFY(fixture.tickUntil(
+        [&] { return switchState(fixture, button) == QString("OFF unchecked lightcoral"); }));
 }
 
 void tst_TickReadouts::withTwoDisplayedSystemsItDoesNot()
@@ -428,8 +428,8 @@ void tst_TickReadouts::oldFirmwareHasNoStateInItsStream()
     WindowFixture fixture(1, options);
     QVERIFY(fixture.openWithSystems());
     fixture.controller().setStage(1, true);
-    fixture.tick();
-    QCOMPARE(switchState(fixture, "push_Stab1"), QString("ON checked lightgreen"));
+    QVERIFY(fixture.tickUntil(
+        [&] { return switchState(fixture, "push_Stab1") == QString("ON checked lightgreen"); }));
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
     QVERIFY(feed.show({PacketValues()}));
@@ -454,11 +454,13 @@ void tst_TickReadouts::withoutAcquisitionTheStatusIsPolled()
     fixture.window().showConnection(fixture.controller(1).address(), false);
     fixture.controller(0).clearWire();
     fixture.controller(1).clearWire();
-    fixture.tick();
-    fixture.tick();
-    // Of hidden systems, too: the overview shows them.
-    QCOMPARE(fixture.controller(0).commands(), (QByteArrayList{"GSF;", "GSF;"}));
-    QCOMPARE(fixture.controller(1).commands(), (QByteArrayList{"GSF;", "GSF;"}));
+    // Hidden systems are polled, too: the overview shows them.
+    for (const int number : {0, 1}) {
+        const emulator::ControllerHandle controller = fixture.controller(number);
+        QVERIFY(fixture.tickUntil([&] { return controller.commands().size() >= 2; }));
+        const QByteArrayList commands = controller.commands();
+        QCOMPARE(commands.count("GSF;"), commands.size());
+    }
 
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
