@@ -22,7 +22,7 @@ constexpr char terminator = ';';
 constexpr int statusReplyLength = 2;
 /// Length of the reply with the status flags.
 constexpr int statusFlagsReplyLength = 4;
-/// Length of the reply that tells who the controller is.
+/// Length of the reply with the identification of the controller.
 constexpr int idReplyLength = 50;
 /// Length of one packet of the measurement stream.
 constexpr int packetLength = 25;

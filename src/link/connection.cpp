@@ -104,7 +104,7 @@ int Connection::endThread()
         --pollsLeft;
         wait(endPollMs);
     }
-    // Orders what the thread did to its objects before whatever this thread does next.
+    // Makes everything that the thread did to its objects visible to this thread.
     const std::lock_guard<std::mutex> lock(sharedMutex);
     return pollsLeft;
 }
@@ -140,10 +140,10 @@ void Connection::release(const char* kind)
 void Connection::makeEndpoint(std::unique_ptr<QIODevice> port)
 {
     condition.link = LinkState::NotConnected;
-    // Orders what the previous thread did at its end before this, too.
+    // Makes what the previous thread did at its end visible to this one.
     const std::lock_guard<std::mutex> lock(sharedMutex);
     endpoint.open(std::move(port));
-    portLossTold = false;
+    portLossReported = false;
     sendQueue.open(*this);
 }
 
@@ -151,7 +151,7 @@ void Connection::deleteEndpoint()
 {
     sendQueue.close();
     endpoint.close();
-    // Whoever sees the thread ended locks this once and thereby sees all of the above.
+    // `endThread` and `makeEndpoint` lock this too, and so see all of the above.
     const std::lock_guard<std::mutex> lock(sharedMutex);
 }
 
@@ -179,9 +179,9 @@ void Connection::ignoreInput()
 
 void Connection::reportLostPort()
 {
-    if (portLossTold)
+    if (portLossReported)
         return;
-    portLossTold = true;
+    portLossReported = true;
     condition.portOpen = false;
     logMessage().debug() << "Controller disconnected";
     emit hostDisconnected(address());

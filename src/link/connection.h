@@ -49,7 +49,7 @@ public:
 
     /// Writes a command. On the connection's thread, by `TriggerObject`. A command that can not be
     /// sent now, because another one waits for its reply, a stream runs or the link is not up, is
-    /// dropped without a word.
+    /// dropped silently.
     virtual void sendMessage(QByteArray message, int answerLength);
     /// Looks for the boundary of replies for up to a second. On the connection's thread.
     virtual void resync() = 0;
@@ -86,7 +86,7 @@ public:
 
     /// Samples of the stream that were stored.
     quint64 samplesStored() const { return liveStore.storedCount(); }
-    /// Stored samples that nobody took in time, so that newer ones took their places.
+    /// Stored samples that were not taken in time and were overwritten by newer ones.
     quint64 droppedSamples() const { return liveStore.droppedCount(); }
     /// Bytes of the stream that belonged to no packet.
     quint64 skippedBytes() const { return endpoint.decoder().skippedBytes(); }
@@ -173,7 +173,7 @@ protected:
     void publishOpenFailed();
     /// Deletes trigger and device. No other thread can reach them from its beginning on.
     void deleteEndpoint();
-    /// Logs and tells once that the port is lost, and ends the thread.
+    /// Logs that the port is lost, emits `hostDisconnected` and ends the thread, all of it once.
     void reportLostPort();
     QIODevice* device() const { return endpoint.port(); }
     int timeoutMs() const { return condition.timeoutMs; }
@@ -205,7 +205,7 @@ private:
 
     /// Only the connection's thread touches these.
     QMetaObject::Connection readyRead;
-    bool portLossTold = false;
+    bool portLossReported = false;
 
     bool released = false;
 };

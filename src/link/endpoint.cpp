@@ -104,7 +104,7 @@ void Endpoint::receiveReply()
 {
     condition.replies.clearBytes();
     restartDeadline();
-    // A stray byte has led here, too: the command that gets through meanwhile sets the length.
+    // A stray byte can lead here before a command is written. That command then sets the length.
     QByteArray bytes;
     if (waitForBytes(answerLength)) {
         bytes = device->read(answerLength);
@@ -126,7 +126,8 @@ void Endpoint::noteWholeReply(const QByteArray& bytes)
     }
 }
 
-/// A refusal is short whatever was asked for. Anything else that is short is of no use.
+/// A refusal always has two bytes, however long the reply should be. Other short replies are
+/// dropped.
 QByteArray Endpoint::takeShortReply()
 {
     if (condition.stream == StreamState::StartSent)

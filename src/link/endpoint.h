@@ -29,7 +29,7 @@ public:
 
     /// Writes a command and awaits a reply of that length. A command that can not be sent now,
     /// because another one waits for its reply, a stream runs or the link is not up, is dropped
-    /// without a word.
+    /// silently.
     void write(const CommandFrame& frame);
     /// Takes what has arrived. Not to be called again from the events that it takes.
     void takeInput();

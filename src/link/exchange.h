@@ -32,7 +32,7 @@ public:
     /// poll whose time is over is given up here.
     bool takePolled(QByteArray& out);
 
-    /// Drops whatever was sent and whatever came.
+    /// Drops the last command and its reply.
     void forget();
 
 private:

@@ -13,7 +13,7 @@ namespace {
 
 constexpr unsigned long pollMs = 1;
 
-/// Notes the loss of a link, which its state does not tell until it is disconnected.
+/// Remembers that a link was lost. The state of the link says so only after it was disconnected.
 class LossWatch final
 {
 public:
@@ -28,7 +28,7 @@ public:
     LossWatch(const LossWatch&) = delete;
     LossWatch& operator=(const LossWatch&) = delete;
 
-    /// Gives the connection's thread the time to tell what ended the last exchange.
+    /// Gives the connection's thread the time to report what ended the last exchange.
     bool isLost() const
     {
         QThread::msleep(settleMs);

@@ -43,10 +43,10 @@ bool SendDelivery::begin()
 
 struct PostedSend::Call
 {
-    Call(TriggerObject& to, CommandFrame what, std::shared_ptr<SendDelivery> tell)
-        : receiver(to)
-        , frame(std::move(what))
-        , delivery(std::move(tell))
+    Call(TriggerObject& trigger, CommandFrame command, std::shared_ptr<SendDelivery> outcome)
+        : receiver(trigger)
+        , frame(std::move(command))
+        , delivery(std::move(outcome))
     {}
     ~Call() { delivery->finish(); }
     Q_DISABLE_COPY(Call)

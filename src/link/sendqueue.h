@@ -19,8 +19,8 @@ public:
 
     /// Lets the calling thread, which is that of `receiver`, take what is posted.
     void open(Connection& receiver);
-    /// On the thread that opened it. What was posted and not taken yet is finished without being
-    /// sent; so is from now on whatever is posted.
+    /// On the thread that opened it. Commands that were not taken yet are finished without being
+    /// sent, and so are those that are posted from now on.
     void close();
 
     /// Posts a command, on any thread, without waiting. The result is never null.

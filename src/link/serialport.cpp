@@ -62,14 +62,14 @@ bool SerialPort::openPort()
     port()->setStopBits(QSerialPort::OneStop);
     if (port()->open(QIODevice::ReadWrite))
         setlowlatency();
-    // It was closed in between: one that did not come back is as good as one that never opened.
+    // The low-latency mode closes the port and opens it again, which can fail.
     if (port()->isOpen())
         return true;
-    tellRefusal(port()->error());
+    logRefusal(port()->error());
     return false;
 }
 
-void SerialPort::tellRefusal(QSerialPort::SerialPortError error) const
+void SerialPort::logRefusal(QSerialPort::SerialPortError error) const
 {
     const QString refusal = porterrors::explainRefusal(portName, error);
     if (!refusal.isEmpty())
@@ -94,7 +94,7 @@ void SerialPort::run()
         Qt::DirectConnection);
     watchInput();
     discardInput();
-    // The port can be lost as early as that.
+    // Discarding the input can already show that the port is lost.
     if (port()->isOpen())
         publishConnected();
 
@@ -117,7 +117,7 @@ bool SerialPort::setlowlatency()
     const int descriptor = ::open(path.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
     if (descriptor < 0) {
         if (errno == EACCES || errno == EPERM)
-            tellRefusal(QSerialPort::PermissionError);
+            logRefusal(QSerialPort::PermissionError);
         return false;
     }
     requestLowLatency(descriptor);

@@ -92,7 +92,7 @@ void TcpClient::firstTalk()
 void TcpClient::checkConnection()
 {
     disconnect(connectTimer.get(), &QTimer::timeout, this, nullptr);
-    // The link can still come up before the event loop has ended: whoever is first decides.
+    // A link that comes up now, before the event loop has ended, comes too late.
     disconnect(socket(), &QTcpSocket::connected, this, nullptr);
     exit(0);
 }

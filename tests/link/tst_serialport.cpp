@@ -153,6 +153,11 @@ void TestSerialPort::anotherRateIsNotUnderstood()
     EmulatedSerialLink one(options);
     QVERIFY(one.link.connect());
     QVERIFY(!identify(one.client, LineClearing::TwoStops).isController);
+
+    // Nothing but the rate is the reason.
+    QCOMPARE(one.client.disconnectController(), 1);
+    QVERIFY(one.client.init(one.client.address(), options.baudRate));
+    QVERIFY(one.link.connectAndIdentify());
 }
 
 void TestSerialPort::oldInputIsDropped()

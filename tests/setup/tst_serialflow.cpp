@@ -324,8 +324,8 @@ void TestSerialFlow::aConnectedDeviceIsNotConnectedAgain()
     const ControllerHandle first = plug();
     const ControllerHandle second = plug();
     bench->dialog.setInterfaceSearch([&](bool, bool) {
-        return QList<QStringList>{{first.id(), portOf(first), "115200", "1"},
-                                  {second.id(), portOf(second), "115200", "1"}};
+        return QList<FoundInterface>{{first.id(), portOf(first), 115200, 1},
+                                     {second.id(), portOf(second), 115200, 1}};
     });
     scan();
     connectAs("a");
@@ -437,7 +437,7 @@ void TestSerialFlow::anUnsuitablePortIsRefused()
     QFETCH(int, baudRate);
     QFETCH(QString, text);
     bench->dialog.setInterfaceSearch([&](bool, bool) {
-        return QList<QStringList>{{"Zev", port, QString::number(baudRate), "1"}};
+        return QList<FoundInterface>{{"Zev", port, baudRate, 1}};
     });
     scan();
     connectAs("a");
