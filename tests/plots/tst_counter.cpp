@@ -132,6 +132,8 @@ void TestCounter::wheelCountsOnlyWithFocus()
 {
     TwoCounters two;
     QVERIFY(two.active);
+    // By the wheel alone the box does not get the focus.
+    QCOMPARE(two.counter.spinBox->focusPolicy(), Qt::StrongFocus);
     two.counter.spinBox->setValue(50);
     two.partner.spinBox->setFocus();
     turnWheel(*two.counter.spinBox);

@@ -162,8 +162,12 @@ void TestGenericPlot::clearEmptiesOneCurveOrAll()
     plot.clear(1);
     QCOMPARE(plot.curveData(0).size(), size_t(1));
     QCOMPARE(plot.curveData(1).size(), size_t(0));
-    plot.clear(-1);
+    QCOMPARE(plot.curveData(2).size(), size_t(1));
+    plot.clear(0);
     QCOMPARE(plot.curveData(0).size(), size_t(0));
+    QCOMPARE(plot.curveData(2).size(), size_t(1));
+    plot.clear(-1);
+    QCOMPARE(plot.curveData(2).size(), size_t(0));
 
     plot.appendData(2, QPointF(1.0, 1.0));
     plot.clear();
@@ -235,7 +239,9 @@ void TestGenericPlot::smallerRangeLeavesTheLongerMidLines()
 void TestGenericPlot::rangeSetsAllAxesAndTheZoomBase()
 {
     GenericPlot plot(nullptr);
+    QSignalSpy rangeChanged(&plot, &GenericPlot::rangeChanged);
     plot.setRange(2.0, -2.0);
+    QCOMPARE(rangeChanged.size(), 1);
     QCOMPARE(plot.maxRange(), 2.0);
     QCOMPARE(plot.minRange(), -2.0);
     for (int axis : allAxes) {

@@ -41,6 +41,8 @@ private slots:
     void plotAtItsBaseMakesNoBars();
     void zoomedPlotShowsBothBarsAndTheCorner();
     void zoomedOneWayShowsOneBar();
+    void barIsShownWhicheverEndIsCutOff_data();
+    void barIsShownWhicheverEndIsCutOff();
     void barsAndCornerTakeThePlotsBackground();
     void barsTakeMarginOnceAndGiveItBack();
     void barsFollowTheCanvasSize();
@@ -153,6 +155,26 @@ void TestScrollZoomer::zoomedOneWayShowsOneBar()
     QVERIFY(!screen.zoomer.verticalScrollBar());
     QVERIFY(!screen.zoomer.cornerWidget());
     QCOMPARE(screen.hBar().width(), screen.plot.canvas()->contentsRect().width());
+}
+
+void TestScrollZoomer::barIsShownWhicheverEndIsCutOff_data()
+{
+    QTest::addColumn<QRectF>("rect");
+    QTest::addColumn<bool>("horizontal");
+    QTest::newRow("left") << QRectF(-3.0, -5.0, 8.0, 10.0) << true;
+    QTest::newRow("right") << QRectF(-5.0, -5.0, 8.0, 10.0) << true;
+    QTest::newRow("top") << QRectF(-5.0, -5.0, 10.0, 8.0) << false;
+    QTest::newRow("bottom") << QRectF(-5.0, -3.0, 10.0, 8.0) << false;
+}
+
+void TestScrollZoomer::barIsShownWhicheverEndIsCutOff()
+{
+    QFETCH(QRectF, rect);
+    PlotOnScreen screen;
+    screen.zoomer.zoom(rect);
+    QTEST(screen.zoomer.horizontalScrollBar() != nullptr, "horizontal");
+    QCOMPARE(screen.zoomer.verticalScrollBar() == nullptr,
+             screen.zoomer.horizontalScrollBar() != nullptr);
 }
 
 void TestScrollZoomer::barsAndCornerTakeThePlotsBackground()
@@ -400,11 +422,13 @@ void TestScrollZoomer::zoomerTakesItsWidgetsAlong()
     GenericPlot plot(nullptr);
     auto zoomer = std::make_unique<Zoomer>(plot.canvas());
     zoomer->zoom(middle);
-    QPointer<QWidget> bar = zoomer->horizontalScrollBar();
+    QPointer<QWidget> hBar = zoomer->horizontalScrollBar();
+    QPointer<QWidget> vBar = zoomer->verticalScrollBar();
     QPointer<QWidget> corner = zoomer->cornerWidget();
-    QVERIFY(bar && corner);
+    QVERIFY(hBar && vBar && corner);
     zoomer.reset();
-    QVERIFY(!bar);
+    QVERIFY(!hBar);
+    QVERIFY(!vBar);
     QVERIFY(!corner);
 }
 
