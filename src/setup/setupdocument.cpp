@@ -182,11 +182,16 @@ void writeDetectors(QDomElement root, const ConnectionSettings& record)
 
 namespace setupdocument {
 
-std::optional<Content> read(const QByteArray& xml)
+std::optional<Content> read(const QByteArray& xml, ReadError& error)
 {
     QDomDocument document;
-    if (!document.setContent(xml) || document.documentElement().tagName() != rootTag)
+    if (!document.setContent(xml, &error.text, &error.line, &error.column))
         return std::nullopt;
+    if (document.documentElement().tagName() != rootTag) {
+        error = {QStringLiteral("the root element is \"%1\", not \"%2\"")
+                     .arg(document.documentElement().tagName(), rootTag)};
+        return std::nullopt;
+    }
 
     Content content;
     // Whatever a child is called, it stands for a device.
@@ -197,6 +202,12 @@ std::optional<Content> read(const QByteArray& xml)
         content.records.append(readDevice(device, content.misfit));
     }
     return content;
+}
+
+std::optional<Content> read(const QByteArray& xml)
+{
+    ReadError ignored;
+    return read(xml, ignored);
 }
 
 QByteArray connections(const QList<ConnectionSettings>& records)
@@ -227,6 +238,32 @@ bool isReadable(const QByteArray& xml)
 {
     const std::optional<Content> content = read(xml);
     return content && !content->misfit;
+}
+
+QString whyUnreadable(const ConnectionSettings& record)
+{
+    ReadError error;
+    const std::optional<Content> content = read(connections({record}), error);
+    if (!content)
+        return QStringLiteral("written with the device key \"%1\" it is no XML: %2")
+            .arg(deviceKey(record.id.text()), error.text);
+    return content->misfit ? toText(*content->misfit) : QString();
+}
+
+QString toText(const ReadError& error)
+{
+    if (error.line == 0)
+        return error.text;
+    return QStringLiteral("line %1, column %2: %3")
+        .arg(QString::number(error.line), QString::number(error.column), error.text);
+}
+
+QString toText(const Misfit& misfit)
+{
+    return QStringLiteral("attribute \"%2\" of element \"%1\" has %3 bytes, more than the %4 that "
+                          "fit. Please shorten it.")
+        .arg(misfit.element, misfit.attribute, QString::number(misfit.bytes),
+             QString::number(misfit.capacity));
 }
 
 } // namespace setupdocument
