@@ -7,7 +7,7 @@ namespace {
 bool sharesLengthUnit(const QList<DetectorPair>& pairs, const QList<int>& displayed,
                       std::size_t stage)
 {
-    const int reference = pairs[displayed.first()][stage]->unitCode();
+    const PositionUnit reference = pairs[displayed.first()][stage]->unitCode();
     return std::all_of(displayed.begin(), displayed.end(), [&](int index) {
         const Detector& detector = *pairs[index][stage];
         return detector.calculation != 0 && detector.unitCode() == reference;
@@ -41,7 +41,7 @@ QString UnitChoice::unit() const
 
 int UnitChoice::unitCode() const
 {
-    return detectorOrPlain(detector).unitCode();
+    return int(detectorOrPlain(detector).unitCode());
 }
 
 double UnitChoice::maxPosition() const
