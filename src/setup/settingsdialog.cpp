@@ -116,8 +116,7 @@ void SettingsDialog::wireLines()
         flows.run([this, meant = QPointer<const Connection>(connection)] { reconnect(meant); });
     });
     connect(&systems, &SystemLines::removalWanted, this, [this](const Connection* connection) {
-        flows.run(
-            [this, meant = QPointer<const Connection>(connection)] { systems.remove(meant); });
+        flows.run([this, meant = QPointer<const Connection>(connection)] { deleteByUser(meant); });
     });
 }
 

@@ -105,6 +105,7 @@ private:
     void connectTcp();
     void reconnect(const Connection* connection);
     void disconnectByUser(const Connection* connection);
+    void deleteByUser(const Connection* connection);
 
     /// The path that the user chose; empty if none.
     QString chooseFile(QFileDialog::AcceptMode mode, const QString& title);
