@@ -15,7 +15,7 @@ constexpr int commonTarget = 3;
 constexpr int lightPx = 22;
 constexpr int buttonPaddingPx = 16;
 constexpr int colorButtonWidthPx = 22;
-/// Headings are smaller than what they head, also so that a column is as narrow as its controls.
+/// Headings are smaller than the controls, so that they do not make a column wider.
 constexpr double headingScale = 0.85;
 
 int widthFor(const QPushButton& button)
@@ -65,7 +65,7 @@ OverviewWidget::~OverviewWidget()
     colorDialog.close();
 }
 
-/// Header and rows have all controls of a column, so they come to the same width.
+/// Header and rows contain the same controls, so each column gets the same width in both.
 void OverviewWidget::alignColumns()
 {
     const std::pair<QWidget*, QWidget*> columns[] = {
@@ -206,7 +206,7 @@ void OverviewWidget::on_colorSelected(QColor color)
 {
     if (!color.isValid() || colorTarget >= commonTarget)
         return;
-    // An equal colour is told, too: the user has chosen it.
+    // Emitted for an equal colour, too: the user has chosen it.
     const auto graph = static_cast<Graph>(colorTarget);
     colorOf(graph) = color;
     colorButton(graph).setStyleSheet(QStringLiteral("background-color: %1").arg(color.name()));
@@ -253,7 +253,7 @@ void OverviewWidget::on_iColor2_clicked()
 
 void OverviewWidget::on_enable1_clicked()
 {
-    // The click must not show: the button follows the controller alone.
+    // The click leaves the button as it is: it shows what the controller reports.
     ui->enable1->setChecked(stabilised1);
     emit updateStage(address, 1, !stabilised1);
 }

@@ -13,13 +13,13 @@
 
 namespace {
 
-/// A full disk shows in the length or in the flush, never in the error alone.
+/// A full disk makes the write too short or the flush fail; it does not always set the error.
 bool writeAll(QFileDevice& file, const QByteArray& content)
 {
     return file.write(content) == content.size() && file.flush();
 }
 
-/// A write that took a part only leaves no error behind.
+/// A write that stored only a part sets no error.
 QString whyNotWritten(const QFileDevice& file)
 {
     return file.error() == QFileDevice::NoError
@@ -93,7 +93,7 @@ bool replace(const QString& path, const QByteArray& content, unsigned long pause
     if (QFile::exists(path) && !read(path, reason))
         return false;
     QSaveFile file(path);
-    // The error of a buffer that can not be written out has no reason.
+    // With a buffer, the error of a write that is too short has no text.
     if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         reason = file.errorString();
         return QFile::exists(path) && overwriteInPlace(path, content, pauseMs, reason);

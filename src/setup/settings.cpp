@@ -135,7 +135,7 @@ bool Settings::writeDetectors(const QString& path) const
 bool Settings::save(const QString& path) const
 {
     const QByteArray connections = setupdocument::connections(records);
-    // Without detectors if the rest is broken already: it is refused then.
+    // Detectors can not be added to what is no XML: it is refused as it is.
     const QByteArray content =
         setupdocument::withDetectors(connections, records).value_or(connections);
     return replaceFile(pathToWrite(path), content, closePauseMs);

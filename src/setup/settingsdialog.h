@@ -71,7 +71,7 @@ public slots:
     /// Makes the connections of a setup file, and connects those that are marked for it. With an
     /// empty path the default file is taken, and the outcome is not shown.
     void loadConnection(QString path);
-    /// Makes the room of the messages visible and empty, and the connect button the focus.
+    /// Shows the message labels of both tabs, empty, and gives the connect button the focus.
     void resizeSmall();
 
 protected:

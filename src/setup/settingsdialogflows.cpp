@@ -22,7 +22,7 @@ QString textOf(ConnectOutcome outcome, ConnectionType type)
     case ConnectOutcome::DeviceGone:
         return SettingsDialog::tr("Device not found");
     case ConnectOutcome::NoPortForRateChange:
-        // The spelling tells a support engineer at which of the two openings it happened.
+        // Spelled otherwise than `NoPort`, so that a report tells which of the two it was.
         return SettingsDialog::tr("SerialPort is not suitable for communication");
     case ConnectOutcome::RateNotChanged:
         return SettingsDialog::tr("Baudrate couldn't be adjusted");

@@ -91,7 +91,7 @@ ConnectionSettings readDevice(const QDomNode& device, std::optional<setupdocumen
             readConnection(element, tag, record, misfit);
         } else if (part == "General") {
             record.pulsedLaser = intAttribute(element, "pulsedLaser") != 0;
-            // Only here, on purpose: the key belongs to the detector data.
+            // The key belongs to the detectors: a device without this part has none.
             readText(record.serial, tag.mid(devicePrefixLength), tag, "key in the tag", misfit);
         } else if (part == "Detector1") {
             readDetector(element, 0, record);
@@ -168,7 +168,7 @@ void writeDetectors(QDomElement root, const ConnectionSettings& record)
              part = part.nextSiblingElement())
             hasParts |= writeDetectorPart(part, record);
     }
-    // A device that has one of the parts stays without the others, on purpose.
+    // A device that has one of the parts gets no other.
     if (hasParts)
         return;
     if (device.isNull())
@@ -194,7 +194,7 @@ std::optional<Content> read(const QByteArray& xml, ReadError& error)
     }
 
     Content content;
-    // Whatever a child is called, it stands for a device.
+    // Every child stands for a device, whatever its name is.
     for (QDomNode device = document.documentElement().firstChild(); !device.isNull();
          device = device.nextSibling()) {
         if (!device.firstChildElement(connectionTag).isNull())

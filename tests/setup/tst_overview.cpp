@@ -534,7 +534,7 @@ void TestOverview::removingAConnectionErasesTheLastEntry()
     dialog->update(statuses({"a", "b", "c"}));
     dialog->changeOrder(0, 2);
     QCOMPARE(dialog->order(), QList<int>({1, 2, 0}));
-    // Whichever connection went: on purpose.
+    // It is the last entry, not that of the connection that went.
     dialog->update(statuses({"a", "b"}));
     QCOMPARE(dialog->order(), QList<int>({1, 2}));
 }
