@@ -2,9 +2,9 @@
 
 #include "model/detector.h"
 
-#include <QColor>
 #include <QString>
 
+#include <algorithm>
 #include <array>
 
 /// Text of at most N - 1 bytes of UTF-8, zero terminated. The record keeps its texts in arrays of
@@ -53,12 +53,13 @@ struct ConnectionSettings
     /// The device key, by which records are matched.
     FixedText<12> serial;
 
-    QColor colorX;
-    QColor colorY;
-    QColor colorI;
-    QColor commonColorX;
-    QColor commonColorY;
-    QColor commonColorI;
+    /// Colours by their names in the file, "#rrggbb"; empty if never set.
+    QString colorX;
+    QString colorY;
+    QString colorI;
+    QString commonColorX;
+    QString commonColorY;
+    QString commonColorI;
 
     bool pulsedLaser = false;
     /// Detector type code, beam diameter in micrometres and length flag of stage 1 and 2.

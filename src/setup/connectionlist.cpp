@@ -1,6 +1,6 @@
 #include "setup/connectionlist.h"
 
-#include "link/connection.h"
+#include "model/connectionsettings.h"
 #include "setup/connectionwidget.h"
 
 #include <QListWidget>
@@ -8,75 +8,82 @@
 #include <algorithm>
 #include <memory>
 
-namespace {
-
-template <typename Predicate>
-int indexOf(const QList<ConnectionWidget*>& widgets, Predicate matches)
+ConnectionWidget& ConnectionList::add(const ConnectionSettings& record,
+                                      const Connection& connection)
 {
-    const auto found = std::find_if(widgets.cbegin(), widgets.cend(), matches);
-    return found == widgets.cend() ? -1 : int(std::distance(widgets.cbegin(), found));
+    auto* widget =
+        new ConnectionWidget(record.id.text(), record.label.text(), record.name.text(), &list);
+    auto* item = new QListWidgetItem(&list);
+    item->setSizeHint(widget->sizeHint());
+    list.setItemWidget(item, widget);
+    widget->setAutoConnect(record.autoConnect);
+    lines.append({widget, item, &connection});
+    return *widget;
 }
 
-} // namespace
-
-ConnectionWidget& ConnectionList::add(const QString& number, const QString& label,
-                                      const QString& address, const Connection& connection)
+void ConnectionList::remove(const QPointer<const Connection>& connection)
 {
-    widgets.append(new ConnectionWidget(number, label, address, &list));
-    items.append(new QListWidgetItem(&list));
-    owners.append(&connection);
-    registryAddresses.append(connection.address());
-    items.last()->setSizeHint(widgets.last()->sizeHint());
-    list.setItemWidget(items.last(), widgets.last());
-    return *widgets.last();
+    for (int i = lines.size() - 1; i >= 0; --i) {
+        if (!lines.at(i).connection || lines.at(i).connection == connection)
+            removeFromScreen(lines.takeAt(i));
+    }
 }
 
-void ConnectionList::removeAt(int index)
+void ConnectionList::clear()
 {
-    ConnectionWidget* const widget = widgets.takeAt(index);
-    const std::unique_ptr<QListWidgetItem> item(items.takeAt(index));
-    owners.removeAt(index);
-    registryAddresses.removeAt(index);
+    while (!lines.isEmpty())
+        removeFromScreen(lines.takeLast());
+}
+
+void ConnectionList::removeFromScreen(const Line& line)
+{
+    const std::unique_ptr<QListWidgetItem> item(line.item);
     list.removeItemWidget(item.get());
     // The line's own button can be what asks for this.
-    widget->disconnect();
-    widget->hide();
-    widget->deleteLater();
+    line.widget->disconnect();
+    line.widget->hide();
+    line.widget->deleteLater();
 }
 
-int ConnectionList::indexOfAddress(const QString& address) const
+ConnectionWidget* ConnectionList::lineOf(const Connection* connection) const
 {
-    return indexOf(widgets,
-                   [&](const ConnectionWidget* widget) { return widget->address() == address; });
+    const auto found = std::find_if(lines.cbegin(), lines.cend(), [connection](const Line& line) {
+        return line.connection && line.connection == connection;
+    });
+    return found == lines.cend() ? nullptr : found->widget;
 }
 
-int ConnectionList::indexOfNumber(const QString& number) const
+bool ConnectionList::hasAddress(const QString& address) const
 {
-    return indexOf(widgets,
-                   [&](const ConnectionWidget* widget) { return widget->number() == number; });
+    return std::any_of(lines.cbegin(), lines.cend(),
+                       [&address](const Line& line) { return line.widget->address() == address; });
 }
 
-bool ConnectionList::markConnected(const QString& address, bool isConnected) const
+bool ConnectionList::hasNumber(const QString& number) const
 {
-    bool found = false;
-    for (ConnectionWidget* widget : widgets) {
-        if (widget->address() != address)
-            continue;
-        widget->setConnected(isConnected);
-        found = true;
-    }
-    return found;
+    return std::any_of(lines.cbegin(), lines.cend(),
+                       [&number](const Line& line) { return line.widget->number() == number; });
 }
 
-bool ConnectionList::markConnected(const QString& address, const QString& number,
-                                   bool isConnected) const
+QString ConnectionList::lastNumber() const
 {
-    bool found = false;
-    for (ConnectionWidget* widget : widgets) {
-        if (widget->address() != address || widget->number() != number)
-            continue;
-        widget->setConnected(isConnected);
-        found = true;
+    return lines.isEmpty() ? QString() : lines.last().widget->number();
+}
+
+QList<QPointer<const Connection>> ConnectionList::connections() const
+{
+    QList<QPointer<const Connection>> owners;
+    for (const Line& line : lines)
+        owners.append(line.connection);
+    return owners;
+}
+
+QList<const Connection*> ConnectionList::connectionsAt(const QString& address) const
+{
+    QList<const Connection*> found;
+    for (const Line& line : lines) {
+        if (line.connection && line.widget->address() == address)
+            found.append(line.connection);
     }
     return found;
 }

@@ -1,14 +1,19 @@
 #pragma once
 
+#include "link/connection.h"
+
 #include <QList>
+#include <QPointer>
 #include <QString>
 
-class Connection;
 class ConnectionWidget;
 class QListWidget;
 class QListWidgetItem;
+struct ConnectionSettings;
 
 /// The lines of one tab of the connection dialog. The list widget owns lines and items.
+///
+/// A line belongs to a connection. Addresses only look lines up, as two can have the same one.
 class ConnectionList final
 {
 public:
@@ -16,32 +21,34 @@ public:
         : list(listWidget)
     {}
 
-    /// Adds the line of a connection. Its own address is empty if the stored one is none.
-    ConnectionWidget& add(const QString& number, const QString& label, const QString& address,
-                          const Connection& connection);
-    void removeAt(int index);
+    /// Adds the line of a connection, with number, label and address of the record.
+    ConnectionWidget& add(const ConnectionSettings& record, const Connection& connection);
+    /// Removes the line of this connection, and those whose connection does not exist any more.
+    void remove(const QPointer<const Connection>& connection);
+    void clear();
 
-    int size() const { return widgets.size(); }
-    ConnectionWidget& at(int index) const { return *widgets.at(index); }
-    /// The address by which the connection is registered.
-    QString registryAddressAt(int index) const { return registryAddresses.at(index); }
-    /// Whose lines these are, in their order. They can be gone.
-    const QList<const Connection*>& connections() const { return owners; }
-
-    /// Index of the first line with this address or number; -1 if there is none.
-    int indexOfAddress(const QString& address) const;
-    int indexOfNumber(const QString& number) const;
-
-    /// Marks the lines of an address; if a number is given, only those that have it, too. Returns
-    /// whether there was one.
-    bool markConnected(const QString& address, bool isConnected) const;
-    bool markConnected(const QString& address, const QString& number, bool isConnected) const;
+    /// Null if the connection has no line here.
+    ConnectionWidget* lineOf(const Connection* connection) const;
+    bool hasAddress(const QString& address) const;
+    bool hasNumber(const QString& number) const;
+    /// Number of the lowest line; null without lines.
+    QString lastNumber() const;
+    /// Whose lines these are, from the top. An entry is null if its connection was deleted.
+    QList<QPointer<const Connection>> connections() const;
+    /// Those of the lines with this address, from the top.
+    QList<const Connection*> connectionsAt(const QString& address) const;
 
 private:
+    struct Line
+    {
+        ConnectionWidget* widget;
+        QListWidgetItem* item;
+        /// A connection that is made later can get the memory of one that is gone.
+        QPointer<const Connection> connection;
+    };
+
+    void removeFromScreen(const Line& line);
+
     QListWidget& list;
-    // Same indices.
-    QList<ConnectionWidget*> widgets;
-    QList<QListWidgetItem*> items;
-    QList<const Connection*> owners;
-    QList<QString> registryAddresses;
+    QList<Line> lines;
 };

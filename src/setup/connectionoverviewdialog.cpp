@@ -61,6 +61,7 @@ void ConnectionOverviewDialog::addConnectionRow()
 {
     appendRow(false);
     relaySignals(*rows.last());
+    relayByConnection(*rows.last());
     connectionOrder.append(connectionOrder.size());
     // Tab follows the eye: the rows stand above the button.
     setTabOrder(&rows.last()->lastTabStop(), ui->closePushButton);
@@ -76,6 +77,24 @@ void ConnectionOverviewDialog::relaySignals(const OverviewWidget& row)
     connect(&row, &OverviewWidget::openParams, this, &Dialog::openParamDialog);
     connect(&row, &OverviewWidget::multiplexingUpdate, this, &Dialog::multiplexDetectors);
     connect(&row, &OverviewWidget::newGroup, this, &Dialog::newGroupId);
+}
+
+/// A row knows its connection from its latest status.
+void ConnectionOverviewDialog::relayByConnection(const OverviewWidget& row)
+{
+    connect(&row, &OverviewWidget::display, this, [this, &row](const QString&, bool show) {
+        emit systemDisplayed(row.connection(), show);
+    });
+    connect(&row, &OverviewWidget::newColor, this,
+            [this, &row](const QString&, const QColor& color, int graph) {
+                emit systemColored(row.connection(), color, graph);
+            });
+    connect(&row, &OverviewWidget::updateStage, this,
+            [this, &row](const QString&, int stage, bool active) {
+                emit systemStageChanged(row.connection(), stage, active);
+            });
+    connect(&row, &OverviewWidget::openParams, this,
+            [this, &row] { emit systemParametersWanted(row.connection()); });
 }
 
 void ConnectionOverviewDialog::removeLastRow()
@@ -102,6 +121,14 @@ void ConnectionOverviewDialog::update(const QList<ConnectionStatus>& statuses)
         if (item.sizeHint() != row.sizeHint())
             item.setSizeHint(row.sizeHint());
     }
+}
+
+QList<int> ConnectionOverviewDialog::shownOrder() const
+{
+    QList<int> shown;
+    for (int place = headerRows; place < ui->listWidget->count(); ++place)
+        shown.append(items.indexOf(ui->listWidget->item(place)) - headerRows);
+    return shown;
 }
 
 void ConnectionOverviewDialog::changeOrder(int oldIndex, int newIndex)

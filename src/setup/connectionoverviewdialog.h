@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/connectionstatus.h"
+#include "setup/connectionstatus.h"
 
 #include <QColor>
 #include <QDialog>
@@ -33,6 +33,9 @@ public:
     void update(const QList<ConnectionStatus>& statuses);
     /// Entry i is the index of the connection at place i of the user's order.
     QList<int> order() const { return connectionOrder; }
+    /// Entry i is the index of the connection at place i of the list as it is on the screen. It
+    /// differs from `order` after a removal, which erases the last entry there.
+    QList<int> shownOrder() const;
 
 signals:
     void displayConnection(QString name, bool show);
@@ -44,6 +47,13 @@ signals:
     void openParamDialog(QString name);
     void multiplexDetectors(QString name, bool status, int stage);
     void newGroupId(QString name, int id);
+
+    // The same four requests by the connection itself, for whoever has to tell apart two
+    // connections with one address.
+    void systemDisplayed(Connection* system, bool show);
+    void systemColored(Connection* system, QColor color, int graph);
+    void systemStageChanged(Connection* system, int stage, bool active);
+    void systemParametersWanted(Connection* system);
 
 public slots:
     /// Moves an entry of the order; the rows keep theirs. Indices do not count the header.
@@ -58,6 +68,7 @@ private:
     void addConnectionRow();
     void removeLastRow();
     void relaySignals(const OverviewWidget& row);
+    void relayByConnection(const OverviewWidget& row);
     int connectionRows() const;
 
     std::unique_ptr<Ui::ConnectionOverviewDialog> ui;

@@ -1,9 +1,9 @@
 #include "setup/connectionwidget.h"
 
+#include "setup/labelvalidator.h"
 #include "ui_connectionwidget.h"
 
 #include <QKeyEvent>
-#include <QRegExpValidator>
 
 ConnectionWidget::ConnectionWidget(QString number, QString labelText, QString address,
                                    QWidget* parent)
@@ -15,8 +15,7 @@ ConnectionWidget::ConnectionWidget(QString number, QString labelText, QString ad
 {
     ui->setupUi(this);
     ui->numberFill->setText(number_);
-    ui->lineEdit->setValidator(
-        new QRegExpValidator(QRegExp(QStringLiteral("[A-Za-z0-9_]+")), ui->lineEdit));
+    ui->lineEdit->setValidator(makeLabelValidator(*ui->lineEdit));
     ui->lineEdit->setText(label);
     // A label that is wider than its field shows its beginning.
     if (ui->lineEdit->fontMetrics().horizontalAdvance(label) > ui->lineEdit->maximumWidth())

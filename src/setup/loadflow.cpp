@@ -1,19 +1,19 @@
-// The flow that makes the connections of a setup file.
+#include "setup/loadflow.h"
 
 #include "app/logging.h"
-#include "app/switches.h"
 #include "link/connection.h"
 #include "setup/connectionregistry.h"
-#include "setup/connectionwidget.h"
-#include "setup/settingsdialog.h"
+#include "setup/settings.h"
+#include "setup/systemlines.h"
 #include "setup/waitcursor.h"
-#include "ui_settingsdialog.h"
 
 #include <QSet>
 
+#include <utility>
+
 namespace {
 
-constexpr LinkWait storedWait{300, false};
+constexpr LinkWait storedWait{300};
 
 /// A system has one connection: the first record of it counts.
 void removeRepeated(QList<ConnectionSettings>& records)
@@ -33,126 +33,85 @@ void removeRepeated(QList<ConnectionSettings>& records)
 
 } // namespace
 
-void SettingsDialog::on_loadConnectionButton_clicked()
-{
-    ui->loadConnectionButton->setEnabled(false);
-    const QString path = chooseFile(QFileDialog::AcceptOpen, tr("Load Connection Setup"));
-    if (!path.isEmpty()) {
-        inTurn([this, path] { loadChosen(path); });
-    }
-    ui->loadConnectionButton->setEnabled(true);
-}
+LoadFlow::LoadFlow(FlowParts& flowParts, ConnectingWatcher connectingWatcher)
+    : parts(flowParts)
+    , onConnecting(std::move(connectingWatcher))
+{}
 
-void SettingsDialog::loadChosen(const QString& path)
+bool LoadFlow::load(const QString& path)
 {
-    sayInBoth(QString());
-    closeAllConnections();
-    if (registry.isLeaving())
-        return;
-    const auto telling =
-        connect(this, &SettingsDialog::connectingTo, this,
-                [this](const QString& label) { sayInBoth(tr("Connecting to %1...").arg(label)); });
-    makeConnections(path);
-    disconnect(telling);
-}
-
-void SettingsDialog::loadConnection(QString path)
-{
-    inTurn([this, path] { makeConnections(path); });
-}
-
-void SettingsDialog::makeConnections(const QString& path)
-{
-    logMessage().info() << "Loading connections";
-    if (switches::autoSerialSearch)
-        fillPortsInfo();
-    // If the file can not be read, those that are there already are gone through.
-    QList<ConnectionSettings> wanted = records;
+    QList<ConnectionSettings> wanted = parts.systems.records();
     const bool loaded = readRecords(path, wanted);
     for (const ConnectionSettings& record : qAsConst(wanted)) {
-        if (registry.isLeaving())
+        if (parts.registry.isLeaving())
             break;
-        makeStoredConnection(record);
+        makeSystem(record);
     }
-    if (!path.isEmpty())
-        showLoadOutcome(loaded);
-    logMessage().info() << "Finished loading connections";
-    emit loadingFinished();
+    return loaded;
 }
 
 /// False, with `found` as it was, if the file can not be read; false with an empty `found` if it
 /// holds no controller.
-bool SettingsDialog::readRecords(const QString& path, QList<ConnectionSettings>& found)
+bool LoadFlow::readRecords(const QString& path, QList<ConnectionSettings>& found)
 {
-    if (!settings.read(path))
+    if (!parts.settings.read(path))
         return false;
-    settings.getList(found);
+    parts.settings.getList(found);
     removeRepeated(found);
     return !found.isEmpty();
 }
 
-void SettingsDialog::showLoadOutcome(bool loaded)
+void LoadFlow::makeSystem(ConnectionSettings record)
 {
-    say(*ui->infoLabel, loaded ? tr("Loading was successful") : tr("Loading failed"));
-    say(*ui->infoLabel2, loaded ? tr("Loading successful") : tr("Loading failed"));
-}
-
-bool SettingsDialog::hasLineFor(const QString& id) const
-{
-    return tcpTab.lines.indexOfNumber(id) >= 0 || serialTab.lines.indexOfNumber(id) >= 0;
-}
-
-/// The port of a stored serial connection is only a hint: the device is found by what it says.
-void SettingsDialog::findInterface(ConnectionSettings& record) const
-{
-    for (const QStringList& entry : interfaces) {
-        const QString port = entry.value(interfacePort);
-        // A name without room in the record belongs to no port that can be connected.
-        if (entry.value(interfaceId) == record.id.text() && decltype(record.name)::fits(port))
-            record.name.set(port);
-    }
-}
-
-void SettingsDialog::makeStoredConnection(ConnectionSettings record)
-{
-    if (hasLineFor(record.id.text())) {
+    if (parts.systems.hasNumber(record.id.text())) {
         logMessage().info() << "Skipping already existing" << record.id.text();
         return;
     }
-    Tab& own = tab(record.type);
-    settings.getDetectorData(record);
-    if (own.type == ConnectionType::Serial)
-        findInterface(record);
+    const bool overNetwork = record.type == ConnectionType::Tcp;
+    parts.settings.getDetectorData(record);
+    if (!overNetwork)
+        findPort(record);
 
-    std::unique_ptr<Connection> connection = makeTransport(own.type);
+    std::unique_ptr<Connection> connection =
+        parts.makeTransport(overNetwork ? ConnectionType::Tcp : ConnectionType::Serial);
     connection->setLabel(record.label.text());
-    logMessage().info() << (own.type == ConnectionType::Tcp ? "Creating TCP connection"
-                                                            : "Creating serial connection")
+    logMessage().info() << (overNetwork ? "Creating TCP connection" : "Creating serial connection")
                         << record.label.text();
     const bool usable = connection->init(record.name.text(), record.baudRateOrPort);
     // From here on the connection's way to write its address is the one that counts.
     if (usable && decltype(record.name)::fits(connection->address()))
         record.name.set(connection->address());
-    ConnectionWidget& line = addLine(own, record, *connection);
+    parts.systems.addLine(record, *connection);
 
-    if (usable && record.autoConnect && connectStored(*connection, record))
-        line.setConnected(true);
-    if (registry.isLeaving())
+    if (usable && record.autoConnect && connectSystem(*connection, record))
+        parts.systems.showConnected(connection.get(), true);
+    if (parts.registry.isLeaving())
         return;
-    registerConnection(std::move(connection), record);
+    parts.systems.registerSystem(std::move(connection), record);
     takeEvents();
+}
+
+/// The port of a stored serial connection is only a hint: the device is found by what it says.
+void LoadFlow::findPort(ConnectionSettings& record) const
+{
+    for (const QString& port : parts.devices.portsOf(record.id.text())) {
+        // A name without room in the record belongs to no port that can be connected.
+        if (decltype(record.name)::fits(port))
+            record.name.set(port);
+    }
 }
 
 /// Unless it succeeds, the connection has no running thread: a link that came up late would be
 /// one of an unknown controller.
-bool SettingsDialog::connectStored(Connection& connection, const ConnectionSettings& record)
+bool LoadFlow::connectSystem(Connection& connection, const ConnectionSettings& record)
 {
     const WaitCursor waiting;
-    emit connectingTo(record.label.text(), record.name.text());
+    onConnecting(record.label.text(), record.name.text());
     // Whoever shows this gets the chance to paint it before the exchanges block.
     takeEvents();
     QString id = record.id.text();
-    if (connectAndIdentify(connection, storedWait, record.label.text(), id) != LinkOutcome::Up) {
+    const QString label = record.label.text();
+    if (parts.link.connect(connection, storedWait, label, id) != LinkOutcome::Up) {
         connection.disconnectController();
         return false;
     }

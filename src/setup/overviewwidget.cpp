@@ -1,9 +1,8 @@
 #include "setup/overviewwidget.h"
 
-#include "model/connectionstatus.h"
+#include "setup/connectionstatus.h"
+#include "setup/stagelook.h"
 #include "ui_overviewwidget.h"
-
-#include <QPixmap>
 
 #include <algorithm>
 #include <initializer_list>
@@ -16,19 +15,11 @@ constexpr int graphY = 1;
 constexpr int graphI = 2;
 /// The colour targets from here on belong to common detectors.
 constexpr int commonTarget = 3;
+constexpr int lightPx = 22;
 constexpr int buttonPaddingPx = 16;
 constexpr int colorButtonWidthPx = 22;
 /// Headings are smaller than what they head, also so that a column is as narrow as its controls.
 constexpr double headingScale = 0.85;
-
-QPalette paletteWithButton(const QString& color)
-{
-    QPalette palette;
-    palette.setColor(QPalette::Button, QColor(color));
-    // The text stays legible on a dark desktop, too.
-    palette.setColor(QPalette::ButtonText, Qt::black);
-    return palette;
-}
 
 int widthFor(const QPushButton& button)
 {
@@ -54,8 +45,8 @@ void setAllVisible(std::initializer_list<QWidget*> widgets, bool visible)
 OverviewWidget::OverviewWidget(bool header, QWidget* parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::OverviewWidget>())
-    , paletteOn(paletteWithButton(QStringLiteral("lightgreen")))
-    , paletteOff(paletteWithButton(QStringLiteral("lightcoral")))
+    , paletteOn(onPalette())
+    , paletteOff(offPalette())
     , colorDialog(this)
 {
     ui->setupUi(this);
@@ -65,8 +56,8 @@ OverviewWidget::OverviewWidget(bool header, QWidget* parent)
 
     for (QPushButton* button : {ui->enable1, ui->enable2})
         showStabilised(*button, false);
-    for (QLabel* light : {ui->active1, ui->active2})
-        showActive(*light, false);
+    for (QLabel* stage : {ui->active1, ui->active2})
+        showActive(*stage, false);
     alignColumns();
     hideUnusedControls();
     showOnly(header);
@@ -133,6 +124,7 @@ QWidget& OverviewWidget::lastTabStop() const
 
 void OverviewWidget::updateRow(const ConnectionStatus& status)
 {
+    owner = status.connection;
     updateLabel(status);
     updateStabilised(stabilised1, status.stabilised1, *ui->enable1);
     updateStabilised(stabilised2, status.stabilised2, *ui->enable2);
@@ -171,12 +163,12 @@ void OverviewWidget::updateStabilised(bool& shown, bool now, QPushButton& button
     showStabilised(button, now);
 }
 
-void OverviewWidget::updateActive(bool& shown, bool now, QLabel& light)
+void OverviewWidget::updateActive(bool& shown, bool now, QLabel& active)
 {
     if (shown == now)
         return;
     shown = now;
-    showActive(light, now);
+    showActive(active, now);
 }
 
 void OverviewWidget::updateColor(QColor& shown, const QColor& now, int graph)
@@ -195,13 +187,12 @@ void OverviewWidget::showStabilised(QPushButton& button, bool on)
     button.setChecked(on);
 }
 
-void OverviewWidget::showActive(QLabel& light, bool on)
+void OverviewWidget::showActive(QLabel& active, bool on)
 {
-    light.setPixmap(QPixmap(on ? QStringLiteral(":/images/green_light.png")
-                               : QStringLiteral(":/images/red_light.png")));
+    active.setPixmap(light(on, QSize(lightPx, lightPx)));
     const QString state = on ? tr("Active") : tr("Inactive");
-    light.setToolTip(state);
-    light.setAccessibleName(state);
+    active.setToolTip(state);
+    active.setAccessibleName(state);
 }
 
 QColor& OverviewWidget::colorOf(int graph)

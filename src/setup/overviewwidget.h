@@ -8,6 +8,7 @@
 
 #include <memory>
 
+class Connection;
 class QLabel;
 class QPushButton;
 struct ConnectionStatus;
@@ -31,6 +32,9 @@ public:
 
     /// The last control that Tab reaches in this row.
     QWidget& lastTabStop() const;
+
+    /// Whose row it is, as the latest status told; null before the first one and in a header.
+    Connection* connection() const { return owner; }
 
     /// Shows the status. Touches only what has changed, as it runs at every display tick.
     void updateRow(const ConnectionStatus& status);
@@ -70,16 +74,17 @@ private:
     void showOnly(bool header);
     void updateLabel(const ConnectionStatus& status);
     void updateStabilised(bool& shown, bool now, QPushButton& button);
-    void updateActive(bool& shown, bool now, QLabel& light);
+    void updateActive(bool& shown, bool now, QLabel& active);
     void updateColor(QColor& shown, const QColor& now, int graph);
     void showStabilised(QPushButton& button, bool on);
-    void showActive(QLabel& light, bool on);
+    void showActive(QLabel& active, bool on);
     void chooseColor(int target);
     void emitMultiplexing(int comboIndex, int stage);
     QColor& colorOf(int graph);
     QPushButton& colorButton(int graph);
 
     std::unique_ptr<Ui::OverviewWidget> ui;
+    Connection* owner = nullptr;
     QString label;
     QString address;
     /// The colour button that was pressed last: 0 to 2 a graph, 3 to 5 that of a common detector.

@@ -16,7 +16,6 @@
 namespace {
 
 constexpr char defaultFileName[] = "ConnectionSetup.xml";
-constexpr char fileEnding[] = ".xml";
 /// Between writing the detectors and closing the file.
 constexpr unsigned long closePauseMs = 15;
 
@@ -27,8 +26,7 @@ QString pathToRead(const QString& path)
 
 QString pathToWrite(const QString& path)
 {
-    const QString file = pathToRead(path);
-    return file.endsWith(fileEnding) ? file : file + fileEnding;
+    return setupfile::withEnding(pathToRead(path));
 }
 
 /// The whole file. It has to be writable, too, although it is only read. Nothing if it is not
@@ -79,6 +77,11 @@ void refuse(const setupdocument::Misfit& misfit, const QString& path)
 }
 
 } // namespace
+
+QString setupfile::withEnding(const QString& path)
+{
+    return path.endsWith(ending) ? path : path + ending;
+}
 
 bool Settings::read(const QString& path)
 {

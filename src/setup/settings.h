@@ -6,6 +6,15 @@
 #include <QObject>
 #include <QString>
 
+namespace setupfile {
+
+constexpr char ending[] = ".xml";
+
+/// The path, with the ending appended if it has another one.
+QString withEnding(const QString& path);
+
+} // namespace setupfile
+
 /// Owns the stored records of the connections and reads and writes the setup file.
 ///
 /// Every path may be empty, which means "ConnectionSetup.xml" in the configuration directory.

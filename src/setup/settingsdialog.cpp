@@ -7,32 +7,29 @@
 #include "link/tcpclient.h"
 #include "setup/connectionregistry.h"
 #include "setup/connectionwidget.h"
+#include "setup/formtools.h"
+#include "setup/labelvalidator.h"
 #include "setup/waitcursor.h"
 #include "ui_settingsdialog.h"
 
 #include <QDir>
-#include <QGuiApplication>
 #include <QPointer>
-#include <QRegExpValidator>
-#include <QScreen>
 #include <QShowEvent>
-#include <QStyle>
-
-#include <algorithm>
-#include <initializer_list>
 
 namespace {
 
-constexpr LinkWait serialWait{200, false};
-constexpr LinkWait tcpWait{300, true};
 constexpr int serialTabIndex = 0;
-constexpr char fileEnding[] = ".xml";
 
 std::unique_ptr<Connection> makeRealTransport(ConnectionType type)
 {
     if (type == ConnectionType::Tcp)
         return std::make_unique<TcpClient>();
     return std::make_unique<SerialPort>();
+}
+
+QList<FoundInterface> searchRealInterfaces(bool includePseudo, bool anyDevice)
+{
+    return searchInterfaces(includePseudo, anyDevice);
 }
 
 /// The slots are wired by name before the first member exists, and nothing is emitted then.
@@ -43,58 +40,35 @@ std::unique_ptr<Ui::SettingsDialog> makeForm(SettingsDialog& dialog)
     return form;
 }
 
-/// An info label keeps its room while it is hidden, so that nothing jumps when it appears.
-void hideInPlace(QLabel& label)
-{
-    QSizePolicy policy = label.sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    label.setSizePolicy(policy);
-    label.hide();
-}
-
 } // namespace
 
 SettingsDialog::SettingsDialog(ConnectionRegistry& connectionRegistry, QWidget* parent)
     : QDialog(parent)
     , ui(makeForm(*this))
     , registry(connectionRegistry)
-    , serialTab{ConnectionType::Serial,
-                ConnectionList(*ui->listWidgetSerial),
-                *ui->serialPortLabel_2,
-                *ui->infoLabel,
-                serialWait,
-                tr("Connection could not be established")}
-    , tcpTab{ConnectionType::Tcp,
-             ConnectionList(*ui->listWidgetTcp),
-             *ui->labelTcpEdit,
-             *ui->infoLabel2,
-             tcpWait,
-             tr("Connection couldn't be established")}
+    , systems(registry, *ui->listWidgetSerial, *ui->listWidgetTcp)
+    , parts{registry, systems, settings, makeRealTransport, {}, {}}
+    , connectFlow(parts, [this](ConnectStep step, ConnectionType type) { showStep(step, type); })
+    , loadFlow(parts, [this](const QString& label,
+                             const QString& address) { emit connectingTo(label, address); })
+    , flows([this] { return registry.isLeaving(); })
     , tcpPort(TcpClient::defaultPort)
     , fileDialog(this)
-    , makeTransport(makeRealTransport)
-    , searchAllInterfaces([](bool includePseudo, bool anyDevice) {
-        return searchInterfaces(includePseudo, anyDevice);
-    })
+    , searchAllInterfaces(searchRealInterfaces)
 {
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     prepareFields();
     prepareFileDialog();
+    wireLines();
     connect(ui->rescanButton, &QPushButton::clicked, this, &SettingsDialog::fillPortsInfo);
     connect(ui->closeButton, &QPushButton::clicked, this, &QWidget::close);
 }
 
-SettingsDialog::~SettingsDialog()
-{
-    for (Tab* each : {&serialTab, &tcpTab}) {
-        while (each->lines.size() > 0)
-            each->lines.removeAt(each->lines.size() - 1);
-    }
-}
+SettingsDialog::~SettingsDialog() = default;
 
 void SettingsDialog::setConnectionFactory(ConnectionFactory factory)
 {
-    makeTransport = std::move(factory);
+    parts.makeTransport = std::move(factory);
 }
 
 void SettingsDialog::setInterfaceSearch(InterfaceSearch search)
@@ -106,11 +80,10 @@ void SettingsDialog::prepareFields()
 {
     for (const int baudRate : {115200, 921600})
         ui->baudrateComboBox->addItem(QString::number(baudRate), baudRate);
-    for (Tab* each : {&serialTab, &tcpTab}) {
-        each->labelEdit.setValidator(
-            new QRegExpValidator(QRegExp(QStringLiteral("[A-Za-z0-9_]+")), &each->labelEdit));
-        hideInPlace(each->info);
-    }
+    for (QLineEdit* edit : {ui->serialPortLabel_2, ui->labelTcpEdit})
+        edit->setValidator(makeLabelValidator(*edit));
+    for (QLabel* info : {ui->infoLabel, ui->infoLabel2})
+        formtools::hideInPlace(*info);
     // The border of an invalid field takes the room of the usual one, so that nothing moves.
     for (QLineEdit* edit :
          {ui->serialPortLabel_2, ui->addressTcpEdit, ui->portLineEdit, ui->labelTcpEdit})
@@ -120,17 +93,32 @@ void SettingsDialog::prepareFields()
 
 void SettingsDialog::prepareFileDialog()
 {
-    fileDialog.setNameFilter(QStringLiteral("*.xml"));
-    fileDialog.setDefaultSuffix(QStringLiteral("xml"));
+    fileDialog.setNameFilter(QLatin1Char('*') + QLatin1String(setupfile::ending));
+    // The file dialog wants it without the dot.
+    fileDialog.setDefaultSuffix(QLatin1String(setupfile::ending + 1));
     fileDialog.setWindowTitle(tr("Save setting file"));
     fileDialog.setDirectory(QDir::root());
     fileDialog.setFileMode(QFileDialog::AnyFile);
     fileDialog.setAcceptMode(QFileDialog::AcceptSave);
 }
 
-SettingsDialog::Tab& SettingsDialog::tab(ConnectionType type)
+void SettingsDialog::wireLines()
 {
-    return type == ConnectionType::Tcp ? tcpTab : serialTab;
+    connect(&systems, &SystemLines::lineAdded, this, [this](const ConnectionWidget* line) {
+        // Tab follows the eye: the lines stand above the buttons of the dialog.
+        formtools::setTabOrderBehind(line->lastTabStop(),
+                                     {ui->saveAsConnectionButton, ui->saveConnectionButton,
+                                      ui->loadConnectionButton, ui->closeButton});
+    });
+    connect(&systems, &SystemLines::labelEdited, this, &SettingsDialog::newLabel);
+    connect(&systems, &SystemLines::disconnectWanted, this, &SettingsDialog::disconnectByUser);
+    connect(&systems, &SystemLines::reconnectWanted, this, [this](const Connection* connection) {
+        flows.run([this, meant = QPointer<const Connection>(connection)] { reconnect(meant); });
+    });
+    connect(&systems, &SystemLines::removalWanted, this, [this](const Connection* connection) {
+        flows.run(
+            [this, meant = QPointer<const Connection>(connection)] { systems.remove(meant); });
+    });
 }
 
 void SettingsDialog::showEvent(QShowEvent* event)
@@ -143,24 +131,9 @@ void SettingsDialog::showEvent(QShowEvent* event)
         if (edit->isEnabled())
             edit->clear();
     }
-    fillScreenHeight();
+    formtools::fillScreenHeight(*this);
     if (switches::autoSerialSearch)
         ui->rescanButton->click();
-}
-
-/// As wide as it may be and as high as the screen, in its middle.
-void SettingsDialog::fillScreenHeight()
-{
-    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
-    QSize border = frameGeometry().size() - size();
-    // Before the first time the window manager has not told its frame.
-    if (border.isNull())
-        border.setHeight(style()->pixelMetric(QStyle::PM_TitleBarHeight));
-    const QSize room = available.size() - border;
-    resize(QSize(maximumWidth(), room.height()).boundedTo(room).expandedTo(minimumSizeHint()));
-    QRect frame(QPoint(), size() + border);
-    frame.moveCenter(available.center());
-    move(frame.topLeft());
 }
 
 void SettingsDialog::on_tabWidget_currentChanged(int index)
@@ -171,51 +144,64 @@ void SettingsDialog::on_tabWidget_currentChanged(int index)
     button->setFocus();
 }
 
+// Messages.
+
 void SettingsDialog::resizeSmall()
 {
     ui->tabWidget->show();
-    for (QLabel* info : {ui->infoLabel, ui->infoLabel2}) {
-        info->clear();
-        info->show();
-    }
+    sayInBoth(QString());
     on_tabWidget_currentChanged(ui->tabWidget->currentIndex());
 }
 
-void SettingsDialog::say(QLabel& info, const QString& text)
+QLabel& SettingsDialog::infoOf(ConnectionType type) const
 {
-    info.setText(text);
-    info.show();
+    return type == ConnectionType::Tcp ? *ui->infoLabel2 : *ui->infoLabel;
 }
 
 void SettingsDialog::sayInBoth(const QString& text)
 {
-    say(*ui->infoLabel, text);
-    say(*ui->infoLabel2, text);
+    for (QLabel* info : {ui->infoLabel, ui->infoLabel2})
+        formtools::say(*info, text);
+}
+
+void SettingsDialog::showStep(ConnectStep step, ConnectionType type)
+{
+    switch (step) {
+    case ConnectStep::ChangingRate:
+        formtools::say(infoOf(type), tr("Adjusting baudrate..."));
+        break;
+    case ConnectStep::Connecting:
+        formtools::say(infoOf(type), tr("Connecting..."));
+        break;
+    case ConnectStep::Keeping:
+        (type == ConnectionType::Tcp ? ui->labelTcpEdit : ui->serialPortLabel_2)->clear();
+        break;
+    }
 }
 
 // Fields.
 
 void SettingsDialog::on_addressTcpEdit_textChanged(const QString&)
 {
-    ui->addressTcpEdit->setStyleSheet(QString());
+    formtools::markValid(*ui->addressTcpEdit);
     ui->infoLabel2->clear();
 }
 
 void SettingsDialog::on_labelTcpEdit_textChanged(const QString&)
 {
-    ui->labelTcpEdit->setStyleSheet(QString());
+    formtools::markValid(*ui->labelTcpEdit);
     ui->infoLabel2->clear();
 }
 
 void SettingsDialog::on_portLineEdit_textChanged(const QString&)
 {
-    ui->portLineEdit->setStyleSheet(QString());
+    formtools::markValid(*ui->portLineEdit);
     ui->infoLabel2->clear();
 }
 
 void SettingsDialog::on_serialPortLabel_2_textChanged(const QString&)
 {
-    ui->serialPortLabel_2->setStyleSheet(QString());
+    formtools::markValid(*ui->serialPortLabel_2);
     ui->infoLabel->clear();
 }
 
@@ -234,220 +220,12 @@ void SettingsDialog::fillPortsInfo()
     ui->serialPortInfoListBox->clear();
     {
         const WaitCursor waiting;
-        interfaces = searchAllInterfaces(false, switches::anySerialDevice);
+        parts.devices = DeviceList(searchAllInterfaces(false, switches::anySerialDevice));
     }
-    const int lines = serialTab.lines.size();
-    for (const QStringList& entry : qAsConst(interfaces)) {
-        const QString id = entry.value(interfaceId);
-        // Only the last line counts, on purpose: connecting refuses the others.
-        if (lines == 0 || serialTab.lines.at(lines - 1).number() != id)
+    const QString lastNumber = systems.lines(ConnectionType::Serial).lastNumber();
+    for (const QString& id : parts.devices.ids()) {
+        // Only the last line hides its device; connecting refuses those of the other lines.
+        if (lastNumber.isNull() || lastNumber != id)
             ui->serialPortInfoListBox->addItem(id);
     }
-}
-
-// Saving.
-
-void SettingsDialog::on_saveConnectionButton_clicked()
-{
-    ui->saveConnectionButton->setEnabled(false);
-    save(QString());
-    ui->saveConnectionButton->setEnabled(true);
-}
-
-void SettingsDialog::on_saveAsConnectionButton_clicked()
-{
-    ui->saveAsConnectionButton->setEnabled(false);
-    const QString path = chooseFile(QFileDialog::AcceptSave, tr("Save Connection Setup"));
-    if (!path.isEmpty())
-        save(path);
-    ui->saveAsConnectionButton->setEnabled(true);
-}
-
-QString SettingsDialog::chooseFile(QFileDialog::AcceptMode mode, const QString& title)
-{
-    fileDialog.setFileMode(QFileDialog::AnyFile);
-    fileDialog.setAcceptMode(mode);
-    fileDialog.setWindowTitle(title);
-    if (fileDialog.exec() != QDialog::Accepted)
-        return QString();
-    const QString path = fileDialog.selectedFiles().value(0);
-    fileDialog.setSidebarUrls(fileDialog.sidebarUrls());
-    return path.isEmpty() || path.endsWith(fileEnding) ? path : path + fileEnding;
-}
-
-void SettingsDialog::save(const QString& path)
-{
-    sayInBoth(saveRecords(path) ? tr("Connection setup saved")
-                                : tr("Error saving connection setup"));
-}
-
-bool SettingsDialog::saveRecords(const QString& path)
-{
-    if (!registry.updateSettingsAndParameters(records))
-        return false;
-    // No connections are a setup, too.
-    settings.setList(inShownOrder(records));
-    return settings.save(path);
-}
-
-// Lines and records.
-
-QString SettingsDialog::registryAddress(const QString& address) const
-{
-    for (const Tab* each : {&serialTab, &tcpTab}) {
-        const int index = each->lines.indexOfAddress(address);
-        if (index >= 0)
-            return each->lines.registryAddressAt(index);
-    }
-    return address;
-}
-
-ConnectionWidget& SettingsDialog::addLine(Tab& lineTab, const ConnectionSettings& record,
-                                          const Connection& connection)
-{
-    ConnectionWidget& line =
-        lineTab.lines.add(record.id.text(), record.label.text(), record.name.text(), connection);
-    line.setAutoConnect(record.autoConnect);
-    keepTabOrder(line);
-    // What the user does to a line is meant for its connection, whoever else has the address.
-    const QPointer<const Connection> owner(&connection);
-    const bool hasAddress = !connection.address().isEmpty();
-    connect(&line, &ConnectionWidget::labelChanged, this,
-            [this, owner, hasAddress](const QString& address, const QString& label) {
-                if (hasAddress)
-                    emit newLabel(address, label);
-                else
-                    registry.relabelConnection(owner, label);
-            });
-    connect(&line, &ConnectionWidget::reconnectC, this, &SettingsDialog::on_WidgetReconnect);
-    connect(&line, &ConnectionWidget::disconnectC, this, &SettingsDialog::on_WidgetDisconnect);
-    connect(&line, &ConnectionWidget::deleteConnection, this,
-            [this, owner] { inTurn([this, owner] { deleteConnection(owner); }); });
-    connect(
-        &line, &ConnectionWidget::autoConnectChanged, this,
-        [this, address = line.address()](bool isActive) { autoConnectChanged(address, isActive); });
-    return line;
-}
-
-/// Record and connection come together, so that both lists stay in step whatever comes between
-/// two connections.
-void SettingsDialog::registerConnection(std::unique_ptr<Connection> connection,
-                                        ConnectionSettings record)
-{
-    record.position = records.size();
-    records.append(record);
-    recordOwners.append(connection.get());
-    registry.newConnection(std::move(connection), record);
-}
-
-/// Tab follows the eye: the lines stand above the buttons of the dialog.
-void SettingsDialog::keepTabOrder(const ConnectionWidget& line)
-{
-    QWidget* before = &line.lastTabStop();
-    for (QPushButton* button : {ui->saveAsConnectionButton, ui->saveConnectionButton,
-                                ui->loadConnectionButton, ui->closeButton}) {
-        setTabOrder(before, button);
-        before = button;
-    }
-}
-
-void SettingsDialog::autoConnectChanged(QString address, bool isActive)
-{
-    for (ConnectionSettings& record : records) {
-        if (record.name.text() == address) {
-            record.autoConnect = isActive;
-            return;
-        }
-    }
-}
-
-void SettingsDialog::deleteConnectionSlot(QString address)
-{
-    for (const Tab* each : {&serialTab, &tcpTab}) {
-        const int index = each->lines.indexOfAddress(address);
-        if (index < 0)
-            continue;
-        deleteConnection(each->lines.connections().at(index));
-        return;
-    }
-}
-
-/// Record and line go if the registry agrees. Its work takes events: they are looked for after it.
-void SettingsDialog::deleteConnection(const Connection* connection)
-{
-    const WaitCursor waiting;
-    if (!registry.closeConnection(connection))
-        return;
-    const int record = recordOwners.indexOf(connection);
-    if (record >= 0) {
-        recordOwners.removeAt(record);
-        records.removeAt(record);
-    }
-    for (Tab* each : {&serialTab, &tcpTab}) {
-        const int line = each->lines.connections().indexOf(connection);
-        if (line >= 0)
-            each->lines.removeAt(line);
-    }
-}
-
-void SettingsDialog::closeAllConnections()
-{
-    for (const Tab* each : {&serialTab, &tcpTab}) {
-        const QList<const Connection*> present = each->lines.connections();
-        std::for_each(present.crbegin(), present.crend(),
-                      [this](const Connection* connection) { deleteConnection(connection); });
-    }
-}
-
-/// Runs a flow when no other one does. Flows take events, and what comes with these must not find
-/// another one half done: it waits for its turn, as it would in the queue of events.
-void SettingsDialog::inTurn(std::function<void()> flow)
-{
-    turns.push_back(std::move(flow));
-    if (turns.size() > 1)
-        return;
-    while (!turns.empty()) {
-        if (!registry.isLeaving())
-            turns.front()();
-        turns.pop_front();
-    }
-}
-
-void SettingsDialog::on_WidgetReconnect(QString address)
-{
-    inTurn([this, address] { reconnect(address); });
-}
-
-void SettingsDialog::reconnect(const QString& address)
-{
-    QString boardId;
-    const QString registered = registryAddress(address);
-    const auto isReconnected = [&] {
-        const WaitCursor waiting;
-        return registry.reconnectConnection(registered, boardId);
-    };
-    if (!isReconnected()) {
-        sayInBoth(tr("Could not establish connection."));
-        return;
-    }
-    sayInBoth(QString());
-    bool matched = false;
-    for (const Tab* each : {&serialTab, &tcpTab})
-        matched |= each->lines.markConnected(address, boardId, true);
-    if (matched)
-        return;
-    // Another controller answers where this one was: it is not the user's.
-    registry.disconnectConnection(registered);
-    sayInBoth(tr("Could not establish connection. Controller ID mismatch."));
-}
-
-void SettingsDialog::on_WidgetDisconnect(QString address)
-{
-    if (!registry.disconnectConnection(registryAddress(address))) {
-        sayInBoth(tr("Could not disconnect."));
-        return;
-    }
-    sayInBoth(QString());
-    for (const Tab* each : {&serialTab, &tcpTab})
-        each->lines.markConnected(address, false);
 }

@@ -1,41 +1,36 @@
 #pragma once
 
-#include "model/connectionsettings.h"
-#include "setup/connectionlist.h"
-#include "setup/linkup.h"
+#include "setup/connectflow.h"
+#include "setup/flowparts.h"
+#include "setup/flowqueue.h"
+#include "setup/loadflow.h"
 #include "setup/settings.h"
+#include "setup/systemlines.h"
 
 #include <QDialog>
 #include <QFileDialog>
 #include <QList>
 #include <QStringList>
 
-#include <deque>
 #include <functional>
 #include <memory>
-#include <vector>
 
-class Connection;
-class ConnectionRegistry;
-class ConnectionWidget;
 class QLabel;
-class QLineEdit;
 
 namespace Ui {
 class SettingsDialog;
 }
 
-/// Where the user makes, stores and loads connections. It makes the transports, brings them up,
-/// proves who answers and hands them to the registry, which owns them from then on.
+/// Where the user makes, stores and loads connections: the form, its messages, and the order of the
+/// flows. The flows and the lines do the work; the registry owns the connections.
 class SettingsDialog final : public QDialog
 {
     Q_OBJECT
 
 public:
-    using ConnectionFactory = std::function<std::unique_ptr<Connection>(ConnectionType)>;
-    /// Finds controllers at the serial interfaces. Each entry is identification text, port name,
-    /// baud rate, flow control.
-    using InterfaceSearch = std::function<QList<QStringList>(bool includePseudo, bool anyDevice)>;
+    /// Finds controllers at the serial interfaces.
+    using InterfaceSearch =
+        std::function<QList<FoundInterface>(bool includePseudo, bool anyDevice)>;
 
     /// The registry has to live longer than the dialog is used.
     SettingsDialog(ConnectionRegistry& registry, QWidget* parent);
@@ -49,11 +44,15 @@ public:
     /// that it closed.
     void closeAllConnections();
 
+    /// Ends the thread of a connection whose link is lost, and shows that in its line. Also for
+    /// connections that have no line.
+    void onLinkLost(const Connection* connection);
+
 signals:
     /// Nothing emits these two in this version.
     void connected(bool status);
     void disconnected(bool status);
-    /// The label of the connection with the address `title` was edited.
+    /// The label of the line with the address `title` was edited. The system has it already.
     void newLabel(QString title, QString label);
     /// A stored system is about to be connected, which can block for seconds.
     void connectingTo(QString label, QString address);
@@ -91,88 +90,38 @@ private slots:
     void on_serialPortInfoListBox_currentIndexChanged(int index);
 
 private:
-    /// What differs between the two tabs. The flows are one for both.
-    struct Tab
-    {
-        ConnectionType type;
-        ConnectionList lines;
-        QLineEdit& labelEdit;
-        QLabel& info;
-        /// How long a new link may take, and what is said of one that did not come up.
-        LinkWait wait;
-        QString noLinkText;
-    };
-
-    /// Parts of an entry of the interface list.
-    static constexpr int interfaceId = 0;
-    static constexpr int interfacePort = 1;
-    static constexpr int interfaceBaudRate = 2;
-
-    // The dialog.
     void prepareFields();
     void prepareFileDialog();
-    void fillScreenHeight();
+    void wireLines();
+
+    QLabel& infoOf(ConnectionType type) const;
+    void sayInBoth(const QString& text);
+    void showStep(ConnectStep step, ConnectionType type);
+
+    bool serialFieldsAreFilled();
+    void connectSerial();
+    bool tcpFieldsAreFilled();
+    bool readTcpPort();
+    void connectTcp();
+    void reconnect(const Connection* connection);
+    void disconnectByUser(const Connection* connection);
+
     /// The path that the user chose; empty if none.
     QString chooseFile(QFileDialog::AcceptMode mode, const QString& title);
     void save(const QString& path);
-    bool saveRecords(const QString& path);
-    static void say(QLabel& info, const QString& text);
-    void sayInBoth(const QString& text);
-    Tab& tab(ConnectionType type);
-
-    void inTurn(std::function<void()> flow);
-
-    // Making one connection.
-    void connectSerial();
-    void connectTcp();
-    bool serialFieldsAreFilled();
-    QStringList chosenInterface();
-    std::unique_ptr<Connection> makeSerialConnection(const QStringList& device, int baudRate);
-    bool adjustBaudRate(const QStringList& device, int baudRate);
-    bool tcpFieldsAreFilled();
-    bool isFreeTcpAddress(const QString& address);
-    bool readTcpPort();
-    std::unique_ptr<Connection> makeTcpConnection();
-    bool connectController(Tab& tab, std::unique_ptr<Connection> connection);
-    void keepNewConnection(Tab& tab, std::unique_ptr<Connection> connection, const QString& id);
-    ConnectionWidget& addLine(Tab& tab, const ConnectionSettings& record,
-                              const Connection& connection);
-    void registerConnection(std::unique_ptr<Connection> connection, ConnectionSettings record);
-    void keepTabOrder(const ConnectionWidget& line);
-
-    // Making those of a file.
     void loadChosen(const QString& path);
-    void makeConnections(const QString& path);
-    bool readRecords(const QString& path, QList<ConnectionSettings>& found);
-    bool hasLineFor(const QString& id) const;
-    void makeStoredConnection(ConnectionSettings record);
-    void findInterface(ConnectionSettings& record) const;
-    bool connectStored(Connection& connection, const ConnectionSettings& record);
-    void showLoadOutcome(bool loaded);
-
-    // Lines and records.
-    QString registryAddress(const QString& address) const;
-    void reconnect(const QString& address);
-    void deleteConnection(const Connection* connection);
+    void load(const QString& path);
 
     std::unique_ptr<Ui::SettingsDialog> ui;
     ConnectionRegistry& registry;
+    SystemLines systems;
     Settings settings;
-    /// The working copy, in the order in which the connections were made: that of the registry.
-    QList<ConnectionSettings> records;
-    /// Whose records they are; same indices. They can be gone.
-    QList<const Connection*> recordOwners;
-    /// The flow that runs, and those that wait for its end.
-    std::deque<std::function<void()>> turns;
-    Tab serialTab;
-    Tab tcpTab;
-    QList<QStringList> interfaces;
-    /// Links over which a controller would not change its rate. They keep their ports for as long
-    /// as the dialog lives, as they always have.
-    std::vector<std::unique_ptr<Connection>> abandoned;
+    FlowParts parts;
+    ConnectFlow connectFlow;
+    LoadFlow loadFlow;
+    FlowQueue flows;
     /// An empty port field stands for the last one.
     int tcpPort;
     QFileDialog fileDialog;
-    ConnectionFactory makeTransport;
     InterfaceSearch searchAllInterfaces;
 };

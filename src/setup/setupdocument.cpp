@@ -13,6 +13,8 @@ constexpr char connectionTag[] = "Settings";
 constexpr int indentation = 1;
 /// Marks that a file of an earlier version has no group; no number reads like it.
 constexpr char noGroup[] = "false";
+/// Stands for a colour that was never set.
+constexpr char unsetColor[] = "#000000";
 
 QString deviceTag(const ConnectionSettings& record)
 {
@@ -50,13 +52,6 @@ void readText(FixedText<N>& field, const QString& text, const QString& element,
 int intAttribute(const QDomElement& element, const QString& name)
 {
     return element.attribute(name).toInt();
-}
-
-/// The library complains aloud of names that it does not know; a missing one is none.
-QColor colorAttribute(const QDomElement& element, const QString& name)
-{
-    const QString text = element.attribute(name);
-    return QColor::isValidColor(text) ? QColor(text) : QColor();
 }
 
 void readConnection(const QDomElement& element, const QString& device, ConnectionSettings& record,
@@ -103,13 +98,13 @@ ConnectionSettings readDevice(const QDomNode& device, std::optional<setupdocumen
         } else if (part == "Detector2") {
             readDetector(element, 1, record);
         } else if (part == "DisplayColors" || part == "SubsystemColors") {
-            record.colorX = colorAttribute(element, "colorX");
-            record.colorY = colorAttribute(element, "colorY");
-            record.colorI = colorAttribute(element, "colorI");
+            record.colorX = element.attribute("colorX");
+            record.colorY = element.attribute("colorY");
+            record.colorI = element.attribute("colorI");
         } else if (part == "CommonColors") {
-            record.commonColorX = colorAttribute(element, "colorX");
-            record.commonColorY = colorAttribute(element, "colorY");
-            record.commonColorI = colorAttribute(element, "colorI");
+            record.commonColorX = element.attribute("colorX");
+            record.commonColorY = element.attribute("colorY");
+            record.commonColorI = element.attribute("colorI");
         }
     }
     return record;
@@ -120,6 +115,11 @@ ConnectionSettings readDevice(const QDomNode& device, std::optional<setupdocumen
 QDomElement appendTo(QDomNode parent, const QString& tag)
 {
     return parent.appendChild(parent.ownerDocument().createElement(tag)).toElement();
+}
+
+QString writtenColor(const QString& name)
+{
+    return name.isEmpty() ? unsetColor : name;
 }
 
 void writeConnection(QDomElement device, const ConnectionSettings& record)
@@ -133,9 +133,9 @@ void writeConnection(QDomElement device, const ConnectionSettings& record)
     settings.setAttribute(numberAttribute(record.type), record.baudRateOrPort);
 
     QDomElement colors = appendTo(device, "DisplayColors");
-    colors.setAttribute("colorX", record.colorX.name());
-    colors.setAttribute("colorY", record.colorY.name());
-    colors.setAttribute("colorI", record.colorI.name());
+    colors.setAttribute("colorX", writtenColor(record.colorX));
+    colors.setAttribute("colorY", writtenColor(record.colorY));
+    colors.setAttribute("colorI", writtenColor(record.colorI));
 }
 
 /// Brings one part of a device up to date; false if it is not one of the three that hold detector

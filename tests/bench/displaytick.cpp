@@ -113,9 +113,9 @@ private:
 
         ConnectionSettings record;
         record.type = ConnectionType::Tcp;
-        record.colorX = Qt::red;
-        record.colorY = Qt::darkGreen;
-        record.colorI = Qt::blue;
+        record.colorX = QStringLiteral("#ff0000");
+        record.colorY = QStringLiteral("#008000");
+        record.colorI = QStringLiteral("#0000ff");
         record.model = {PsdDetector, PsdDetector};
         record.calculation = {1, 1};
         screen.window().newConnection(std::move(client), record);

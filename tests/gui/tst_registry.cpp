@@ -4,7 +4,9 @@
 #include "plots/counter.h"
 #include "plots/genericplot.h"
 #include "service/servicedialog.h"
+#include "setup/colors.h"
 #include "setup/connectionoverviewdialog.h"
+#include "setup/listwidget.h"
 #include "support/logcapture.h"
 #include "support/widgetcheck.h"
 #include "support/windowfixture.h"
@@ -46,11 +48,22 @@ QColor textColor(const WindowFixture& fixture, const char* label)
     return fixture.find<QLabel>(label)->palette().color(QPalette::WindowText);
 }
 
+// As the record keeps them, in steps of one byte.
+QColor lighter(const QColor& color)
+{
+    return toColor(toName(color.lighter()));
+}
+
+QColor darker(const QColor& color)
+{
+    return toColor(toName(color.darker()));
+}
+
 ConnectionSettings colored(ConnectionSettings record, const QColor& color)
 {
-    record.colorX = color;
-    record.colorY = color.lighter();
-    record.colorI = color.darker();
+    record.colorX = toName(color);
+    record.colorY = toName(color.lighter());
+    record.colorI = toName(color.darker());
     return record;
 }
 
@@ -69,7 +82,6 @@ private slots:
     void closingKeepsTheOrderOfShowing();
     void closingTheMiddleLeavesTheOthersStreaming();
     void closingTheLastDisablesTheControls();
-    void slowSerialLineHoldsBothRates();
     void systemShownWhileRunningJoins();
     void hiddenSystemLosesItsCurves();
     void labelGoesToTheControllerPadded();
@@ -96,6 +108,11 @@ void TestRegistry::firstSystemBringsUpTheReadouts()
     WindowFixture fixture(1);
     QVERIFY(fixture.open());
     QVERIFY(!fixture.find<QWidget>("push_Stab1")->isEnabled());
+    // They stand in the form from the beginning: hidden, they show who brings them up.
+    for (const char* frame :
+         {"stage1Frame_2", "stage2Frame", "frame_rightTop", "frame_rightBottom"})
+        fixture.find<QWidget>(frame)->hide();
+    QVERIFY(!showsReadouts(fixture));
     QVERIFY(fixture.registerSystem(colored(fixture.record(), Qt::red), 0));
     QVERIFY(showsReadouts(fixture));
     QVERIFY(fixture.find<QWidget>("push_Stab1")->isEnabled());
@@ -103,9 +120,9 @@ void TestRegistry::firstSystemBringsUpTheReadouts()
     for (const char* label : {"x_axis_label", "x_axis_label2"})
         QCOMPARE(textColor(fixture, label), QColor(Qt::red));
     for (const char* label : {"y_axis_label", "y_axis_label2"})
-        QCOMPARE(textColor(fixture, label), QColor(Qt::red).lighter());
+        QCOMPARE(textColor(fixture, label), lighter(Qt::red));
     for (const char* label : {"i_axis_label", "i_axis_label2"})
-        QCOMPARE(textColor(fixture, label), QColor(Qt::red).darker());
+        QCOMPARE(textColor(fixture, label), darker(Qt::red));
 }
 
 void TestRegistry::secondSystemHidesTheReadouts()
@@ -145,9 +162,9 @@ void TestRegistry::closingTheMiddleMovesIndicesAndCurves()
     QCOMPARE(fixture.pointingPlot(1).curveCount(), 2);
     QCOMPARE(fixture.positionPlot(2).curveCount(), 4);
     QCOMPARE(fixture.positionPlot(1).curveColor(2), QColor(Qt::magenta));
-    QCOMPARE(fixture.positionPlot(1).curveColor(3), QColor(Qt::magenta).lighter());
-    QCOMPARE(fixture.intensityPlot(2).curveColor(1), QColor(Qt::magenta).darker());
-    QCOMPARE(fixture.pointingPlot(2).curveColor(1), QColor(Qt::magenta).darker());
+    QCOMPARE(fixture.positionPlot(1).curveColor(3), lighter(Qt::magenta));
+    QCOMPARE(fixture.intensityPlot(2).curveColor(1), darker(Qt::magenta));
+    QCOMPARE(fixture.pointingPlot(2).curveColor(1), darker(Qt::magenta));
 }
 
 void TestRegistry::closingKeepsTheOrderOfShowing()
@@ -198,27 +215,6 @@ void TestRegistry::closingTheLastDisablesTheControls()
     QTRY_VERIFY(!fixture.controller().isConnected());
     fixture.tick();
     QCOMPARE(fixture.pointingPlot(1).curveCount(), 0);
-}
-
-void TestRegistry::slowSerialLineHoldsBothRates()
-{
-    WindowFixture fixture(1);
-    QVERIFY(fixture.openWithSystems());
-    auto* sampling = fixture.find<Counter>("samplingRateCounter");
-    auto* update = fixture.find<Counter>("updateRateCounter");
-    QCOMPARE(sampling->spinBox->maximum(), 500);
-    sampling->spinBox->setValue(500);
-
-    auto serial = std::make_unique<SerialPort>();
-    QVERIFY(serial->init("ttyUSB7", 115200));
-    fixture.window().newConnection(std::move(serial), ConnectionSettings());
-    QCOMPARE(sampling->spinBox->maximum(), 430);
-    QCOMPARE(update->spinBox->maximum(), 430);
-    QCOMPARE(sampling->spinBox->value(), 430);
-
-    QVERIFY(fixture.window().closedConnection("ttyUSB7"));
-    QCOMPARE(sampling->spinBox->maximum(), 500);
-    QCOMPARE(update->spinBox->maximum(), 500);
 }
 
 void TestRegistry::systemShownWhileRunningJoins()
@@ -380,11 +376,12 @@ void TestRegistry::savedRecordsTakeOverTheLiveState()
     QVERIFY(fixture.registerSystem(1));
     fixture.window().updateColorGraph(fixture.connection(0).address(), Qt::cyan, 1);
     fixture.window().changeLabel(fixture.connection(1).address(), "other");
-    fixture.window().findChild<ConnectionOverviewDialog*>()->changeOrder(0, 1);
+    auto* overview = fixture.window().findChild<ConnectionOverviewDialog*>();
+    QVERIFY(overview->findChild<ListWidget*>()->model()->moveRow({}, 1, {}, 3));
 
     QList<ConnectionSettings> records{fixture.record(0), fixture.record(1)};
     QVERIFY(fixture.window().updateSettingsAndParameters(records));
-    QCOMPARE(records[0].colorY, QColor(Qt::cyan));
+    QCOMPARE(records[0].colorY, QStringLiteral("#00ffff"));
     QCOMPARE(records[1].label.text(), QStringLiteral("other"));
     QCOMPARE(records[1].name.text(), fixture.controller(1).address());
     QCOMPARE(records[0].model, first.model);

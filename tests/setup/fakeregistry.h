@@ -3,6 +3,7 @@
 #include "link/connection.h"
 #include "setup/connectionregistry.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 #include <algorithm>
@@ -38,29 +39,36 @@ public:
             return false;
         if (whenClosing)
             whenClosing();
-        // Its end takes events, and these find a whole list.
         const std::unique_ptr<Connection> closed = std::move(*found);
         connections.erase(found);
+        // A registry may show what it does, which takes events. These find a whole list.
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
         return true;
     }
 
     void relabelConnection(const Connection* connection, const QString& label) override
     {
         const auto found = find(connection);
-        if (found != connections.end())
-            (*found)->setLabel(label);
+        if (found == connections.end())
+            return;
+        (*found)->setLabel(label);
+        relabelled.append(int(found - connections.begin()));
     }
 
-    bool reconnectConnection(QString address, QString& boardID) override
+    ReconnectResult reconnect(const Connection* connection, const QString& expectedId) override
     {
-        calls.append("reconnect " + address);
-        boardID = answeringId;
-        return reconnects;
+        calls.append("reconnect " + addressOf(connection));
+        reconnected.append(indexOf(connection));
+        if (!reconnects)
+            return ReconnectResult::NoController;
+        return answeringId == expectedId ? ReconnectResult::Reconnected
+                                         : ReconnectResult::OtherController;
     }
 
-    bool disconnectConnection(QString address) override
+    bool disconnectLink(const Connection* connection) override
     {
-        calls.append("disconnect " + address);
+        calls.append("disconnect " + addressOf(connection));
+        disconnected.append(indexOf(connection));
         return disconnects;
     }
 
@@ -73,6 +81,11 @@ public:
     }
 
     QStringList calls;
+    /// Indices of the connections that were asked for, in the order of the calls; -1 for one that
+    /// is not there.
+    QList<int> relabelled;
+    QList<int> reconnected;
+    QList<int> disconnected;
     QList<ConnectionSettings> records;
     QList<LinkState> statesWhenNew;
     QList<bool> runningWhenNew;
@@ -92,7 +105,20 @@ public:
     /// The order that the overview shows; empty: as made.
     QList<int> order;
 
+    /// -1 for one that is not there.
+    int indexOf(const Connection* connection)
+    {
+        const auto found = find(connection);
+        return found == connections.end() ? -1 : int(found - connections.begin());
+    }
+
 private:
+    QString addressOf(const Connection* connection)
+    {
+        const auto found = find(connection);
+        return found == connections.end() ? QStringLiteral("nobody") : (*found)->address();
+    }
+
     std::vector<std::unique_ptr<Connection>>::iterator find(const Connection* connection)
     {
         return std::find_if(connections.begin(), connections.end(),

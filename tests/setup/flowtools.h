@@ -67,8 +67,8 @@ inline std::vector<Failure> failures()
 /// Whether a record looks as that of a system that the user has just connected.
 inline bool isFresh(const ConnectionSettings& record)
 {
-    return record.autoConnect && record.colorX == Qt::red && record.colorY == Qt::darkGreen
-           && record.colorI == Qt::blue;
+    return record.autoConnect && record.colorX == "#ff0000" && record.colorY == "#008000"
+           && record.colorI == "#0000ff";
 }
 
 inline QString buttonOf(const ConnectionWidget& line)

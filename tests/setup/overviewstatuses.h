@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/connectionstatus.h"
+#include "setup/connectionstatus.h"
 
 #include <QList>
 #include <QStringList>

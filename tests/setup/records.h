@@ -23,9 +23,9 @@ inline ConnectionSettings tcp(const QString& key, const QString& label)
     record.id.set(idWithKey(key));
     record.baudRateOrPort = 2000;
     record.autoConnect = true;
-    record.colorX = Qt::red;
-    record.colorY = Qt::darkGreen;
-    record.colorI = Qt::blue;
+    record.colorX = QStringLiteral("#ff0000");
+    record.colorY = QStringLiteral("#008000");
+    record.colorI = QStringLiteral("#0000ff");
     return record;
 }
 

@@ -1,4 +1,5 @@
 #include "images/images.h"
+#include "link/tcpclient.h"
 #include "overviewstatuses.h"
 #include "setup/connectionoverviewdialog.h"
 #include "setup/listwidget.h"
@@ -67,6 +68,7 @@ private slots:
     void aColourOfACommonDetectorDoesNothing();
     void theColourDialogOpensWindowModal();
     void hiddenControlsStillTell();
+    void aRowTellsWhichOfTwoSystemsWithOneAddressIsMeant();
 
     void aDragMovesTheEntryOfTheOrder_data();
     void aDragMovesTheEntryOfTheOrder();
@@ -447,6 +449,36 @@ void TestOverview::hiddenControlsStillTell()
     QCOMPARE(multiplexing.size(), 3);
     named<QSpinBox>(row(1), "groupSpinBox").setValue(7);
     QCOMPARE(groups.last(), QList<QVariant>({"ttyUSB0", 7}));
+}
+
+void TestOverview::aRowTellsWhichOfTwoSystemsWithOneAddressIsMeant()
+{
+    TcpClient first;
+    TcpClient second;
+    ConnectionStatus upper = status("0");
+    upper.connection = &first;
+    ConnectionStatus lower = status("0");
+    lower.connection = &second;
+    using Dialog = ConnectionOverviewDialog;
+    QList<Connection*> colored;
+    QList<Connection*> told;
+    connect(dialog.get(), &Dialog::systemColored, this, [&](Connection* s) { colored.append(s); });
+    connect(dialog.get(), &Dialog::systemDisplayed, this, [&](Connection* s) { told.append(s); });
+    connect(dialog.get(), &Dialog::systemStageChanged, this,
+            [&](Connection* s) { told.append(s); });
+    connect(dialog.get(), &Dialog::systemParametersWanted, this,
+            [&](Connection* s) { told.append(s); });
+    dialog->update({upper, lower});
+    QCOMPARE(colored, QList<Connection*>({&first, &first, &first, &second, &second, &second}));
+
+    for (const char* name : {"showCheckBox", "enable1", "enable2", "parameterPushButton"})
+        named<QAbstractButton>(row(2), name).click();
+    QCOMPARE(told, QList<Connection*>({&second, &second, &second, &second}));
+    told.clear();
+    // The upper one goes, and the lower one moves into its row.
+    dialog->update({lower});
+    named<QAbstractButton>(row(1), "parameterPushButton").click();
+    QCOMPARE(told, QList<Connection*>({&second}));
 }
 
 void TestOverview::aDragMovesTheEntryOfTheOrder_data()

@@ -67,6 +67,7 @@ private slots:
     void aDropRightBelowTheMarginIsTaken_data();
     void aDropRightBelowTheMarginIsTaken();
     void draggingTheHeaderDoesNothing();
+    void theShownOrderFollowsTheScreenAfterADragARemovalAndANewRow();
 
 private:
     void open();
@@ -121,6 +122,7 @@ void TestOverviewDrag::aDragOfARowMovesIt()
     QCOMPARE(spy.size(), 1);
     QCOMPARE(spy.first(), told);
     QCOMPARE(dialog->order(), order);
+    QCOMPARE(dialog->shownOrder(), order);
     QCOMPARE(shownLabels(list()), shown);
 }
 
@@ -178,6 +180,21 @@ void TestOverviewDrag::draggingTheHeaderDoesNothing()
     QCOMPARE(spy.size(), 0);
     QCOMPARE(shownLabels(list()), QStringList({"a", "b", "c"}));
     QCOMPARE(dialog->order(), QList<int>({0, 1, 2}));
+}
+
+void TestOverviewDrag::theShownOrderFollowsTheScreenAfterADragARemovalAndANewRow()
+{
+    open();
+    drag(list(), 1, lowerHalf(list(), 3));
+    QCOMPARE(dialog->shownOrder(), QList<int>({1, 2, 0}));
+    dialog->update(statuses({"a", "b"}));
+    QCOMPARE(shownLabels(list()), QStringList({"b", "a"}));
+    QCOMPARE(dialog->shownOrder(), QList<int>({1, 0}));
+    // The other order names a connection that is gone.
+    QCOMPARE(dialog->order(), QList<int>({1, 2}));
+    dialog->update(statuses({"a", "b", "new"}));
+    QCOMPARE(shownLabels(list()), QStringList({"b", "a", "new"}));
+    QCOMPARE(dialog->shownOrder(), QList<int>({1, 0, 2}));
 }
 
 int main(int argc, char** argv)

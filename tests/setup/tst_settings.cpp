@@ -73,6 +73,7 @@ private slots:
     void aRootWithoutDevicesClearsTheRecords();
     void anOverlongTextEndsTheApplication_data();
     void anOverlongTextEndsTheApplication();
+    void readingASetupFileNeedsNoScreen();
 
     void writingAloneLosesDetectorsAndKeys();
     void writeAndWriteDetectorsMakeAFullSave();
@@ -268,6 +269,20 @@ void TestSettings::anOverlongTextEndsTheApplication()
     QVERIFY(reader.waitForFinished());
     QCOMPARE(reader.exitStatus(), QProcess::NormalExit);
     QCOMPARE(reader.readAllStandardOutput().trimmed(), QByteArray("1"));
+}
+
+void TestSettings::readingASetupFileNeedsNoScreen()
+{
+    QProcess reader;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    // The loader prints the libraries in place of running the program.
+    environment.insert("LD_TRACE_LOADED_OBJECTS", "1");
+    reader.setProcessEnvironment(environment);
+    reader.start(SETUP_READER, QStringList());
+    QVERIFY(reader.waitForFinished());
+    const QByteArray libraries = reader.readAllStandardOutput();
+    QVERIFY(libraries.contains("libQt5Xml"));
+    QVERIFY2(!libraries.contains("libQt5Gui"), libraries.constData());
 }
 
 void TestSettings::writingAloneLosesDetectorsAndKeys()

@@ -96,8 +96,8 @@ void TestStoredSystems::aStoredSystemIsListedUnconnected()
 void TestStoredSystems::aStoredSerialSystemIsFoundByItsIdentification()
 {
     switches::autoSerialSearch = true;
-    bench->found = {{"Zev other", "ttyUSB0", "115200", "1"},
-                    {records::idWithKey("AB000000001"), "ttyUSB7", "115200", "1"}};
+    bench->found = {{"Zev other", "ttyUSB0", 115200, 1},
+                    {records::idWithKey("AB000000001"), "ttyUSB7", 115200, 1}};
     load({quietSerial("AB000000001", "ttyUSB0", "a"), quietSerial("CD000000002", "ttyUSB1", "b")});
     QCOMPARE(bench->registry.calls, QStringList({"new ttyUSB7", "new ttyUSB1"}));
     QCOMPARE(bench->serialLines().at(0)->address(), QStringLiteral("ttyUSB7"));
@@ -337,6 +337,8 @@ void TestStoredSystems::aLabelIsPassedOn()
     load({quietTcp("AB000000001", "127.0.0.77", "a")});
     QSignalSpy spy(&bench->dialog, &SettingsDialog::newLabel);
     QTest::keyClicks(&named<QLineEdit>(*bench->tcpLines().first(), "lineEdit"), "b");
+    QCOMPARE(bench->registry.relabelled, QList<int>{0});
+    QCOMPARE(bench->registry.connections.front()->label(), QStringLiteral("ab"));
     QCOMPARE(spy.size(), 1);
     QCOMPARE(spy.first(), QList<QVariant>({"127.0.0.77", "ab"}));
 }
@@ -379,7 +381,7 @@ void TestStoredSystems::anotherControllerIsRejectedOnReconnect()
     QCOMPARE(bench->tcpInfo(), text);
     QCOMPARE(bench->serialInfo(), text);
     QCOMPARE(button.text(), QStringLiteral("Reconnect"));
-    QCOMPARE(bench->registry.calls.last(), QStringLiteral("disconnect 127.0.0.77"));
+    QCOMPARE(bench->registry.calls.last(), QStringLiteral("reconnect 127.0.0.77"));
 }
 
 void TestStoredSystems::disconnectingMarksTheLine()

@@ -90,9 +90,9 @@ ConnectionSettings WindowFixture::record(int number) const
     settings.id.set(controller.id());
     settings.serial.set(deviceKey(controller.id()));
     settings.autoConnect = true;
-    settings.colorX = Qt::red;
-    settings.colorY = Qt::darkGreen;
-    settings.colorI = Qt::blue;
+    settings.colorX = QStringLiteral("#ff0000");
+    settings.colorY = QStringLiteral("#008000");
+    settings.colorI = QStringLiteral("#0000ff");
     return settings;
 }
 

@@ -3,9 +3,13 @@
 #include <QColor>
 #include <QString>
 
+class Connection;
+
 /// The live record of one connection: kept by the main window, shown by the system overview.
 struct ConnectionStatus
 {
+    /// Whose status it is. Two connections can have the same address.
+    Connection* connection = nullptr;
     QString label;
     QString address;
     /// Whether the flags below were read from a controller that is connected now.

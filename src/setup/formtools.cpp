@@ -1,0 +1,60 @@
+#include "setup/formtools.h"
+
+#include <QDialog>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScreen>
+#include <QStyle>
+
+namespace formtools {
+
+void markInvalid(QLineEdit& edit)
+{
+    edit.setStyleSheet(QStringLiteral("border: 1px solid red"));
+}
+
+void markValid(QLineEdit& edit)
+{
+    edit.setStyleSheet(QString());
+}
+
+void say(QLabel& info, const QString& text)
+{
+    info.setText(text);
+    info.show();
+}
+
+void hideInPlace(QLabel& label)
+{
+    QSizePolicy policy = label.sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    label.setSizePolicy(policy);
+    label.hide();
+}
+
+void fillScreenHeight(QDialog& dialog)
+{
+    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
+    QSize border = dialog.frameGeometry().size() - dialog.size();
+    // Before the first time the window manager has not told its frame.
+    if (border.isNull())
+        border.setHeight(dialog.style()->pixelMetric(QStyle::PM_TitleBarHeight));
+    const QSize room = available.size() - border;
+    const QSize wanted(dialog.maximumWidth(), room.height());
+    dialog.resize(wanted.boundedTo(room).expandedTo(dialog.minimumSizeHint()));
+    QRect frame(QPoint(), dialog.size() + border);
+    frame.moveCenter(available.center());
+    dialog.move(frame.topLeft());
+}
+
+void setTabOrderBehind(QWidget& before, const QList<QWidget*>& widgets)
+{
+    QWidget* previous = &before;
+    for (QWidget* widget : widgets) {
+        QWidget::setTabOrder(previous, widget);
+        previous = widget;
+    }
+}
+
+} // namespace formtools

@@ -1,0 +1,34 @@
+#include "setup/stagelook.h"
+
+#include <QIcon>
+
+namespace {
+
+QPalette paletteWithButton(const char* color)
+{
+    QPalette palette;
+    palette.setColor(QPalette::Button, QColor(QLatin1String(color)));
+    // The text has to stay legible on a dark desktop, where it would be light.
+    palette.setColor(QPalette::ButtonText, Qt::black);
+    return palette;
+}
+
+} // namespace
+
+QPalette onPalette()
+{
+    return paletteWithButton("lightgreen");
+}
+
+QPalette offPalette()
+{
+    return paletteWithButton("lightcoral");
+}
+
+QPixmap light(bool active, QSize size)
+{
+    // Only an icon finds the picture that is made for a screen of twice the density.
+    const QIcon picture(active ? QStringLiteral(":/images/green_light.png")
+                               : QStringLiteral(":/images/red_light.png"));
+    return picture.pixmap(size);
+}

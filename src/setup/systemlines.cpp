@@ -1,0 +1,163 @@
+#include "setup/systemlines.h"
+
+#include "setup/connectionwidget.h"
+#include "setup/waitcursor.h"
+
+#include <algorithm>
+
+SystemLines::SystemLines(ConnectionRegistry& connectionRegistry, QListWidget& serialList,
+                         QListWidget& tcpList)
+    : registry(connectionRegistry)
+    , serialLines(serialList)
+    , tcpLines(tcpList)
+{}
+
+SystemLines::~SystemLines()
+{
+    serialLines.clear();
+    tcpLines.clear();
+}
+
+const ConnectionList& SystemLines::lines(ConnectionType type) const
+{
+    return type == ConnectionType::Tcp ? tcpLines : serialLines;
+}
+
+ConnectionList& SystemLines::listOf(ConnectionType type)
+{
+    return type == ConnectionType::Tcp ? tcpLines : serialLines;
+}
+
+void SystemLines::addLine(const ConnectionSettings& record, const Connection& connection)
+{
+    ConnectionWidget& line = listOf(record.type).add(record, connection);
+    watchLine(line, connection);
+    emit lineAdded(&line);
+}
+
+/// What the user does to a line is meant for its connection, whoever else has the address.
+void SystemLines::watchLine(const ConnectionWidget& line, const Connection& connection)
+{
+    const QPointer<const Connection> owner(&connection);
+    connect(&line, &ConnectionWidget::labelChanged, this,
+            [this, owner](const QString& address, const QString& label) {
+                registry.relabelConnection(owner, label);
+                emit labelEdited(address, label);
+            });
+    connect(&line, &ConnectionWidget::autoConnectChanged, this,
+            [this, owner](bool isActive) { setAutoConnect(owner, isActive); });
+    connect(&line, &ConnectionWidget::reconnectC, this,
+            [this, owner] { emit reconnectWanted(owner); });
+    connect(&line, &ConnectionWidget::disconnectC, this,
+            [this, owner] { emit disconnectWanted(owner); });
+    connect(&line, &ConnectionWidget::deleteConnection, this,
+            [this, owner] { emit removalWanted(owner); });
+}
+
+/// Record and connection come together, so that the records stay in step with the registry
+/// whatever happens between two connections.
+void SystemLines::registerSystem(std::unique_ptr<Connection> connection, ConnectionSettings record)
+{
+    record.position = systems.size();
+    systems.append({record, connection.get()});
+    registry.newConnection(std::move(connection), record);
+}
+
+bool SystemLines::hasNumber(const QString& number) const
+{
+    return tcpLines.hasNumber(number) || serialLines.hasNumber(number);
+}
+
+const Connection* SystemLines::meantBy(const QString& address) const
+{
+    const QList<const Connection*> candidates =
+        serialLines.connectionsAt(address) + tcpLines.connectionsAt(address);
+    const auto connected =
+        std::find_if(candidates.cbegin(), candidates.cend(),
+                     [](const Connection* candidate) { return candidate->isConnected(); });
+    return connected == candidates.cend() ? candidates.value(0) : *connected;
+}
+
+QList<ConnectionSettings> SystemLines::records() const
+{
+    QList<ConnectionSettings> list;
+    for (const System& system : systems)
+        list.append(system.record);
+    return list;
+}
+
+bool SystemLines::updateRecords()
+{
+    QList<ConnectionSettings> list = records();
+    if (!registry.updateSettingsAndParameters(list))
+        return false;
+    for (int i = 0; i < systems.size(); ++i)
+        systems[i].record = list.at(i);
+    return true;
+}
+
+void SystemLines::setAutoConnect(const Connection* connection, bool isActive)
+{
+    for (System& system : systems) {
+        if (system.connection && system.connection == connection)
+            system.record.autoConnect = isActive;
+    }
+}
+
+void SystemLines::showConnected(const Connection* connection, bool isConnected)
+{
+    for (const ConnectionList* list : {&serialLines, &tcpLines}) {
+        if (ConnectionWidget* line = list->lineOf(connection))
+            line->setConnected(isConnected);
+    }
+}
+
+ReconnectResult SystemLines::reconnect(const Connection* connection)
+{
+    const ConnectionWidget* line = serialLines.lineOf(connection);
+    if (!line)
+        line = tcpLines.lineOf(connection);
+    if (!line)
+        return ReconnectResult::NoController;
+    const WaitCursor waiting;
+    const QPointer<const Connection> meant(connection);
+    const ReconnectResult result = registry.reconnect(connection, line->number());
+    showConnected(meant, result == ReconnectResult::Reconnected);
+    return result;
+}
+
+bool SystemLines::disconnectLink(const Connection* connection)
+{
+    const QPointer<const Connection> meant(connection);
+    if (!registry.disconnectLink(connection))
+        return false;
+    showConnected(meant, false);
+    return true;
+}
+
+void SystemLines::remove(const Connection* connection)
+{
+    const WaitCursor waiting;
+    const QPointer<const Connection> closed(connection);
+    if (!registry.closeConnection(connection))
+        return;
+    // The registry may still keep it, or have deleted it; others can have gone meanwhile, too.
+    const auto isGone = [&closed](const System& system) {
+        return !system.connection || system.connection == closed;
+    };
+    systems.erase(std::remove_if(systems.begin(), systems.end(), isGone), systems.end());
+    serialLines.remove(closed);
+    tcpLines.remove(closed);
+}
+
+void SystemLines::removeAll()
+{
+    for (const ConnectionList* list : {&serialLines, &tcpLines}) {
+        const QList<QPointer<const Connection>> present = list->connections();
+        std::for_each(present.crbegin(), present.crend(),
+                      [this](const QPointer<const Connection>& each) {
+                          if (each)
+                              remove(each);
+                      });
+    }
+}

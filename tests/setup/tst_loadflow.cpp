@@ -1,0 +1,133 @@
+// The flow that makes the systems of a setup file, without a form and without a controller.
+
+#include "flowbench.h"
+#include "records.h"
+#include "setup/connectionwidget.h"
+#include "setup/loadflow.h"
+
+#include <QtTest>
+
+using records::file;
+using records::quietSerial;
+using records::quietTcp;
+
+class TestLoadFlow final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void aMarkedSystemIsConnectedAndKept();
+    void anUnmarkedSystemIsOnlyListed();
+    void aSystemThatDoesNotAnswerIsListedAndDown();
+    void aSerialSystemIsFoundAtThePortWhereItIsNow();
+    void aSystemWithALineIsSkipped();
+    void afterAReadThatFailsThePresentRecordsAreGoneThrough();
+    void aFileWithoutControllersHasFailed();
+    void theLoadStopsWhenTheApplicationLeaves();
+    void whoIsConnectedIsToldBefore();
+
+private:
+    bool load(const QList<ConnectionSettings>& list)
+    {
+        bench->put(bench->path("a.xml"), file(list));
+        return flow->load(bench->path("a.xml"));
+    }
+    static ConnectionSettings marked(const QString& label)
+    {
+        ConnectionSettings record = records::tcp("AB000000001", label);
+        record.pulsedLaser = true;
+        return record;
+    }
+
+    std::unique_ptr<FlowBench> bench;
+    std::unique_ptr<LoadFlow> flow;
+    QStringList told;
+};
+
+void TestLoadFlow::init()
+{
+    bench = std::make_unique<FlowBench>();
+    told.clear();
+    flow = std::make_unique<LoadFlow>(bench->parts,
+                                      [this](const QString& label, const QString& address) {
+                                          told.append(label + ' ' + address);
+                                      });
+}
+
+void TestLoadFlow::aMarkedSystemIsConnectedAndKept()
+{
+    QVERIFY(load({marked("arm")}));
+    QCOMPARE(bench->waits, QList<int>{300});
+    QCOMPARE(bench->labels, QStringList{"arm"});
+    QCOMPARE(bench->expectedIds, QStringList{records::idWithKey("AB000000001")});
+    QCOMPARE(bench->registry.statesWhenNew, QList<LinkState>{LinkState::Connected});
+    QVERIFY(bench->connection(0).triggerMode());
+    QCOMPARE(bench->connection(0).label(), QStringLiteral("arm"));
+}
+
+void TestLoadFlow::anUnmarkedSystemIsOnlyListed()
+{
+    QVERIFY(load({quietTcp("AB000000001", "127.0.0.5", "arm")}));
+    QVERIFY(bench->waits.isEmpty());
+    QCOMPARE(bench->registry.statesWhenNew, QList<LinkState>{LinkState::NotConnected});
+    QVERIFY(bench->systems.lines(ConnectionType::Tcp).lineOf(&bench->connection(0)));
+}
+
+void TestLoadFlow::aSystemThatDoesNotAnswerIsListedAndDown()
+{
+    bench->outcome = LinkOutcome::NotIdentified;
+    QVERIFY(load({marked("arm")}));
+    QCOMPARE(bench->registry.statesWhenNew, QList<LinkState>{LinkState::Disconnected});
+    QCOMPARE(bench->tcpList.count(), 1);
+}
+
+void TestLoadFlow::aSerialSystemIsFoundAtThePortWhereItIsNow()
+{
+    bench->parts.devices = DeviceList({{records::idWithKey("AB000000001"), "ttyUSB9", 115200, 1}});
+    QVERIFY(load(
+        {quietSerial("AB000000001", "ttyUSB0", "a"), quietSerial("CD000000002", "ttyUSB1", "b")}));
+    QCOMPARE(bench->registry.calls, QStringList({"new ttyUSB9", "new ttyUSB1"}));
+}
+
+void TestLoadFlow::aSystemWithALineIsSkipped()
+{
+    const QList<ConnectionSettings> list{quietTcp("AB000000001", "127.0.0.5", "a")};
+    QVERIFY(load(list));
+    QVERIFY(load(list));
+    QCOMPARE(bench->registry.calls.size(), 1);
+}
+
+void TestLoadFlow::afterAReadThatFailsThePresentRecordsAreGoneThrough()
+{
+    QVERIFY(load({quietTcp("AB000000001", "127.0.0.5", "a")}));
+    QVERIFY(!flow->load(bench->path("none.xml")));
+    QCOMPARE(bench->registry.calls.size(), 1);
+    QCOMPARE(bench->systems.records().size(), 1);
+}
+
+void TestLoadFlow::aFileWithoutControllersHasFailed()
+{
+    bench->put(bench->path("root.xml"), "<Zev_Lumetra/>");
+    QVERIFY(!flow->load(bench->path("root.xml")));
+}
+
+void TestLoadFlow::theLoadStopsWhenTheApplicationLeaves()
+{
+    bench->whenConnecting = [this] { bench->registry.leaving = true; };
+    load({quietTcp("CD000000002", "127.0.0.5", "a"), marked("b"),
+          quietTcp("EF000000003", "127.0.0.6", "c")});
+    QCOMPARE(bench->registry.calls, QStringList{"new 127.0.0.5"});
+}
+
+void TestLoadFlow::whoIsConnectedIsToldBefore()
+{
+    QStringList toldBefore;
+    bench->whenConnecting = [&] { toldBefore = told; };
+    load({marked("arm")});
+    QCOMPARE(toldBefore, QStringList{"arm 127.0.0.9"});
+}
+
+QTEST_MAIN(TestLoadFlow)
+#include "tst_loadflow.moc"
