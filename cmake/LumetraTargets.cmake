@@ -10,11 +10,13 @@ target_compile_definitions(lumetra_flags INTERFACE
   QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING QT_DEPRECATED_WARNINGS
   QT_DISABLE_DEPRECATED_BEFORE=0x050E00)
 
+# Of the debug information a report needs only functions and lines: -g1 compiles faster than -g, to
+# files of a third of the size.
 if(LUMETRA_SANITIZER STREQUAL "address")
   set(_sanitizer -fsanitize=address,undefined -fno-sanitize-recover=undefined
-    -fno-omit-frame-pointer -O1 -g)
+    -fno-omit-frame-pointer -O1 -g1)
 elseif(LUMETRA_SANITIZER STREQUAL "thread")
-  set(_sanitizer -fsanitize=thread -O1 -g)
+  set(_sanitizer -fsanitize=thread -O1 -g1)
   target_compile_definitions(lumetra_flags INTERFACE LUMETRA_THREAD_SANITIZER)
 elseif(LUMETRA_SANITIZER)
   message(FATAL_ERROR "LUMETRA_SANITIZER is '${LUMETRA_SANITIZER}'; use address or thread.")

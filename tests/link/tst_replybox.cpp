@@ -11,6 +11,7 @@ private slots:
     void replyIsTakenOnce();
     void emptyReplyIsAReply();
     void replyIsAppended();
+    void laterReplyReplacesOneThatWasNotTaken();
     void expectingDropsAnEarlierReply();
     void givenUpReplyIsNotAwaited();
     void replyThatCameBeforeItWasGivenUpStays();
@@ -56,6 +57,16 @@ void TestReplyBox::replyIsAppended()
     QByteArray out("a");
     QVERIFY(box.take(out));
     QCOMPARE(out, QByteArray("ab"));
+}
+
+void TestReplyBox::laterReplyReplacesOneThatWasNotTaken()
+{
+    ReplyBox box;
+    box.put("early");
+    box.put("late");
+    QByteArray out;
+    QVERIFY(box.take(out));
+    QCOMPARE(out, QByteArray("late"));
 }
 
 void TestReplyBox::expectingDropsAnEarlierReply()

@@ -70,6 +70,7 @@ private slots:
     void anOverlongTextIsTold_data();
     void anOverlongTextIsTold();
 
+    void firstOverlongTextIsToldWithItsSizes();
     void connectionsHaveTheLaidDownForm();
     void aNumberIsWrittenAsWhatItMeans_data();
     void aNumberIsWrittenAsWhatItMeans();
@@ -80,6 +81,7 @@ private slots:
     void aFullDocumentComesBackAsItWas();
 
     void detectorsOfAnEmptyFileMakeARootAndAllDevices();
+    void fileOfNoBytesIsAnEmptyFile();
     void detectorsChangeNothingElse();
     void detectorPartsThatAreMissingStayMissing();
     void detectorsGoToEveryElementOfTheDevice();
@@ -277,6 +279,17 @@ void TestSetupDocument::anOverlongTextIsTold()
     }
 }
 
+void TestSetupDocument::firstOverlongTextIsToldWithItsSizes()
+{
+    const auto content =
+        setupdocument::read(file("<Device_A><Settings name=\"" + QByteArray(70, 'w') + "\" label=\""
+                                 + QByteArray(80, 'w') + "\"/></Device_A>"));
+    QVERIFY(content && content->misfit);
+    QCOMPARE(content->misfit->attribute, QStringLiteral("name"));
+    QCOMPARE(content->misfit->bytes, 70);
+    QCOMPARE(content->misfit->capacity, 63);
+}
+
 void TestSetupDocument::connectionsHaveTheLaidDownForm()
 {
     const QByteArray xml = setupdocument::connections(
@@ -394,6 +407,13 @@ void TestSetupDocument::detectorsOfAnEmptyFileMakeARootAndAllDevices()
     QCOMPARE(content->records.size(), 2);
     QVERIFY(content->records.at(0).id.isEmpty());
     QCOMPARE(content->records.at(1).serial.text(), QStringLiteral("CD000000002"));
+}
+
+void TestSetupDocument::fileOfNoBytesIsAnEmptyFile()
+{
+    const QByteArray noBytes("");
+    QVERIFY(!noBytes.isNull());
+    QVERIFY(setupdocument::withDetectors(noBytes, {records::tcp("AB000000001", "a")}));
 }
 
 void TestSetupDocument::detectorsChangeNothingElse()

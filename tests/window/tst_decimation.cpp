@@ -9,6 +9,8 @@ class tst_Decimation final : public QObject
 private slots:
     void aTimePlotGetsAboutOnePointPerPixel_data();
     void aTimePlotGetsAboutOnePointPerPixel();
+    void oneOfSoManySamplesIsTakenBeginningWithTheFirst_data();
+    void oneOfSoManySamplesIsTakenBeginningWithTheFirst();
     void secondsCountFromTheOrigin_data();
     void secondsCountFromTheOrigin();
 };
@@ -38,6 +40,28 @@ void tst_Decimation::aTimePlotGetsAboutOnePointPerPixel()
     QFETCH(double, timeWindowMs);
     QFETCH(int, widthPx);
     QTEST(plotDecimation(rateHz, timeWindowMs, widthPx), "every");
+}
+
+void tst_Decimation::oneOfSoManySamplesIsTakenBeginningWithTheFirst_data()
+{
+    QTest::addColumn<int>("every");
+    QTest::addColumn<QString>("taken");
+
+    QTest::newRow("all") << 1 << "++++++++";
+    QTest::newRow("every second") << 2 << "+-+-+-+-";
+    QTest::newRow("every third") << 3 << "+--+--+-";
+    QTest::newRow("only the first") << 9 << "+-------";
+}
+
+void tst_Decimation::oneOfSoManySamplesIsTakenBeginningWithTheFirst()
+{
+    QFETCH(int, every);
+    QFETCH(QString, taken);
+    Decimation decimation(every);
+    QString seen;
+    while (seen.size() < taken.size())
+        seen += decimation.takes() ? '+' : '-';
+    QCOMPARE(seen, taken);
 }
 
 void tst_Decimation::secondsCountFromTheOrigin_data()
