@@ -36,9 +36,9 @@ ConnectionSettings record(int number, ConnectionType type, const QString& addres
     record.id.set(id);
     record.serial.set(deviceKey(id));
     record.autoConnect = true;
-    record.colorX = QColor(systems[number].colorX);
-    record.colorY = QColor(systems[number].colorY);
-    record.colorI = QColor(systems[number].colorI);
+    record.colorX = systems[number].colorX;
+    record.colorY = systems[number].colorY;
+    record.colorI = systems[number].colorI;
     return record;
 }
 
