@@ -39,8 +39,10 @@ public:
         if (whenClosing)
             whenClosing();
         // Its end takes events, and these find a whole list.
-        const std::unique_ptr<Connection> closed = std::move(*found);
+        std::unique_ptr<Connection> closed = std::move(*found);
         connections.erase(found);
+        if (keepsClosed)
+            closedConnections.push_back(std::move(closed));
         return true;
     }
 
@@ -99,6 +101,9 @@ public:
     std::function<void()> whenDisconnecting;
     bool leaving = false;
     bool closes = true;
+    /// Whether closed connections live on.
+    bool keepsClosed = false;
+    std::vector<std::unique_ptr<Connection>> closedConnections;
     bool reconnects = true;
     bool disconnects = true;
     bool updates = true;
