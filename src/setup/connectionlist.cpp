@@ -24,7 +24,7 @@ ConnectionWidget& ConnectionList::add(const ConnectionSettings& record,
 void ConnectionList::remove(const QPointer<const Connection>& connection)
 {
     for (int i = lines.size() - 1; i >= 0; --i) {
-        if (!lines.at(i).connection || lines.at(i).connection == connection)
+        if (lines.at(i).connection == connection)
             removeFromScreen(lines.takeAt(i));
     }
 }

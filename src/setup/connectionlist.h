@@ -23,7 +23,7 @@ public:
 
     /// Adds the line of a connection, with number, label and address of the record.
     ConnectionWidget& add(const ConnectionSettings& record, const Connection& connection);
-    /// Removes the line of this connection, and those whose connection does not exist any more.
+    /// Removes the line of this connection; if it is null, those of deleted connections.
     void remove(const QPointer<const Connection>& connection);
     void clear();
 

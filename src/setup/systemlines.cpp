@@ -141,10 +141,8 @@ void SystemLines::remove(const Connection* connection)
     const QPointer<const Connection> closed(connection);
     if (!registry.closeConnection(connection))
         return;
-    // The registry has deleted it or still keeps it; its events can have removed others, too.
-    const auto isGone = [&closed](const System& system) {
-        return !system.connection || system.connection == closed;
-    };
+    // `closed` is null if the registry has deleted it, as are the pointers to it here.
+    const auto isGone = [&closed](const System& system) { return system.connection == closed; };
     systems.erase(std::remove_if(systems.begin(), systems.end(), isGone), systems.end());
     serialLines.remove(closed);
     tcpLines.remove(closed);

@@ -39,10 +39,12 @@ public:
             return false;
         if (whenClosing)
             whenClosing();
-        const std::unique_ptr<Connection> closed = std::move(*found);
+        std::unique_ptr<Connection> closed = std::move(*found);
         connections.erase(found);
         // A registry may show what it does, which takes events. These find a whole list.
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        if (keepsClosed)
+            closedConnections.push_back(std::move(closed));
         return true;
     }
 
@@ -101,6 +103,9 @@ public:
     std::function<void()> whenDisconnecting;
     bool leaving = false;
     bool closes = true;
+    /// Whether closed connections live on.
+    bool keepsClosed = false;
+    std::vector<std::unique_ptr<Connection>> closedConnections;
     bool reconnects = true;
     bool disconnects = true;
     bool updates = true;

@@ -1,5 +1,4 @@
 #include "images/images.h"
-#include "link/tcpclient.h"
 #include "overviewstatuses.h"
 #include "setup/connectionoverviewdialog.h"
 #include "setup/listwidget.h"
@@ -7,10 +6,8 @@
 #include "widgettest.h"
 
 #include <QCheckBox>
-#include <QColorDialog>
 #include <QComboBox>
 #include <QLabel>
-#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSpinBox>
@@ -44,7 +41,7 @@ class TestOverview final : public QObject
 
 private slots:
     void initTestCase() { initImages(); }
-    void init();
+    void init() { dialog = std::make_unique<ConnectionOverviewDialog>(); }
     void cleanup();
 
     void theHeaderShowsTheNamesAndARowTheValues();
@@ -53,32 +50,11 @@ private slots:
     void theDialogComesAsItIsLaidDown();
     void rowsFollowTheStatuses();
     void withoutConnectionsOnlyTheHeaderIsLeft();
-
-    void aFreshRowShowsRedLights();
     void aRowShowsItsStatus();
+    void aFreshRowShowsRedLights();
     void aRowIsTouchedOnlyByChanges();
     void anInvalidStatusDisablesTheControls();
     void coloursAreToldOnceWhenTheyComeFromTheStatus();
-
-    void stageButtonsAskForTheOppositeAndStayAsTheyAre();
-    void showIsTold();
-    void parametersAreAskedFor();
-    void aChosenColourIsShownAndTold_data();
-    void aChosenColourIsShownAndTold();
-    void anInvalidColourIsIgnored();
-    void aColourOfACommonDetectorDoesNothing();
-    void theColourDialogOpensWindowModal();
-    void aRowThatGoesTakesItsColourDialogWithIt();
-    void hiddenControlsStillTell();
-    void aRowTellsWhichOfTwoSystemsWithOneAddressIsMeant();
-
-    void aDragMovesTheEntryOfTheOrder_data();
-    void aDragMovesTheEntryOfTheOrder();
-    void anOrderOutOfRangeIsIgnored();
-    void removingAConnectionErasesTheLastEntry();
-    void onlyRowsCanBeDragged();
-    void movedRowsKeepTheirWidgets();
-
     void longLabelsAreNotCut();
     void tabFollowsTheEye();
     void closeAndEscapeClose();
@@ -89,11 +65,6 @@ private:
 
     std::unique_ptr<ConnectionOverviewDialog> dialog;
 };
-
-void TestOverview::init()
-{
-    dialog = std::make_unique<ConnectionOverviewDialog>();
-}
 
 void TestOverview::cleanup()
 {
@@ -308,255 +279,6 @@ void TestOverview::coloursAreToldOnceWhenTheyComeFromTheStatus()
     QCOMPARE(spy.at(1).at(1).value<QColor>(), QColor(Qt::darkGreen));
     dialog->update(statuses({"0"}));
     QCOMPARE(spy.size(), 3);
-}
-
-void TestOverview::stageButtonsAskForTheOppositeAndStayAsTheyAre()
-{
-    dialog->update(statuses({"0"}));
-    widgettest::show(*dialog);
-    QSignalSpy spy(dialog.get(), &ConnectionOverviewDialog::changeStage);
-    auto& first = named<QPushButton>(row(1), "enable1");
-    QVERIFY(click(first));
-    QVERIFY(click(first));
-    QCOMPARE(spy.size(), 2);
-    for (const QList<QVariant>& told : qAsConst(spy))
-        QCOMPARE(told, QList<QVariant>({"ttyUSB0", 1, true}));
-    QVERIFY(!first.isChecked());
-    QCOMPARE(first.text(), QStringLiteral("OFF"));
-
-    ConnectionStatus on = status("0");
-    on.stabilised2 = true;
-    dialog->update({on});
-    QVERIFY(click(named<QPushButton>(row(1), "enable2")));
-    QCOMPARE(spy.last(), QList<QVariant>({"ttyUSB0", 2, false}));
-    QVERIFY(named<QPushButton>(row(1), "enable2").isChecked());
-}
-
-void TestOverview::showIsTold()
-{
-    dialog->update(statuses({"0"}));
-    widgettest::show(*dialog);
-    QSignalSpy spy(dialog.get(), &ConnectionOverviewDialog::displayConnection);
-    auto& box = named<QCheckBox>(row(1), "showCheckBox");
-    QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(8, box.height() / 2));
-    QCOMPARE(spy.size(), 1);
-    QCOMPARE(spy.last(), QList<QVariant>({"ttyUSB0", true}));
-    // A status that says otherwise takes the mark away again.
-    dialog->update(statuses({"0"}));
-    QVERIFY(!box.isChecked());
-    QCOMPARE(spy.size(), 1);
-}
-
-void TestOverview::parametersAreAskedFor()
-{
-    dialog->update(statuses({"0", "1"}));
-    widgettest::show(*dialog);
-    QSignalSpy spy(dialog.get(), &ConnectionOverviewDialog::openParamDialog);
-    QVERIFY(click(named<QPushButton>(row(2), "parameterPushButton")));
-    QCOMPARE(spy.size(), 1);
-    QCOMPARE(spy.first().first().toString(), QStringLiteral("ttyUSB1"));
-}
-
-void TestOverview::aChosenColourIsShownAndTold_data()
-{
-    QTest::addColumn<QByteArray>("button");
-    QTest::addColumn<int>("graph");
-    QTest::newRow("x") << QByteArray("xColor") << 0;
-    QTest::newRow("y") << QByteArray("yColor") << 1;
-    QTest::newRow("intensity") << QByteArray("iColor") << 2;
-}
-
-void TestOverview::aChosenColourIsShownAndTold()
-{
-    QFETCH(QByteArray, button);
-    QFETCH(int, graph);
-    dialog->update(statuses({"0"}));
-    widgettest::show(*dialog);
-    QSignalSpy spy(dialog.get(), &ConnectionOverviewDialog::changeColor);
-    auto& colorButton = named<QPushButton>(row(1), button);
-    QVERIFY(click(colorButton));
-
-    auto* chooser = row(1).findChild<QColorDialog*>();
-    QVERIFY(chooser && chooser->isVisible());
-    QCOMPARE(chooser->windowTitle(), QStringLiteral("Please choose a color"));
-    chooser->setCurrentColor(QColor(1, 2, 3));
-    QTest::keyClick(chooser, Qt::Key_Return);
-    QVERIFY(!chooser->isVisible());
-
-    QCOMPARE(spy.size(), 1);
-    QCOMPARE(spy.first(), QList<QVariant>({"ttyUSB0", QColor(1, 2, 3), graph}));
-    QCOMPARE(colorButton.styleSheet(), QStringLiteral("background-color: #010203"));
-
-    // The window stores it in the status, which then changes nothing more.
-    ConnectionStatus stored = status("0");
-    (graph == 0 ? stored.colorX : graph == 1 ? stored.colorY : stored.colorI) = QColor(1, 2, 3);
-    dialog->update({stored});
-    QCOMPARE(spy.size(), 1);
-}
-
-void TestOverview::anInvalidColourIsIgnored()
-{
-    OverviewWidget data(false);
-    data.updateRow(status("0"));
-    QSignalSpy spy(&data, &OverviewWidget::newColor);
-    data.on_colorSelected(QColor());
-    QCOMPARE(spy.size(), 0);
-    QCOMPARE(named<QPushButton>(data, "xColor").styleSheet(),
-             QStringLiteral("background-color: #ff0000"));
-}
-
-void TestOverview::aColourOfACommonDetectorDoesNothing()
-{
-    OverviewWidget data(false);
-    data.updateRow(status("0"));
-    QSignalSpy spy(&data, &OverviewWidget::newColor);
-    named<QPushButton>(data, "iColor2").click();
-    data.on_colorSelected(Qt::black);
-    QCOMPARE(spy.size(), 0);
-    named<QPushButton>(data, "iColor").click();
-    data.on_colorSelected(Qt::black);
-    QCOMPARE(spy.size(), 1);
-}
-
-void TestOverview::theColourDialogOpensWindowModal()
-{
-    dialog->update(statuses({"0"}));
-    widgettest::show(*dialog);
-    QVERIFY(click(named<QPushButton>(row(1), "yColor")));
-    auto* chooser = row(1).findChild<QColorDialog*>();
-    QVERIFY(chooser->isVisible());
-    QCOMPARE(chooser->windowModality(), Qt::WindowModal);
-    QCOMPARE(chooser->currentColor(), QColor(Qt::darkGreen));
-    QTest::keyClick(chooser, Qt::Key_Escape);
-    QVERIFY(!chooser->isVisible());
-    QVERIFY(dialog->isVisible());
-}
-
-void TestOverview::aRowThatGoesTakesItsColourDialogWithIt()
-{
-    dialog->update(statuses({"0"}));
-    widgettest::show(*dialog);
-    QVERIFY(click(named<QPushButton>(row(1), "yColor")));
-    const QPointer<QColorDialog> chooser = row(1).findChild<QColorDialog*>();
-    QVERIFY(chooser->isVisible());
-    dialog->update({});
-    QVERIFY(!chooser);
-    // Nothing modal keeps the user from the window.
-    QVERIFY(click(named<QPushButton>(*dialog, "closePushButton")));
-    QVERIFY(!dialog->isVisible());
-}
-
-void TestOverview::hiddenControlsStillTell()
-{
-    dialog->update(statuses({"0"}));
-    QSignalSpy multiplexing(dialog.get(), &ConnectionOverviewDialog::multiplexDetectors);
-    QSignalSpy groups(dialog.get(), &ConnectionOverviewDialog::newGroupId);
-    named<QComboBox>(row(1), "typeComboBox").setCurrentIndex(1);
-    QCOMPARE(multiplexing.last(), QList<QVariant>({"ttyUSB0", true, 1}));
-    named<QComboBox>(row(1), "type2ComboBox").setCurrentIndex(1);
-    QCOMPARE(multiplexing.last(), QList<QVariant>({"ttyUSB0", true, 2}));
-    named<QComboBox>(row(1), "type2ComboBox").setCurrentIndex(0);
-    QCOMPARE(multiplexing.last(), QList<QVariant>({"ttyUSB0", false, 2}));
-    named<QComboBox>(row(1), "type2ComboBox").setCurrentIndex(-1);
-    QCOMPARE(multiplexing.size(), 3);
-    named<QSpinBox>(row(1), "groupSpinBox").setValue(7);
-    QCOMPARE(groups.last(), QList<QVariant>({"ttyUSB0", 7}));
-}
-
-void TestOverview::aRowTellsWhichOfTwoSystemsWithOneAddressIsMeant()
-{
-    TcpClient first;
-    TcpClient second;
-    ConnectionStatus upper = status("0");
-    upper.connection = &first;
-    ConnectionStatus lower = status("0");
-    lower.connection = &second;
-    using Dialog = ConnectionOverviewDialog;
-    QList<Connection*> colored;
-    QList<Connection*> told;
-    connect(dialog.get(), &Dialog::systemColored, this, [&](Connection* s) { colored.append(s); });
-    connect(dialog.get(), &Dialog::systemDisplayed, this, [&](Connection* s) { told.append(s); });
-    connect(dialog.get(), &Dialog::systemStageChanged, this,
-            [&](Connection* s) { told.append(s); });
-    connect(dialog.get(), &Dialog::systemParametersWanted, this,
-            [&](Connection* s) { told.append(s); });
-    dialog->update({upper, lower});
-    QCOMPARE(colored, QList<Connection*>({&first, &first, &first, &second, &second, &second}));
-
-    for (const char* name : {"showCheckBox", "enable1", "enable2", "parameterPushButton"})
-        named<QAbstractButton>(row(2), name).click();
-    QCOMPARE(told, QList<Connection*>({&second, &second, &second, &second}));
-    told.clear();
-    // The upper one goes, and the lower one moves into its row.
-    dialog->update({lower});
-    named<QAbstractButton>(row(1), "parameterPushButton").click();
-    QCOMPARE(told, QList<Connection*>({&second}));
-}
-
-void TestOverview::aDragMovesTheEntryOfTheOrder_data()
-{
-    QTest::addColumn<int>("from");
-    QTest::addColumn<int>("to");
-    QTest::addColumn<QList<int>>("order");
-    QTest::newRow("first to last") << 0 << 2 << QList<int>{1, 2, 0};
-    QTest::newRow("last to first") << 2 << 0 << QList<int>{2, 0, 1};
-    QTest::newRow("to its own place") << 1 << 1 << QList<int>{0, 1, 2};
-}
-
-void TestOverview::aDragMovesTheEntryOfTheOrder()
-{
-    QFETCH(int, from);
-    QFETCH(int, to);
-    QFETCH(QList<int>, order);
-    dialog->update(statuses({"a", "b", "c"}));
-    emit list().indexChanged(from, to);
-    QCOMPARE(dialog->order(), order);
-    // Statuses and rows still belong together by their place.
-    dialog->update(statuses({"a", "b", "c"}));
-    QCOMPARE(dialog->order(), order);
-    QCOMPARE(named<QLabel>(row(1), "label").text(), QStringLiteral("a"));
-}
-
-void TestOverview::anOrderOutOfRangeIsIgnored()
-{
-    dialog->update(statuses({"a", "b"}));
-    dialog->changeOrder(-1, 0);
-    dialog->changeOrder(2, 0);
-    QCOMPARE(dialog->order(), QList<int>({0, 1}));
-    dialog->changeOrder(0, 9);
-    QCOMPARE(dialog->order(), QList<int>({1, 0}));
-    dialog->changeOrder(1, -1);
-    QCOMPARE(dialog->order(), QList<int>({0, 1}));
-}
-
-void TestOverview::removingAConnectionErasesTheLastEntry()
-{
-    dialog->update(statuses({"a", "b", "c"}));
-    dialog->changeOrder(0, 2);
-    QCOMPARE(dialog->order(), QList<int>({1, 2, 0}));
-    // It is the last entry, not that of the connection that went.
-    dialog->update(statuses({"a", "b"}));
-    QCOMPARE(dialog->order(), QList<int>({1, 2}));
-}
-
-void TestOverview::onlyRowsCanBeDragged()
-{
-    dialog->update(statuses({"a"}));
-    QVERIFY(!list().item(0)->flags().testFlag(Qt::ItemIsDragEnabled));
-    QVERIFY(list().item(1)->flags().testFlag(Qt::ItemIsDragEnabled));
-}
-
-void TestOverview::movedRowsKeepTheirWidgets()
-{
-    dialog->update(statuses({"a", "b", "c"}));
-    widgettest::show(*dialog);
-    list().setCurrentRow(1);
-    QVERIFY(list().model()->moveRow({}, 1, {}, 4));
-    QCOMPARE(list().currentRow(), 3);
-    QCOMPARE(named<QLabel>(row(3), "label").text(), QStringLiteral("a"));
-    QCOMPARE(named<QLabel>(row(1), "label").text(), QStringLiteral("b"));
-    dialog->update(statuses({"a", "b"}));
-    QCOMPARE(list().count(), 3);
 }
 
 void TestOverview::longLabelsAreNotCut()

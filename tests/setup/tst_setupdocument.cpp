@@ -1,53 +1,13 @@
-#include "records.h"
-#include "setup/setupdocument.h"
+// Reading the XML of a setup file.
 
-#include <QDomDocument>
+#include "setup/setupdocument.h"
+#include "setupxml.h"
+
 #include <QtTest>
 
-namespace {
-
-using records::idWithKey;
-using setupdocument::Content;
-
-QByteArray file(const QByteArray& devices)
-{
-    return "<!DOCTYPE SetupML>\n<Zev_Lumetra>\n" + devices + "</Zev_Lumetra>\n";
-}
-
-const char wholeDevice[] = R"( <Device_AB000000001>
-  <General pulsedLaser="1"/>
-  <Detector2 calculation="1" model="5" beamDiameter="12.25"/>
-  <Detector1 beamDiameter="250.5" model="1" calculation="0"/>
-  <Unknown name="ignored"/>
-  <DisplayColors colorX="#010203" colorY="#aabbcc" colorI="#00ff00"/>
-  <Settings id="Zev-V40-000000AB000000001-x" port="2001" baudrate="7" autoConnect="1" label="left_arm" type="1" name="127.0.0.5"/>
- </Device_AB000000001>
-)";
-
-ConnectionSettings onlyRecord(const QByteArray& xml)
-{
-    const std::optional<Content> content = setupdocument::read(xml);
-    return content && content->records.size() == 1 ? content->records.first()
-                                                   : ConnectionSettings();
-}
-
-QDomElement elementIn(const QByteArray& xml, const QString& device, const QString& part)
-{
-    QDomDocument document;
-    document.setContent(xml);
-    return document.documentElement().firstChildElement(device).firstChildElement(part);
-}
-
-QStringList childTags(const QDomElement& element)
-{
-    QStringList tags;
-    for (QDomElement child = element.firstChildElement(); !child.isNull();
-         child = child.nextSiblingElement())
-        tags.append(child.tagName());
-    return tags;
-}
-
-} // namespace
+using setupxml::file;
+using setupxml::onlyRecord;
+using setupxml::wholeDevice;
 
 class TestSetupDocument final : public QObject
 {
@@ -69,25 +29,8 @@ private slots:
     void badInputIsNoSetup();
     void anOverlongTextIsTold_data();
     void anOverlongTextIsTold();
-
     void firstOverlongTextIsToldWithItsSizes();
-    void connectionsHaveTheLaidDownForm();
-    void aNumberIsWrittenAsWhatItMeans_data();
-    void aNumberIsWrittenAsWhatItMeans();
-    void neitherGroupNorCommonColorsSurvive();
-    void anUnsetColourComesBackBlack();
-    void textsWithMarkupComeBackWhole();
-    void twoRecordsOfOneDeviceMakeTwoElements();
-    void aFullDocumentComesBackAsItWas();
-
-    void detectorsOfAnEmptyFileMakeARootAndAllDevices();
-    void fileOfNoBytesIsAnEmptyFile();
-    void detectorsChangeNothingElse();
-    void detectorPartsThatAreMissingStayMissing();
-    void detectorsGoToEveryElementOfTheDevice();
-    void detectorsFollowTheOtherParts();
-    void detectorsOfABrokenFileAreRefused();
-    void aKeyThatIsNoTagIsNotReadable();
+    void anErrorTellsItsPlace();
 };
 
 void TestSetupDocument::everyFieldOfADeviceIsRead()
@@ -279,6 +222,19 @@ void TestSetupDocument::anOverlongTextIsTold()
     }
 }
 
+void TestSetupDocument::anErrorTellsItsPlace()
+{
+    setupdocument::ReadError error;
+    QVERIFY(!setupdocument::read("<Zev_Lumetra>\n <A>\n</Zev_Lumetra>", error));
+    QCOMPARE(error.line, 3);
+    QVERIFY(error.column > 0);
+    QVERIFY(!error.text.isEmpty());
+    // Another root is no matter of a place.
+    QVERIFY(!setupdocument::read("<Root/>", error));
+    QCOMPARE(error.line, 0);
+    QVERIFY2(error.text.contains("\"Root\""), qPrintable(error.text));
+}
+
 void TestSetupDocument::firstOverlongTextIsToldWithItsSizes()
 {
     const auto content =
@@ -288,205 +244,6 @@ void TestSetupDocument::firstOverlongTextIsToldWithItsSizes()
     QCOMPARE(content->misfit->attribute, QStringLiteral("name"));
     QCOMPARE(content->misfit->bytes, 70);
     QCOMPARE(content->misfit->capacity, 63);
-}
-
-void TestSetupDocument::connectionsHaveTheLaidDownForm()
-{
-    const QByteArray xml = setupdocument::connections(
-        {records::tcp("AB000000001", "left"), records::serial("CD000000002", "right")});
-
-    QVERIFY2(xml.startsWith("<!DOCTYPE SetupML>\n<Zev_Lumetra>\n <Device_AB000000001>\n  <"),
-             xml.constData());
-    QDomDocument document;
-    QVERIFY(document.setContent(xml));
-    QCOMPARE(document.doctype().name(), QStringLiteral("SetupML"));
-    QCOMPARE(childTags(document.documentElement()),
-             QStringList({"Device_AB000000001", "Device_CD000000002"}));
-    QCOMPARE(childTags(document.documentElement().firstChildElement()),
-             QStringList({"Settings", "DisplayColors"}));
-
-    const QDomElement settings = elementIn(xml, "Device_AB000000001", "Settings");
-    QCOMPARE(settings.attribute("name"), QStringLiteral("127.0.0.9"));
-    QCOMPARE(settings.attribute("type"), QStringLiteral("1"));
-    QCOMPARE(settings.attribute("label"), QStringLiteral("left"));
-    QCOMPARE(settings.attribute("id"), idWithKey("AB000000001"));
-    QCOMPARE(settings.attribute("autoConnect"), QStringLiteral("1"));
-    const QDomElement colors = elementIn(xml, "Device_AB000000001", "DisplayColors");
-    QCOMPARE(colors.attribute("colorX"), QStringLiteral("#ff0000"));
-    QCOMPARE(colors.attribute("colorY"), QStringLiteral("#008000"));
-    QCOMPARE(colors.attribute("colorI"), QStringLiteral("#0000ff"));
-}
-
-void TestSetupDocument::aNumberIsWrittenAsWhatItMeans_data()
-{
-    QTest::addColumn<bool>("tcp");
-    QTest::addColumn<QString>("written");
-    QTest::addColumn<QString>("absent");
-    QTest::newRow("TCP") << true << "port"
-                         << "baudrate";
-    QTest::newRow("serial") << false << "baudrate"
-                            << "port";
-}
-
-void TestSetupDocument::aNumberIsWrittenAsWhatItMeans()
-{
-    QFETCH(bool, tcp);
-    QFETCH(QString, written);
-    QFETCH(QString, absent);
-    const QByteArray xml = setupdocument::connections(
-        {tcp ? records::tcp("AB000000001", "a") : records::serial("AB000000001", "a")});
-    const QDomElement settings = elementIn(xml, "Device_AB000000001", "Settings");
-    QCOMPARE(settings.attribute(written), tcp ? QString("2000") : QString("921600"));
-    QVERIFY(!settings.hasAttribute(absent));
-}
-
-void TestSetupDocument::neitherGroupNorCommonColorsSurvive()
-{
-    ConnectionSettings record = records::tcp("AB000000001", "a");
-    record.group = 3;
-    record.commonColorX = QStringLiteral("#00ffff");
-    const ConnectionSettings back = onlyRecord(setupdocument::connections({record}));
-    QCOMPARE(back.group, 0);
-    QVERIFY(back.commonColorX.isEmpty());
-}
-
-void TestSetupDocument::anUnsetColourComesBackBlack()
-{
-    ConnectionSettings record = records::tcp("AB000000001", "a");
-    record.colorI.clear();
-    QCOMPARE(onlyRecord(setupdocument::connections({record})).colorI, QStringLiteral("#000000"));
-}
-
-void TestSetupDocument::textsWithMarkupComeBackWhole()
-{
-    ConnectionSettings record = records::tcp("AB000000001", "a");
-    const QString text = QString::fromUtf8(" <a b=\"c\"> & 'd'\tµ \n");
-    record.label.set(text);
-    QCOMPARE(onlyRecord(setupdocument::connections({record})).label.text(), text);
-}
-
-void TestSetupDocument::twoRecordsOfOneDeviceMakeTwoElements()
-{
-    const auto content = setupdocument::read(setupdocument::connections(
-        {records::tcp("AB000000001", "a"), records::tcp("AB000000001", "b")}));
-    QVERIFY(content);
-    QCOMPARE(content->records.size(), 2);
-    QCOMPARE(content->records.at(1).label.text(), QStringLiteral("b"));
-}
-
-void TestSetupDocument::aFullDocumentComesBackAsItWas()
-{
-    ConnectionSettings record = records::tcp("AB000000001", "a");
-    record.pulsedLaser = true;
-    record.model = {2, 4};
-    record.beamDiameter = {0.1, 12345.678};
-    record.calculation = {1, 0};
-    const auto xml = setupdocument::withDetectors(setupdocument::connections({record}), {record});
-    QVERIFY(xml);
-    const ConnectionSettings back = onlyRecord(*xml);
-    QCOMPARE(back.serial.text(), QStringLiteral("AB000000001"));
-    QCOMPARE(back.pulsedLaser, true);
-    QCOMPARE(back.model, record.model);
-    QCOMPARE(back.beamDiameter, record.beamDiameter);
-    QCOMPARE(back.calculation, record.calculation);
-    QCOMPARE(back.autoConnect, true);
-}
-
-void TestSetupDocument::detectorsOfAnEmptyFileMakeARootAndAllDevices()
-{
-    const auto xml = setupdocument::withDetectors(
-        {}, {records::tcp("AB000000001", "a"), records::serial("CD000000002", "b")});
-    QVERIFY(xml);
-    QDomDocument document;
-    QVERIFY(document.setContent(*xml));
-    QCOMPARE(document.documentElement().tagName(), QStringLiteral("Zev_Lumetra"));
-    QCOMPARE(childTags(document.documentElement().firstChildElement()),
-             QStringList({"Detector1", "Detector2", "General"}));
-
-    const auto content = setupdocument::read(*xml);
-    QCOMPARE(content->records.size(), 2);
-    QVERIFY(content->records.at(0).id.isEmpty());
-    QCOMPARE(content->records.at(1).serial.text(), QStringLiteral("CD000000002"));
-}
-
-void TestSetupDocument::fileOfNoBytesIsAnEmptyFile()
-{
-    const QByteArray noBytes("");
-    QVERIFY(!noBytes.isNull());
-    QVERIFY(setupdocument::withDetectors(noBytes, {records::tcp("AB000000001", "a")}));
-}
-
-void TestSetupDocument::detectorsChangeNothingElse()
-{
-    const QByteArray before = file(R"(<!-- kept --><Device_AB000000001 own="1">
-<Detector1 beamDiameter="1" model="0" calculation="0" note="kept"/><Detector2/>
-<General more="kept"/><Settings group="3" label="kept"/></Device_AB000000001><Other deep="kept"/>)");
-    ConnectionSettings record = records::tcp("AB000000001", "changed");
-    record.model = {3, 2};
-    record.pulsedLaser = true;
-    const auto after = setupdocument::withDetectors(before, {record});
-    QVERIFY(after);
-
-    QCOMPARE(after->count("kept"), 5);
-    QVERIFY(!after->contains("changed"));
-    const QDomElement detector = elementIn(*after, "Device_AB000000001", "Detector1");
-    QCOMPARE(detector.attribute("model"), QStringLiteral("3"));
-    QCOMPARE(detector.attribute("beamDiameter"), QStringLiteral("50"));
-    const QDomElement second = elementIn(*after, "Device_AB000000001", "Detector2");
-    QCOMPARE(second.attribute("model"), QStringLiteral("2"));
-    QCOMPARE(elementIn(*after, "Device_AB000000001", "General").attribute("pulsedLaser"),
-             QStringLiteral("1"));
-    QCOMPARE(elementIn(*after, "Device_AB000000001", "Settings").attribute("group"),
-             QStringLiteral("3"));
-    QVERIFY(after->contains("own=\"1\""));
-}
-
-void TestSetupDocument::detectorPartsThatAreMissingStayMissing()
-{
-    const auto xml =
-        setupdocument::withDetectors(file("<Device_AB000000001><General/></Device_AB000000001>"),
-                                     {records::tcp("AB000000001", "a")});
-    QVERIFY(xml);
-    QVERIFY(xml->contains("pulsedLaser=\"0\""));
-    QVERIFY(!xml->contains("Detector"));
-}
-
-void TestSetupDocument::detectorsGoToEveryElementOfTheDevice()
-{
-    ConnectionSettings record = records::tcp("AB000000001", "a");
-    record.model = {4, 0};
-    const auto xml =
-        setupdocument::withDetectors(file("<Device_AB000000001><Detector1/></Device_AB000000001>"
-                                          "<Device_AB000000001><Detector1/></Device_AB000000001>"),
-                                     {record});
-    QVERIFY(xml);
-    QCOMPARE(xml->count("model=\"4\""), 2);
-    QCOMPARE(xml->count("<Device_AB000000001>"), 2);
-}
-
-void TestSetupDocument::detectorsFollowTheOtherParts()
-{
-    const ConnectionSettings record = records::tcp("AB000000001", "a");
-    const auto xml = setupdocument::withDetectors(setupdocument::connections({record}), {record});
-    QVERIFY(xml);
-    QDomDocument document;
-    QVERIFY(document.setContent(*xml));
-    QCOMPARE(childTags(document.documentElement()), QStringList({"Device_AB000000001"}));
-    QCOMPARE(childTags(document.documentElement().firstChildElement()),
-             QStringList({"Settings", "DisplayColors", "Detector1", "Detector2", "General"}));
-}
-
-void TestSetupDocument::detectorsOfABrokenFileAreRefused()
-{
-    QVERIFY(!setupdocument::withDetectors("<Zev_Lumetra><Dev", {records::tcp("A", "a")}));
-}
-
-void TestSetupDocument::aKeyThatIsNoTagIsNotReadable()
-{
-    QVERIFY(
-        setupdocument::isReadable(setupdocument::connections({records::tcp("AB000000001", "a")})));
-    QVERIFY(
-        !setupdocument::isReadable(setupdocument::connections({records::tcp("AB <>000001", "a")})));
 }
 
 QTEST_GUILESS_MAIN(TestSetupDocument)

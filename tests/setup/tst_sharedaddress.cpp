@@ -44,6 +44,7 @@ private slots:
     void aLostLinkShowsInItsOwnLine();
     void deletingTakesTheSystemOfItsLine_data() { addCases(); }
     void deletingTakesTheSystemOfItsLine();
+    void aSystemThatTheRegistryDeletesLaterIsGoneAtOnce();
 
     void anAddressMeansTheConnectedSystem_data();
     void anAddressMeansTheConnectedSystem();
@@ -207,6 +208,18 @@ void TestSharedAddress::deletingTakesTheSystemOfItsLine()
     QCOMPARE(named<QLineEdit>(line(0), "lineEdit").text(), kept);
     bench->child<QPushButton>("saveConnectionButton").click();
     QCOMPARE(labelsIn(bench->contentOf(bench->defaultFile())), QStringList{kept});
+}
+
+void TestSharedAddress::aSystemThatTheRegistryDeletesLaterIsGoneAtOnce()
+{
+    loadPair({0, 1});
+    bench->registry.keepsClosed = true;
+    named<QPushButton>(line(1), "deleteButton").click();
+    QCOMPARE(bench->registry.closedConnections.size(), std::size_t(1));
+    QCOMPARE(bench->serialLines().size(), 1);
+    QCOMPARE(line(0).number(), records::idWithKey("AB000000001"));
+    bench->child<QPushButton>("saveConnectionButton").click();
+    QCOMPARE(labelsIn(bench->contentOf(bench->defaultFile())), QStringList{"a"});
 }
 
 void TestSharedAddress::anAddressMeansTheConnectedSystem_data()
