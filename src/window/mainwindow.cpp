@@ -15,20 +15,10 @@
 #include "setup/connectionoverviewdialog.h"
 #include "setup/settingsdialog.h"
 #include "ui_mainwindow.h"
+#include "window/showontop.h"
 
 #include <QMessageBox>
 #include <QRadioButton>
-
-namespace {
-
-void open(QWidget& dialog)
-{
-    dialog.show();
-    dialog.raise();
-    dialog.activateWindow();
-}
-
-} // namespace
 
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent)
@@ -209,7 +199,7 @@ void MainWindow::wireOverview()
     connect(overview, &Overview::systemParametersWanted, paramsDialog, &ParamsDialog::openFor);
     connect(this, &MainWindow::changeDisplayConnection, overview, &Overview::setDisplayConnection);
     connect(ui->actionConfiguration, &QAction::triggered, overview,
-            [overview] { open(*overview); });
+            [overview] { showOnTop(*overview); });
 }
 
 void MainWindow::wireDialogs()
@@ -239,7 +229,7 @@ void MainWindow::wireMenus()
     connect(ui->actionDisconnect, &QAction::triggered, settingsDialog,
             &SettingsDialog::tryDisconnect);
     connect(ui->actionSetup, &QAction::triggered, settingsDialog,
-            [this] { open(*settingsDialog); });
+            [this] { showOnTop(*settingsDialog); });
     connect(ui->actionOpenDataLog, &QAction::triggered, this, &MainWindow::showDataloggerDialog);
     connect(ui->actionCloseDataLog, &QAction::triggered, this, &MainWindow::closeDataloggerDialog);
     connect(ui->actionOpenParams, &QAction::triggered, this, &MainWindow::showParametersDialog);
