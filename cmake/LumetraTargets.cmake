@@ -29,11 +29,22 @@ if(LUMETRA_COVERAGE)
   target_link_options(lumetra_flags INTERFACE --coverage)
 endif()
 
+# A program that links shared libraries holds only its own code and takes the rooms as they are when
+# it starts: after a change in one room, that room alone is linked anew instead of all programs.
+if(LUMETRA_SHARED_ROOMS)
+  set(_room_kind SHARED)
+  set(CMAKE_LINK_DEPENDS_NO_SHARED ON)
+  # As strict as with static libraries, where each program would lack what a room forgot to link.
+  target_link_options(lumetra_flags INTERFACE -Wl,--no-undefined)
+else()
+  set(_room_kind STATIC)
+endif()
+
 # lumetra_room(<target> FOLDER <folder> SOURCES <file>... [LINK <target>...])
-# A static library whose headers are included as "<folder>/<header>".
+# A library whose headers are included as "<folder>/<header>".
 function(lumetra_room target)
   cmake_parse_arguments(ARG "" "FOLDER" "SOURCES;LINK" ${ARGN})
-  add_library(${target} STATIC ${ARG_SOURCES})
+  add_library(${target} ${_room_kind} ${ARG_SOURCES})
   set(root ${CMAKE_BINARY_DIR}/rooms/${target})
   file(MAKE_DIRECTORY ${root}/${ARG_FOLDER})
   foreach(source IN LISTS ARG_SOURCES)
@@ -48,7 +59,8 @@ endfunction()
 
 # lumetra_test(<name> SOURCES <file>... [LINK <target>...] [TIMEOUT <seconds>] [RUNNER <word>...])
 # A Qt Test executable, run headless with a home of its own; by the command RUNNER if there is one.
-# One that skips in initTestCase, for want of what all of its tests need, counts as skipped.
+# One that skips in initTestCase, for want of what all of its tests need, counts as skipped; so does
+# one whose RUNNER returns 77.
 function(lumetra_test name)
   cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK;RUNNER" ${ARGN})
   if(NOT ARG_TIMEOUT)
@@ -61,6 +73,7 @@ function(lumetra_test name)
   file(MAKE_DIRECTORY ${home})
   set_tests_properties(${name} PROPERTIES
     TIMEOUT ${ARG_TIMEOUT}
+    SKIP_RETURN_CODE 77
     SKIP_REGULAR_EXPRESSION "SKIP   : [A-Za-z]+::initTestCase"
     ENVIRONMENT "${LUMETRA_TEST_ENVIRONMENT};HOME=${home}")
 endfunction()

@@ -2,7 +2,7 @@
 
 namespace emulator {
 
-/// How restless the room is that the emulated beam stands in.
+/// How much the surroundings disturb the emulated beam.
 enum class Preset { Quiet, Typical, Noisy };
 
 /// Design values of the disturbances of one axis. Angles are microradians of the beam; with the
@@ -27,9 +27,9 @@ struct BeamPreset
     double intensityRms = 0.0;
     /// Steps of the pointing of 2 to 10 microradians.
     double stepsPerHour = 0.0;
-    /// Times that the beam is blocked for 0.1 to 5 s.
+    /// How often the beam is blocked, each time for 0.1 to 5 s.
     double blocksPerHour = 0.0;
-    /// Times that the intensity falls by 30 %.
+    /// How often the intensity falls by 30 %, each time for 0.1 to 5 s.
     double dipsPerHour = 0.0;
 };
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int mnemonicLength = 3;
 constexpr int bareReply = 2;
-/// Bytes after which a broken command without a terminator is given up.
+/// A broken command without a terminator is dropped when it has this many bytes.
 constexpr int longestBadFrame = 64;
 
 struct Form
@@ -80,7 +80,7 @@ ParseResult noise(const QByteArray& input, int length)
     return result;
 }
 
-/// What begins like a command and is none: it reaches to the next terminator.
+/// Bytes that begin like a command but are none. They end with the next terminator.
 ParseResult brokenCommand(const QByteArray& input)
 {
     const int end = input.indexOf(terminator, mnemonicLength);
@@ -111,7 +111,8 @@ ParseResult parseCommand(const QByteArray& input)
     while (letters < std::min(input.size(), mnemonicLength) && canStandInMnemonic(input[letters]))
         ++letters;
     if (letters < mnemonicLength) {
-        // Up to and with the byte that can not stand in a mnemonic it is line noise.
+        // Everything up to the byte that can not be part of a mnemonic is line noise, this byte
+        // included.
         return letters < input.size() ? noise(input, letters + 1) : ParseResult();
     }
     const QByteArray mnemonic = input.left(mnemonicLength);

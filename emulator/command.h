@@ -41,7 +41,7 @@ int argumentLength(const QByteArray& mnemonic);
 int replyLength(const QByteArray& mnemonic);
 
 /// Looks for one command at the beginning of `input`. The caller drops `consumed` bytes and calls
-/// again. After bytes that are no command, reading goes on behind the next terminator.
+/// again. After bytes that are no command, parsing continues after the next terminator.
 ParseResult parseCommand(const QByteArray& input);
 
 } // namespace emulator

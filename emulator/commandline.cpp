@@ -18,7 +18,7 @@ constexpr int greatestCount = 1000000000;
 /// Stray bytes before one packet.
 constexpr int greatestInsertCount = 16384;
 constexpr int greatestLatenessMs = 3600000;
-/// Between slower pulses too much of the beam would have to be computed at once.
+/// The beam is computed from pulse to pulse; slower pulses would need too many steps at once.
 constexpr double leastTriggerRateHz = 0.01;
 constexpr double greatestTriggerRateHz = 1000.0;
 
@@ -27,7 +27,7 @@ QString tr(const char* text)
     return QCoreApplication::translate("CommandLine", text);
 }
 
-/// Reads the values of the options one after the other, and keeps the first complaint.
+/// Reads the values of the options one after the other, and keeps the first error message.
 class OptionReader final
 {
 public:
@@ -284,7 +284,7 @@ CommandLine readCommandLine(const QStringList& arguments)
         tr("Emulates controllers for laser-beam position stabilisation.\n\n"
            "For each controller that is ready a line \"tcp ADDRESS:PORT KEY\" or "
            "\"pty LINK KEY\" is printed."));
-    // The library's own help option brings along one for options that this program does not have.
+    // The library's own help option also adds "--help-all", which this program does not need.
     const QCommandLineOption help({"h", "help"}, tr("Show this help."));
     parser.addOption(help);
     const QCommandLineOption version = parser.addVersionOption();

@@ -22,7 +22,7 @@ struct CommandLine
     enum class Wish { Run, ShowHelp, ShowVersion, ShowError };
 
     Wish wish = Wish::Run;
-    /// Help, or what was wrong.
+    /// The help text, or the error message.
     QString text;
     QVector<TcpPlace> places;
     /// Paths of the links to pseudo terminals, one controller each.

@@ -14,11 +14,11 @@ namespace {
 
 constexpr qint64 nsPerMs = 1000000;
 constexpr double nsPerSecond = 1e9;
-/// A command that stops half way for this long is given up.
+/// An incomplete command is dropped if no further byte comes within this time.
 constexpr int unfinishedCommandMs = 1000;
 /// Controllers wake on a common grid, so that many of them share a wake-up.
 constexpr qint64 wakeGridNs = 2 * nsPerMs;
-/// After a stall at most this much of the stream is sent late, the rest is left out.
+/// After a stall at most this much of the stream is sent late; the rest is skipped.
 constexpr double greatestBacklogSeconds = 0.5;
 
 QByteArray keyFor(const ControllerOptions& options)
@@ -27,7 +27,7 @@ QByteArray keyFor(const ControllerOptions& options)
     return options.key.isEmpty() ? derivedKey(options.seed, controllers.fetch_add(1)) : options.key;
 }
 
-/// Bytes that can not be taken for a mark of a packet or a reply.
+/// Bytes that can not be mistaken for the marks of a packet or a reply.
 QByteArray strayBytes(NoiseSource& noise, int count)
 {
     constexpr int strayBit = 0x80;
@@ -105,7 +105,7 @@ void Controller::setPaused(bool wanted)
         paceTimer.stop();
         return;
     }
-    // What was due meanwhile never was sent.
+    // Packets that were due during the pause are not sent later.
     forgetBacklog();
     processInput();
     scheduleNextPacket();
@@ -131,7 +131,7 @@ void Controller::processInput()
         unfinishedTimer.start();
 }
 
-/// Takes one command off the input; false if none is complete, or if it has to wait.
+/// Takes one command from the input. False if none is complete, or if an earlier one still waits.
 bool Controller::takeCommand()
 {
     const ParseResult parsed = parseCommand(input);
@@ -249,7 +249,7 @@ void Controller::startPacing()
 }
 
 /// Packets that should have been sent since the stream's time zero. The packet that answers the
-/// start stands at zero and is not counted; neither is there a trigger pulse at zero.
+/// start is due at time zero and not counted; a triggered stream has no pulse at time zero.
 qint64 Controller::packetsDue() const
 {
     const double elapsed = static_cast<double>(streamClock.nsecsElapsed()) / nsPerSecond;

@@ -13,24 +13,24 @@ namespace emulator {
 
 class WireLog;
 
-/// What a controller needs of the port that it is reached through.
+/// What a controller needs from the port at which hosts reach it.
 class Link
 {
 public:
     virtual ~Link() = default;
 
     virtual void write(const QByteArray& bytes) = 0;
-    /// False while a stream packet would not arrive, since too much waits to be sent or nobody can
-    /// hear it.
+    /// False while a stream packet would be lost: too many bytes wait to be sent, or no host can
+    /// receive them.
     virtual bool canSend() = 0;
     virtual void close() = 0;
-    /// Closes the sending side alone, behind what was written.
+    /// Closes only the sending side, after everything that was written.
     virtual void halfClose() = 0;
 };
 
-/// A controller on a byte stream: finds commands in what comes in, answers them, and sends the
-/// stream's packets at their times. Its faults happen here. The port is the caller's; a serial
-/// line and a socket differ only in their `Link`. Lives in the thread that made it.
+/// A controller on a byte stream: finds commands in the received bytes, answers them, and sends the
+/// stream's packets at their times. The configured faults are made here. The caller owns the port;
+/// a serial line and a socket differ only in their `Link`. Lives in the thread that made it.
 class Controller final : public QObject
 {
     Q_OBJECT
@@ -51,19 +51,20 @@ public:
     /// Another controller behind the same link. The link stays as it is, a stream ends.
     void setIdentity(const ControllerOptions& options);
     void setFaults(const Faults& faults);
-    /// Neither reads nor sends, until it is called with false.
+    /// A paused controller neither reads nor sends.
     void setPaused(bool paused);
     bool isPaused() const { return paused; }
     void sendRaw(const QByteArray& bytes);
 
     Device& device() { return *controlled; }
     const Device& device() const { return *controlled; }
-    /// The rate that the controller speaks and listens at; a new one holds behind the reply to SBR.
+    /// The rate at which the controller sends and receives. A new one applies after the reply to
+    /// SBR.
     int baudRate() const { return lineBaudRate; }
     /// Packets sent since the controller was made, those with faults included.
     qint64 packetsSent() const { return packetCount; }
-    /// Packets that were due while they could not be sent, or that a stall of the program left out.
-    /// Together with those sent they are all that were due, but for those of a pause.
+    /// Packets that were due while they could not be sent, and packets that were skipped after the
+    /// program had stalled. Sent and lost packets together are all that were due outside of pauses.
     qint64 packetsLost() const { return lostPackets; }
 
 signals:
@@ -101,7 +102,7 @@ private:
     QTimer paceTimer;
     /// Runs since the stream's time zero.
     QElapsedTimer streamClock;
-    /// Packets of the running stream whose time has come so far.
+    /// Number of packets of the running stream that were due so far.
     qint64 paced = 0;
     qint64 streamPackets = 0;
     qint64 faultyBytePlace = 0;

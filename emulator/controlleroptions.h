@@ -15,16 +15,16 @@ namespace emulator {
 
 class Replay;
 
-/// What a controller does wrong. All off by default. Commands are named by their mnemonic.
+/// Faults that a controller makes. All are off by default. Commands are named by their mnemonic.
 struct Faults
 {
     /// Answered with 0x01 ';'.
     QByteArrayList refuse;
-    /// Swallowed without effect and without an answer.
+    /// Ignored: no effect and no answer.
     QByteArrayList silent;
-    /// Carried out and answered only so many milliseconds later; what comes meanwhile waits.
+    /// Executed and answered this many milliseconds later. Commands that arrive before that wait.
     QMap<QByteArray, int> lateMs;
-    /// Only so many bytes of the reply are sent.
+    /// Only this many bytes of the reply are sent.
     QMap<QByteArray, int> shortBytes;
     /// The link is closed when the command comes, before anything is answered.
     QByteArrayList closeOn;
@@ -41,7 +41,7 @@ struct Faults
     int insertCount = 1;
     /// Every so many packets one byte is inverted: the first time byte 0, then byte 1, and so on.
     int corruptByteEvery = 0;
-    /// The link is closed behind so many packets.
+    /// The link is closed after this many packets.
     int closeAfterPackets = 0;
 
     /// Every command is answered with noise of the reply's length, and has no effect.
@@ -59,7 +59,7 @@ struct ControllerOptions
     bool triggerCapable = false;
     /// Of the serial port: 115200, 460800 or 921600, until SBR changes it.
     int baudRate = 115200;
-    /// Of the serial port: sends only while the host is ready, and tells the host the same.
+    /// Of the serial port: RTS/CTS. The controller sends only while the host is ready to receive.
     bool hardwareFlowControl = true;
     /// The same seed gives the same beam.
     quint64 seed = 1;
@@ -70,10 +70,10 @@ struct ControllerOptions
     /// First three letters of the ID text; others than "Zev" are no controller of this kind.
     QByteArray maker = "Zev";
     Faults faults;
-    /// If not empty, each stream carries exactly these samples in order from the first, then falls
-    /// silent without ending. The packet that answers the start is the first of them.
+    /// If not empty, each stream carries exactly these samples in this order. After the last one it
+    /// sends nothing more but does not end. The packet that answers the start has the first sample.
     QVector<PacketValues> script;
-    /// The script begins anew instead of falling silent.
+    /// The script starts again after its last sample.
     bool scriptRepeats = false;
     /// If set, samples come from this recording in place of the emulated beam.
     std::shared_ptr<const Replay> replay;

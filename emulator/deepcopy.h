@@ -5,9 +5,10 @@
 
 namespace emulator {
 
-// Copies that share no data with their originals. A value that crosses threads is copied so, while
-// one thread waits for the other: the reference counts of shared data would otherwise be touched by
-// both threads at any later time, in an order that nothing makes visible.
+// Copies that share no data with their originals. Values that go from one thread to another are
+// copied this way while one thread waits for the other. Implicitly shared data would have a
+// reference count that both threads change later, and the thread sanitizer can not see in which
+// order.
 
 QByteArray deepCopy(const QByteArray& bytes);
 QString deepCopy(const QString& text);

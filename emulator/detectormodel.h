@@ -2,7 +2,7 @@
 
 namespace emulator {
 
-/// What sits at the end of the beam path.
+/// Kind of the detector at the end of the beam path.
 enum class DetectorKind {
     LateralEffect, ///< Linear over its active length.
     Quadrant       ///< Four cells: the signal is the error function of the beam's place.

@@ -13,13 +13,13 @@ namespace {
 
 constexpr int lastFirmwareWithoutFlags = 10;
 constexpr int lastFirmwareWithoutSensitivity = 30;
-/// Firmware without flags leaves the two bytes at rest.
+/// Value of both flag bytes of firmware without flags.
 constexpr quint8 bytesAtRest = 0xFF;
 
 constexpr double stage1IntensityMv = 4000.0;
 constexpr double stage2IntensityMv = 3500.0;
 
-/// With each command the beam goes on by 10 ms while no stream moves it.
+/// While no stream runs, each command advances the beam by 10 ms.
 constexpr int beamStepsPerCommand = beamStepsPerSecond / 100;
 
 StageModel stageModel(const ControllerOptions& options, quint64 stage, double intensityMv)
@@ -186,7 +186,7 @@ void Device::endStream()
     streamRate = 0;
 }
 
-/// Lets the time of one packet pass.
+/// Advances the beam by the time from one packet to the next.
 void Device::moveBeam()
 {
     if (source.kind() != SampleSource::Kind::Beam)

@@ -51,12 +51,12 @@ public:
     Device(const ControllerOptions& options, const QByteArray& key);
 
     Answer execute(const Command& command);
-    /// The answer 0x01 ';', noted for GER.
+    /// The refusal 0x01 ';'. Mnemonic and code are stored for GER.
     QByteArray refuse(const QByteArray& mnemonic, RefusalCode code);
 
     /// The next packet of the running stream; empty when a script has come to its end.
     QByteArray nextPacket();
-    /// Ends the stream without a word, as the loss of the link does.
+    /// Ends the stream without sending anything, as when the link is lost.
     void endStream();
     /// As after a power cut: settings are kept, stages and stream are off.
     void restart();
@@ -133,7 +133,7 @@ private:
     SampleSource source;
     QByteArray storedLabel;
     std::array<bool, stages> multiplex{};
-    /// Trigger Freeze is remembered and shows in the memory alone: no trigger acts on a loop here.
+    /// Trigger Freeze only shows in the memory image; the emulated loops do not react to triggers.
     std::array<bool, stages> frozen{};
     int serialBaudRate;
     QByteArray failedMnemonic;

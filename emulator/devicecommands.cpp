@@ -80,7 +80,7 @@ QByteArray Device::storeLabel(const QByteArray& arguments)
 
 QByteArray Device::tellLabel(const QByteArray&)
 {
-    // The memory keeps the label with a closing zero, and tells both.
+    // The memory holds the label with a terminating zero byte, and GLA answers with both.
     return payload(storedLabel + '\0');
 }
 
@@ -159,7 +159,7 @@ QByteArray Device::clearFreeze(const QByteArray& arguments)
 
 QByteArray Device::setPFactor(const QByteArray& arguments)
 {
-    // A stage that does not exist is told before what else is wrong.
+    // A stage that does not exist is reported before any other error in the arguments.
     if (!namesStages(arguments[0]))
         return refused(RefusalCode::NoSuchStage);
     const int millivolts = signedWordAt(arguments, 1);
@@ -277,8 +277,7 @@ QByteArray Device::acknowledge(const QByteArray&)
     return acceptance();
 }
 
-/// What a look into the memory finds: key, label and settings, and unused bytes as they came from
-/// the factory.
+/// Contents of the memory: key, label and settings, then unused bytes, which the seed determines.
 QByteArray Device::memoryImage() const
 {
     QByteArray image = deviceKey + storedLabel;

@@ -20,7 +20,7 @@ QString tr(const char* text)
     return QCoreApplication::translate("DeviceLink", text);
 }
 
-/// What a symbolic link says; empty for anything else.
+/// Target of a symbolic link; empty for anything else.
 QString targetOf(const QString& link)
 {
     std::array<char, PATH_MAX> text;
@@ -39,8 +39,8 @@ bool isEarlier(const timespec& one, const timespec& other)
     return std::tie(one.tv_sec, one.tv_nsec) < std::tie(other.tv_sec, other.tv_nsec);
 }
 
-/// A link to a terminal that is gone. Its number may have come to another terminal, ours or anybody
-/// else's, which then is younger than the link.
+/// True for a link to a terminal that no longer exists. The terminal's number may have been given
+/// to another terminal since; that one is younger than the link.
 bool isStale(const QString& link, const QString& terminal)
 {
     const QString target = targetOf(link);
@@ -58,7 +58,7 @@ bool isStale(const QString& link, const QString& terminal)
                || isEarlier(ofLink.st_mtim, ofTarget.st_ctim));
 }
 
-/// At no moment is there no link.
+/// Renames a new link over the old one, so that a link exists at every moment.
 bool replaceLink(const QString& link, const QString& terminal)
 {
     const QString fresh = QStringLiteral("%1.%2").arg(link).arg(getpid());

@@ -4,8 +4,8 @@
 
 namespace emulator {
 
-/// A symbolic link under which a pseudo terminal is found, as "/dev/ttyUSB77" for "/dev/pts/5".
-/// Never takes the place of anything but a link that a killed run has left behind.
+/// A symbolic link to a pseudo terminal, such as "/dev/ttyUSB77" to "/dev/pts/5". It replaces
+/// nothing that exists, except a link that was left by a run that was killed.
 class DeviceLink final
 {
 public:
@@ -14,9 +14,9 @@ public:
     DeviceLink(const DeviceLink&) = delete;
     DeviceLink& operator=(const DeviceLink&) = delete;
 
-    /// False on failure, which `error` tells.
+    /// False on failure, with the reason in `error`.
     bool make(const QString& link, const QString& terminal, QString& error);
-    /// Takes the link away, unless somebody else has put something in its place.
+    /// Removes the link, unless somebody else has replaced it.
     void remove();
 
 private:

@@ -17,7 +17,7 @@ constexpr double verticalDriftFactor = 3.0;
 constexpr double airSlope = 1.2;
 constexpr double airBandLowHz = 0.1;
 constexpr double airBandHighHz = 50.0;
-// Corners a little outside the band keep the slope up to its ends.
+// Corners a little outside the band keep the slope constant up to both ends of the band.
 constexpr double airCornerLowHz = 0.05;
 constexpr double airCornerHighHz = 100.0;
 
@@ -92,7 +92,7 @@ AirMotion::AirMotion(double rmsInBand, NoiseSource& noise)
     : bandEnd(airBandHighHz, drawStates(rmsInBand, noise))
 {}
 
-/// Sets up the low passes so that the air begins as it goes on; the sum that they begin with.
+/// Sets the low passes to states of their steady motion. Returns the sum of these states.
 double AirMotion::drawStates(double rmsInBand, NoiseSource& noise)
 {
     static const std::array<double, corners> variances = airVariances();
@@ -122,7 +122,7 @@ VibrationLines::VibrationLines(double mountsRms, double acousticsRms, NoiseSourc
         feedback1[i] = 2.0 * radius * portable::cosine(2.0 * pi * line.hz / beamStepsPerSecond);
         feedback2[i] = -square;
         // Variance of a second-order autoregression, solved for the drive; and its correlation
-        // over one step, so that the line begins as it goes on.
+        // over one step, so that the line starts in its steady motion.
         const double correlation = feedback1[i] / (1.0 + square);
         gain[i] = sigma
                   * std::sqrt((1.0 - square)

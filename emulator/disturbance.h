@@ -16,7 +16,7 @@ enum class BeamAxis { Horizontal, Vertical };
 class LowPass final
 {
 public:
-    /// Begins as if `start` had stood at its input for ever.
+    /// Starts in the state that a constant input of `start` leads to.
     LowPass(double cornerHz, double start);
     double next(double value)
     {
@@ -37,7 +37,7 @@ private:
 
 /// Motion of the air: a power spectrum of 1/f^b between 0.1 and 50 Hz. It is a sum of first-order
 /// low passes of noise whose corners are spread evenly over the decades, and ends at 50 Hz by a
-/// steeper low pass: what their own tails leave above would be more than a loop can hold.
+/// steeper low pass: without it, the rest above 50 Hz would be more than a loop can suppress.
 class AirMotion final
 {
 public:

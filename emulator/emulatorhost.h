@@ -15,8 +15,9 @@ namespace emulator {
 class HostThread;
 class Face;
 
-/// A controller of an `EmulatorHost`: a value that may be copied, and that is of use for as long as
-/// the host lives. Every call may come from any thread, and returns when it is done.
+/// A controller of an `EmulatorHost`. Copies refer to the same controller, and must not be used
+/// after the host was deleted. All functions may be called from any thread; they return when the
+/// controller's thread has done what was asked.
 class ControllerHandle final
 {
 public:
@@ -28,8 +29,8 @@ public:
     /// Of a controller behind TCP; empty and 0 for others.
     QString address() const;
     quint16 port() const;
-    /// Of a controller behind a pseudo terminal: the link, as "/dev/ttyUSB77", or the terminal
-    /// itself without one, as "/dev/pts/5". Empty for others.
+    /// Of a controller behind a pseudo terminal: its link, such as "/dev/ttyUSB77", or the terminal
+    /// itself if there is no link, such as "/dev/pts/5". Empty for others.
     QString path() const;
     /// The rate that the controller's serial port is set to.
     int baudRate() const;
@@ -48,44 +49,45 @@ public:
     void clearWire();
 
     void setFaults(const Faults& faults);
-    /// As `ControllerOptions::script`; a running stream goes over to it from its first sample.
+    /// See `ControllerOptions::script`. A running stream continues with the first sample of it.
     void setScript(const QVector<PacketValues>& script, bool repeats = false);
-    /// Puts another controller behind the same address, with another key unless one is given. The
-    /// link stays, a stream ends.
+    /// Replaces the controller at this address by another one, with a new key unless one is given.
+    /// The connection stays; a running stream ends.
     void setIdentity(const ControllerOptions& options);
 
-    /// Power off; the host is cut off. Stages are off afterwards, settings are kept. A pseudo
-    /// terminal goes away together with its link.
+    /// Power off: the host is disconnected, the stages are switched off, settings are kept. A
+    /// pseudo terminal is removed together with its link.
     void stopListening();
     /// Power on at the same port, or under the same link.
     void listenAgain();
     /// Both unplug a pseudo terminal.
     void closeConnection();
     void halfCloseConnection();
-    /// A host is connected, or has the pseudo terminal open.
+    /// True if a host is connected or has the pseudo terminal open.
     bool isConnected() const;
-    /// Takes a pseudo terminal and its link away: the host sees a hang-up, the controller goes on.
+    /// Removes a pseudo terminal and its link: the host sees a hang-up, the controller keeps
+    /// running.
     void unplug();
-    /// A new pseudo terminal under the same link; without a link `path` changes.
+    /// Makes a new pseudo terminal with the same link. Without a link, `path` changes.
     void replug();
-    /// Bytes that nobody asked for.
+    /// Sends bytes that answer no command.
     void sendRaw(const QByteArray& bytes);
-    /// Frozen: reads nothing and sends nothing, and keeps the connection. What a stream owed
-    /// meanwhile is left out.
+    /// A paused controller reads nothing and sends nothing, but keeps the connection. Stream
+    /// packets that are due during the pause are skipped.
     void pause(bool paused);
 
-    /// Stream packets sent so far, the ones that answer a start and the last ones included.
+    /// Number of stream packets sent so far, including those that answer a start or end a stream.
     qint64 packetsSent() const;
-    /// Packets that were due while they could not be sent: the host did not read, or did not have
-    /// the serial port open, or open with the other flow control. What a stall of the machine left
-    /// out counts, too; what a pause left out does not.
+    /// Number of packets that were due but could not be sent, because the host did not read, did
+    /// not have the serial port open, or had it open with the other flow control. Packets that were
+    /// skipped after a stall of the machine count as well; packets of a pause do not.
     qint64 packetsLost() const;
     bool isStreaming() const;
     /// Packets per second of the running stream, 0 without one.
     int streamRate() const;
 
     bool stageOn(int stage) const;
-    /// As if somebody else had switched it.
+    /// Switches a stage without a command, as somebody at the controller would.
     void setStage(int stage, bool on);
     /// The 25 bytes that SLA stored; blanks at first.
     QByteArray label() const;
@@ -105,8 +107,8 @@ private:
     Face* owner = nullptr;
 };
 
-/// Emulated controllers in a thread of their own, for tests whose own thread blocks while it waits
-/// for a controller.
+/// Runs emulated controllers in a thread of their own, for tests whose own thread blocks while it
+/// waits for a controller.
 class EmulatorHost final
 {
 public:
@@ -119,9 +121,9 @@ public:
     /// Adds a controller that listens at a numeric address. Port 0 picks a free one.
     ControllerHandle addTcp(const ControllerOptions& options = {},
                             const QString& address = QStringLiteral("127.0.0.1"), quint16 port = 0);
-    /// Adds a controller behind a pseudo terminal. `link` is the path of a symbolic link that is
-    /// made to it and taken away at the end; empty for none. The handle is not valid if the link
-    /// can not be made, as where a file is in the way.
+    /// Adds a controller behind a pseudo terminal. `link` is the path of a symbolic link to it,
+    /// which exists as long as the controller; empty for none. The handle is not valid if the link
+    /// can not be made, for example because a file of that name exists.
     ControllerHandle addPty(const ControllerOptions& options = {}, const QString& link = {});
 
 private:

@@ -8,8 +8,7 @@
 
 namespace emulator {
 
-/// A controller together with the port that hosts reach it through. Lives in the thread that made
-/// it.
+/// A controller together with the port at which hosts reach it. Lives in the thread that made it.
 class Face : public QObject, protected Link
 {
     Q_OBJECT
@@ -19,7 +18,7 @@ public:
 
     ~Face() override;
 
-    /// What leads to the controller, as in "tcp" and "127.0.0.1:2000".
+    /// Kind and address of the port, such as "tcp" and "127.0.0.1:2000".
     virtual QString kind() const = 0;
     virtual QString place() const = 0;
     /// Why setting up the port failed.
@@ -47,7 +46,7 @@ signals:
 protected:
     Face(const ControllerOptions& options, Logging logging);
 
-    /// Gives what has come to the controller, unless this is paused.
+    /// Passes received bytes to the controller, unless the controller is paused.
     virtual void readInput() = 0;
 
 private:

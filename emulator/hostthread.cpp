@@ -37,7 +37,7 @@ QEvent::Type callType()
     return static_cast<QEvent::Type>(type);
 }
 
-/// Tells a waiting thread that something is done.
+/// Lets one thread wait until another has finished a task.
 class Completion final
 {
 public:
@@ -48,7 +48,8 @@ public:
     }
     void finish()
     {
-        // Notified under the lock: the waiting side owns this object and leaves with it.
+        // Notified while the lock is held: the waiting thread destroys this object as soon as it
+        // can take the lock.
         const std::lock_guard<std::mutex> lock(mutex);
         done = true;
         condition.notify_all();

@@ -9,9 +9,9 @@
 
 namespace emulator {
 
-/// A thread with an event loop that carries out what other threads want done in it. The one way
-/// into the thread is `run`, which orders all memory that both sides touch; the order is made
-/// visible to the thread sanitizer, which does not see it in the event queue of the library.
+/// A thread with an event loop that executes functions for other threads. `run` is the only way
+/// into it, and it orders the memory accesses of both threads. The thread sanitizer can not see
+/// this order in the library's event queue, so `run` also marks it explicitly.
 class HostThread final
 {
 public:
@@ -24,7 +24,7 @@ public:
     /// Carries out `work` in the thread and returns when it is done. May be called in the thread.
     void run(const std::function<void()>& work);
 
-    /// Hands an object made in the thread over to it; called in the thread.
+    /// Makes the thread the owner of an object that was created in it. To be called in the thread.
     void own(std::unique_ptr<QObject> object);
 
 private:
@@ -32,7 +32,7 @@ private:
 
     QThread thread;
     std::unique_ptr<Worker> worker;
-    /// Touched in the thread only.
+    /// Accessed only in the thread.
     std::vector<std::unique_ptr<QObject>> owned;
 };
 

@@ -7,8 +7,8 @@
 
 namespace emulator {
 
-/// Mixes a seed with a number that tells streams of random numbers apart, so that neighbouring
-/// seeds give unrelated streams (the finaliser of the SplitMix64 generator).
+/// A seed for the stream of random numbers with that number. Neighbouring seeds and numbers give
+/// unrelated streams (the finaliser of the SplitMix64 generator).
 quint64 derivedSeed(quint64 seed, quint64 stream);
 
 /// Seeded random numbers that are the same on every platform: the generator is defined by the

@@ -22,7 +22,7 @@ struct PacketValues
     qint16 ry2 = 0;
 };
 
-/// Bits 3 to 6 mean the same in a packet's first flag byte and in the reply to GSF.
+/// Bits 3 to 6 have the same meaning in a packet's first flag byte and in the reply to GSF.
 enum StatusFlag : quint8 {
     PFactorBySoftware = 0x01,
     AdjustIn1BySoftware = 0x02,

@@ -28,8 +28,8 @@ auto uninterrupted(Call call)
     return result;
 }
 
-/// A usual rate is told by its flag: a host that saves settings without a number for the rate can
-/// put back no other.
+/// The flag of a standard rate. Rates are set by flag where there is one, because a host that saves
+/// and restores settings without the number of the rate can restore only those.
 tcflag_t rateFlag(int baudRate)
 {
     switch (baudRate) {
@@ -72,8 +72,8 @@ FileDescriptor PseudoTerminal::openHostEnd() const
         open(QFile::encodeName(hostPath).constData(), O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK));
 }
 
-/// A new terminal would echo and edit lines. Also, its host's end has to have been open once before
-/// `isHostThere` can tell that it is not.
+/// Switches off echo and line editing, which a new terminal has. Opening the host's end once is
+/// also necessary because `isHostThere` sees that it is closed only after it was open.
 bool PseudoTerminal::setUp(const SerialSettings& initial) const
 {
     const FileDescriptor hostEnd = openHostEnd();

@@ -10,18 +10,18 @@
 
 namespace emulator {
 
-/// The controller's end of a pseudo terminal whose other end a host opens like a serial port. The
-/// host's settings are seen here, and outlive the host's closing it. Nothing blocks.
+/// The controller's end of a pseudo terminal. A host opens the other end like a serial port. The
+/// host's settings can be read here, and stay when the host closes its end. No function blocks.
 class PseudoTerminal final
 {
 public:
-    /// A new one, raw in both directions; null on failure, which `error` tells. `initial` is what
-    /// the host's port is set to until a host sets it.
+    /// Makes a terminal, raw in both directions. Null on failure, with the reason in `error`. The
+    /// host's end has the settings `initial` until a host changes them.
     static std::unique_ptr<PseudoTerminal> make(const SerialSettings& initial, QString& error);
 
     /// The host's end, as in "/dev/pts/5".
     QString path() const { return hostPath; }
-    /// To be watched for input, and for the host's leaving.
+    /// To be watched for input, and for the host closing its end.
     int descriptor() const { return ownEnd.get(); }
 
     /// Whether anybody has the host's end open.
@@ -30,9 +30,9 @@ public:
 
     /// Some of what the host has sent; empty if there is nothing.
     QByteArray read();
-    /// Number of bytes that were taken from the beginning of `bytes`.
+    /// Writes as many bytes from the beginning of `bytes` as fit, and returns their number.
     int write(const QByteArray& bytes);
-    /// Drops what was written and not read by the host.
+    /// Drops all bytes that were written and that the host has not read.
     void discardUnread();
 
 private:

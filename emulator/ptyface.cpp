@@ -7,7 +7,7 @@ namespace emulator {
 
 namespace {
 
-/// What a controller keeps of its replies while the host does not read.
+/// Bytes of replies that a controller keeps at most while the host does not read.
 constexpr int mostUnsentBytes = 4096;
 constexpr int retryMs = 5;
 
@@ -33,7 +33,7 @@ PtyFace::PtyFace(const ControllerOptions& options, Logging logging)
 
 PtyFace::~PtyFace()
 {
-    // Nobody is interested in the host's leaving any more.
+    // Unplugging emits `hostDisconnected`, which must not reach anybody from a destructor.
     blockSignals(true);
     unplug();
 }
@@ -111,10 +111,10 @@ void PtyFace::readInput()
 {
     if (controller().isPaused())
         return;
-    // A host that has gone counts as there until all that it sent is read.
+    // A host that has closed its end still counts as connected until all its bytes are read.
     if (isConnected())
         setHostThere(true);
-    // What the controller does may unplug it.
+    // A command can make the controller unplug itself, which deletes the terminal.
     while (terminal && !controller().isPaused()) {
         const QByteArray bytes = terminal->read();
         if (bytes.isEmpty())

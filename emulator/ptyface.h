@@ -31,9 +31,9 @@ namespace emulator {
 /// - Unplugging takes the terminal and its link away, so that the host sees a hang-up; the
 ///   controller has its own power and goes on.
 ///
-/// The host's end is not kept open here. That alone tells whether a host is there; the hang-up
-/// that this end sees meanwhile is of no consequence, since only changes of state wake the
-/// emulator.
+/// The emulator does not keep the host's end open itself, because only so it can see whether a host
+/// has it open. While none has, the emulator's end is in the hang-up state; this does not cost
+/// time, since the emulator wakes only when the state changes.
 class PtyFace final : public Face
 {
     Q_OBJECT
@@ -77,17 +77,17 @@ private:
 
     DeviceLink deviceLink;
     std::unique_ptr<PseudoTerminal> terminal;
-    /// Wakes once for each change at the terminal: the library's own notifier would wake without
-    /// end while no host is there.
+    /// Signals each change at the terminal once. The library's own notifier would fire continuously
+    /// while no host is there.
     FileDescriptor changes;
     std::unique_ptr<QSocketNotifier> changeNotifier;
     QTimer retryTimer;
-    /// The rest of what the terminal did not take.
+    /// Bytes that the terminal had no room for.
     QByteArray unsent;
     QString link;
     QString terminalPath;
     QString error;
-    /// While a host is there.
+    /// The host's settings when they were last read; empty while no host is there.
     std::optional<SerialSettings> lastSettings;
     bool hostThere = false;
 };

@@ -15,7 +15,7 @@ QuitSignals::QuitSignals()
     sigaddset(&quitSet, SIGTERM);
     sigaddset(&quitSet, SIGINT);
     constexpr int newDescriptor = -1;
-    // Blocked, they come through the descriptor and not at any moment in between.
+    // Blocked signals are read from the descriptor instead of interrupting the program anywhere.
     if (pthread_sigmask(SIG_BLOCK, &quitSet, nullptr) == 0)
         descriptor = signalfd(newDescriptor, &quitSet, SFD_CLOEXEC | SFD_NONBLOCK);
 }

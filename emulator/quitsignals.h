@@ -6,8 +6,8 @@
 
 namespace emulator {
 
-/// Ends the application's event loop on SIGTERM and SIGINT. To be made before the first thread, so
-/// that every thread leaves these signals to it.
+/// Ends the application's event loop on SIGTERM and SIGINT. To be created before the first thread:
+/// it blocks both signals, and threads inherit that.
 class QuitSignals final
 {
 public:
@@ -16,7 +16,7 @@ public:
     QuitSignals(const QuitSignals&) = delete;
     QuitSignals& operator=(const QuitSignals&) = delete;
 
-    /// Begins to listen; the application object has to exist.
+    /// Starts to listen for the signals. The application object must exist.
     void watch();
 
 private:

@@ -17,7 +17,7 @@ constexpr int columns = 11;
 constexpr double mvPerVolt = 1000.0;
 constexpr double mvPerMillimetre = 1200.0;
 constexpr double mvPerMicrometre = 50.0;
-/// The last line may last as long again as all the time before it.
+/// The last line lasts at most as long as all lines before it together.
 constexpr qint64 greatestTimeMs = std::numeric_limits<qint64>::max() / 2;
 
 QString tr(const char* text)
@@ -155,8 +155,8 @@ std::shared_ptr<const Replay> Replay::read(QIODevice& device, QString& error)
     return replay;
 }
 
-/// Takes over one line of the file. The complaint about it, with a place for its number; empty if
-/// there is none.
+/// Appends one line of the file. Returns an error message with a place for the line's number; empty
+/// if the line is good.
 QString Replay::append(const QStringList& texts, const QVector<double>& scales)
 {
     const QString noLine = tr("line %1 is not a line of a recording");

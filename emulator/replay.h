@@ -12,8 +12,8 @@ class QIODevice;
 
 namespace emulator {
 
-/// A recording file of the application, to be streamed once more. Values come at the times of the
-/// file, whatever the rate of the stream, and begin anew behind the last line.
+/// A recording file of the application that is streamed again. Values come at the times of the
+/// file, independent of the stream's rate, and start again after the last line.
 ///
 /// The file says the unit of each position but not the detector, so lengths go back to volts with
 /// fixed scales: 1.2 V per mm, and 50 mV per µm.

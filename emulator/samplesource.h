@@ -26,13 +26,13 @@ public:
     void rewind(double rate);
     /// Goes on by one packet.
     void advance();
-    /// Beam steps from the last packet to the next at this rate. Over each second they add up to
-    /// the beam's steps of a second exactly. None while the rate is 0: no pulse comes that a step
-    /// could lead to.
+    /// Number of beam steps from the last packet to the next one. The numbers of all packets of a
+    /// second add up to exactly the beam's steps per second. 0 at a rate of 0, where no packet
+    /// comes.
     int beamSteps();
     /// The present sample of script or recording; nothing when the script has come to its end.
     std::optional<PacketValues> sample() const;
-    /// The last sample that there was.
+    /// The most recent sample; the last one of the script after its end.
     PacketValues lastSample() const;
 
 private:

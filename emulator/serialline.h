@@ -13,13 +13,13 @@ struct SerialSettings
     bool hardwareFlowControl = false;
 };
 
-/// Whether anything passes between the two ends. An end with flow control waits for a signal that
-/// an end without it never gives.
+/// Whether bytes pass between the two ends. An end with flow control waits for a signal that an end
+/// without flow control never gives.
 bool canTalk(const SerialSettings& one, const SerialSettings& other);
 
-/// What bytes sent at one rate are to an end that listens at another: as many bytes, the same ones
-/// each time, none of which can stand in a command or in the frame of a reply. At the same rate
-/// they are what they are.
+/// What an end that listens at one rate receives of bytes that were sent at another rate: the same
+/// number of other bytes, none of which can be part of a command or of a reply's frame. The same
+/// input always gives the same result. At equal rates the bytes are unchanged.
 QByteArray heardAt(int hearingRate, const QByteArray& bytes, int sendingRate);
 
 } // namespace emulator

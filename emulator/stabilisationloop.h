@@ -10,16 +10,16 @@ class StabilisationLoop final
 public:
     /// Bandwidth at a P-factor of 1 V, Hz.
     static constexpr double bandwidthPerVoltHz = 200.0;
-    /// What the actuators follow at most, Hz.
+    /// Highest bandwidth that the actuators allow, Hz.
     static constexpr double greatestBandwidthHz = 400.0;
     /// Travel of the actuator to either side of its middle, micrometres of the beam.
     static constexpr double travelMicrometres = 80.0;
 
     void setBandwidth(double hz);
-    /// Integrates the distance of the beam from its target, micrometres. At the end of the travel
-    /// the correction stays there.
+    /// Integrates the distance of the beam from its target, micrometres. The correction does not go
+    /// beyond the end of the travel.
     void step(double errorMicrometres);
-    /// Puts the actuator to a place and forgets the past.
+    /// Puts the actuator to a place and clears the state of the loop.
     void park(double micrometres);
 
     /// Shift of the beam by the actuator, micrometres.

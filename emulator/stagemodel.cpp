@@ -15,14 +15,14 @@ constexpr double pi = 3.14159265358979323846;
 constexpr double samplerCornerHz = 200.0;
 /// Corner of the intensity's noise.
 constexpr double lightCornerHz = 20.0;
-/// The loop rests below this share of the full intensity.
+/// The loop does not work below this share of the full intensity.
 constexpr double leastLightShare = 0.1;
 constexpr double dipDepth = 0.3;
 constexpr double leastInterruptionSeconds = 0.1;
 constexpr double greatestInterruptionSeconds = 5.0;
 constexpr int eventDrawsPerSecond = 100;
 constexpr double secondsPerHour = 3600.0;
-/// Streams of random numbers of a stage.
+/// Numbers of the random streams of a stage.
 enum SeedStream : quint64 { XBeam, XNoise, YBeam, YNoise, Light };
 
 double smoothingFor(double cornerHz)
@@ -54,9 +54,9 @@ StageModel::AxisState::AxisState(const BeamPreset& preset, BeamAxis axis, quint6
     , detectorNoise(derivedSeed(seed, axis == BeamAxis::Horizontal ? XNoise : YNoise))
 {}
 
-StageModel::StageModel(const BeamPreset& beamPreset_, DetectorKind kind, double intensity,
+StageModel::StageModel(const BeamPreset& disturbances, DetectorKind kind, double intensity,
                        quint64 seed)
-    : preset(beamPreset_)
+    : preset(disturbances)
     , detector(kind)
     , fullIntensityMv(intensity)
     , whiteMicrometres(preset.whiteDensity * std::sqrt(beamStepsPerSecond / 2.0))
@@ -88,8 +88,8 @@ void StageModel::setOn(bool switchOn)
     if (on == switchOn)
         return;
     on = switchOn;
-    // A stage takes over from where its actuators stand. One that is switched off lets them go back
-    // to the middle, and the beam with them to where the disturbances have taken it.
+    // A stage that is switched on continues from the present places of its actuators. When it is
+    // switched off, the actuators go back to the middle, and the beam to its undisturbed path.
     for (AxisState& state : axisStates)
         state.loop.park(on ? state.loop.correction() : 0.0);
 }

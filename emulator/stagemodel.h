@@ -26,7 +26,8 @@ public:
     /// Middle of the actuators' range of 0 to 10 V.
     static constexpr int actuatorMiddleMv = 5000;
 
-    StageModel(const BeamPreset& preset, DetectorKind detector, double intensityMv, quint64 seed);
+    StageModel(const BeamPreset& disturbances, DetectorKind detector, double intensityMv,
+               quint64 seed);
 
     void advance(int steps);
 
@@ -51,8 +52,7 @@ public:
     void setHold();
     void clearHold() { held = false; }
     bool isHeld() const { return held; }
-    /// Drives an actuator to `millivolts` from its middle. A loop that is on moves it on from
-    /// there.
+    /// Drives an actuator to `millivolts` from its middle. A loop that is on continues from there.
     void driveActuator(Axis axis, int millivolts);
 
     /// Position signal, -5000 to 5000.

@@ -95,7 +95,7 @@ void TcpFace::close()
     socket->disconnectFromHost();
     if (!socket)
         return;
-    // The rest of what was written goes on its way, but the controller has done with this host.
+    // Bytes that were written are still sent, but the controller no longer obeys this host.
     controller().linkClosed();
     closeTimer.start();
 }
@@ -111,7 +111,7 @@ void TcpFace::halfClose()
 /// Closes the sending side once everything is sent.
 void TcpFace::endSending()
 {
-    // May find out that the host has gone.
+    // This call can notice that the host has disconnected, and then sets `socket` to null.
     socket->flush();
     if (socket && socket->bytesToWrite() == 0)
         shutdown(static_cast<int>(socket->socketDescriptor()), SHUT_WR);
@@ -120,7 +120,7 @@ void TcpFace::endSending()
 void TcpFace::takeConnections()
 {
     while (QTcpSocket* connection = server.nextPendingConnection()) {
-        // A host that has gone and come back can be here before its old connection's end was seen.
+        // A host that reconnects can arrive before the end of its old connection was noticed.
         if (socket && (!isConnected() || hasHungUp(*socket)))
             dropSocket();
         if (socket) {

@@ -44,9 +44,9 @@ private:
     void dropSocket();
 
     QTcpServer server;
-    /// Runs while the connection closes.
+    /// Limits the time that closing a connection may take.
     QTimer closeTimer;
-    /// The host's; owned by the server, null without a host.
+    /// The connection of the host, owned by the server; null without a host.
     QTcpSocket* socket = nullptr;
     QHostAddress listenAddress;
     quint16 listenPort = 0;

@@ -13,12 +13,13 @@ struct WireEvent
 
     Direction direction = FromHost;
     QByteArray bytes;
-    /// Monotonic, from an arbitrary zero that all controllers of a process share.
+    /// Nanoseconds on a monotonic clock whose arbitrary zero is the same for all controllers of the
+    /// process.
     qint64 timeNs = 0;
 };
 
-/// What passed the wire of one controller, in order. Stream packets are kept only up to a limit,
-/// so that a long stream does not fill the memory. Not thread safe.
+/// All bytes that passed the wire of one controller, in order. Of the stream packets only the first
+/// `mostPackets` are kept, so that a long stream does not fill the memory. Not thread safe.
 class WireLog final
 {
 public:

@@ -18,6 +18,11 @@ quietly() {
     return "$status"
 }
 
+# configure PRESET
+configure() {
+    (cd "$root" && quietly cmake --preset "$1") || fail "can not configure build/$1"
+}
+
 # build PRESET [TARGET...]
 # Configures and builds in build/PRESET. Says nothing if all is up to date.
 build() {
@@ -25,7 +30,7 @@ build() {
     shift
     local folder=$root/build/$preset
     local targets=("${@:-all}")
-    (cd "$root" && quietly cmake --preset "$preset") || fail "can not configure $folder"
+    configure "$preset"
     if [[ $(ninja -C "$folder" -n "${targets[@]}" 2>&1) != *"no work to do"* ]]; then
         echo "Building in $folder"
         ninja -C "$folder" "${targets[@]}" </dev/null || fail "can not build in $folder"

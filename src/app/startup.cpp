@@ -25,7 +25,8 @@ constexpr QSize initialSize(1280, 960);
 /// Numbers are read and printed with a decimal point, whatever the locale.
 void useDecimalPoint()
 {
-    // LC_ALL would win over LC_NUMERIC; LANG says the same for all that is not set by itself.
+    // LC_ALL overrides LC_NUMERIC. LANG sets the same locale, but only where no other variable
+    // does.
     const QByteArray all = qgetenv("LC_ALL");
     if (!all.isEmpty()) {
         qputenv("LANG", all);
@@ -67,7 +68,8 @@ void prepareConfigDir(int argc, char** argv)
     switches::configDir.setPath(switches::configDir.path() + QDir::separator()
                                 + QStringLiteral("Lumetra"));
     if (!switches::configDir.exists() && !switches::configDir.mkpath(QStringLiteral("."))) {
-        // Qt takes its own options out of the vector, and the real application wants them, too.
+        // Qt removes its own options from the vector that it gets. This is a copy, so that the
+        // application's own object still finds them.
         int count = argc;
         std::vector<char*> arguments(argv, argv + argc);
         arguments.push_back(nullptr);
@@ -111,7 +113,8 @@ int run(int argc, char** argv, const WindowHook& whenShown)
     prepareWorkers();
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
     QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
-    // Without it icons are drawn at one pixel a point and blur on a scaled screen.
+    // Without this attribute icons are drawn at one pixel per point, which blurs on a scaled
+    // screen.
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     qInstallMessageHandler(writeToMessageLog);
     readArguments(argc, argv);
@@ -121,7 +124,7 @@ int run(int argc, char** argv, const WindowHook& whenShown)
     QApplication application(argc, argv);
     logMessage().debug() << "Number of command line arguments passed:" << argumentsPassed;
 
-    // Kept one smaller than the available area in both directions, as it has always been.
+    // One pixel less than the available area in both directions: the difference of the corners.
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
     const QSize available(screen.right() - screen.left(), screen.bottom() - screen.top());
 

@@ -17,8 +17,8 @@ using WindowHook = std::function<void(MainWindow&)>;
 /// Runs the application and returns its exit status.
 int run(int argc, char** argv, const WindowHook& whenShown = {});
 
-// The steps of `run`, in their order. They need no application object but the box that the second
-// one may show, for which it makes one and destroys it again.
+// The steps of `run`, in their order. They need no application object; `prepareConfigDir` makes one
+// of its own for as long as it shows its message box.
 
 /// The environment's "HOME"; without it the home directory of the user database, and without that
 /// the current directory.
@@ -26,13 +26,14 @@ QString homeDirectory();
 /// Makes "Lumetra" in the home directory the configuration directory, with "Data" in it. If that
 /// can not be created it says so in a box and goes on.
 void prepareConfigDir(int argc, char** argv);
-/// Threads for the OpenMP runtime on a machine of `processors`: from 8 on one is left free. 0
-/// leaves the runtime's own number.
+/// Number of threads for the OpenMP runtime on a machine with so many `processors`. From 8 on, one
+/// processor is left free. 0 means that the runtime's own number stays.
 int workerThreads(int processors);
 
-/// The wanted size, or the available one if that is too small in either direction.
+/// The wanted size; the available size if the wanted one exceeds it in either direction.
 QSize windowSize(const QSize& wanted, const QSize& available);
-/// Puts a window in the middle of an area that begins at 0,0; left of it or above if it is larger.
+/// Upper left corner of a window that is centred in an area which begins at 0,0. Negative if the
+/// window is larger than the area.
 QPoint windowCorner(const QSize& window, const QSize& available);
 
 } // namespace startup

@@ -21,6 +21,7 @@ struct Option
     bool* variable;
     bool value;
     const char* text;
+    /// The text is logged before the variable is set, not after it.
     bool logFirst;
 };
 

@@ -25,6 +25,11 @@ CommandFrame frame(const char* mnemonic, const QByteArray& argument, int answerL
     return {message, answerLength};
 }
 
+CommandFrame statusRequest()
+{
+    return frame("GSF", {}, statusFlagsReplyLength);
+}
+
 QByteArray stageArgument(int stage)
 {
     QByteArray bytes(1, static_cast<char>(stage));

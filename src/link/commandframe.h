@@ -22,7 +22,7 @@ constexpr char terminator = ';';
 constexpr int statusReplyLength = 2;
 /// Length of the reply with the status flags.
 constexpr int statusFlagsReplyLength = 4;
-/// Length of the reply that tells who the controller is.
+/// Length of the reply with the identification of the controller.
 constexpr int idReplyLength = 50;
 /// Length of one packet of the measurement stream.
 constexpr int packetLength = 25;
@@ -32,6 +32,9 @@ constexpr int maxSamplingRateHz = 500;
 
 /// A command whose argument, if any, already ends in ';'.
 CommandFrame frame(const char* mnemonic, const QByteArray& argument, int answerLength);
+
+/// `GSF;`, which asks for the status flags.
+CommandFrame statusRequest();
 
 /// Argument bytes with their closing ';'. A stage is 1, 2, or 3 for both; an axis is 'x' or 'y'.
 QByteArray stageArgument(int stage);

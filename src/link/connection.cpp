@@ -1,28 +1,13 @@
 #include "link/connection.h"
 
 #include "app/logging.h"
-#include "link/packet.h"
-#include "link/packetreader.h"
-#include "link/triggerobject.h"
 
-#include <QCoreApplication>
-#include <QDateTime>
 #include <QIODevice>
 
 namespace {
 
-constexpr unsigned long pollMs = 1;
 constexpr unsigned long endPollMs = 10;
 constexpr int endPolls = 1500;
-/// Longer than the longest pause of a stream, so that a stop without end mark sees its last bytes.
-constexpr double stopTimeoutFactor = 1.5;
-constexpr int callerTimeoutFactor = 2;
-
-void takeEventsFor1Ms()
-{
-    QCoreApplication::processEvents();
-    QThread::msleep(pollMs);
-}
 
 } // namespace
 
@@ -34,7 +19,7 @@ int Connection::setSamplingRate(int rateHz)
 {
     if (rateHz < 1 || rateHz > command::maxSamplingRateHz)
         return 0;
-    samplingRate_ = rateHz;
+    condition.samplingRate = rateHz;
     return 1;
 }
 
@@ -42,20 +27,20 @@ int Connection::setTimeoutMs(int timeoutMs)
 {
     if (timeoutMs <= 0)
         return 0;
-    timeoutMs_ = timeoutMs;
+    condition.timeoutMs = timeoutMs;
     return 1;
 }
 
 QString Connection::label() const
 {
     const std::lock_guard<std::mutex> lock(sharedMutex);
-    return label_;
+    return labelText;
 }
 
 void Connection::setLabel(const QString& label)
 {
     const std::lock_guard<std::mutex> lock(sharedMutex);
-    label_ = label;
+    labelText = label;
 }
 
 int Connection::takeLiveSample(MeasureSample& out)
@@ -68,68 +53,31 @@ int Connection::takeCommonSample(MeasureSample& out)
     return commonStore.sampleCount() == 0 ? 0 : commonStore.takeSample(out);
 }
 
-// The GUI thread's side of an exchange.
-
-void Connection::send(const CommandFrame& frame)
-{
-    delivery = std::make_shared<SendDelivery>();
-    {
-        // The lock keeps the trigger alive while the call is posted to it.
-        const std::lock_guard<std::mutex> lock(sharedMutex);
-        if (trigger_) {
-            const PostedSend call(*trigger_, frame, delivery);
-            QMetaObject::invokeMethod(trigger_.get(), call, Qt::QueuedConnection);
-        } else {
-            delivery->finish();
-        }
-    }
-    if (frame.isStop())
-        delivery->wait();
-    msleep(pollMs);
-}
-
 bool Connection::fetchReply(QByteArray& out)
 {
     out.clear();
-    // On a loaded machine the send can still lie in the queue: its outcome is not known before.
-    if (delivery)
-        delivery->waitUntil(QDeadlineTimer(callerTimeoutFactor * timeoutMs_));
-
-    if (requestState_ == RequestState::Pending)
-        awaitReply();
-    // A reply that comes at the very last moment is taken, not thrown away.
-    RequestState state = RequestState::Pending;
-    requestState_.compare_exchange_strong(state, RequestState::Idle);
-    if (state != RequestState::Ready)
-        return false;
-    {
-        const std::lock_guard<std::mutex> lock(sharedMutex);
-        out.append(reply_);
-    }
-    requestState_ = RequestState::Idle;
-    return true;
+    return exchange.fetchReply(out);
 }
 
-void Connection::awaitReply()
+void Connection::pollStatus()
 {
-    replyDeadline.setRemainingTime(callerTimeoutFactor * timeoutMs_);
-    while (requestState_ == RequestState::Pending) {
-        if (!portOpen_ || replyDeadline.hasExpired()) {
-            StreamState stopSent = StreamState::StopSent;
-            streamState_.compare_exchange_strong(stopSent, StreamState::Answered);
-            return;
-        }
-        msleep(pollMs);
-    }
+    if (isConnected() && !isStreaming())
+        exchange.poll(command::statusRequest());
+}
+
+bool Connection::takePolledStatus(QByteArray& reply)
+{
+    reply.clear();
+    return exchange.takePolled(reply);
 }
 
 void Connection::startStream(const QByteArray& argument)
 {
     liveStore.clearSamples();
-    if (vmFirmware_) {
+    if (vmFirmware()) {
         commonStore.clearSamples();
         startVmStream(argument);
-    } else if (triggerMode_) {
+    } else if (triggerMode()) {
         startPulsedStream(command::withoutRate(argument));
     } else {
         startRatedStream(argument);
@@ -151,14 +99,12 @@ void Connection::stopStream()
 int Connection::endThread()
 {
     exit(0);
-    // What the user has clicked meanwhile could delete this object.
-    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     int pollsLeft = endPolls;
     while (pollsLeft >= 0 && isRunning()) {
         --pollsLeft;
-        msleep(endPollMs);
+        wait(endPollMs);
     }
-    // Orders what the thread did to its objects before whatever this thread does next.
+    // Makes everything that the thread did to its objects visible to this thread.
     const std::lock_guard<std::mutex> lock(sharedMutex);
     return pollsLeft;
 }
@@ -167,20 +113,21 @@ int Connection::disconnectController()
 {
     logMessage().debug() << "Disconnecting";
     const int pollsLeft = endThread();
-    streaming_ = 0;
-    requestState_ = RequestState::Idle;
-    streamState_ = StreamState::None;
+    condition.streaming = false;
+    exchange.forget();
+    condition.stream = StreamState::None;
     logMessage().debug() << "Finished disconnecting";
 
-    linkState_ = endConfirmed(pollsLeft) ? LinkState::Disconnected : LinkState::OpenFailed;
+    condition.link = endConfirmed(pollsLeft) ? LinkState::Disconnected : LinkState::OpenOrEndFailed;
     return endConfirmed(pollsLeft) ? 1 : 0;
 }
 
-void Connection::releaseCore()
+void Connection::release(const char* kind)
 {
     if (released)
         return;
     released = true;
+    logMessage().debug() << "Deleting" << kind << "connection";
     logMessage().debug() << "Deleting connection";
     const int pollsLeft = endThread();
     liveStore.clearSamples();
@@ -192,37 +139,36 @@ void Connection::releaseCore()
 
 void Connection::makeEndpoint(std::unique_ptr<QIODevice> port)
 {
-    auto trigger = std::make_unique<TriggerObject>(*this);
-    // Orders what the previous thread did at its end before this, too.
+    condition.link = LinkState::NotConnected;
+    // Makes what the previous thread did at its end visible to this one.
     const std::lock_guard<std::mutex> lock(sharedMutex);
-    device_ = std::move(port);
-    portLossTold = false;
-    trigger_ = std::move(trigger);
+    endpoint.open(std::move(port));
+    portLossReported = false;
+    sendQueue.open(*this);
 }
 
 void Connection::deleteEndpoint()
 {
-    std::unique_ptr<TriggerObject> trigger;
-    {
-        const std::lock_guard<std::mutex> lock(sharedMutex);
-        trigger = std::move(trigger_);
-    }
-    portOpen_ = false;
-    trigger.reset();
-    device_.reset();
-    // Whoever sees the thread ended locks this once and thereby sees all of the above.
+    sendQueue.close();
+    endpoint.close();
+    // `endThread` and `makeEndpoint` lock this too, and so see all of the above.
     const std::lock_guard<std::mutex> lock(sharedMutex);
 }
 
 void Connection::publishConnected()
 {
-    portOpen_ = true;
-    linkState_ = LinkState::Connected;
+    condition.portOpen = true;
+    condition.link = LinkState::Connected;
+}
+
+void Connection::publishOpenFailed()
+{
+    condition.link = LinkState::OpenOrEndFailed;
 }
 
 void Connection::watchInput()
 {
-    readyRead = connect(device_.get(), &QIODevice::readyRead, this, &Connection::saveReply,
+    readyRead = connect(device(), &QIODevice::readyRead, this, &Connection::saveReply,
                         Qt::DirectConnection);
 }
 
@@ -233,10 +179,10 @@ void Connection::ignoreInput()
 
 void Connection::reportLostPort()
 {
-    if (portLossTold)
+    if (portLossReported)
         return;
-    portLossTold = true;
-    portOpen_ = false;
+    portLossReported = true;
+    condition.portOpen = false;
     logMessage().debug() << "Controller disconnected";
     emit hostDisconnected(address());
     exit(0);
@@ -244,201 +190,13 @@ void Connection::reportLostPort()
 
 void Connection::sendMessage(QByteArray message, int answerLength)
 {
-    const CommandFrame frame{message, answerLength};
-    const StreamState stream = streamState_;
-    if (requestState_ == RequestState::Pending)
-        return;
-    if (streaming_ != 0 && !frame.isStop())
-        return;
-    if (stream == StreamState::StartSent || stream == StreamState::StopSent || !device_
-        || !portOpen_ || linkState_ != LinkState::Connected)
-        return;
-
-    answerLength_ = answerLength;
-    requestState_ = RequestState::Pending;
-    deadline.setRemainingTime(timeoutMs_);
-    clearReply();
-    device_->write(message);
-    if (frame.startsStream())
-        streamState_ = StreamState::StartSent;
-    if (frame.isStop())
-        streamState_ = StreamState::StopSent;
-    if (answerLength_ == 0)
-        requestState_ = RequestState::Idle;
+    endpoint.write({message, answerLength});
 }
 
 void Connection::saveReply()
 {
-    // The waits below take events: without this they would be entered again from there.
+    // Taking the input takes events: without this it would be entered again from there.
     ignoreInput();
-    if (streaming_ != 0)
-        receiveStream();
-    else if (streamState_ == StreamState::StopSent)
-        finishStreamWithoutEndMark();
-    else
-        receiveReply();
+    endpoint.takeInput();
     watchInput();
-}
-
-bool Connection::isWaitOver() const
-{
-    return !portOpen_ || deadline.hasExpired();
-}
-
-bool Connection::awaitBytes(qint64 count)
-{
-    while (device_->bytesAvailable() < count && !isWaitOver())
-        takeEventsFor1Ms();
-    return device_->bytesAvailable() >= count;
-}
-
-bool Connection::awaitAnswer()
-{
-    // A stray byte has led here, too: the command that gets through meanwhile sets the length.
-    while (device_->bytesAvailable() < answerLength_ && !isWaitOver())
-        takeEventsFor1Ms();
-    return device_->bytesAvailable() >= answerLength_;
-}
-
-/// A port that was lost meanwhile is closed and has nothing.
-QByteArray Connection::takeRest()
-{
-    return device_->isOpen() ? device_->readAll() : QByteArray();
-}
-
-void Connection::receiveReply()
-{
-    clearReply();
-    deadline.setRemainingTime(timeoutMs_);
-    const bool whole = awaitAnswer();
-
-    QByteArray bytes;
-    if (whole) {
-        bytes = device_->read(answerLength_);
-        if (streamState_ == StreamState::StartSent) {
-            if (command::isAccepted(bytes))
-                streaming_ = 1;
-            streamState_ = StreamState::Answered;
-        } else if (streamState_ == StreamState::StopSent) {
-            streamState_ = StreamState::None;
-        }
-    } else {
-        if (streamState_ == StreamState::StartSent)
-            streamState_ = StreamState::None;
-        else if (streamState_ == StreamState::StopSent)
-            streamState_ = StreamState::Answered;
-        // A refusal is short whatever was asked for. Anything else is of no use.
-        const bool refusal = device_->bytesAvailable() == command::statusReplyLength;
-        const QByteArray rest = takeRest();
-        if (refusal)
-            bytes = rest;
-    }
-    publishReply(bytes);
-}
-
-void Connection::publishReply(const QByteArray& bytes)
-{
-    {
-        const std::lock_guard<std::mutex> lock(sharedMutex);
-        reply_ = bytes;
-    }
-    requestState_ = RequestState::Ready;
-}
-
-void Connection::clearReply()
-{
-    const std::lock_guard<std::mutex> lock(sharedMutex);
-    reply_.clear();
-}
-
-bool Connection::stopsWithoutEndMark() const
-{
-    return !packet::hasFlags(firmwareVersion_) && streamState_ == StreamState::StopSent;
-}
-
-void Connection::receiveStream()
-{
-    deadline.setRemainingTime(timeoutMs_);
-    while (device_->bytesAvailable() > 0 && !deadline.hasExpired() && !stopsWithoutEndMark()) {
-        deadline.setRemainingTime(timeoutMs_);
-        // Here a stop gets through while packets are flowing.
-        const bool whole = awaitBytes(command::packetLength);
-        if (stopsWithoutEndMark())
-            break;
-        if (!whole)
-            return;
-
-        switch (drainPackets()) {
-        case DrainEnd::Misaligned:
-            return;
-        case DrainEnd::LastPacket:
-            // Without a stop of ours the controller ended the stream by itself.
-            if (streamState_ == StreamState::StopSent)
-                finishStreamWithEndMark();
-            return;
-        case DrainEnd::StopOfOldKind:
-        case DrainEnd::InputUsedUp:
-            break;
-        }
-        deadline.setRemainingTime(timeoutMs_);
-    }
-    if (stopsWithoutEndMark())
-        finishStreamWithoutEndMark();
-}
-
-Connection::DrainEnd Connection::drainPackets()
-{
-    while (device_->bytesAvailable() >= command::packetLength) {
-        const qint64 timeMs = QDateTime::currentMSecsSinceEpoch();
-        if (stopsWithoutEndMark())
-            return DrainEnd::StopOfOldKind;
-
-        const packetreader::Result result = packetreader::read(*device_);
-        if (result.skipped > 0)
-            logMessage().debug() << "Incomplete stream message. Bytes skipped:" << result.skipped;
-        if (!result.found)
-            return DrainEnd::Misaligned;
-
-        lastPacketTime_ = timeMs;
-        storePacket(result.bytes, static_cast<quint64>(timeMs));
-        if (packet::isLast(result.bytes, firmwareVersion_)) {
-            streaming_ = 0;
-            return DrainEnd::LastPacket;
-        }
-    }
-    return DrainEnd::InputUsedUp;
-}
-
-void Connection::storePacket(const PacketBytes& bytes, quint64 timeMs)
-{
-    if (packet::isWithheld(bytes, firmwareVersion_, vmFirmware_))
-        return;
-    liveStore.storeSample(packet::toSample(bytes, firmwareVersion_, timeMs));
-    ++samplesStored_;
-}
-
-void Connection::finishStreamWithEndMark()
-{
-    deadline.setRemainingTime(timeoutMs_);
-    QByteArray bytes;
-    if (awaitBytes(command::statusReplyLength))
-        bytes = device_->read(command::statusReplyLength);
-    publishReply(bytes);
-    streamState_ = StreamState::None;
-}
-
-void Connection::finishStreamWithoutEndMark()
-{
-    deadline.setRemainingTime(static_cast<qint64>(stopTimeoutFactor * timeoutMs_));
-    logMessage().debug() << "Saving reply";
-    while (!isWaitOver())
-        takeEventsFor1Ms();
-    logMessage().debug() << "Finished saving reply";
-
-    const QByteArray tail = takeRest().right(command::statusReplyLength);
-    const bool confirmed = tail == QByteArray("\0;", command::statusReplyLength);
-    if (confirmed)
-        streaming_ = 0;
-    streamState_ = confirmed ? StreamState::None : StreamState::Answered;
-    publishReply(confirmed ? tail : QByteArray());
 }

@@ -1,36 +1,26 @@
 #pragma once
 
-#include "link/packet.h"
-#include "link/postedsend.h"
+#include "link/endpoint.h"
+#include "link/exchange.h"
+#include "link/sendqueue.h"
 #include "model/measurestore.h"
 
 #include <QByteArray>
-#include <QDeadlineTimer>
 #include <QString>
 #include <QThread>
 
-#include <atomic>
 #include <memory>
 #include <mutex>
 
 class QIODevice;
-class TriggerObject;
-
-/// State of the link. Only with `Connected` can anything be sent.
-enum class LinkState : int {
-    NotConnected = 0,
-    OpenFailed = 1,
-    Disconnected = 2,
-    Connected = 3,
-};
 
 /// The link to one controller: a thread of its own that owns the port, writes commands, collects
 /// replies and decodes the measurement stream.
 ///
 /// The GUI thread sends one command at a time through the wrappers below and takes its reply with
-/// `fetchReply` before it sends again. `device` and `trigger` are made and deleted in `run()`;
-/// only the connection's thread touches `device`. What both threads see is atomic or guarded by
-/// `sharedMutex`; a reply's bytes are written before the state that announces them.
+/// `fetchReply` before it sends again: that is the work of `Exchange`. The port is made and deleted
+/// in `run()` and belongs to `Endpoint`, which only the connection's thread touches. What both see
+/// is `LinkCondition`.
 ///
 /// All public functions are for the GUI thread, unless they say otherwise.
 class Connection : public QThread
@@ -38,8 +28,7 @@ class Connection : public QThread
     Q_OBJECT
 
 public:
-    /// The wait from which all others are derived.
-    static constexpr int defaultTimeoutMs = 750;
+    static constexpr int defaultTimeoutMs = LinkCondition::defaultTimeoutMs;
     /// More than two seconds of the fastest stream.
     static constexpr int storeCapacity = 1040;
 
@@ -60,15 +49,26 @@ public:
 
     /// Writes a command. On the connection's thread, by `TriggerObject`. A command that can not be
     /// sent now, because another one waits for its reply, a stream runs or the link is not up, is
-    /// dropped without a word.
+    /// dropped silently.
     virtual void sendMessage(QByteArray message, int answerLength);
     /// Looks for the boundary of replies for up to a second. On the connection's thread.
     virtual void resync() = 0;
 
     /// Takes the reply of the last command into `out`. False, with `out` empty, if nothing was
-    /// sent or nothing came within twice the time-out. True says only that the wait is over: a
-    /// reply that was too short is empty, a refusal has two bytes, so callers test the bytes.
+    /// sent or nothing came within twice the time-out, counted from the moment of sending. True
+    /// says only that the wait is over: a reply that was too short is empty, a refusal has two
+    /// bytes, so callers test the bytes.
     bool fetchReply(QByteArray& out);
+
+    /// Sends `GSF;` without waiting, for whoever must not be held up. Only an idle link is asked:
+    /// nothing is sent during a stream, without a link, while the reply of a command is awaited, or
+    /// until the last poll is settled, which it is once its reply was taken or it was given up.
+    /// Every other command waits for the poll to settle, at most until that is given up, and throws
+    /// its reply away.
+    void pollStatus();
+    /// Takes the reply of the last poll into `reply`, without waiting. False, with `reply` empty,
+    /// if it is not there. A poll that is not answered within twice the time-out is given up here.
+    bool takePolledStatus(QByteArray& reply);
 
     /// Starts the stream that firmware and trigger mode ask for; `argument` is that of
     /// `command::streamArgument`.
@@ -82,24 +82,30 @@ public:
     /// Moves the oldest sample of the stream to `out`; 0 if there is none.
     int takeLiveSample(MeasureSample& out);
     int takeCommonSample(MeasureSample& out);
-    /// Samples of the stream that were stored since this object was made.
-    quint64 samplesStored() const { return samplesStored_; }
+    // What was stored and what was lost, since this object was made. On any thread.
 
-    bool isStreaming() const { return streaming_ != 0; }
-    LinkState linkState() const { return linkState_; }
-    bool isConnected() const { return linkState_ == LinkState::Connected; }
-    int firmwareVersion() const { return firmwareVersion_; }
-    void setFirmwareVersion(int version) { firmwareVersion_ = version; }
-    bool vmFirmware() const { return vmFirmware_; }
-    void setVmFirmware(bool vm) { vmFirmware_ = vm; }
-    bool triggerMode() const { return triggerMode_; }
-    void setTriggerMode(bool on) { triggerMode_ = on; }
-    bool triggerCapable() const { return triggerCapable_; }
-    void setTriggerCapable(bool capable) { triggerCapable_ = capable; }
-    int baudRate() const { return baudRate_; }
+    /// Samples of the stream that were stored.
+    quint64 samplesStored() const { return liveStore.storedCount(); }
+    /// Stored samples that were not taken in time and were overwritten by newer ones.
+    quint64 droppedSamples() const { return liveStore.droppedCount(); }
+    /// Bytes of the stream that belonged to no packet.
+    quint64 skippedBytes() const { return endpoint.decoder().skippedBytes(); }
+
+    bool isStreaming() const { return condition.streaming; }
+    LinkState linkState() const { return condition.link; }
+    bool isConnected() const { return linkState() == LinkState::Connected; }
+    int firmwareVersion() const { return condition.firmwareVersion; }
+    void setFirmwareVersion(int version) { condition.firmwareVersion = version; }
+    bool vmFirmware() const { return condition.vmFirmware; }
+    void setVmFirmware(bool vm) { condition.vmFirmware = vm; }
+    bool triggerMode() const { return condition.triggerMode; }
+    void setTriggerMode(bool on) { condition.triggerMode = on; }
+    bool triggerCapable() const { return condition.triggerCapable; }
+    void setTriggerCapable(bool capable) { condition.triggerCapable = capable; }
+    int baudRate() const { return condition.baudRate; }
 
     /// Packets per second; -1 before the first accepted one.
-    int samplingRate() const { return samplingRate_; }
+    int samplingRate() const { return condition.samplingRate; }
     /// Stores a rate of 1 to 500 and returns 1; any other value leaves it and returns 0.
     int setSamplingRate(int rateHz);
     /// Stores a time-out above 0 and returns 1; any other value leaves it and returns 0.
@@ -156,9 +162,6 @@ public slots:
     virtual void saveReply();
 
 protected:
-    enum class RequestState : int { Idle = 0, Pending = 1, Ready = 2 };
-    enum class StreamState : int { None = 0, StartSent = 1, StopSent = 2, Answered = 3 };
-
     /// Drops what the port holds. On the connection's thread.
     virtual void discardInput() = 0;
 
@@ -167,76 +170,44 @@ protected:
     void watchInput();
     void ignoreInput();
     void publishConnected();
+    void publishOpenFailed();
     /// Deletes trigger and device. No other thread can reach them from its beginning on.
     void deleteEndpoint();
-    /// Logs and tells once that the port is lost, and ends the thread.
+    /// Logs that the port is lost, emits `hostDisconnected` and ends the thread, all of it once.
     void reportLostPort();
+    QIODevice* device() const { return endpoint.port(); }
+    int timeoutMs() const { return condition.timeoutMs; }
 
-    /// Ends the thread and releases what belongs to every connection. For `releaseInPlace`.
-    void releaseCore();
-    /// Ends the thread and returns what is left of 1500 polls of 10 ms; -1 if it never ended.
+    void setBaudRate(int baudRate) { condition.baudRate = baudRate; }
+    /// What `releaseInPlace` does, with the kind of the connection for the log. Does nothing the
+    /// second time.
+    void release(const char* kind);
+    /// Ends the thread and returns what is left of 1500 polls of 10 ms; -1 if it never ended. Takes
+    /// no events.
     int endThread();
 
-    QIODevice* device() const { return device_.get(); }
-
-    std::atomic<LinkState> linkState_{LinkState::NotConnected};
-    std::atomic<int> timeoutMs_{defaultTimeoutMs};
-    std::atomic<int> baudRate_{-1};
-
 private:
-    enum class DrainEnd { InputUsedUp, StopOfOldKind, LastPacket, Misaligned };
-
-    void send(const CommandFrame& frame);
-    void awaitReply();
-    void publishReply(const QByteArray& bytes);
-    void clearReply();
-
-    void receiveReply();
-    void receiveStream();
-    DrainEnd drainPackets();
-    void storePacket(const PacketBytes& bytes, quint64 timeMs);
-    void finishStreamWithEndMark();
-    void finishStreamWithoutEndMark();
-    bool stopsWithoutEndMark() const;
-    /// Takes events until at least `count` bytes wait or `deadline` is over.
-    bool awaitBytes(qint64 count);
-    /// The same for the length of the answer to the latest command.
-    bool awaitAnswer();
-    bool isWaitOver() const;
-    QByteArray takeRest();
-
-    std::atomic<int> streaming_{0};
-    std::atomic<RequestState> requestState_{RequestState::Idle};
-    std::atomic<StreamState> streamState_{StreamState::None};
-    std::atomic<bool> portOpen_{false};
-    std::atomic<bool> vmFirmware_{false};
-    std::atomic<bool> triggerMode_{false};
-    std::atomic<bool> triggerCapable_{false};
-    std::atomic<int> samplingRate_{-1};
-    std::atomic<int> firmwareVersion_{1};
-    std::atomic<qint64> lastPacketTime_{0};
-    std::atomic<quint64> samplesStored_{0};
-
-    /// Guards `trigger_`, `reply_` and `label_`, each for the length of a copy.
-    mutable std::mutex sharedMutex;
-    std::unique_ptr<TriggerObject> trigger_;
-    QByteArray reply_;
-    QString label_;
-
-    /// Only the connection's thread touches these.
-    std::unique_ptr<QIODevice> device_;
-    QMetaObject::Connection readyRead;
-    QDeadlineTimer deadline;
-    int answerLength_ = 0;
-    bool portLossTold = false;
-
-    /// Only the GUI thread touches these.
-    QDeadlineTimer replyDeadline;
-    std::shared_ptr<SendDelivery> delivery;
-    bool released = false;
+    void send(const CommandFrame& frame) { exchange.send(frame); }
 
     measureStore liveStore{storeCapacity};
     measureStore commonStore{storeCapacity};
+
+    LinkCondition condition;
+    SendQueue sendQueue;
+    /// Only the GUI thread touches this.
+    Exchange exchange{condition, sendQueue};
+    /// Only the connection's thread touches this, but for the counts.
+    Endpoint endpoint{condition, liveStore};
+
+    /// Guards the label. Whoever locks it after the thread has ended sees all that the thread did.
+    mutable std::mutex sharedMutex;
+    QString labelText;
+
+    /// Only the connection's thread touches these.
+    QMetaObject::Connection readyRead;
+    bool portLossReported = false;
+
+    bool released = false;
 };
 
 /// How `disconnectController` reads the polls that were left when the thread had ended: only

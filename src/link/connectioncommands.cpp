@@ -59,7 +59,7 @@ void Connection::clearLiveStream()
 
 void Connection::getStatusFlags()
 {
-    send(frame("GSF", {}, statusFlagsReplyLength));
+    send(command::statusRequest());
 }
 
 void Connection::getActiveSignal()
@@ -94,7 +94,8 @@ void Connection::clearSetAndHold(const QByteArray& argument)
 
 void Connection::setTriggerFreeze(const QByteArray& argument)
 {
-    // Two bytes come and are taken as a short reply; the length asked for is what it has been.
+    // Controllers answer with two bytes, which are taken as a short reply after the time-out. The
+    // length stays, and with it the time that the exchange takes.
     send(frame("STF", argument, valueReplyLength));
 }
 

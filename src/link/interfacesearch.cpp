@@ -10,6 +10,8 @@
 #include <QSerialPort>
 #include <QSerialPortInfo>
 
+#include <optional>
+
 namespace {
 
 constexpr char knownManufacturer[] = "FTDI";
@@ -29,8 +31,8 @@ class InterfaceProbe final
 public:
     explicit InterfaceProbe(const QString& name);
 
-    /// The controller's entry; empty if there is none.
-    QStringList run();
+    /// Nothing if no controller was found.
+    std::optional<FoundInterface> run();
 
 private:
     bool open();
@@ -50,7 +52,7 @@ InterfaceProbe::InterfaceProbe(const QString& name)
     port.setPortName(name);
 }
 
-QStringList InterfaceProbe::run()
+std::optional<FoundInterface> InterfaceProbe::run()
 {
     for (const int baudRate : baudRates) {
         logMessage().info() << "Baud rate" << baudRate;
@@ -63,11 +65,10 @@ QStringList InterfaceProbe::run()
             const QString id = controllerId();
             close();
             if (!id.isEmpty())
-                return {id, port.portName(), QString::number(baudRate),
-                        QString::number(flowControl)};
+                return FoundInterface{id, port.portName(), baudRate, flowControl};
         }
     }
-    return {};
+    return std::nullopt;
 }
 
 bool InterfaceProbe::open()
@@ -83,7 +84,7 @@ bool InterfaceProbe::open()
     return false;
 }
 
-/// Empty if nobody answers, or somebody who is not a controller.
+/// Empty if nothing answers, or something that is not a controller.
 QString InterfaceProbe::controllerId()
 {
     const QByteArray stopped = stopReply();
@@ -146,8 +147,8 @@ void InterfaceProbe::close()
     logMessage().info() << "Interface closed";
 }
 
-/// They are only named: a controller that was found there could not be connected.
-void tellPseudoInterfaces()
+/// Pseudo terminals are not tried: a serial connection does not accept their names.
+void logPseudoInterfaces()
 {
     const QStringList names = QDir(QStringLiteral("/dev/pts")).entryList(QDir::System);
     for (const QString& name : names)
@@ -180,18 +181,17 @@ QList<SerialInterface> availableInterfaces()
     return interfaces;
 }
 
-QList<QStringList> searchInterfaces(bool includePseudo, bool anyDevice,
-                                    const InterfaceLister& lister)
+QList<FoundInterface> searchInterfaces(bool includePseudo, bool anyDevice,
+                                       const InterfaceLister& lister)
 {
     logMessage().info() << "Searching for serial interfaces";
     if (includePseudo)
-        tellPseudoInterfaces();
-    QList<QStringList> found;
+        logPseudoInterfaces();
+    QList<FoundInterface> found;
     const QStringList names = candidates(lister, anyDevice);
     for (const QString& name : names) {
-        const QStringList entry = InterfaceProbe(name).run();
-        if (!entry.isEmpty())
-            found.append(entry);
+        if (const std::optional<FoundInterface> controller = InterfaceProbe(name).run())
+            found.append(*controller);
     }
     logMessage().info() << "Search for controllers completed";
     return found;

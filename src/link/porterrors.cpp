@@ -42,7 +42,7 @@ bool canLock()
     return std::any_of(lockFolders().cbegin(), lockFolders().cend(), isUsable);
 }
 
-/// Who holds the lock of a port; empty if nobody left one.
+/// The program that holds the lock of a port; empty if there is no lock.
 QString lockHolder(const QString& portName)
 {
     const QString file = QStringLiteral("/LCK..") + QString(portName).replace('/', '_');

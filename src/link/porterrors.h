@@ -5,7 +5,8 @@
 
 namespace porterrors {
 
-/// Whether the error means that the port is gone, as opposed to one that is told in passing.
+/// Whether the error means that the port is gone. After a time-out, for example, it is still
+/// usable.
 bool isLoss(QSerialPort::SerialPortError error);
 
 /// Says in words who or what keeps us from opening a port, and what helps. Empty if it was not a

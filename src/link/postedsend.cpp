@@ -14,12 +14,6 @@ void SendDelivery::finish()
     changed.notify_all();
 }
 
-void SendDelivery::wait()
-{
-    std::unique_lock<std::mutex> lock(mutex);
-    changed.wait(lock, [this] { return finished; });
-}
-
 bool SendDelivery::waitUntil(const QDeadlineTimer& deadline)
 {
     std::unique_lock<std::mutex> lock(mutex);
@@ -27,12 +21,32 @@ bool SendDelivery::waitUntil(const QDeadlineTimer& deadline)
     return changed.wait_for(lock, patience, [this] { return finished; });
 }
 
+bool SendDelivery::isFinished() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return finished;
+}
+
+void SendDelivery::giveUp()
+{
+    std::unique_lock<std::mutex> lock(mutex);
+    givenUp = !begun;
+    changed.wait(lock, [this] { return givenUp || finished; });
+}
+
+bool SendDelivery::begin()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    begun = !givenUp;
+    return begun;
+}
+
 struct PostedSend::Call
 {
-    Call(TriggerObject& to, CommandFrame what, std::shared_ptr<SendDelivery> tell)
-        : receiver(to)
-        , frame(std::move(what))
-        , delivery(std::move(tell))
+    Call(TriggerObject& trigger, CommandFrame command, std::shared_ptr<SendDelivery> outcome)
+        : receiver(trigger)
+        , frame(std::move(command))
+        , delivery(std::move(outcome))
     {}
     ~Call() { delivery->finish(); }
     Q_DISABLE_COPY(Call)
@@ -61,6 +75,7 @@ PostedSend::~PostedSend()
 void PostedSend::operator()()
 {
     threadmarks::takeOver(this);
-    call->receiver.sendMessage(call->frame.message, call->frame.answerLength);
+    if (call->delivery->begin())
+        call->receiver.sendMessage(call->frame.message, call->frame.answerLength);
     call->delivery->finish();
 }

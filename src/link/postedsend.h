@@ -16,14 +16,21 @@ class SendDelivery
 {
 public:
     void finish();
-    void wait();
     /// Waits at most until `deadline` and returns whether the delivery has finished.
     bool waitUntil(const QDeadlineTimer& deadline);
+    bool isFinished() const;
+    /// A send that was not begun yet is not made any more, since nobody would take its reply. One
+    /// that is just being made is waited for.
+    void giveUp();
+    /// Whether the send is to be made; from now on it can not be given up.
+    bool begin();
 
 private:
-    std::mutex mutex;
+    mutable std::mutex mutex;
     std::condition_variable changed;
+    bool begun = false;
     bool finished = false;
+    bool givenUp = false;
 };
 
 /// The call that carries a command through the event queue into the connection's thread. Its

@@ -10,7 +10,7 @@ class QIODevice;
 /// passed or `limit` is reached, and calls `pause` between two looks at the device.
 ///
 /// An accepted reply of two bytes is followed by a wait for two more, of which the third is
-/// tested; an array of two has none, so behind such a reply the search runs on to the limit. It is
-/// kept as the controllers in the field know it.
+/// tested; an array of two has none, so behind such a reply the search runs on to the limit.
+/// That oddity is known and kept.
 void findReplyBoundary(QIODevice& device, const QDeadlineTimer& limit,
                        const std::function<void()>& pause);

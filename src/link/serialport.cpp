@@ -3,7 +3,6 @@
 #include "app/logging.h"
 #include "link/porterrors.h"
 #include "link/replyboundary.h"
-#include "link/triggerobject.h"
 
 #include <QCoreApplication>
 
@@ -35,18 +34,14 @@ SerialPort::~SerialPort()
 
 void SerialPort::releaseInPlace()
 {
-    if (released)
-        return;
-    released = true;
-    logMessage().debug() << "Deleting serial connection";
-    releaseCore();
+    release("serial");
 }
 
 bool SerialPort::init(const QString& address, int baudOrPort)
 {
     logMessage().debug() << "Initializing serial connection" << address;
     portName = address;
-    baudRate_ = baudOrPort;
+    setBaudRate(baudOrPort);
     return address.startsWith(QLatin1String("ttyUSB"))
            || address.startsWith(QLatin1String("ttyACM"))
            || address.startsWith(QLatin1String("COM")) || address.startsWith(QLatin1String("ttyS"));
@@ -60,21 +55,21 @@ QSerialPort* SerialPort::port() const
 bool SerialPort::openPort()
 {
     port()->setPortName(portName);
-    port()->setBaudRate(baudRate_, QSerialPort::AllDirections);
+    port()->setBaudRate(baudRate(), QSerialPort::AllDirections);
     port()->setFlowControl(QSerialPort::HardwareControl);
     port()->setDataBits(QSerialPort::Data8);
     port()->setParity(QSerialPort::NoParity);
     port()->setStopBits(QSerialPort::OneStop);
     if (port()->open(QIODevice::ReadWrite))
         setlowlatency();
-    // It was closed in between: one that did not come back is as good as one that never opened.
+    // The low-latency mode closes the port and opens it again, which can fail.
     if (port()->isOpen())
         return true;
-    tellRefusal(port()->error());
+    logRefusal(port()->error());
     return false;
 }
 
-void SerialPort::tellRefusal(QSerialPort::SerialPortError error) const
+void SerialPort::logRefusal(QSerialPort::SerialPortError error) const
 {
     const QString refusal = porterrors::explainRefusal(portName, error);
     if (!refusal.isEmpty())
@@ -83,10 +78,9 @@ void SerialPort::tellRefusal(QSerialPort::SerialPortError error) const
 
 void SerialPort::run()
 {
-    linkState_ = LinkState::NotConnected;
     makeEndpoint(std::make_unique<QSerialPort>());
     if (!openPort()) {
-        linkState_ = LinkState::OpenFailed;
+        publishOpenFailed();
         deleteEndpoint();
         return;
     }
@@ -100,7 +94,7 @@ void SerialPort::run()
         Qt::DirectConnection);
     watchInput();
     discardInput();
-    // The port can be lost as early as that.
+    // Discarding the input can already show that the port is lost.
     if (port()->isOpen())
         publishConnected();
 
@@ -123,7 +117,7 @@ bool SerialPort::setlowlatency()
     const int descriptor = ::open(path.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK);
     if (descriptor < 0) {
         if (errno == EACCES || errno == EPERM)
-            tellRefusal(QSerialPort::PermissionError);
+            logRefusal(QSerialPort::PermissionError);
         return false;
     }
     requestLowLatency(descriptor);

@@ -39,9 +39,8 @@ private slots:
 private:
     QSerialPort* port() const;
     bool openPort();
-    void tellRefusal(QSerialPort::SerialPortError error) const;
+    void logRefusal(QSerialPort::SerialPortError error) const;
 
     // Written only while the thread does not run.
     QString portName;
-    bool released = false;
 };

@@ -2,7 +2,6 @@
 
 #include "app/logging.h"
 #include "link/replyboundary.h"
-#include "link/triggerobject.h"
 
 #include <QCoreApplication>
 #include <QTcpSocket>
@@ -19,7 +18,7 @@ constexpr int resyncMs = 1000;
 
 TcpClient::TcpClient()
 {
-    baudRate_ = adapterBaudRate;
+    setBaudRate(adapterBaudRate);
 }
 
 TcpClient::~TcpClient()
@@ -29,11 +28,7 @@ TcpClient::~TcpClient()
 
 void TcpClient::releaseInPlace()
 {
-    if (released)
-        return;
-    released = true;
-    logMessage().debug() << "Deleting TCP connection";
-    releaseCore();
+    release("TCP");
 }
 
 QString TcpClient::address() const
@@ -61,7 +56,6 @@ QTcpSocket* TcpClient::socket() const
 
 void TcpClient::run()
 {
-    linkState_ = LinkState::NotConnected;
     makeEndpoint(std::make_unique<QTcpSocket>());
     connect(socket(), &QTcpSocket::connected, this, &TcpClient::firstTalk, Qt::DirectConnection);
     connect(socket(), &QTcpSocket::disconnected, this, &TcpClient::handleDisCon,
@@ -71,7 +65,7 @@ void TcpClient::run()
     connectTimer->setTimerType(Qt::PreciseTimer);
     connect(connectTimer.get(), &QTimer::timeout, this, &TcpClient::checkConnection,
             Qt::DirectConnection);
-    connectTimer->start(timeoutMs_);
+    connectTimer->start(timeoutMs());
     socket()->connectToHost(hostAddress, static_cast<quint16>(port), QIODevice::ReadWrite);
 
     exec();
@@ -98,7 +92,7 @@ void TcpClient::firstTalk()
 void TcpClient::checkConnection()
 {
     disconnect(connectTimer.get(), &QTimer::timeout, this, nullptr);
-    // The link can still come up before the event loop has ended: whoever is first decides.
+    // A link that comes up now, before the event loop has ended, comes too late.
     disconnect(socket(), &QTcpSocket::connected, this, nullptr);
     exit(0);
 }

@@ -47,5 +47,4 @@ private:
     int port = defaultPort;
     /// Lives on the connection's thread.
     std::unique_ptr<QTimer> connectTimer;
-    bool released = false;
 };

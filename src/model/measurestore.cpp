@@ -11,8 +11,11 @@ void measureStore::storeSample(const MeasureSample& sample)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     const bool full = (tail - head + capacity) % capacity == 1;
-    if (full)
+    if (full) {
         tail = (tail + 1) % capacity;
+        ++dropped;
+    }
+    ++stored;
     samples[static_cast<std::size_t>(head)] = sample;
     head = (head + 1) % capacity;
 }
@@ -38,4 +41,16 @@ void measureStore::clearSamples()
     const std::lock_guard<std::mutex> lock(mutex);
     head = 0;
     tail = 0;
+}
+
+quint64 measureStore::storedCount() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return stored;
+}
+
+quint64 measureStore::droppedCount() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return dropped;
 }

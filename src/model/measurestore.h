@@ -25,7 +25,14 @@ public:
     /// store is empty.
     int takeSample(MeasureSample& out);
     int sampleCount() const;
+    /// Throws the samples away. They are not counted as dropped: nobody wants them.
     void clearSamples();
+
+    /// How many samples were stored since this store was made, which numbers them from 1 on.
+    /// Clearing does not begin anew.
+    quint64 storedCount() const;
+    /// How many of them were lost to newer ones because nobody took them in time.
+    quint64 droppedCount() const;
 
 private:
     const int capacity;
@@ -35,4 +42,6 @@ private:
     int head = 0;
     /// Oldest slot that was not taken yet.
     int tail = 0;
+    quint64 stored = 0;
+    quint64 dropped = 0;
 };

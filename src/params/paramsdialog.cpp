@@ -5,48 +5,50 @@
 
 #include <algorithm>
 
-ParamsDialog::ParamsDialog(const Connections& connectionList,
-                           const QList<ConnectionStatus>& statusList, QWidget* parent)
+ParamsDialog::ParamsDialog(QWidget* parent)
     : QDialog(parent)
-    , connections(connectionList)
-    , statuses(statusList)
 {
     logMessage().debug() << "Constructing ParamsDialog";
     setWindowTitle(tr("Parameters"));
     logMessage().debug() << "Finished constructing ParamsDialog";
 }
 
-void ParamsDialog::appendDetectorPair(const ConnectionSettings& settings)
+DetectorPair& ParamsDialog::addDetectors(const Connection& connection,
+                                         const ConnectionSettings& settings)
 {
-    pairs.append(DetectorPair(settings));
+    systems.push_back({&connection, DetectorPair(settings)});
+    return systems.back().detectors;
 }
 
-void ParamsDialog::removeDetectorPair(int index)
+void ParamsDialog::removeDetectors(const Connection* connection)
 {
-    if (index == currentIndex)
+    if (connection == current) {
+        current = nullptr;
         close();
-    pairs.removeAt(index);
+    }
+    systems.remove_if([&](const System& system) { return system.connection == connection; });
 }
 
 void ParamsDialog::closeIfDisconnected()
 {
-    const auto index = static_cast<std::size_t>(currentIndex);
-    if (index < connections.size() && !connections[index]->isConnected())
+    if (current && !current->isConnected())
         close();
-}
-
-void ParamsDialog::openFor(const Connection* connection)
-{
-    for (int i = 0; i < statuses.size(); ++i) {
-        if (connections[std::size_t(i)].get() == connection)
-            currentIndex = i;
-    }
 }
 
 void ParamsDialog::openDialog(QString address)
 {
-    const auto found = std::find_if(connections.begin(), connections.end(),
-                                    [&](const auto& each) { return each->address() == address; });
-    if (found != connections.end())
-        openFor(found->get());
+    const Connection* found = nullptr;
+    for (const System& system : systems) {
+        if (system.connection->address() != address)
+            continue;
+        if (!found || (!found->isConnected() && system.connection->isConnected()))
+            found = system.connection;
+    }
+    openFor(found);
+}
+
+void ParamsDialog::openFor(const Connection* connection)
+{
+    if (connection)
+        current = connection;
 }

@@ -1,53 +1,49 @@
 #pragma once
 
 #include "model/detectorpair.h"
-#include "setup/connectionstatus.h"
 
 #include <QDialog>
-#include <QList>
 
-#include <memory>
-#include <vector>
+#include <list>
 
 class Connection;
 struct ConnectionSettings;
 
-/// Owner of the detectors of every connection. The window reads them through `detectorPairs`.
-/// Opening the dialog has no effect: its controls are not part of this version.
+/// Owner of the detectors of every registered connection. The window reads them where
+/// `addDetectors` says. Opening the dialog has no effect: its controls are not part of this
+/// version.
 class ParamsDialog final : public QDialog
 {
     Q_OBJECT
 
 public:
-    using Connections = std::vector<std::unique_ptr<Connection>>;
+    explicit ParamsDialog(QWidget* parent);
 
-    /// The lists belong to the window and outlive the dialog.
-    ParamsDialog(const Connections& connections, const QList<ConnectionStatus>& statuses,
-                 QWidget* parent);
-
-    /// One pair per connection, in the order of the connections.
-    QList<DetectorPair>* detectorPairs() { return &pairs; }
-    /// Adds the pair of a new connection.
-    void appendDetectorPair(const ConnectionSettings& settings);
-    /// Removes the pair of a connection, and closes the dialog if it stands on that one.
-    void removeDetectorPair(int index);
-    /// Closes the dialog if its connection is not connected any more.
-    void closeIfDisconnected();
-
-    /// Opens the dialog for a connection; nothing happens if it is not in the list.
-    void openFor(const Connection* connection);
+    /// Adds the detectors of a new connection. They stay where they are until `removeDetectors`,
+    /// before which the connection has to live.
+    DetectorPair& addDetectors(const Connection& connection, const ConnectionSettings& settings);
+    /// Removes the detectors of a connection, and closes the dialog if it stands on that one.
+    void removeDetectors(const Connection* connection);
 
 public slots:
-    /// Opens the dialog for the first connection with this address.
+    /// Stands on the connected system with this address, or on the first one if none is connected.
     void openDialog(QString address);
+    void openFor(const Connection* connection);
+    /// Closes the dialog if its connection is not connected any more.
+    void closeIfDisconnected();
 
 signals:
     /// A stream could not be started again.
     void errorStream();
 
 private:
-    const Connections& connections;
-    const QList<ConnectionStatus>& statuses;
-    QList<DetectorPair> pairs;
-    int currentIndex = 0;
+    struct System
+    {
+        const Connection* connection;
+        DetectorPair detectors;
+    };
+
+    /// In a list, because the window keeps references to the detectors.
+    std::list<System> systems;
+    const Connection* current = nullptr;
 };

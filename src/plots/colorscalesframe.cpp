@@ -18,7 +18,7 @@ void drawBand(QPainter& painter, const QRect& rect, const QColor& color)
     if (rect.isEmpty())
         return;
     painter.setBrush(color);
-    // Through the centres of the border pixels, so that the outline is sharp and inside the band.
+    // The outline runs through the centres of the border pixels: it is sharp and stays in the band.
     painter.drawRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5));
 }
 
@@ -27,7 +27,8 @@ void drawBand(QPainter& painter, const QRect& rect, const QColor& color)
 ColorScaleBands colorScaleBands(int height)
 {
     const int eighth = height / 8;
-    // The upper red band starts below the top and so overlaps the green one, on purpose.
+    // The upper red band starts 5 pixels down and is drawn last, so it covers the first 5 rows of
+    // the green band.
     return {band(eighth, 7 * eighth - 1), band(upperBandTop, eighth + upperBandTop - 1),
             band(7 * eighth, 8 * eighth - 1)};
 }

@@ -7,12 +7,12 @@
 
 namespace {
 
-/// Lets the wheel pass by unless the user works in the box: a pointer that only rests on it must
-/// not change a rate.
-class CalmSpinBox final : public QSpinBox
+/// A spin box that uses the mouse wheel only while it has the keyboard focus: turning the wheel
+/// with the pointer over the tool bar must not change a rate by accident.
+class FocusedWheelSpinBox final : public QSpinBox
 {
 public:
-    explicit CalmSpinBox(QWidget* parent)
+    explicit FocusedWheelSpinBox(QWidget* parent)
         : QSpinBox(parent)
     {
         setFocusPolicy(Qt::StrongFocus);
@@ -33,7 +33,7 @@ protected:
 Counter::Counter(QWidget* parent, const QString& prefix, const QString& suffix, int min, int max,
                  int step, Counter* partnerCounter)
     : QWidget(parent)
-    , spinBox(new CalmSpinBox(this))
+    , spinBox(new FocusedWheelSpinBox(this))
     , partner(partnerCounter)
     , minimum(min)
 {
@@ -78,7 +78,8 @@ void Counter::stayBelowPartner(int value)
 
 void Counter::returnToWish(int partnerValue)
 {
-    // What the partner brings about is no wish of the user, even with the focus in here.
+    // Setting the number stores it as the user's wish while the box has the focus, but this change
+    // comes from the partner.
     const int wish = wishedValue;
     if (partnerValue <= wish)
         spinBox->setValue(partnerValue);

@@ -5,8 +5,8 @@
 
 class QSpinBox;
 
-/// A labelled number in the tool bar. With a partner it never exceeds the partner's number, and
-/// returns to what the user wished once the partner rises again.
+/// A labelled number in the tool bar. With a partner it never exceeds the partner's number. When
+/// the partner's number rises again, the counter returns to the number that the user typed.
 class Counter final : public QWidget
 {
     Q_OBJECT
@@ -20,7 +20,8 @@ public:
     QPointer<Counter> partner;
     /// The lower bound given at construction.
     int minimum;
-    /// What the user typed last. Who sets the number from the program sets the wish, too.
+    /// What the user typed last. Code that sets the number must set this as well if the counter is
+    /// to return to that number.
     int wishedValue = 0;
 
 signals:

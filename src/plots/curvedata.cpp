@@ -9,7 +9,7 @@ QRectF CurveData::boundingRect() const
 
 void CurveData::clear()
 {
-    // An assigned empty vector is the one way that keeps no capacity, reserved or grown.
+    // Assigning an empty vector frees the memory; clear() and resize() may keep it.
     d_samples = QVector<QPointF>();
     d_boundingRect = QRectF(0.0, 0.0, -1.0, -1.0);
 }

@@ -33,7 +33,7 @@ GenericPlot::GenericPlot(QWidget* parent)
     enableAxis(xTop, true);
     enableAxis(yRight, true);
     applyRange();
-    // With weight and style named, too, or the font of the plot would give them.
+    // Weight and style are given explicitly; otherwise they come from the plot's own font.
     const QFont axisFont(QStringLiteral("Sans Serif"), 8, QFont::Normal, false);
     for (int axis : axesInFontOrder)
         setAxisFont(axis, axisFont);
@@ -42,7 +42,7 @@ GenericPlot::GenericPlot(QWidget* parent)
     zoomer = new Zoomer(canvas());
     zoomer->setLabelValue(rangeMax);
     zoomer->setRubberBandPen(QPen(Qt::red, 1.0));
-    // Only the left button zooms, and only in: going back is the business of the window's buttons.
+    // Only the left button zooms, and only in. The window has buttons to zoom out.
     for (auto pattern : {QwtEventPattern::MouseSelect3, QwtEventPattern::MouseSelect2,
                          QwtEventPattern::MouseSelect6})
         zoomer->setMousePattern(pattern, Qt::NoButton);
@@ -118,7 +118,8 @@ void GenericPlot::disableZoomer()
     for (int select = 0; select < QwtEventPattern::MousePatternCount; ++select)
         zoomer->setMousePattern(static_cast<QwtEventPattern::MousePatternCode>(select),
                                 Qt::NoButton);
-    // Undo and redo, too: any step in the zoom stack would set the axes to the zoomer's own base.
+    // Undo and redo are disabled as well: a step in the zoom stack sets the axes to the zoomer's
+    // base.
     for (auto key :
          {QwtEventPattern::KeySelect1, QwtEventPattern::KeySelect2, QwtEventPattern::KeyAbort,
           QwtEventPattern::KeyUndo, QwtEventPattern::KeyRedo, QwtEventPattern::KeyHome})
@@ -142,7 +143,8 @@ void GenericPlot::setRange(double max, double min)
     rangeMin = min;
     applyRange();
     zoomer->setLabelValue(rangeMax);
-    // The mid-lines of earlier ranges stay on the plot on purpose.
+    // Lines of earlier ranges stay: they lie on the same axes, and a shorter line only covers the
+    // middle of a longer one.
     drawCrossHairs();
     zoomer->setZoomBase(true);
     emit rangeChanged();

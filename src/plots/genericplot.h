@@ -19,33 +19,34 @@ public:
 
     /// Back to the zoom base and to the full range on all four axes. Does not replot.
     void resetZoom();
-    /// Attaches a dark grey line; a rectangle of no width or no height draws as one. The plot owns
-    /// it for good.
+    /// Attaches a dark grey line, given as a rectangle of no width or of no height. The plot owns
+    /// the line and keeps it until the plot is deleted.
     void addMidLine(const QString& title, const QRectF& line);
 
     double maxRange() const { return rangeMax; }
     double minRange() const { return rangeMin; }
 
 public slots:
-    /// Data are coming in: the canvas paints straight through, without a backing store.
+    /// For the time of a measurement: the canvas is repainted with every batch of points, so it
+    /// keeps no backing store.
     void start();
-    /// The picture stands still: the canvas keeps a backing store.
+    /// For the time without new points: the canvas keeps a backing store.
     void stop();
     /// Empties the curve `index`, which must exist, or all curves for -1.
     void clear(int index);
     void clear();
     /// Adds the two mid-lines over the present range.
     void drawCrossHairs();
-    /// Neither the mouse nor the keyboard zooms any more.
+    /// From now on the user can not zoom, neither by mouse nor by keyboard.
     void disableZoomer();
-    /// Hides the position tracker. The zoom stack stays as it is, whatever the name says.
+    /// Hides the position tracker. In spite of its name it does not change the zoom stack.
     void zeroZoomStack();
     /// Sets the range of all four axes in plot units, makes it the zoom base and adds mid-lines for
     /// it. Earlier mid-lines stay.
     void setRange(double max, double min);
 
 signals:
-    /// All axes have a new range, and scales for it.
+    /// Emitted by `setRange` when all axes have their new scales.
     void rangeChanged();
 
 private:

@@ -83,7 +83,7 @@ void IncrementalPlot::appendData(const int& index, const QPointF& point)
         samples.removeOldest();
 }
 
-// A symbol is made only when the one in use looks different: this runs for every sample.
+// This runs for every sample, so a new symbol is made only if size or colour differ.
 void IncrementalPlot::updateSymbol(int index)
 {
     QwtPlotCurve& curve = *curves.at(index);

@@ -8,7 +8,7 @@ LargeTimer::LargeTimer(QObject* parent, quint64 intervalMs, quint32 maxChunkMs)
     , interval(intervalMs)
     , timer(new QTimer(this))
 {
-    // A coarse timer would round what people wait for.
+    // A coarse timer is up to 5 % off, which is minutes for the intervals this class is made for.
     timer->setTimerType(Qt::PreciseTimer);
     connect(timer, &QTimer::timeout, this, &LargeTimer::timerTimeout);
     setInterval(intervalMs);
@@ -69,6 +69,6 @@ void LargeTimer::timerTimeout()
     else
         remaining = interval;
     nextChunk();
-    // Last, since a listener may delete this timer.
+    // The last statement, because a slot may delete this timer.
     emit timeout();
 }

@@ -4,8 +4,8 @@
 
 class QTimer;
 
-/// A timer for intervals beyond the range of `QTimer`: it runs the interval as a row of chunks and
-/// tells the end of the last one only. It repeats unless it is a single shot.
+/// A timer for intervals beyond the range of `QTimer`: it runs the interval as a sequence of chunks
+/// and emits `timeout()` at the end of the last one. It repeats unless it is a single shot.
 class LargeTimer final : public QObject
 {
     Q_OBJECT
@@ -27,8 +27,8 @@ public:
     quint64 totalInterval() const { return interval; }
     void setSingleShot(bool on) { singleShot = on; }
 
-    /// Milliseconds until the next `timeout()`. A timer that was stopped tells what lay behind the
-    /// chunk in which it stopped.
+    /// Milliseconds until the next `timeout()`. For a stopped timer: the part of the interval that
+    /// follows the chunk in which it was stopped.
     quint64 remainingTime() const;
 
 signals:
@@ -43,7 +43,7 @@ private:
     quint64 maxChunk;
     quint64 interval;
     quint64 currentChunk = longestChunkMs;
-    /// What is left of the interval behind the current chunk.
+    /// The part of the interval that follows the current chunk.
     quint64 remaining = 0;
     bool singleShot = false;
     QTimer* timer;

@@ -16,7 +16,8 @@ public:
     ScrollBar(Qt::Orientation orientation, double minBase, double maxBase,
               QWidget* parent = nullptr);
 
-    /// Inverted bars run against their ticks; a vertical bar is made so.
+    /// The slider of an inverted bar moves down or right for falling values. Vertical bars are
+    /// inverted by default.
     void setInverted(bool inverted);
     bool isInverted() const { return ticks.inverted; }
 
@@ -33,8 +34,8 @@ signals:
     void valueChanged(Qt::Orientation orientation, double min, double max);
 
 public slots:
-    /// The plot coordinates at the bar's ends. The slider keeps its ticks, which so mean another
-    /// span.
+    /// Sets the plot coordinates at the bar's ends. The slider stays where it is on the bar, so it
+    /// shows another span.
     virtual void setBase(double min, double max);
     /// Shows the span from `min` to `max` without a signal.
     virtual void moveSlider(double min, double max);

@@ -14,7 +14,7 @@ ScrollZoomer::ScrollZoomer(QWidget* canvas)
 
 ScrollZoomer::~ScrollZoomer()
 {
-    // They belong to the canvas, which may outlive this zoomer.
+    // The canvas owns these widgets and may outlive this zoomer.
     delete corner;
     delete hScrollData.scrollBar;
     delete vScrollData.scrollBar;
@@ -59,7 +59,7 @@ void ScrollZoomer::setPosition(Qt::Orientation orientation, ScrollBarPosition po
     ScrollData& data = scrollData(orientation);
     if (data.position == position)
         return;
-    // Gives the margin back on the side that the bar leaves.
+    // Hiding the bar removes the margin on the side that it leaves.
     hideScrollBar(orientation);
     data.position = position;
     updateScrollBars();
@@ -95,7 +95,8 @@ int ScrollZoomer::scrollBarAxis(Qt::Orientation orientation) const
 QPalette ScrollZoomer::plotPalette() const
 {
     QPalette palette = plot()->palette();
-    // Set outright, or children of the canvas would still take the canvas's background.
+    // Setting the brush marks it as explicit; otherwise children of the canvas inherit the canvas's
+    // background.
     palette.setBrush(QPalette::Window, palette.window());
     return palette;
 }
@@ -118,9 +119,9 @@ ScrollBar* ScrollZoomer::scrollBar(Qt::Orientation orientation)
     return data.scrollBar;
 }
 
-void ScrollZoomer::scrollBarMoved(Qt::Orientation o, double min, double max)
+void ScrollZoomer::scrollBarMoved(Qt::Orientation orientation, double min, double max)
 {
-    if (o == Qt::Horizontal)
+    if (orientation == Qt::Horizontal)
         moveTo(QPointF(min, zoomRect().top()));
     else
         moveTo(QPointF(zoomRect().left(), max));
@@ -228,7 +229,7 @@ void ScrollZoomer::layoutScrollBars(const QRect& rect)
     const bool atTop = scrollBarAxis(Qt::Horizontal) == QwtPlot::xTop;
     const bool atLeft = scrollBarAxis(Qt::Vertical) == QwtPlot::yLeft;
 
-    // The strips along two sides of the canvas, which give up the corner where they meet.
+    // The two bars lie along two sides of the canvas and leave the corner between them free.
     QRect hRect(rect.left(), atTop ? rect.top() : rect.bottom() - hDim + 1, rect.width(), hDim);
     QRect vRect(atLeft ? rect.left() : rect.right() - vDim + 1, rect.top(), vDim, rect.height());
     const QRect cornerRect(vRect.x(), hRect.y(), vDim, hDim);

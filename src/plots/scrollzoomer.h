@@ -7,14 +7,14 @@
 class ScrollBar;
 
 /// A rubber-band zoomer with two scroll bars on the canvas while the plot is zoomed. The axes xTop
-/// and yRight give their room to the bars for that time. The bars and the corner widget between
-/// them are made on first need and belong to the canvas.
+/// and yRight are hidden for that time, to make room for the bars. The bars and the corner widget
+/// between them are created on first use and owned by the canvas.
 class ScrollZoomer : public QwtPlotZoomer
 {
     Q_OBJECT
 
 public:
-    /// On the side of the zoomed axis, or on the side across.
+    /// On the side of the zoomed axis, or on the opposite side.
     enum ScrollBarPosition {
         AttachedToScale = 0,
         OppositeToScale = 1,
@@ -36,22 +36,22 @@ public:
     }
     void setVScrollBarPosition(ScrollBarPosition position) { setPosition(Qt::Vertical, position); }
 
-    /// Null before first need.
+    /// Null until it is created by the first zoom that needs it.
     ScrollBar* horizontalScrollBar() const;
     ScrollBar* verticalScrollBar() const;
     QWidget* cornerWidget() const;
-    /// Takes the widget over and deletes the one before.
+    /// Takes ownership of the widget and deletes the previous one.
     virtual void setCornerWidget(QWidget* widget);
 
-    /// The axis across the plot; a value that is no axis is returned as it is.
+    /// The axis on the opposite side of the plot; a value that is no axis is returned unchanged.
     static int oppositeAxis(int axis);
 
     bool eventFilter(QObject* object, QEvent* event) override;
 
 protected:
-    /// Makes the bar if it does not exist.
+    /// Creates the bar if it does not exist.
     virtual ScrollBar* scrollBar(Qt::Orientation orientation);
-    /// Brings the bars in line with the zoom stack.
+    /// Shows, hides and sets the bars as the current zoom requires.
     virtual void updateScrollBars();
     /// Places the bars and the corner in the canvas rectangle.
     virtual void layoutScrollBars(const QRect& rect);
@@ -60,7 +60,7 @@ protected:
     bool needScrollBar(Qt::Orientation orientation) const;
 
 private slots:
-    void scrollBarMoved(Qt::Orientation o, double min, double max);
+    void scrollBarMoved(Qt::Orientation orientation, double min, double max);
 
 private:
     struct ScrollData
@@ -92,6 +92,6 @@ private:
     ScrollData hScrollData;
     ScrollData vScrollData;
     bool inZoom = false;
-    /// As they were when the zoom was entered.
+    /// The plot's layout flags at the time when the zoom was entered, to restore them later.
     bool alignCanvasToScales[QwtPlot::axisCnt] = {};
 };

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Codes that no key has: the keyboard does not step back in the zoom stack.
+/// Codes that no key has, so that no key steps back in the zoom stack.
 constexpr int noKeyForUndo = 1;
 constexpr int noKeyForHome = 2;
 
@@ -30,8 +30,8 @@ QPoint limitBand(const QPoint& pos, const BandLimits& limits)
     else if (x > canvas.right())
         x = canvas.right();
 
-    // The right edge on purpose: the vertical bar is as thick as the horizontal one at the top is
-    // high.
+    // The right edge of the vertical bar, in the bar's own coordinates, is its thickness. The
+    // horizontal bar, which lies at the top, is as high as that.
     if (!limits.vScrollBar.isEmpty() && y < limits.vScrollBar.right())
         y = limits.vScrollBar.right();
     else if (y < canvas.top())

@@ -2,8 +2,7 @@
 
 #include "plots/scrollzoomer.h"
 
-/// What limits a rubber band on the canvas, all in pixels. An empty limit is one that does not
-/// apply.
+/// What limits a rubber band on the canvas, in pixels. An empty rectangle limits nothing.
 struct BandLimits
 {
     /// The canvas's contents, in canvas coordinates.
@@ -16,8 +15,8 @@ struct BandLimits
 /// The point next to `pos` that the rubber band may reach.
 QPoint limitBand(const QPoint& pos, const BandLimits& limits);
 
-/// The zoomer of the live plots. It zooms in only; while zoomed, the y scale keeps its width, and
-/// the rubber band is held back at the scroll bars.
+/// The zoomer of the live plots. The user can only zoom in. While the plot is zoomed, the y scale
+/// keeps its width, and the rubber band stops at the scroll bars.
 class Zoomer final : public ScrollZoomer
 {
     Q_OBJECT

@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr LinkWait serialWait{200, false};
-constexpr LinkWait tcpWait{300, true};
+constexpr LinkWait serialWait{200};
+constexpr LinkWait tcpWait{300, LinkWait::Manner::InOneGo};
 
 bool fitsRecord(const QString& name)
 {
@@ -50,7 +50,7 @@ ConnectOutcome ConnectFlow::connectSerial(const QString& id, int baudRate, const
     if (parts.systems.lines(ConnectionType::Serial).hasNumber(id))
         return ConnectOutcome::DeviceInUse;
     // A copy: changing the rate takes events, and a scan among these replaces the list.
-    const std::optional<SerialDevice> device = parts.devices.find(id);
+    const std::optional<FoundInterface> device = parts.devices.find(id);
     if (!device)
         return ConnectOutcome::DeviceGone;
     if (device->baudRate != baudRate) {
@@ -88,7 +88,7 @@ std::unique_ptr<Connection> ConnectFlow::makeSerial(const QString& port, int bau
 
 /// Moves a controller from the rate at which it was found to the wanted one. Nothing if it can be
 /// connected at that rate now.
-std::optional<ConnectOutcome> ConnectFlow::changeRate(const SerialDevice& device, int baudRate)
+std::optional<ConnectOutcome> ConnectFlow::changeRate(const FoundInterface& device, int baudRate)
 {
     const WaitCursor waiting;
     std::unique_ptr<Connection> connection = makeSerial(device.port, device.baudRate);

@@ -58,7 +58,7 @@ public:
 
 private:
     std::unique_ptr<Connection> makeSerial(const QString& port, int baudRate) const;
-    std::optional<ConnectOutcome> changeRate(const SerialDevice& device, int baudRate);
+    std::optional<ConnectOutcome> changeRate(const FoundInterface& device, int baudRate);
     ConnectOutcome connectController(ConnectionType type, std::unique_ptr<Connection> connection,
                                      const QString& label);
     void keep(std::unique_ptr<Connection> connection, ConnectionSettings record);

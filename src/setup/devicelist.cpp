@@ -2,31 +2,29 @@
 
 #include <algorithm>
 
-DeviceList::DeviceList(const QList<QStringList>& found)
-{
-    for (const QStringList& entry : found)
-        devices.append({entry.value(0), entry.value(1), entry.value(2).toInt()});
-}
+DeviceList::DeviceList(const QList<FoundInterface>& found)
+    : devices(found)
+{}
 
 QStringList DeviceList::ids() const
 {
     QStringList all;
-    for (const SerialDevice& device : devices)
+    for (const FoundInterface& device : devices)
         all.append(device.id);
     return all;
 }
 
-std::optional<SerialDevice> DeviceList::find(const QString& id) const
+std::optional<FoundInterface> DeviceList::find(const QString& id) const
 {
     const auto found = std::find_if(devices.cbegin(), devices.cend(),
-                                    [&id](const SerialDevice& each) { return each.id == id; });
+                                    [&id](const FoundInterface& each) { return each.id == id; });
     return found == devices.cend() ? std::nullopt : std::make_optional(*found);
 }
 
 QStringList DeviceList::portsOf(const QString& id) const
 {
     QStringList ports;
-    for (const SerialDevice& device : devices) {
+    for (const FoundInterface& device : devices) {
         if (device.id == id)
             ports.append(device.port);
     }
@@ -35,7 +33,7 @@ QStringList DeviceList::portsOf(const QString& id) const
 
 void DeviceList::setBaudRate(const QString& id, int baudRate)
 {
-    for (SerialDevice& device : devices) {
+    for (FoundInterface& device : devices) {
         if (device.id == id)
             device.baudRate = baudRate;
     }

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "link/linkup.h"
 #include "model/connectionsettings.h"
 #include "setup/devicelist.h"
-#include "setup/linkup.h"
+#include "setup/recordroom.h"
 
 #include <functional>
 #include <memory>
@@ -18,7 +19,9 @@ using ConnectionFactory = std::function<std::unique_ptr<Connection>(ConnectionTy
 struct LinkActions
 {
     std::function<LinkOutcome(Connection&, LinkWait, const QString& label, QString& id)> connect =
-        connectAndIdentify;
+        [](Connection& connection, LinkWait wait, const QString& label, QString& id) {
+            return connectAndIdentify(connection, wait, label, id, &canBeStored);
+        };
     std::function<bool(Connection&, LinkWait, int baudRate)> changeRate = changeBaudRate;
 };
 

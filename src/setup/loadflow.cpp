@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr LinkWait storedWait{300, false};
+constexpr LinkWait storedWait{300};
 
 /// A system has one connection: the first record of it counts.
 void removeRepeated(QList<ConnectionSettings>& records)

@@ -27,7 +27,7 @@ std::unique_ptr<Connection> makeRealTransport(ConnectionType type)
     return std::make_unique<SerialPort>();
 }
 
-QList<QStringList> searchRealInterfaces(bool includePseudo, bool anyDevice)
+QList<FoundInterface> searchRealInterfaces(bool includePseudo, bool anyDevice)
 {
     return searchInterfaces(includePseudo, anyDevice);
 }

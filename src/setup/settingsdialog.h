@@ -28,9 +28,9 @@ class SettingsDialog final : public QDialog
     Q_OBJECT
 
 public:
-    /// Finds controllers at the serial interfaces. Each entry is identification text, port name,
-    /// baud rate, flow control.
-    using InterfaceSearch = std::function<QList<QStringList>(bool includePseudo, bool anyDevice)>;
+    /// Finds controllers at the serial interfaces.
+    using InterfaceSearch =
+        std::function<QList<FoundInterface>(bool includePseudo, bool anyDevice)>;
 
     /// The registry has to live longer than the dialog is used.
     SettingsDialog(ConnectionRegistry& registry, QWidget* parent);

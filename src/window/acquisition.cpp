@@ -1,23 +1,18 @@
+#include "window/acquisition.h"
+
 #include "link/connection.h"
 #include "link/streampause.h"
-#include "plots/counter.h"
 #include "plots/genericplot.h"
-#include "plots/thermoslider.h"
-#include "recording/dataloggerdialog.h"
 #include "setup/waitcursor.h"
-#include "window/mainwindow.h"
+#include "window/livesystems.h"
+#include "window/monitortoolbar.h"
+#include "window/statistics.h"
+#include "window/ticktimer.h"
 
 #include <QAction>
 #include <QDateTime>
-#include <QLCDNumber>
-#include <QMessageBox>
-#include <QRadioButton>
-#include <QSpinBox>
 
 namespace {
-
-constexpr double msPerS = 1000.0;
-constexpr int noLimit = -1;
 
 quint64 nowMs()
 {
@@ -25,63 +20,82 @@ quint64 nowMs()
 }
 
 /// The order in which the plots go over to live painting and back.
-std::array<GenericPlot*, 6> drawingOrder(const std::array<StageView, 2>& stages)
+std::array<GenericPlot*, 6> drawingOrder(const Stages& stages)
 {
-    const auto& [one, two] = stages;
-    return {one.osciPlot,      one.positionPlot,  two.positionPlot,
-            one.intensityPlot, two.intensityPlot, two.osciPlot};
+    const StagePlots& one = stages[0].plots();
+    const StagePlots& two = stages[1].plots();
+    return {&one.pointing(),  &one.position(),  &two.position(),
+            &one.intensity(), &two.intensity(), &two.pointing()};
 }
 
 } // namespace
 
-void MainWindow::startTicking()
-{
-    if (updateTimer)
-        updateTimer->start(int(msPerS / updateRateCounter->spinBox->value()));
-}
+Acquisition::Acquisition(LiveSystems& liveSystems, Stages& stageViews, MonitorToolBar& bar,
+                         Statistics& runStatistics, TickTimer& tickTimer)
+    : systems(liveSystems)
+    , stages(stageViews)
+    , toolBar(bar)
+    , statistics(runStatistics)
+    , timer(tickTimer)
+{}
 
-void MainWindow::stopTicking()
-{
-    if (updateTimer)
-        updateTimer->stop();
-}
-
-void MainWindow::startStopDataAcquisition()
+void Acquisition::startOrStop()
 {
     const WaitCursor waiting;
-    if (!startAction->isChecked()) {
-        dataLoggerDialog->emitStopSignal();
-        stopDrawingPlots();
-        showRunning(false);
+    if (toolBar.isRunning()) {
+        start();
         return;
     }
+    emit aboutToStop();
+    stop();
+    showRunning(false);
+}
 
-    stopTicking();
-    for (const int index : displayedConnections)
-        joinAcquisition(connectionAt(index));
-    commErrorCount = 0;
-    resetPlotsAndDisplays();
-    statisticsTime.start();
-    samplesToTake = pointingRadio->isChecked() ? wantedSamples() : noLimit;
-    startDrawingPlots();
+void Acquisition::start()
+{
+    timer.stop();
+    for (const int index : systems.displayed())
+        startStream(index);
+    emit started();
+    reset();
+    statistics.startClock();
+    statistics.run().setLimit(toolBar.isPointing() ? toolBar.wantedSamples() : Run::noLimit);
+    startDrawing();
     showRunning(true);
 }
 
-void MainWindow::startDrawingPlots()
+void Acquisition::joinIfRunning(int index)
+{
+    if (toolBar.isRunning() && !systems.connectionAt(index).isStreaming())
+        startStream(index);
+}
+
+void Acquisition::startStream(int index)
+{
+    if (!startStreamAtRate(systems.connectionAt(index), toolBar.samplingRateHz()))
+        emit streamFailed();
+}
+
+void Acquisition::startDrawing()
 {
     for (GenericPlot* plot : drawingOrder(stages))
         plot->start();
 }
 
-void MainWindow::stopDrawingPlots()
+void Acquisition::stop()
 {
     const WaitCursor waiting;
-    for (const int index : displayedConnections)
-        connectionAt(index).stopStream();
-    startAction->setChecked(false);
+    for (const int index : systems.displayed())
+        systems.connectionAt(index).stopStream();
+    toolBar.startAction().setChecked(false);
     showRunning(false);
+    stopDrawing();
+}
+
+void Acquisition::stopDrawing()
+{
     const auto isPointing = [this](const GenericPlot* plot) {
-        return plot == stages[0].osciPlot || plot == stages[1].osciPlot;
+        return plot == &stages[0].plots().pointing() || plot == &stages[1].plots().pointing();
     };
     for (GenericPlot* plot : drawingOrder(stages)) {
         plot->stop();
@@ -90,74 +104,32 @@ void MainWindow::stopDrawingPlots()
     }
 }
 
-void MainWindow::showRunning(bool running)
+void Acquisition::showRunning(bool running)
 {
-    if (pointingRadio->isChecked())
-        samplesToTakeCounter->setEnabled(true);
-    samplingRateCounter->setEnabled(!running && !pulsedRateLock);
-    startAction->setText(running ? tr("Stop") : tr("Start"));
-    startAction->setIcon(QIcon(startAction->isChecked() ? QStringLiteral(":/images/stop.xpm")
-                                                        : QStringLiteral(":/images/go.xpm")));
-    startAction->setChecked(running);
+    toolBar.showRunning(running, rateLocked);
 }
 
-void MainWindow::resetPlotsAndDisplays()
+void Acquisition::reset()
 {
-    stopTicking();
+    timer.stop();
     for (StageView& stage : stages) {
-        stage.clearCurves();
-        stage.clearAverages();
-        stage.plotOriginMs = nowMs();
+        stage.plots().clearAllCurves();
+        stage.plots().setOrigin(nowMs());
+        stage.readouts().reset();
     }
-    clearStatistics();
-    for (StageView& stage : stages) {
-        for (QLCDNumber* readout : {stage.lcdX, stage.lcdY, stage.lcdI})
-            readout->display(QString::number(0.0, 'f', 2));
-        stage.thermoX->setValue(0.0);
-        stage.thermoY->setValue(0.0);
-    }
-    startTicking();
+    statistics.clear();
+    timer.start();
 }
 
-void MainWindow::errorStreamStart()
+void Acquisition::limitSamples(bool on)
 {
-    streamErrorBox->show();
-}
-
-void MainWindow::enableSamplesCounter(bool on)
-{
-    samplesToTakeCounter->setEnabled(on);
-    if (!startAction->isChecked())
+    toolBar.enableSamplesToTake(on);
+    if (!toolBar.isRunning())
         return;
     if (on) {
-        samplesTaken = 0;
-        samplesToTake = wantedSamples();
-        clearStatistics();
+        statistics.run().setLimit(toolBar.wantedSamples());
+        statistics.clear();
     } else {
-        samplesToTake = noLimit;
+        statistics.run().setLimit(Run::noLimit);
     }
-}
-
-int MainWindow::wantedSamples()
-{
-    // What stands in the field counts, also before it was confirmed.
-    samplesToTakeCounter->spinBox->interpretText();
-    return samplesToTakeCounter->spinBox->value();
-}
-
-void MainWindow::updateSamplesToTake(int value)
-{
-    samplesToTake = value;
-}
-
-void MainWindow::joinAcquisition(Connection& connection)
-{
-    if (!startStreamAtRate(connection, samplingRateCounter->spinBox->value()))
-        errorStreamStart();
-}
-
-void MainWindow::restart(StreamPause& pause)
-{
-    if (!pause.resume(samplingRateCounter->spinBox->value()))
-        errorStreamStart();
 }

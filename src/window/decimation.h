@@ -19,3 +19,26 @@ inline double secondsSince(quint64 originMs, quint64 timeMs)
 {
     return double(timeMs - originMs) / 1000.0;
 }
+
+/// Picks one of every so many samples of a time plot, beginning with the first.
+class Decimation final
+{
+public:
+    explicit Decimation(int everySamples)
+        : every(everySamples)
+        , counter(everySamples - 1)
+    {}
+
+    /// Whether the next sample is plotted.
+    bool takes()
+    {
+        if (++counter < every)
+            return false;
+        counter = 0;
+        return true;
+    }
+
+private:
+    int every;
+    int counter;
+};

@@ -6,83 +6,54 @@
 #include "images/images.h"
 #include "link/connection.h"
 #include "params/paramsdialog.h"
-#include "plots/colorscalesframe.h"
+#include "plots/counter.h"
 #include "plots/genericplot.h"
 #include "plots/rescaledialog.h"
 #include "plots/rescaletimeaxisdlg.h"
-#include "plots/thermoslider.h"
 #include "recording/dataloggerdialog.h"
 #include "service/servicedialog.h"
 #include "setup/connectionoverviewdialog.h"
 #include "setup/settingsdialog.h"
 #include "ui_mainwindow.h"
-#include "window/connectingnotice.h"
 
-#include <QApplication>
-#include <QCloseEvent>
 #include <QMessageBox>
-#include <qwt_plot_shapeitem.h>
-#include <qwt_plot_textlabel.h>
+#include <QRadioButton>
 
 namespace {
 
-constexpr int firstTickMs = 1000;
-constexpr int initialMaxRateHz = 430;
-/// The connections' threads are given this to write what was sent last.
-constexpr unsigned long lastWriteMs = 3;
-
-void dressReadout(QLCDNumber& readout)
+void open(QWidget& dialog)
 {
-    QPalette palette(Qt::black);
-    palette.setColor(QPalette::WindowText, Qt::green);
-    readout.setPalette(palette);
-    readout.setAutoFillBackground(true);
-    readout.setSegmentStyle(QLCDNumber::Flat);
-    readout.display(QStringLiteral("0.00"));
-}
-
-QPalette buttonPalette(const char* color)
-{
-    QPalette palette;
-    palette.setColor(QPalette::Button, QColor(QLatin1String(color)));
-    // The colours are light whatever the desktop's are.
-    palette.setColor(QPalette::ButtonText, Qt::black);
-    return palette;
+    dialog.show();
+    dialog.raise();
+    dialog.activateWindow();
 }
 
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent)
-    , ui(std::make_unique<Ui::MainWindow>())
-    , updateTimer(std::make_unique<QTimer>())
-    , maxRate(initialMaxRateHz)
+    , ui(makeForm())
+    , toolBar(*this)
+    , stages{{{1, *this, stage1Widgets()}, {2, *this, stage2Widgets()}}}
+    , updateTimer(toolBar)
+    , statistics(systems, stages)
+    , acquisition(systems, stages, toolBar, statistics, updateTimer)
+    , stabilisation(systems, stages, toolBar)
+    , displayTick(systems, stages, toolBar, statistics, acquisition)
+    , plotFrame(stages, {*ui->rescaler, *ui->rescaler_2, *ui->scrollArea})
+    , systemsView(systems, stages, toolBar, statistics, *this)
 {
-    logMessage().debug() << "Constructing main window";
-    initImages();
-    ui->setupUi(this);
     addServiceMenu();
-    addToolBar();
-
-    updateTimer->setTimerType(Qt::PreciseTimer);
-    connect(updateTimer.get(), &QTimer::timeout, this, &MainWindow::updateData,
-            Qt::DirectConnection);
-    updateTimer->start(firstTickMs);
-
-    makeStageViews();
     createDialogs();
     dressWindow();
-    makeOsciPlots();
-    makeTimePlots();
-    makeStatisticsOverlay();
-    makePiezoBars();
-    wire();
-    disableWhatNeedsAConnection();
+    wireSystems();
+    wireToolBar();
+    wireOverview();
+    wireDialogs();
+    wireMenus();
+    systemsView.enableControls(false);
     disableWhatIsNotOffered();
-    loadSetupFile();
-    // A pulsed system of the setup file holds the lock by now, and this is what it gives back.
-    if (!pulsedRateLock)
-        maxRate = initialMaxRateHz;
+    settingsDialog->loadConnection(QString());
     logMessage().debug() << "Finished constructing main window";
 }
 
@@ -91,6 +62,55 @@ MainWindow::~MainWindow()
     logMessage().debug() << "Destroying main window";
     leave();
     logMessage().debug() << "Finished destroying main window";
+}
+
+std::unique_ptr<Ui::MainWindow> MainWindow::makeForm()
+{
+    logMessage().debug() << "Constructing main window";
+    initImages();
+    auto form = std::make_unique<Ui::MainWindow>();
+    form->setupUi(this);
+    return form;
+}
+
+StageView::Widgets MainWindow::stage1Widgets()
+{
+    return {{*ui->osciLayout1, *ui->positionLayout1, *ui->intensityLayout1},
+            {*ui->lcd1x, *ui->lcd1y, *ui->lcd1i},
+            {*ui->thermoXLayout1, *ui->thermoYLayout1},
+            *ui->push_Stab1,
+            *ui->label_ActiveIcon,
+            *ui->label_ActiveText,
+            *ui->checkBox_Stats1,
+            *ui->xyLabel1,
+            *ui->xLabel1,
+            *ui->yLabel1,
+            *ui->label_42,
+            *ui->label_44,
+            *ui->x_axis_label,
+            *ui->y_axis_label,
+            *ui->i_axis_label,
+            {ui->stage1Frame_2, ui->frame_rightTop}};
+}
+
+StageView::Widgets MainWindow::stage2Widgets()
+{
+    return {{*ui->osciLayout2, *ui->positionLayout2, *ui->intensityLayout2},
+            {*ui->lcd2x, *ui->lcd2y, *ui->lcd2i},
+            {*ui->thermoXLayout2, *ui->thermoYLayout2},
+            *ui->push_Stab2,
+            *ui->label_ActiveIcon_2,
+            *ui->label_ActiveText_2,
+            *ui->checkBox_Stats2,
+            *ui->xyLabel2,
+            *ui->xLabel2,
+            *ui->yLabel2,
+            *ui->label_17,
+            *ui->label_11,
+            *ui->x_axis_label2,
+            *ui->y_axis_label2,
+            *ui->i_axis_label2,
+            {ui->stage2Frame, ui->frame_rightBottom}};
 }
 
 void MainWindow::addServiceMenu()
@@ -104,53 +124,11 @@ void MainWindow::addServiceMenu()
     menu->menuAction()->setVisible(switches::serviceMode);
 }
 
-void MainWindow::makeStageViews()
-{
-    StageView& one = stages[0];
-    one.number = 1;
-    one.lcdX = ui->lcd1x;
-    one.lcdY = ui->lcd1y;
-    one.lcdI = ui->lcd1i;
-    one.stabilisation = ui->push_Stab1;
-    one.activeIcon = ui->label_ActiveIcon;
-    one.activeText = ui->label_ActiveText;
-    one.statisticsBox = ui->checkBox_Stats1;
-    one.unitLabel = ui->xyLabel1;
-    one.xLabel = ui->xLabel1;
-    one.yLabel = ui->yLabel1;
-    one.positionXLabel = ui->label_42;
-    one.positionYLabel = ui->label_44;
-    one.xAxisLabel = ui->x_axis_label;
-    one.yAxisLabel = ui->y_axis_label;
-    one.iAxisLabel = ui->i_axis_label;
-    one.singleSystemWidgets = {ui->stage1Frame_2, ui->frame_rightTop};
-
-    StageView& two = stages[1];
-    two.number = 2;
-    two.lcdX = ui->lcd2x;
-    two.lcdY = ui->lcd2y;
-    two.lcdI = ui->lcd2i;
-    two.stabilisation = ui->push_Stab2;
-    two.activeIcon = ui->label_ActiveIcon_2;
-    two.activeText = ui->label_ActiveText_2;
-    two.statisticsBox = ui->checkBox_Stats2;
-    two.unitLabel = ui->xyLabel2;
-    two.xLabel = ui->xLabel2;
-    two.yLabel = ui->yLabel2;
-    two.positionXLabel = ui->label_17;
-    two.positionYLabel = ui->label_11;
-    two.xAxisLabel = ui->x_axis_label2;
-    two.yAxisLabel = ui->y_axis_label2;
-    two.iAxisLabel = ui->i_axis_label2;
-    two.singleSystemWidgets = {ui->stage2Frame, ui->frame_rightBottom};
-}
-
 void MainWindow::createDialogs()
 {
     rescaleDialog = new RescaleDialog(this);
     rescaleTimeAxisDlg = new RescaleTimeAxisDlg(this);
-    paramsDialog = new ParamsDialog(connections, statuses, this);
-    detectorPairs = paramsDialog->detectorPairs();
+    paramsDialog = new ParamsDialog(this);
     serviceDialog = new ServiceDialog(this);
     dataLoggerDialog = new DataLoggerDialog(this);
     settingsDialog = new SettingsDialog(*this, this);
@@ -171,108 +149,111 @@ void MainWindow::dressWindow()
                    | Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint);
     setWindowIcon(QIcon(QStringLiteral(":/images/Zevlogo1_freigestellt.gif")));
     setContextMenuPolicy(Qt::NoContextMenu);
+    ui->actionConnect->setVisible(false);
+    ui->actionDisconnect->setVisible(false);
+    ui->menubar->removeAction(ui->menuParameters->menuAction());
+}
 
-    paletteOn = buttonPalette("lightgreen");
-    paletteOff = buttonPalette("lightcoral");
-    for (StageView& stage : stages) {
-        stage.stabilisation->setPalette(paletteOff);
-        for (QLCDNumber* readout : {stage.lcdX, stage.lcdY, stage.lcdI})
-            dressReadout(*readout);
-        stage.setActive(false);
-        stage.positionMax = UnitChoice().maxPosition();
-        stage.positionMin = UnitChoice().minPosition();
+void MainWindow::wireSystems()
+{
+    connect(&systems, &LiveSystems::added, connectionOverviewDialog,
+            [this] { connectionOverviewDialog->update(systems.statuses()); });
+    connect(&systems, &LiveSystems::closed, this, &MainWindow::onSystemClosed);
+    connect(&systems, &LiveSystems::shown, &acquisition, &Acquisition::joinIfRunning);
+    connect(&systems, &LiveSystems::disconnected, paramsDialog, &ParamsDialog::closeIfDisconnected);
+    connect(&systems, &LiveSystems::lost, settingsDialog, &SettingsDialog::onLinkLost);
+    connect(&systemsView, &SystemsView::controlsEnabled, dataLoggerDialog,
+            &DataLoggerDialog::setRecordingEnabled);
+
+    connect(&updateTimer, &TickTimer::timeout, this, &MainWindow::updateData);
+    connect(&displayTick, &DisplayTick::unitShown, rescaleDialog, &RescaleDialog::setUnit);
+    connect(&acquisition, &Acquisition::started, &stabilisation, &Stabilisation::forgetFailures);
+    connect(&acquisition, &Acquisition::aboutToStop, dataLoggerDialog,
+            &DataLoggerDialog::emitStopSignal);
+    connect(&acquisition, &Acquisition::streamFailed, this, &MainWindow::errorStreamStart);
+    connect(&stabilisation, &Stabilisation::streamFailed, this, &MainWindow::errorStreamStart);
+    connect(&stabilisation, &Stabilisation::linkFailed, this, &MainWindow::tellLinkFailed);
+}
+
+void MainWindow::wireToolBar()
+{
+    const QRadioButton* pointing = &toolBar.pointingRadio();
+    connect(&toolBar.startAction(), &QAction::triggered, this,
+            &MainWindow::startStopDataAcquisition);
+    connect(&toolBar.clearAction(), &QAction::triggered, this, &MainWindow::resetPlotsAndDisplays);
+    connect(pointing, &QRadioButton::toggled, this, &MainWindow::enableSamplesCounter);
+    connect(pointing, &QRadioButton::toggled, &stages[0].plots().pointing(),
+            &GenericPlot::setKeepAllPoints);
+    connect(pointing, &QRadioButton::toggled, this, &MainWindow::enableStatistics);
+    connect(pointing, &QRadioButton::toggled, &stages[1].plots().pointing(),
+            &GenericPlot::setKeepAllPoints);
+    connect(&toolBar.samplesToTakeCounter(), &Counter::valueChanged, this,
+            &MainWindow::updateSamplesToTake);
+
+    connect(ui->pushButton_Zoom1, &QPushButton::clicked, this, &MainWindow::unZoomOsci1);
+    connect(ui->pushButton_Zoom2, &QPushButton::clicked, this, &MainWindow::unZoomOsci2);
+    connect(ui->pushButton_Zoom3, &QPushButton::clicked, this, &MainWindow::unZoomPlot1);
+    connect(ui->pushButton_Zoom4, &QPushButton::clicked, this, &MainWindow::unZoomPlot2);
+    connect(ui->checkBox_Stats1, &QCheckBox::toggled, this, &MainWindow::showStatistics1);
+    connect(ui->checkBox_Stats2, &QCheckBox::toggled, this, &MainWindow::showStatistics2);
+}
+
+/// The overview tells which system it means by an address, too; only the connection is certain.
+void MainWindow::wireOverview()
+{
+    using Overview = ConnectionOverviewDialog;
+    Overview* overview = connectionOverviewDialog;
+    connect(overview, &Overview::systemDisplayed, this, &MainWindow::showSystem);
+    connect(overview, &Overview::systemColored, &systems, &LiveSystems::setColor);
+    connect(overview, &Overview::systemStageChanged, &stabilisation, &Stabilisation::switchStage);
+    connect(overview, &Overview::systemParametersWanted, paramsDialog, &ParamsDialog::openFor);
+    connect(this, &MainWindow::changeDisplayConnection, overview, &Overview::setDisplayConnection);
+    connect(ui->actionConfiguration, &QAction::triggered, overview,
+            [overview] { open(*overview); });
+}
+
+void MainWindow::wireDialogs()
+{
+    connect(this, &MainWindow::stopRecording, dataLoggerDialog, &DataLoggerDialog::emitStopSignal);
+    connect(this, &MainWindow::startTimer, dataLoggerDialog, &DataLoggerDialog::startTimerSaving);
+    connect(paramsDialog, &ParamsDialog::errorStream, this, &MainWindow::errorStreamStart);
+    connect(rescaleDialog, &RescaleDialog::axisRescaled, this, &MainWindow::rescaleAxis);
+    connect(rescaleTimeAxisDlg, &RescaleTimeAxisDlg::axisRescaled, this,
+            &MainWindow::rescaleTimeAxis);
+
+    for (QAction* action : {ui->actionOpenParams, ui->actionCloseParams}) {
+        connect(settingsDialog, &SettingsDialog::connected, action, &QAction::setEnabled);
+        connect(settingsDialog, &SettingsDialog::disconnected, action, &QAction::setEnabled);
     }
-    blackenAxisLabels();
+    connect(settingsDialog, &SettingsDialog::connected, ui->actionConnect, &QAction::setEnabled);
+    connect(settingsDialog, &SettingsDialog::disconnected, ui->actionDisconnect,
+            &QAction::setEnabled);
+    connect(settingsDialog, &SettingsDialog::connectingTo, &waitNotice,
+            &WaitNotice::showConnecting);
+    connect(settingsDialog, &SettingsDialog::loadingFinished, &waitNotice, &QWidget::hide);
 }
 
-void MainWindow::makeStatisticsOverlay()
+void MainWindow::wireMenus()
 {
-    constexpr int textSizePt = 8;
-    constexpr double crossWidth = 2.0;
-    const char* const crossNames[] = {"Zielkreuz mit Varianz-Kreis",
-                                      "Zielkreuz2 mit Varianz-Kreis"};
-
-    for (StageView& stage : stages) {
-        stage.statisticsText.setFont(QFont(QStringLiteral("Sans Serif"), textSizePt));
-        stage.statisticsText.setColor(Qt::red);
-        stage.statisticsText.setRenderFlags(Qt::AlignLeft | Qt::AlignTop);
-        stage.statisticsLabel = std::make_unique<QwtPlotTextLabel>();
-        stage.statisticsLabel->setText(stage.statisticsText);
-
-        stage.targetCross = std::make_unique<QwtPlotShapeItem>(
-            QString(QLatin1String(crossNames[stage.number - 1])));
-        stage.targetCross->setPen(QPen(Qt::red, crossWidth));
-        stage.targetCross->setShape(restingCrossShape());
-        // Over the points that it sums up.
-        stage.targetCross->setZ(stage.statisticsLabel->z());
-    }
+    connect(ui->actionConnect, &QAction::triggered, settingsDialog, &SettingsDialog::tryConnect);
+    connect(ui->actionDisconnect, &QAction::triggered, settingsDialog,
+            &SettingsDialog::tryDisconnect);
+    connect(ui->actionSetup, &QAction::triggered, settingsDialog,
+            [this] { open(*settingsDialog); });
+    connect(ui->actionOpenDataLog, &QAction::triggered, this, &MainWindow::showDataloggerDialog);
+    connect(ui->actionCloseDataLog, &QAction::triggered, this, &MainWindow::closeDataloggerDialog);
+    connect(ui->actionOpenParams, &QAction::triggered, this, &MainWindow::showParametersDialog);
+    connect(ui->actionCloseParams, &QAction::triggered, this, &MainWindow::closeParametersDialog);
+    connect(ui->actionAbout_the_Software, &QAction::triggered, this,
+            &MainWindow::showAboutSoftwareDialog);
+    connect(ui->actionSoftware, &QAction::triggered, this, &MainWindow::showUserManualSoftware);
+    connect(ui->actionLumetra, &QAction::triggered, this, &MainWindow::showUserManualHardware);
 }
 
-void MainWindow::makePiezoBars()
+void MainWindow::disableWhatIsNotOffered()
 {
-    const std::array<std::array<QHBoxLayout*, 2>, 2> layouts{
-        {{ui->thermoXLayout1, ui->thermoYLayout1}, {ui->thermoXLayout2, ui->thermoYLayout2}}};
-
-    for (std::size_t i = 0; i < stages.size(); ++i) {
-        StageView& stage = stages[i];
-        stage.thermoX = new ThermoSlider(this);
-        stage.thermoY = new ThermoSlider(this);
-        stage.thermoX->setObjectName(stage.widgetName("thermoRX"));
-        stage.thermoY->setObjectName(stage.widgetName("thermoRY"));
-        constexpr int stripWidthPx = 14;
-        const std::array<ThermoSlider*, 2> bars{stage.thermoX, stage.thermoY};
-        for (std::size_t axis = 0; axis < bars.size(); ++axis) {
-            auto* strip = new ColorScalesFrame(this);
-            strip->setFixedWidth(stripWidthPx);
-            layouts[i][axis]->addWidget(strip);
-            layouts[i][axis]->addWidget(bars[axis]);
-        }
-    }
-}
-
-void MainWindow::disableWhatNeedsAConnection()
-{
-    enableControls(false);
-}
-
-void MainWindow::loadSetupFile()
-{
-    connectingNotice = std::make_unique<ConnectingNotice>();
-    connect(settingsDialog, &SettingsDialog::connectingTo, connectingNotice.get(),
-            &ConnectingNotice::showSystem);
-    connect(settingsDialog, &SettingsDialog::loadingFinished, connectingNotice.get(),
-            &ConnectingNotice::hide);
-    settingsDialog->loadConnection(QString());
-}
-
-void MainWindow::on_actionExit_triggered()
-{
-    close();
-}
-
-void MainWindow::closeEvent(QCloseEvent* event)
-{
-    // Stopping idle controllers takes a second each: nobody has to watch it.
-    hide();
-    leave();
-    QApplication::closeAllWindows();
-    event->accept();
-}
-
-void MainWindow::leave()
-{
-    if (left)
-        return;
-    left = true;
-    settingsDialog->closeAllConnections();
-    stopDrawingPlots();
-    QThread::msleep(lastWriteMs);
-    updateTimer->disconnect(this);
-    updateTimer.reset();
-    displayedConnections.clear();
-    enableControls(false);
-    // What the dialog does not know of was registered by somebody else. One by one: the end of
-    // each takes events, and these must find whole lists.
-    while (!connections.empty())
-        closeConnection(connections.back().get());
+    for (QAction* action :
+         {ui->actionOpenDataLog, ui->actionCloseDataLog, ui->actionAbout_the_Software})
+        action->setEnabled(false);
+    findChild<QAction*>(QStringLiteral("actionOperation_Tests"))->setEnabled(false);
 }

@@ -1,49 +1,41 @@
 #pragma once
 
-#include "model/detectorpair.h"
-#include "model/measuresample.h"
 #include "setup/connectionregistry.h"
-#include "setup/connectionstatus.h"
+#include "window/acquisition.h"
+#include "window/displaytick.h"
+#include "window/livesystems.h"
+#include "window/monitortoolbar.h"
+#include "window/plotframe.h"
+#include "window/stabilisation.h"
 #include "window/stageview.h"
-#include "window/statisticssums.h"
-#include "window/unitchoice.h"
+#include "window/statistics.h"
+#include "window/systemsview.h"
+#include "window/ticktimer.h"
+#include "window/waitnotice.h"
 
-#include <QElapsedTimer>
 #include <QMainWindow>
-#include <QPalette>
-#include <QTimer>
 
-#include <array>
 #include <memory>
-#include <vector>
 
-class Connection;
-class ConnectingNotice;
 class ConnectionOverviewDialog;
-class Counter;
 class DataLoggerDialog;
 class InformationDialog;
 class ParamsDialog;
-class QMenu;
 class QMessageBox;
-class QRadioButton;
-class QToolBar;
 class RescaleDialog;
 class RescaleTimeAxisDlg;
 class ServiceDialog;
 class SettingsDialog;
-class StreamPause;
 
 namespace Ui {
 class MainWindow;
 }
 
-/// The hub of the application: the list of live connections, the dialogs, the six live plots with
-/// their readouts, and the display tick that feeds them. Everything here runs on the GUI thread;
-/// an exchange with a controller blocks it.
+/// The hub of the application: the form, the menus and the dialogs, and the wiring of what works
+/// behind them. Its slots pass on to the class that does the work.
 ///
-/// The index of a connection in `connections` is the key of all that is kept beside it: statuses,
-/// detectors, statistics and curves.
+/// Everything here runs on the GUI thread. Slots that take an address mean the connected system
+/// with that address, or the first one if none is connected; inside, a system is its `Connection`.
 class MainWindow final : public QMainWindow, public ConnectionRegistry
 {
     Q_OBJECT
@@ -54,8 +46,15 @@ public:
     explicit MainWindow(QWidget* parent = nullptr);
     ~MainWindow() override;
 
+    // What is registered, in the order of the list.
+    const LiveSystems& liveSystems() const { return systems; }
+    std::vector<Connection*> liveConnections() const;
+    QList<ConnectionStatus> liveStatuses() const { return systems.statuses(); }
+    /// Indices of the systems on the plots, in the order in which they were shown.
+    const QList<int>& shownConnections() const { return systems.displayed(); }
+
     // The registry of live connections.
-    bool isLeaving() const override { return left; }
+    bool isLeaving() const override { return leaving; }
     void newConnection(std::unique_ptr<Connection> connection,
                        const ConnectionSettings& settings) override;
     bool closeConnection(const Connection* connection) override;
@@ -63,26 +62,20 @@ public:
     ReconnectResult reconnect(const Connection* connection, const QString& expectedId) override;
     bool disconnectLink(const Connection* connection) override;
 
-    const std::vector<std::unique_ptr<Connection>>& liveConnections() const { return connections; }
-    const QList<ConnectionStatus>& liveStatuses() const { return statuses; }
-    /// Indices of the systems on the plots, in the order in which they were shown.
-    const QList<int>& shownConnections() const { return displayedConnections; }
-
 public slots:
+    bool updateSettingsAndParameters(QList<ConnectionSettings>& settings) override;
     bool closedConnection(QString address);
     bool disconnectConnection(QString address);
-    /// Brings up the connected system with this address, else the first; `boardID` becomes the
-    /// identification of the controller that answers, whoever it is.
+    /// A `boardID` that is not empty is the controller that is expected; it becomes the one that
+    /// answered.
     bool reconnectConnection(QString address, QString& boardID);
-    bool updateSettingsAndParameters(QList<ConnectionSettings>& settings) override;
-    /// Puts a connected system on the plots or takes it off.
     void showConnection(QString id, bool show);
     /// `graph` is 0 for x, 1 for y, 2 for intensity.
     void updateColorGraph(QString id, QColor color, int graph);
     void changeLabel(QString address, QString label);
     void changeGroupId(QString name, int id);
 
-    /// Switches the stabilisation of a stage, 1 or 2, of any connected system.
+    /// Switches the stabilisation of a stage, 1 or 2, of every connected system with the address.
     void activeStage(QString id, int stage, bool activate);
     /// Reads the status of the current connection and shows it. False if that failed; the fourth
     /// failure in a row stops the acquisition and says so.
@@ -141,7 +134,6 @@ signals:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    bool eventFilter(QObject* object, QEvent* event) override;
 
 private slots:
     void updateData();
@@ -150,115 +142,37 @@ private slots:
     void on_actionExit_triggered();
 
 private:
-    /// The samples that one connection gave to a tick.
-    struct Block
-    {
-        int connection;
-        std::vector<MeasureSample> samples;
-    };
-    /// The next samples of a time plot that pass without a point.
-    struct Decimation
-    {
-        int every;
-        int counter;
-        bool takes();
-    };
-
-    // Construction, in the order of their calls.
+    // Construction.
+    std::unique_ptr<Ui::MainWindow> makeForm();
+    StageView::Widgets stage1Widgets();
+    StageView::Widgets stage2Widgets();
     void addServiceMenu();
-    void addToolBar();
-    void addToolBarEnd(QToolBar& toolBar);
-    void makeStageViews();
     void createDialogs();
     void dressWindow();
-    void makeOsciPlots();
-    void makeTimePlots();
-    void makeStatisticsOverlay();
-    void makePiezoBars();
-    void wire();
+    void wireSystems();
     void wireToolBar();
+    void wireOverview();
     void wireDialogs();
-    void wireActions();
-    void disableWhatNeedsAConnection();
+    void wireMenus();
     void disableWhatIsNotOffered();
-    void loadSetupFile();
 
-    // The tick.
-    std::vector<Block> drainStores();
-    void showSamples(const std::vector<Block>& blocks);
-    void appendTimePoints(StageView& stage, const MeasureSample& sample, int connection,
-                          Decimation& decimation);
-    void appendPointingPoints(const MeasureSample& sample, int connection);
-    void showReadouts(const MeasureSample& sample, int connection);
-    void wrapSweep(StageView& stage, quint64 timeMs);
-    /// False if the run has come to its end.
-    bool countSample(const Block& block, bool first, bool last);
-    void takeStatus(const MeasureSample& sample, int connection);
-    void replotAll();
-    void pollStatuses();
-    void showStageStates();
-    void updateDisplayUnits();
-    void showUnit(StageView& stage, const UnitChoice& choice);
-    void updateRateLimits();
-    void lockRateToPulses();
-    bool allDisplayedArePulsed() const;
-    double toDisplayValue(int raw, unsigned intensityRaw, int connectionIndex, unsigned stage,
-                          bool respectAgreement) const;
-    void startTicking();
-    void stopTicking();
-
-    // Acquisition and stabilisation.
-    int wantedSamples();
-    void joinAcquisition(Connection& connection);
-    void restart(StreamPause& pause);
-    bool switchStage(StageView& stage);
-    void showSwitch(StageView& stage, bool on);
-    void readStatusAfterSwitch(int connectionIndex);
-    void storeStatusReply(ConnectionStatus& status, const QByteArray& reply);
-    uchar pollStatusByte();
-
-    // Registry.
-    class KeepingClosed;
-    int indexOf(const QString& address) const;
-    int indexOf(const Connection* link) const;
-    int indexOfConnected(const QString& address) const;
-    Connection& connectionAt(int index) const { return *connections[std::size_t(index)]; }
-    /// What the stabilisation buttons address; null if it is not registered any more.
-    Connection* currentLink() const;
-    void watchLink(Connection& link);
-    void takeLoss(const Connection* link);
-    void endLink(Connection& link);
-    /// The connected one with this address, else the first; -1 if there is none.
-    int indexMeantBy(const QString& address) const;
-    /// Brings up a link and finds out who answers. With an empty `expectedId` any controller will
-    /// do. `id` is what the controller says of itself.
-    ReconnectResult bringBack(Connection& link, const QString& expectedId, QString& id);
-    bool comesUp(Connection& link);
-    void showSystem(int index);
-    void hideIfDisplayed(int index);
-    void hideDisplayed(int position);
-    void showForSingleSystem(int index);
-    void hideSingleSystemWidgets();
-    void setSingleSystemWidgetsVisible(bool visible);
-    void enableControls(bool on);
-    void setCurveColors(int index);
-    void colorAxisLabels(const ConnectionStatus& status);
-    void blackenAxisLabels();
-    void clearCurvesOf(int index);
-    void updateMaxRate();
-
-    void showStatistics(StageView& stage, bool on);
-    void unZoomOsci(StageView& stage);
-    void unZoomPlot(StageView& stage);
-    void rescaleTime(StageView& stage, int min, int max);
-    void openManual(const QString& fileName);
+    void onSystemClosed(int index, const Connection* connection);
+    void showSystem(const Connection* connection, bool show);
+    void tellLinkFailed();
     void leave();
 
-    static constexpr int maxDisplayed = 50;
-
     std::unique_ptr<Ui::MainWindow> ui;
-    std::unique_ptr<ConnectingNotice> connectingNotice;
-    std::unique_ptr<QTimer> updateTimer;
+    WaitNotice waitNotice;
+    LiveSystems systems;
+    MonitorToolBar toolBar;
+    Stages stages;
+    TickTimer updateTimer;
+    Statistics statistics;
+    Acquisition acquisition;
+    Stabilisation stabilisation;
+    DisplayTick displayTick;
+    PlotFrame plotFrame;
+    SystemsView systemsView;
 
     // Children of this window.
     SettingsDialog* settingsDialog = nullptr;
@@ -270,51 +184,6 @@ private:
     RescaleTimeAxisDlg* rescaleTimeAxisDlg = nullptr;
     InformationDialog* informationDialog = nullptr;
     QMessageBox* streamErrorBox = nullptr;
-    QAction* startAction = nullptr;
-    QAction* clearAction = nullptr;
-    Counter* samplesToTakeCounter = nullptr;
-    Counter* updateRateCounter = nullptr;
-    Counter* samplingRateCounter = nullptr;
-    QRadioButton* oscilloscopeRadio = nullptr;
-    QRadioButton* pointingRadio = nullptr;
-    QLabel* recordingLight = nullptr;
-    QLabel* recordingText = nullptr;
 
-    QPalette paletteOn;
-    QPalette paletteOff;
-
-    std::array<StageView, 2> stages;
-
-    std::vector<std::unique_ptr<Connection>> connections;
-    /// Closed, but still in use further up the stack.
-    std::vector<std::unique_ptr<Connection>> keptClosed;
-    int keepingClosed = 0;
-    QList<ConnectionStatus> statuses;
-    /// Owned by the parameter dialog.
-    QList<DetectorPair>* detectorPairs = nullptr;
-    QList<StatisticsSums> statisticsSums;
-    /// Indices of the systems on the plots, in the order in which they were shown.
-    QList<int> displayedConnections;
-    /// Indices of the systems whose common detector is shown; there are none.
-    QList<int> commonConnections;
-    /// What the stabilisation buttons address.
-    int currentConnection = 0;
-
-    QElapsedTimer statisticsTime;
-    int samplesTaken = 0;
-    /// -1 for a run without limit.
-    int samplesToTake = -1;
-    int samplesShown = 0;
-    std::array<QPointF, 2> currentPosition;
-    std::array<QPointF, 2> meanPosition;
-    std::array<double, 2> rms{0.0, 0.0};
-
-    /// Failed status reads in a row.
-    int commErrorCount = 0;
-    uchar statusByte = 0;
-
-    bool pulsedRateLock = false;
-    int savedSamplingRate = 0;
-    int maxRate = 0;
-    bool left = false;
+    bool leaving = false;
 };

@@ -1,12 +1,12 @@
+#include "window/stabilisation.h"
+
 #include "link/connection.h"
 #include "link/packet.h"
 #include "link/streampause.h"
 #include "setup/waitcursor.h"
-#include "window/mainwindow.h"
-
-#include <QLabel>
-#include <QMessageBox>
-#include <QPushButton>
+#include "window/livesystems.h"
+#include "window/monitortoolbar.h"
+#include "window/statusflags.h"
 
 namespace {
 
@@ -15,164 +15,130 @@ constexpr unsigned long switchMs = 100;
 constexpr uchar failedStatus = statusflag::lastPacket;
 constexpr int statusReplyLength = 4;
 constexpr int statusOffset = 2;
-constexpr int maxCommErrors = 4;
+constexpr int maxFailures = 4;
 
-bool failed(uchar status)
+bool hasFailed(uchar status)
 {
     return (status & statusflag::lastPacket) != 0;
 }
 
-/// What an accepted switch says of its stage, until the controller says more.
-void noteSwitch(ConnectionStatus& status, int stage, bool on)
-{
-    (stage == 1 ? status.stabilised1 : status.stabilised2) = on;
-    if (!on)
-        (stage == 1 ? status.active1 : status.active2) = false;
-}
-
-void sendSwitch(Connection& connection, int stage, bool on, QByteArray& reply)
+QByteArray sendSwitch(Connection& connection, int stage, bool on)
 {
     if (on)
         connection.switchStabilisationOn(command::stageArgument(stage));
     else
         connection.switchStabilisationOff(command::stageArgument(stage));
+    QByteArray reply;
     connection.fetchReply(reply);
+    return reply;
+}
+
+bool isWholeStatus(const QByteArray& reply)
+{
+    return command::isAccepted(reply) && reply.size() >= statusReplyLength
+           && reply.at(statusReplyLength - 1) == command::terminator;
 }
 
 } // namespace
 
-bool MainWindow::on_push_Stab1_clicked()
-{
-    return switchStage(stages[0]);
-}
+Stabilisation::Stabilisation(LiveSystems& liveSystems, Stages& stageViews,
+                             const MonitorToolBar& bar)
+    : systems(liveSystems)
+    , stages(stageViews)
+    , toolBar(bar)
+{}
 
-bool MainWindow::on_push_Stab2_clicked()
+void Stabilisation::switchAsClicked(StageView& stage)
 {
-    return switchStage(stages[1]);
-}
-
-bool MainWindow::switchStage(StageView& stage)
-{
-    if (!currentLink())
-        return true;
+    LiveSystem* system = systems.current();
+    if (!system)
+        return;
     const WaitCursor waiting;
-    const bool hadFocus = stage.stabilisation->hasFocus();
-    stage.stabilisation->setEnabled(false);
-    Connection& connection = *currentLink();
-    StreamPause pause(connection);
+    StageSwitch& button = stage.stabilisation();
+    const bool hadFocus = button.hasFocus();
+    button.setEnabled(false);
+    StreamPause pause(*system->connection);
 
-    const bool on = stage.stabilisation->isChecked();
-    QByteArray reply;
-    sendSwitch(connection, stage.number, on, reply);
+    const bool on = button.isWantedOn();
+    QByteArray reply = sendSwitch(*system->connection, stage.number(), on);
     if (!command::isAccepted(reply))
-        sendSwitch(connection, stage.number, on, reply);
-    // Without a good reply the button waits for the status to correct it.
+        reply = sendSwitch(*system->connection, stage.number(), on);
     if (command::isAccepted(reply)) {
-        showSwitch(stage, on);
-        noteSwitch(statuses[currentConnection], stage.number, on);
+        button.showOn(on);
+        statusflags::noteSwitch(system->status, stage.number(), on);
         if (!on)
-            stage.setActive(false);
+            button.showActive(false);
     }
-    readStatusAfterSwitch(currentConnection);
+    readStatusAfterSwitch(*system);
 
-    restart(pause);
-    stage.stabilisation->setEnabled(true);
+    if (!pause.resume(toolBar.samplingRateHz()))
+        emit streamFailed();
+    button.setEnabled(true);
     // Disabled, it lost the keyboard to its neighbour.
     if (hadFocus)
-        stage.stabilisation->setFocus();
-    return true;
+        button.setFocus();
 }
 
-void MainWindow::showSwitch(StageView& stage, bool on)
+void Stabilisation::switchStage(const Connection* connection, int stage, bool on)
 {
-    stage.stabilisation->setPalette(on ? paletteOn : paletteOff);
-    stage.stabilisation->setText(on ? tr("ON") : tr("OFF"));
-    stage.stabilisation->setChecked(on);
+    const int index = systems.indexOf(connection);
+    if (index < 0 || !connection->isConnected())
+        return;
+    const WaitCursor waiting;
+    LiveSystem& system = systems.at(index);
+    StreamPause pause(*system.connection);
+    sendSwitch(*system.connection, stage, on);
+    readStatusAfterSwitch(system);
+    if (!pause.resume(toolBar.samplingRateHz()))
+        emit streamFailed();
 }
 
-void MainWindow::readStatusAfterSwitch(int connectionIndex)
+void Stabilisation::readStatusAfterSwitch(LiveSystem& system)
 {
-    Connection& connection = connectionAt(connectionIndex);
+    Connection& connection = *system.connection;
     if (packet::hasFlags(connection.firmwareVersion()))
         return;
     QThread::msleep(switchMs);
     connection.getStatusFlags();
     QByteArray reply;
     connection.fetchReply(reply);
-    storeStatusReply(statuses[connectionIndex], reply);
+    statusflags::takeReply(system.status, reply);
 }
 
-void MainWindow::storeStatusReply(ConnectionStatus& status, const QByteArray& reply)
+uchar Stabilisation::readStatus()
 {
-    if (reply.size() <= statusOffset)
-        return;
-    const auto flags = uchar(reply.at(statusOffset));
-    status.stabilised1 = (flags & statusflag::stabilised1) != 0;
-    status.stabilised2 = (flags & statusflag::stabilised2) != 0;
-    status.active1 = (flags & statusflag::active1) != 0;
-    status.active2 = (flags & statusflag::active2) != 0;
-    status.statusValid = true;
-}
-
-void MainWindow::activeStage(QString id, int stage, bool activate)
-{
-    const WaitCursor waiting;
-    for (int index = 0; index < statuses.size(); ++index) {
-        Connection& connection = connectionAt(index);
-        if (connection.address() != id || !connection.isConnected())
-            continue;
-        StreamPause pause(connection);
-        QByteArray reply;
-        sendSwitch(connection, stage, activate, reply);
-        readStatusAfterSwitch(index);
-        restart(pause);
-    }
-}
-
-uchar MainWindow::pollStatusByte()
-{
-    Connection* connection = currentLink();
-    if (!connection)
+    LiveSystem* system = systems.current();
+    if (!system)
         return failedStatus;
     QByteArray reply;
-    connection->getStatusFlags();
-    connection->fetchReply(reply);
-    const bool good = command::isAccepted(reply) && reply.size() >= statusReplyLength
-                      && reply.at(statusReplyLength - 1) == command::terminator;
-    if (!good)
+    system->connection->getStatusFlags();
+    system->connection->fetchReply(reply);
+    if (!isWholeStatus(reply))
         return failedStatus;
-    commErrorCount = 0;
+    failures = 0;
     return uchar(reply.at(statusOffset));
 }
 
-bool MainWindow::getStabilAndActiveStatus()
+bool Stabilisation::readAndShow()
 {
-    const uchar status = pollStatusByte();
-    if (failed(status)) {
-        commErrorCount = qMax(commErrorCount, 0) + 1;
-        if (commErrorCount < maxCommErrors)
-            return false;
-        stopDrawingPlots();
-        QMessageBox::critical(this, tr("Error"),
-                              tr("Too many communication errors.\nDevice disconnected."));
+    const uchar status = readStatus();
+    if (hasFailed(status)) {
+        ++failures;
+        if (failures >= maxFailures)
+            emit linkFailed();
         return false;
     }
-    statusByte = status;
-    showSwitch(stages[0], (status & statusflag::stabilised1) != 0);
-    showSwitch(stages[1], (status & statusflag::stabilised2) != 0);
-    return getActiveStatus(statusByte);
+    stages[0].stabilisation().showOn((status & statusflag::stabilised1) != 0);
+    stages[1].stabilisation().showOn((status & statusflag::stabilised2) != 0);
+    return showActive(status);
 }
 
-bool MainWindow::getActiveStatus(uchar flag)
+bool Stabilisation::showActive(uchar flags)
 {
-    uchar status = flag;
-    if (status == failedStatus) {
-        status = pollStatusByte();
-        if (failed(status))
-            return false;
-    }
-    statusByte = status;
-    stages[0].setActive((status & statusflag::active1) != 0);
-    stages[1].setActive((status & statusflag::active2) != 0);
+    const uchar status = flags == failedStatus ? readStatus() : flags;
+    if (flags == failedStatus && hasFailed(status))
+        return false;
+    stages[0].stabilisation().showActive((status & statusflag::active1) != 0);
+    stages[1].stabilisation().showActive((status & statusflag::active2) != 0);
     return true;
 }

@@ -1,9 +1,9 @@
 #include "window/stageview.h"
 
 #include "plots/genericplot.h"
+#include "window/unitchoice.h"
+#include "window/windowtext.h"
 
-#include <QCoreApplication>
-#include <QIcon>
 #include <QLabel>
 
 namespace {
@@ -15,57 +15,53 @@ void setTextColor(QLabel& label, const QColor& color)
     label.setPalette(palette);
 }
 
-QString activeName()
-{
-    return QCoreApplication::translate("MainWindow", "Active");
-}
-
 } // namespace
 
-StageValues stageValues(const MeasureSample& sample, std::size_t stage)
+StageView::StageView(int number, QWidget& parent, const Widgets& formWidgets)
+    : stageNumber(number)
+    , widgets(formWidgets)
+    , stagePlots(number, parent, widgets.plots)
+    , stageReadouts(number, widgets.numbers, widgets.bars, parent)
+    , stageSwitch(widgets.stabilisation, widgets.activeIcon, widgets.activeText)
+    , overlay(number, stagePlots.pointing(), widgets.statisticsBox)
+{}
+
+QString StageView::unitText() const
 {
-    if (stage == 0)
-        return {sample.x1, sample.y1, sample.intensity1, sample.rx1, sample.ry1};
-    return {sample.x2, sample.y2, sample.intensity2, sample.rx2, sample.ry2};
+    return widgets.unitLabel.text();
 }
 
-QString StageView::widgetName(const char* before, const char* after) const
+bool StageView::showUnit(const UnitChoice& choice, bool anySystemDisplayed)
 {
-    return QLatin1String(before) + QString::number(number) + QLatin1String(after);
+    agreement = choice.unitsAgree;
+    const QString unit = choice.unit();
+    const QString text = QStringLiteral(" [") + unit + QLatin1Char(']');
+    const bool sameText = unitText() == text;
+    if (sameText && stagePlots.positionMax() == choice.maxPosition())
+        return false;
+    if (!sameText && choice.unitsAgree && !anySystemDisplayed)
+        return false;
+
+    widgets.unitLabel.setText(text);
+    widgets.xLabel.setText(WindowText::tr("X [%1]").arg(unit));
+    widgets.yLabel.setText(WindowText::tr("Y [%1]").arg(unit));
+    widgets.positionXLabel.setText(WindowText::tr("Position x [%1]").arg(unit));
+    widgets.positionYLabel.setText(WindowText::tr("Position y [%1]").arg(unit));
+    stagePlots.setPositionRange(choice.maxPosition(), choice.minPosition());
+    stagePlots.clearAllCurves();
+    stageReadouts.clearAverages();
+    return true;
 }
 
-void StageView::clearAverages()
+void StageView::setSingleSystemVisible(bool visible)
 {
-    averageX.clear();
-    averageY.clear();
-    averageI.clear();
-}
-
-void StageView::clearCurves()
-{
-    osciPlot->clear();
-    positionPlot->clear();
-    intensityPlot->clear();
-}
-
-bool StageView::showsActive() const
-{
-    return activeText->text() == activeName();
-}
-
-void StageView::setActive(bool active)
-{
-    // Only an icon finds the picture for a screen of twice the density.
-    const QIcon light(active ? QStringLiteral(":/images/green_light.png")
-                             : QStringLiteral(":/images/red_light.png"));
-    activeIcon->setPixmap(light.pixmap(activeIcon->maximumSize()));
-    activeText->setText(active ? activeName()
-                               : QCoreApplication::translate("MainWindow", "Inactive"));
+    for (QWidget* widget : qAsConst(widgets.singleSystemWidgets))
+        widget->setVisible(visible);
 }
 
 void StageView::setAxisColors(const QColor& x, const QColor& y, const QColor& intensity)
 {
-    setTextColor(*xAxisLabel, x);
-    setTextColor(*yAxisLabel, y);
-    setTextColor(*iAxisLabel, intensity);
+    setTextColor(widgets.xAxisLabel, x);
+    setTextColor(widgets.yAxisLabel, y);
+    setTextColor(widgets.intensityAxisLabel, intensity);
 }

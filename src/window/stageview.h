@@ -1,96 +1,78 @@
 #pragma once
 
-#include "model/measuresample.h"
-#include "window/readoutaverage.h"
+#include "window/stageplots.h"
+#include "window/stagereadouts.h"
+#include "window/stageswitch.h"
+#include "window/statisticsoverlay.h"
 
 #include <QList>
-#include <QString>
-#include <QtGlobal>
-#include <qwt_plot_shapeitem.h>
-#include <qwt_plot_textlabel.h>
-#include <qwt_text.h>
 
-#include <memory>
-
-class GenericPlot;
-class QCheckBox;
 class QColor;
 class QLabel;
-class QLCDNumber;
-class QPushButton;
-class QWidget;
-class ThermoSlider;
+struct UnitChoice;
 
-/// The values of one stage in a sample, in millivolts.
-struct StageValues
+/// The display of one stage: its plots, readouts, switch and statistics, and the labels that name
+/// the unit and the axes.
+class StageView final
 {
-    int x;
-    int y;
-    unsigned intensity;
-    int rx;
-    int ry;
-};
+public:
+    /// The widgets of the form that belong to the stage. They have to live longer than the view.
+    struct Widgets
+    {
+        StagePlots::Layouts plots;
+        StageReadouts::Numbers numbers;
+        StageReadouts::BarLayouts bars;
+        QPushButton& stabilisation;
+        QLabel& activeIcon;
+        QLabel& activeText;
+        QCheckBox& statisticsBox;
+        /// Shows the unit in use and is where it is read back from.
+        QLabel& unitLabel;
+        QLabel& xLabel;
+        QLabel& yLabel;
+        QLabel& positionXLabel;
+        QLabel& positionYLabel;
+        QLabel& xAxisLabel;
+        QLabel& yAxisLabel;
+        QLabel& intensityAxisLabel;
+        /// What is visible only while exactly one system is displayed.
+        QList<QWidget*> singleSystemWidgets;
+    };
 
-/// `stage` is 0 or 1.
-StageValues stageValues(const MeasureSample& sample, std::size_t stage);
+    /// `number` is 1 or 2. Plots and bars are made as children of `parent`.
+    StageView(int number, QWidget& parent, const Widgets& widgets);
+    StageView(const StageView&) = delete;
+    StageView& operator=(const StageView&) = delete;
 
-/// The widgets of one stage, and what its display remembers. The widgets belong to the window and
-/// live longer than this.
-struct StageView
-{
     /// 1 or 2, as the controller counts.
-    int number = 0;
+    int number() const { return stageNumber; }
+    StagePlots& plots() { return stagePlots; }
+    const StagePlots& plots() const { return stagePlots; }
+    StageReadouts& readouts() { return stageReadouts; }
+    StageSwitch& stabilisation() { return stageSwitch; }
+    StatisticsOverlay& statistics() { return overlay; }
 
-    GenericPlot* osciPlot = nullptr;
-    GenericPlot* positionPlot = nullptr;
-    GenericPlot* intensityPlot = nullptr;
-    ThermoSlider* thermoX = nullptr;
-    ThermoSlider* thermoY = nullptr;
-    QLCDNumber* lcdX = nullptr;
-    QLCDNumber* lcdY = nullptr;
-    QLCDNumber* lcdI = nullptr;
+    /// Shows positions in the unit and range of `choice`, and empties the plots for it. False if
+    /// that changes nothing: the stage shows them already, or no system is displayed whose unit
+    /// could count.
+    bool showUnit(const UnitChoice& choice, bool anySystemDisplayed);
+    /// Whether all displayed systems show this stage in one length unit.
+    bool unitsAgree() const { return agreement; }
+    QString unitText() const;
 
-    QPushButton* stabilisation = nullptr;
-    QLabel* activeIcon = nullptr;
-    QLabel* activeText = nullptr;
-    QCheckBox* statisticsBox = nullptr;
-
-    /// Shows the unit in use and is where it is read back from.
-    QLabel* unitLabel = nullptr;
-    QLabel* xLabel = nullptr;
-    QLabel* yLabel = nullptr;
-    QLabel* positionXLabel = nullptr;
-    QLabel* positionYLabel = nullptr;
-    QLabel* xAxisLabel = nullptr;
-    QLabel* yAxisLabel = nullptr;
-    QLabel* iAxisLabel = nullptr;
-    /// What is visible only while exactly one system is displayed.
-    QList<QWidget*> singleSystemWidgets;
-
-    QwtText statisticsText;
-    /// On the pointing plot only while statistics are shown.
-    std::unique_ptr<QwtPlotTextLabel> statisticsLabel;
-    std::unique_ptr<QwtPlotShapeItem> targetCross;
-
-    double timeWindowMs = 0.0;
-    /// Position range in the unit that the stage shows.
-    double positionMax = 0.0;
-    double positionMin = 0.0;
-    bool unitsAgree = true;
-    /// Time of the sample that stands at 0 of the time plots.
-    quint64 plotOriginMs = 0;
-
-    ReadoutAverage averageX;
-    ReadoutAverage averageY;
-    ReadoutAverage averageI;
-
-    /// Object name of a widget of this stage: "lcd" and "x" make "lcd1x" on stage 1.
-    QString widgetName(const char* before, const char* after = "") const;
-
-    void clearAverages();
-    void clearCurves();
-    void setActive(bool active);
-    bool showsActive() const;
+    void setSingleSystemVisible(bool visible);
     /// Colours the names at the axes like the curves that they stand for.
     void setAxisColors(const QColor& x, const QColor& y, const QColor& intensity);
+
+private:
+    int stageNumber;
+    Widgets widgets;
+    StagePlots stagePlots;
+    StageReadouts stageReadouts;
+    StageSwitch stageSwitch;
+    StatisticsOverlay overlay;
+    bool agreement = true;
 };
+
+/// Stage 1 and 2.
+using Stages = std::array<StageView, 2>;

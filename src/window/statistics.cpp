@@ -1,78 +1,89 @@
-#include "plots/genericplot.h"
-#include "window/mainwindow.h"
+#include "window/statistics.h"
 
-#include <QCheckBox>
-#include <qwt_plot_shapeitem.h>
-#include <qwt_plot_textlabel.h>
+#include "model/detectorpair.h"
+#include "window/livesystems.h"
 
-namespace {
-
-/// The text is built at most this often: that costs far more than the sums.
-constexpr qint64 textPeriodMs = 11;
-
-} // namespace
-
-void MainWindow::updateStatistics(int count, int index, bool display)
+Statistics::Statistics(LiveSystems& liveSystems, Stages& stageViews)
+    : systems(liveSystems)
+    , stages(stageViews)
 {
-    if (!display) {
-        for (std::size_t i = 0; i < stages.size(); ++i)
-            meanPosition[i] = statisticsSums[index][i].add(currentPosition[i], samplesTaken);
+    clock.start();
+}
+
+void Statistics::startClock()
+{
+    currentRun.startClock(clock.elapsed());
+}
+
+bool Statistics::take(LiveSystem& system, const StagePositions& positions, bool first, bool last)
+{
+    if (!currentRun.hasLimit())
+        return true;
+    if (currentRun.isCounting()) {
+        if (first)
+            currentRun.countSample();
+        // The first system counts; until it has delivered there is nothing to divide by.
+        if (currentRun.samplesTaken() > 0)
+            add(system, positions, currentRun.samplesTaken());
     }
-    if (display || statisticsTime.elapsed() >= textPeriodMs) {
-        for (std::size_t i = 0; i < stages.size(); ++i) {
-            rms[i] = statisticsSums[index][i].rms(samplesTaken);
-            stages[i].statisticsText.setText(
-                statisticsText(meanPosition[i], rms[i], count, (*detectorPairs)[index][i]->unit()));
-        }
-        statisticsTime.restart();
-        samplesShown = samplesTaken;
-    }
+    if (currentRun.isCounting() || !last)
+        return true;
+    refresh(system, currentRun.samplesTaken());
+    return false;
+}
+
+void Statistics::addLatest(LiveSystem& system, int count)
+{
+    add(system, currentRun.latest(), count);
+}
+
+void Statistics::add(LiveSystem& system, const StagePositions& positions, int count)
+{
+    currentRun.add(system.sums, positions);
+    if (currentRun.isTextDue(clock.elapsed()))
+        refresh(system, count);
+    else
+        moveCrosses();
+}
+
+void Statistics::refresh(const LiveSystem& system, int count)
+{
+    currentRun.refresh(system.sums, clock.elapsed());
     for (std::size_t i = 0; i < stages.size(); ++i) {
-        stages[i].statisticsLabel->setText(stages[i].statisticsText);
-        stages[i].targetCross->setShape(targetCrossShape(meanPosition[i], rms[i]));
+        const StageFigures& figures = currentRun.figures()[i];
+        stages[i].statistics().setText(
+            statisticsText(figures.mean, figures.rms, count, (*system.detectors)[i]->unit()));
     }
+    moveCrosses();
 }
 
-void MainWindow::enableStatistics(bool on)
+void Statistics::moveCrosses()
+{
+    for (std::size_t i = 0; i < stages.size(); ++i)
+        stages[i].statistics().moveCross(currentRun.figures()[i]);
+}
+
+void Statistics::clear()
+{
+    for (int i = 0; i < systems.size(); ++i)
+        systems.at(i).sums = StatisticsSums();
+    currentRun.clear();
+    for (StageView& stage : stages)
+        stage.statistics().clear();
+}
+
+void Statistics::enable(bool on)
 {
     for (StageView& stage : stages) {
-        stage.statisticsBox->setEnabled(on);
-        if (!on)
-            stage.statisticsBox->setChecked(false);
-        showStatistics(stage, stage.statisticsBox->isChecked());
+        stage.statistics().enable(on);
+        show(stage, stage.statistics().isWanted());
     }
 }
 
-void MainWindow::showStatistics1(bool on)
+void Statistics::show(StageView& stage, bool on)
 {
-    showStatistics(stages[0], on);
-}
-
-void MainWindow::showStatistics2(bool on)
-{
-    showStatistics(stages[1], on);
-}
-
-void MainWindow::showStatistics(StageView& stage, bool on)
-{
-    if (on && displayedConnections.size() == 1 && samplesShown != 0)
-        updateStatistics(samplesShown, displayedConnections.first(), true);
-    stage.statisticsLabel->attach(on ? stage.osciPlot : nullptr);
-    stage.targetCross->attach(on ? stage.osciPlot : nullptr);
-    stage.osciPlot->replot();
-}
-
-void MainWindow::clearStatistics()
-{
-    for (StatisticsSums& sums : statisticsSums)
-        sums = StatisticsSums();
-    samplesTaken = 0;
-    samplesShown = 0;
-    rms.fill(0.0);
-    for (StageView& stage : stages) {
-        stage.statisticsText.setText(emptyStatisticsText());
-        stage.statisticsLabel->setText(stage.statisticsText);
-        stage.targetCross->setShape(restingCrossShape());
-        stage.osciPlot->replot();
-    }
+    const LiveSystem* system = systems.single();
+    if (on && system && currentRun.samplesShown() != 0)
+        refresh(*system, currentRun.samplesShown());
+    stage.statistics().show(on);
 }

@@ -22,6 +22,13 @@ struct StageSums
     double rms(int count) const;
 };
 
+/// What a stage shows of a run.
+struct StageFigures
+{
+    QPointF mean;
+    double rms = 0.0;
+};
+
 /// The sums of both stages of one connection.
 using StatisticsSums = std::array<StageSums, 2>;
 

@@ -4,22 +4,22 @@
 
 namespace {
 
-bool sharesLengthUnit(const QList<DetectorPair>& pairs, const QList<int>& displayed,
-                      std::size_t stage)
+using Pairs = std::vector<const DetectorPair*>;
+
+bool sharesLengthUnit(const Pairs& displayed, std::size_t stage)
 {
-    const PositionUnit reference = pairs[displayed.first()][stage]->unitCode();
-    return std::all_of(displayed.begin(), displayed.end(), [&](int index) {
-        const Detector& detector = *pairs[index][stage];
+    const PositionUnit reference = (*displayed.front())[stage]->unitCode();
+    return std::all_of(displayed.begin(), displayed.end(), [&](const DetectorPair* pair) {
+        const Detector& detector = *(*pair)[stage];
         return detector.calculation != 0 && detector.unitCode() == reference;
     });
 }
 
-const Detector* largestBeam(const QList<DetectorPair>& pairs, const QList<int>& displayed,
-                            std::size_t stage)
+const Detector* largestBeam(const Pairs& displayed, std::size_t stage)
 {
     const Detector* largest = nullptr;
-    for (const int index : displayed) {
-        const Detector* detector = pairs[index][stage];
+    for (const DetectorPair* pair : displayed) {
+        const Detector* detector = (*pair)[stage];
         if (!largest || detector->beamDiameter > largest->beamDiameter)
             largest = detector;
     }
@@ -39,9 +39,9 @@ QString UnitChoice::unit() const
     return detectorOrPlain(detector).unit();
 }
 
-int UnitChoice::unitCode() const
+PositionUnit UnitChoice::unitCode() const
 {
-    return int(detectorOrPlain(detector).unitCode());
+    return detectorOrPlain(detector).unitCode();
 }
 
 double UnitChoice::maxPosition() const
@@ -54,25 +54,26 @@ double UnitChoice::minPosition() const
     return detectorOrPlain(detector).minPosition();
 }
 
-std::array<UnitChoice, 2> chooseUnits(const QList<DetectorPair>& pairs, const QList<int>& displayed,
-                                      int current)
+std::array<UnitChoice, 2> chooseUnits(const std::vector<const DetectorPair*>& displayed,
+                                      const DetectorPair* current)
 {
     std::array<UnitChoice, 2> choices;
-    if (displayed.isEmpty())
+    if (displayed.empty())
         return choices;
-    // The current one can have been hidden while others stayed.
-    const int source = displayed.contains(current) ? current : displayed.first();
+    const bool isDisplayed =
+        std::find(displayed.begin(), displayed.end(), current) != displayed.end();
+    const DetectorPair& source = isDisplayed ? *current : *displayed.front();
     bool diameterMatters = false;
     for (std::size_t stage = 0; stage < choices.size(); ++stage) {
         UnitChoice& choice = choices[stage];
-        choice.unitsAgree = sharesLengthUnit(pairs, displayed, stage);
+        choice.unitsAgree = sharesLengthUnit(displayed, stage);
         if (choice.unitsAgree)
-            choice.detector = pairs[source][stage];
+            choice.detector = source[stage];
         diameterMatters = diameterMatters || detectorOrPlain(choice.detector).usesBeamDiameter();
     }
     for (std::size_t stage = 0; stage < choices.size(); ++stage) {
         if (diameterMatters && choices[stage].detector)
-            choices[stage].detector = largestBeam(pairs, displayed, stage);
+            choices[stage].detector = largestBeam(displayed, stage);
     }
     return choices;
 }

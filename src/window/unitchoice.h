@@ -2,9 +2,8 @@
 
 #include "model/detectorpair.h"
 
-#include <QList>
-
 #include <array>
+#include <vector>
 
 /// Which detector gives a stage's axis its unit and range.
 struct UnitChoice
@@ -16,14 +15,14 @@ struct UnitChoice
     const Detector* detector = nullptr;
 
     QString unit() const;
-    int unitCode() const;
+    PositionUnit unitCode() const;
     double maxPosition() const;
     double minPosition() const;
 };
 
-/// Finds the unit of both stages for the connections in `displayed`, indices into `pairs`. Where
-/// the units agree, the stage takes the detector of `current`, or of the first displayed one if
-/// that is hidden; if a beam diameter matters on any stage, that of the largest diameter, of equal
-/// ones the first displayed.
-std::array<UnitChoice, 2> chooseUnits(const QList<DetectorPair>& pairs, const QList<int>& displayed,
-                                      int current);
+/// Finds the unit of both stages for the detectors of the displayed systems, in their order. Where
+/// the units agree, the stage takes the detector of `current`, or of the first displayed system if
+/// that one is hidden; if a beam diameter matters on any stage, that of the largest diameter, of
+/// equal ones the first displayed. The choices hold for as long as the pairs live.
+std::array<UnitChoice, 2> chooseUnits(const std::vector<const DetectorPair*>& displayed,
+                                      const DetectorPair* current);

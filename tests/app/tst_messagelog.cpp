@@ -59,7 +59,7 @@ QStringList TestMessageLog::lines() const
     if (!file.open(QIODevice::ReadOnly))
         return {};
     QStringList list = QString::fromUtf8(file.readAll()).split('\n');
-    // Behind the last line's end.
+    // The last line ends with a line feed, behind which split() finds an empty line.
     list.removeLast();
     return list;
 }
@@ -147,7 +147,12 @@ void TestMessageLog::everyLevelIsWritten()
     logMessage().info() << "2";
     logMessage().warning() << "3";
     logMessage().critical() << "4";
-    QCOMPARE(lines().size(), 4);
+    const QStringList written = lines();
+    QCOMPARE(written.size(), 4);
+    QVERIFY(written[0].endsWith(":[Debug]:1"));
+    QVERIFY(written[1].endsWith(":[Info]:2"));
+    QVERIFY(written[2].endsWith(":[Warning]:3"));
+    QVERIFY(written[3].endsWith(":[Critical]:4"));
 }
 
 void TestMessageLog::fileThatCanNotBeOpenedLosesTheMessage()
@@ -176,9 +181,9 @@ void TestMessageLog::threadsKeepTheirLinesWhole()
     const QStringList all = lines();
     QCOMPARE(all.size(), threadCount * messageCount);
     for (int number = 0; number < threadCount; ++number) {
-        const QStringList own =
-            all.filter(QStringLiteral(":[Debug]:thread %1 message ").arg(number));
-        QCOMPARE(own.size(), messageCount);
+        const QRegularExpression whole(
+            QStringLiteral("^[0-9.]+,[0-9:.]+:\\[Debug\\]:thread %1 message [0-9]+$").arg(number));
+        QCOMPARE(all.filter(whole).size(), messageCount);
     }
 }
 

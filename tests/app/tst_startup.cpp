@@ -183,7 +183,7 @@ void TestStartup::unusableHomeGivesABoxAndStartupGoesOn()
     QCOMPARE(box.icon, QMessageBox::Critical);
     QCOMPARE(box.buttons, QMessageBox::StandardButtons(QMessageBox::Ok));
     QVERIFY(!box.hasParent);
-    // What the box needed has not eaten the arguments of the application.
+    // Showing the box did not remove Qt's options from the application's arguments.
     QCOMPARE(style, QStringLiteral("windows"));
     QCOMPARE(switches::configDir.path(), QStringLiteral("/proc/nowhere/Lumetra"));
 }

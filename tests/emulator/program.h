@@ -7,7 +7,7 @@
 
 constexpr int limitMs = 10000;
 
-/// The program, run with the given arguments.
+/// The emulator as a process of its own, run with the given arguments.
 class Program final
 {
 public:
@@ -29,7 +29,15 @@ public:
         while (!process.canReadLine() && process.waitForReadyRead(limitMs)) {}
         return QString::fromUtf8(process.readLine()).trimmed();
     }
-    void sendSignal(int number) { ::kill(static_cast<pid_t>(process.processId()), number); }
+    /// False, and nothing is sent, if the program does not run: its number would be 0 then, by
+    /// which a signal reaches the whole group of processes that this one belongs to.
+    bool sendSignal(int number)
+    {
+        // Takes notice of an end that was not seen yet.
+        process.waitForFinished(0);
+        const auto id = static_cast<pid_t>(process.processId());
+        return id > 0 && ::kill(id, number) == 0;
+    }
 
     QProcess process;
 };

@@ -8,6 +8,7 @@
 
 #include <csignal>
 #include <limits>
+#include <vector>
 
 using namespace emulator;
 using namespace wiretools;
@@ -34,6 +35,21 @@ Ready readyFrom(const QString& line)
     const QRegularExpression form("^tcp ([0-9.]+):([0-9]+) ([A-Z0-9]{11})$");
     const QRegularExpressionMatch match = form.match(line);
     return {match.captured(1), match.captured(2).toUShort(), match.captured(3)};
+}
+
+volatile std::sig_atomic_t signalsReceived = 0;
+
+/// The key by which the controller at that place identifies itself; empty if none answers.
+QString keyAt(const Ready& place)
+{
+    constexpr int replyBytes = 50;
+    QTcpSocket socket;
+    socket.connectToHost(place.address, place.port);
+    if (!socket.waitForConnected(limitMs))
+        return {};
+    socket.write("GID;");
+    while (socket.bytesAvailable() < replyBytes && socket.waitForReadyRead(limitMs)) {}
+    return QString::fromLatin1(socket.read(replyBytes).mid(16, 11));
 }
 
 CommandLine readArguments(const QStringList& arguments)
@@ -63,6 +79,7 @@ private slots:
     void faultsReachTheController();
     void recordingIsStreamed();
     void connectionsAreToldUnlessQuiet();
+    void signalToAProgramThatHasEndedReachesNobody();
 };
 
 void TestProgram::readyLineTellsPlaceAndKey()
@@ -73,33 +90,28 @@ void TestProgram::readyLineTellsPlaceAndKey()
 
     QCOMPARE(ready.address, QString("127.0.0.1"));
     QVERIFY(ready.port > 0);
-    QTcpSocket socket;
-    socket.connectToHost(ready.address, ready.port);
-    QVERIFY(socket.waitForConnected(limitMs));
-    socket.write("GID;");
-    while (socket.bytesAvailable() < 50 && socket.waitForReadyRead(limitMs)) {}
-    QCOMPARE(QString::fromLatin1(socket.readAll().mid(2).left(25).right(11)), ready.key);
+    QVERIFY(!ready.key.isEmpty());
+    QCOMPARE(keyAt(ready), ready.key);
 }
 
 void TestProgram::everyControllerAnswersAtItsOwnAddress()
 {
     Program program({"--tcp", "127.0.0.1:0", "--tcp", "127.0.0.2:0", "--tcp", "127.0.0.1:0"});
+    std::vector<Ready> controllers;
+    for (int i = 0; i < 3; ++i)
+        controllers.push_back(readyFrom(program.readLine()));
     QSet<QString> keys;
-    QSet<QString> places;
-    QStringList addresses;
-    for (int i = 0; i < 3; ++i) {
-        const Ready ready = readyFrom(program.readLine());
-        QTcpSocket socket;
-        socket.connectToHost(ready.address, ready.port);
-        QVERIFY(socket.waitForConnected(limitMs));
-        addresses.append(ready.address);
-        places.insert(ready.address + QString::number(ready.port));
-        keys.insert(ready.key);
+
+    for (const Ready& controller : controllers) {
+        QCOMPARE(keyAt(controller), controller.key);
+        keys.insert(controller.key);
     }
 
-    QCOMPARE(addresses, QStringList({"127.0.0.1", "127.0.0.2", "127.0.0.1"}));
-    QCOMPARE(places.size(), 3);
     QCOMPARE(keys.size(), 3);
+    QCOMPARE(controllers[0].address, QString("127.0.0.1"));
+    QCOMPARE(controllers[1].address, QString("127.0.0.2"));
+    QCOMPARE(controllers[2].address, QString("127.0.0.1"));
+    QVERIFY(controllers[0].port != controllers[2].port);
 }
 
 void TestProgram::runsRepeat()
@@ -139,7 +151,7 @@ void TestProgram::signalEndsItInOrder()
     socket.write(startAt(500));
     QVERIFY(socket.waitForReadyRead(limitMs));
 
-    program.sendSignal(number);
+    QVERIFY(program.sendSignal(number));
 
     QVERIFY(program.process.waitForFinished(limitMs));
     QCOMPARE(program.process.exitStatus(), QProcess::NormalExit);
@@ -349,7 +361,7 @@ void TestProgram::connectionsAreToldUnlessQuiet()
         QVERIFY(socket.waitForConnected(limitMs));
         socket.write("XYZ;");
         QVERIFY(socket.waitForReadyRead(limitMs));
-        program.sendSignal(SIGTERM);
+        QVERIFY(program.sendSignal(SIGTERM));
         QVERIFY(program.process.waitForFinished(limitMs));
 
         const QByteArray told = program.process.readAllStandardError();
@@ -357,6 +369,22 @@ void TestProgram::connectionsAreToldUnlessQuiet()
         QCOMPARE(told.contains(": refused XYZ\n"), !quiet);
         QCOMPARE(told.isEmpty(), quiet);
     }
+}
+
+void TestProgram::signalToAProgramThatHasEndedReachesNobody()
+{
+    // Processes that do not ask for this signal do not notice it.
+    constexpr int harmless = SIGURG;
+    signalsReceived = 0;
+    const auto before = std::signal(harmless, [](int) { signalsReceived = signalsReceived + 1; });
+    Program program({"--version"});
+    QVERIFY(program.process.waitForFinished(limitMs));
+
+    const bool sent = program.sendSignal(harmless);
+    std::signal(harmless, before);
+
+    QVERIFY(!sent);
+    QCOMPARE(int(signalsReceived), 0);
 }
 
 QTEST_GUILESS_MAIN(TestProgram)

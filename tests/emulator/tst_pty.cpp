@@ -1,6 +1,7 @@
 #include "emulator/emulatorhost.h"
 #include "emulator/serialline.h"
 #include "serialclient.h"
+#include "support/pseudoterminals.h"
 #include "wiretools.h"
 
 #include <QtTest>
@@ -32,6 +33,7 @@ class TestPty final : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void everyFirmwareAnswersAndStreams_data();
     void everyFirmwareAnswersAndStreams();
     void bytesAtTheSameRateAreUnchanged();
@@ -55,6 +57,12 @@ private slots:
     void controllersSpeakForThemselves();
     void tcpControllerHasNoPath();
 };
+
+void TestPty::initTestCase()
+{
+    if (!pseudoTerminalProblem().isEmpty())
+        QSKIP(qPrintable(pseudoTerminalProblem()));
+}
 
 void TestPty::everyFirmwareAnswersAndStreams_data()
 {

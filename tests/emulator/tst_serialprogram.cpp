@@ -1,6 +1,7 @@
 #include "emulator/commandline.h"
 #include "program.h"
 #include "serialclient.h"
+#include "support/pseudoterminals.h"
 #include "wiretools.h"
 
 #include <QTemporaryDir>
@@ -24,6 +25,7 @@ class TestSerialProgram final : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void readyLineOfASerialControllerTellsLinkAndKey();
     void serialControllersStandBesideOthers();
     void signalTakesTheLinksAway_data();
@@ -36,6 +38,12 @@ private slots:
     void serialOptionsReachTheController();
     void openingAndClosingAPortIsTold();
 };
+
+void TestSerialProgram::initTestCase()
+{
+    if (!pseudoTerminalProblem().isEmpty())
+        QSKIP(qPrintable(pseudoTerminalProblem()));
+}
 
 void TestSerialProgram::readyLineOfASerialControllerTellsLinkAndKey()
 {
@@ -90,7 +98,7 @@ void TestSerialProgram::signalTakesTheLinksAway()
     SerialClient client(folder.filePath("one"));
     QCOMPARE(client.exchange(startAt(500), packetBytes).size(), packetBytes);
 
-    program.sendSignal(number);
+    QVERIFY(program.sendSignal(number));
 
     QVERIFY(program.process.waitForFinished(limitMs));
     QCOMPARE(program.process.exitStatus(), QProcess::NormalExit);
@@ -104,7 +112,7 @@ void TestSerialProgram::linkOfAKilledRunIsReplaced()
     const QString link = folder.filePath("ttyUSB77");
     Program first({"--pty", link});
     first.readLine();
-    first.sendSignal(SIGKILL);
+    QVERIFY(first.sendSignal(SIGKILL));
     QVERIFY(first.process.waitForFinished(limitMs));
     QCOMPARE(linksIn(folder), QStringList({"ttyUSB77"}));
 

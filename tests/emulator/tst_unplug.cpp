@@ -1,5 +1,6 @@
 #include "emulator/emulatorhost.h"
 #include "serialclient.h"
+#include "support/pseudoterminals.h"
 #include "wiretools.h"
 
 #include <QFileInfo>
@@ -64,6 +65,7 @@ class TestUnplug final : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void init();
     void linkLeadsToTheTerminalUntilTheEnd();
     void linkThatLeadsNowhereIsReplaced();
@@ -92,6 +94,12 @@ private:
 
     std::unique_ptr<QTemporaryDir> folder;
 };
+
+void TestUnplug::initTestCase()
+{
+    if (!pseudoTerminalProblem().isEmpty())
+        QSKIP(qPrintable(pseudoTerminalProblem()));
+}
 
 void TestUnplug::init()
 {

@@ -98,16 +98,11 @@ private slots:
     void stopEndsARecording();
     void pointerWaitsDuringStartAndStop_data();
     void pointerWaitsDuringStartAndStop();
-    void samplingRateIsFixedWhileRunning();
     void refusedStartIsToldAndTheOthersRun_data();
     void refusedStartIsToldAndTheOthersRun();
     void unansweredStopIsRepeatedOnceAndEndsAllTheSame();
-    void newRunCountsFromZero();
-    void runEndsAtItsCount();
     void runOfSeveralEndsWithTheFirstOnesCount();
     void countCanBeChangedWhileRunning();
-    void enteringPointingModeWhileRunningBeginsANewCount();
-    void leavingPointingModeEndsTheLimit();
     void pulsedSystemLocksTheRate();
     void lockedStartKeepsTheRateThatWasAccepted();
     void lockOfAStoredSystemEndsAtTheFullRate();
@@ -194,20 +189,6 @@ void TestAcquisition::pointerWaitsDuringStartAndStop()
     QVERIFY(!QGuiApplication::overrideCursor());
 }
 
-void TestAcquisition::samplingRateIsFixedWhileRunning()
-{
-    WindowFixture fixture(1);
-    QVERIFY(fixture.openWithSystems());
-    auto* rate = fixture.find<Counter>("samplingRateCounter");
-    QVERIFY(fixture.clickAction("startAction"));
-    QVERIFY(!rate->isEnabled());
-    fixture.tick();
-    QVERIFY(!rate->isEnabled());
-    QVERIFY(fixture.clickAction("startAction"));
-    fixture.tick();
-    QVERIFY(rate->isEnabled());
-}
-
 void TestAcquisition::refusedStartIsToldAndTheOthersRun_data()
 {
     QTest::addColumn<bool>("silent");
@@ -248,42 +229,6 @@ void TestAcquisition::unansweredStopIsRepeatedOnceAndEndsAllTheSame()
     fixture.controller().setFaults({});
 }
 
-void TestAcquisition::newRunCountsFromZero()
-{
-    constexpr int sent = 301;
-    WindowFixture fixture(1, scripted(sent));
-    QVERIFY(fixture.openWithSystems());
-    QVERIFY(enterPointingMode(fixture));
-    for (int run = 0; run < 2; ++run) {
-        QVERIFY(fixture.clickAction("startAction"));
-        // The text is refreshed at most every 11 ms: ticking the box once more shows the last
-        // state.
-        QVERIFY(
-            fixture.tickUntil([&] { return pointsOf(fixture.pointingPlot(1), 0).size() == 300; }));
-        QVERIFY(fixture.click("checkBox_Stats1"));
-        QVERIFY(fixture.click("checkBox_Stats1"));
-        const int shown = shownSampleCount(fixture);
-        QVERIFY2(shown > 0 && shown <= 300, qPrintable(QString::number(shown)));
-        QVERIFY(fixture.clickAction("startAction"));
-    }
-}
-
-void TestAcquisition::runEndsAtItsCount()
-{
-    WindowFixture fixture(1, scripted(400));
-    QVERIFY(fixture.openWithSystems());
-    QVERIFY(enterPointingMode(fixture));
-    QVERIFY(fixture.type("samplesToTakeCounter", "150"));
-    QVERIFY(fixture.clickAction("startAction"));
-
-    auto* action = fixture.find<QAction>("startAction");
-    QTRY_VERIFY(!action->isChecked());
-    QCOMPARE(action->text(), QStringLiteral("Start"));
-    QVERIFY(!fixture.connection().isStreaming());
-    QCOMPARE(shownSampleCount(fixture), 150);
-    QCOMPARE(pointsOf(fixture.pointingPlot(1), 0).size(), 150);
-}
-
 void TestAcquisition::runOfSeveralEndsWithTheFirstOnesCount()
 {
     WindowFixture fixture(2, scripted(400));
@@ -313,39 +258,6 @@ void TestAcquisition::countCanBeChangedWhileRunning()
 
     fixture.find<Counter>("samplesToTakeCounter")->spinBox->setValue(1);
     QTRY_VERIFY(!fixture.find<QAction>("startAction")->isChecked());
-}
-
-void TestAcquisition::enteringPointingModeWhileRunningBeginsANewCount()
-{
-    WindowFixture fixture(1, scripted(501));
-    QVERIFY(fixture.openWithSystems());
-    QVERIFY(fixture.type("samplingRateCounter", "500"));
-    QVERIFY(!fixture.find<Counter>("samplesToTakeCounter")->isEnabled());
-    QVERIFY(fixture.clickAction("startAction"));
-    QVERIFY(fixture.tickUntil([&] { return fixture.connection().samplesStored() > 100; }));
-
-    QVERIFY(fixture.click("pointingRadio"));
-    QVERIFY(fixture.click("checkBox_Stats1"));
-    QVERIFY(fixture.tickUntil([&] { return fixture.connection().samplesStored() == 500; }));
-    fixture.tick();
-    QVERIFY(shownSampleCount(fixture) > 0);
-    QVERIFY(shownSampleCount(fixture) <= 400);
-}
-
-void TestAcquisition::leavingPointingModeEndsTheLimit()
-{
-    emulator::ControllerOptions options = scripted(10);
-    options.scriptRepeats = true;
-    WindowFixture fixture(1, options);
-    QVERIFY(fixture.openWithSystems());
-    QVERIFY(enterPointingMode(fixture));
-    QVERIFY(fixture.type("samplesToTakeCounter", "400"));
-    QVERIFY(fixture.clickAction("startAction"));
-    QVERIFY(fixture.click("oscilloscopeRadio"));
-    QVERIFY(!fixture.find<Counter>("samplesToTakeCounter")->isEnabled());
-    QVERIFY(fixture.tickUntil([&] { return fixture.connection().samplesStored() > 600; }));
-    QVERIFY(fixture.find<QAction>("startAction")->isChecked());
-    QVERIFY(fixture.connection().isStreaming());
 }
 
 void TestAcquisition::pulsedSystemLocksTheRate()

@@ -22,7 +22,7 @@ protected:
     bool eventFilter(QObject* object, QEvent* event) override
     {
         const auto* label = qobject_cast<const QLabel*>(object);
-        const bool isNotice = label && label->objectName() == QLatin1String("connectingNotice");
+        const bool isNotice = label && label->objectName() == QLatin1String("waitNotice");
         if (isNotice && event->type() == QEvent::Paint && !texts.endsWith(label->text()))
             texts.append(label->text());
         return false;
@@ -54,7 +54,7 @@ void TestArrival::theSystemThatIsBeingConnectedIsNamed()
     };
     QCOMPARE(reader.texts, QStringList({notice("System_1", 0), notice("System_2", 1)}));
     for (const QWidget* widget : QApplication::topLevelWidgets())
-        QVERIFY(widget->objectName() != QLatin1String("connectingNotice") || !widget->isVisible());
+        QVERIFY(widget->objectName() != QLatin1String("waitNotice") || !widget->isVisible());
 }
 
 void TestArrival::withoutStoredSystemsNothingIsSaid()

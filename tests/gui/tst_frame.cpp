@@ -53,7 +53,7 @@ void addTexts(const QVector<QPair<const char*, const char*>>& texts)
 
 } // namespace
 
-class tst_Frame final : public QObject
+class TestFrame final : public QObject
 {
     Q_OBJECT
 
@@ -88,19 +88,19 @@ private:
     std::unique_ptr<WindowFixture> fixture;
 };
 
-void tst_Frame::initTestCase()
+void TestFrame::initTestCase()
 {
     fixture = std::make_unique<WindowFixture>();
     QVERIFY(fixture->open());
 }
 
-void tst_Frame::cleanupTestCase()
+void TestFrame::cleanupTestCase()
 {
     fixture.reset();
     QCOMPARE(leftWidgets(), QString());
 }
 
-void tst_Frame::titleSizeAndFlags()
+void TestFrame::titleSizeAndFlags()
 {
     const MainWindow& window = fixture->window();
     QCOMPARE(window.windowTitle(), QString("Zev Lumetra"));
@@ -114,7 +114,7 @@ void tst_Frame::titleSizeAndFlags()
     QVERIFY(!window.windowIcon().isNull());
 }
 
-void tst_Frame::menusHoldTheirEntries_data()
+void TestFrame::menusHoldTheirEntries_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<QString>("title");
@@ -137,7 +137,7 @@ void tst_Frame::menusHoldTheirEntries_data()
                               << QStringList{"File", "Connection", "Data recording", "?"};
 }
 
-void tst_Frame::menusHoldTheirEntries()
+void TestFrame::menusHoldTheirEntries()
 {
     QFETCH(QByteArray, name);
     QFETCH(QString, title);
@@ -147,7 +147,7 @@ void tst_Frame::menusHoldTheirEntries()
     QCOMPARE(menu->property("title").toString(), title);
 }
 
-void tst_Frame::serviceMenuAppearsInServiceModeOnly()
+void TestFrame::serviceMenuAppearsInServiceModeOnly()
 {
     switches::serviceMode = true;
     WindowFixture service;
@@ -157,7 +157,7 @@ void tst_Frame::serviceMenuAppearsInServiceModeOnly()
     QCOMPARE(visibleEntries(*service.find<QMenuBar>("menubar")).last(), QString("Service"));
 }
 
-void tst_Frame::whatIsNotOfferedIsDisabled()
+void TestFrame::whatIsNotOfferedIsDisabled()
 {
     for (const char* name : {"actionOpenDataLog", "actionCloseDataLog", "actionAbout_the_Software",
                              "actionOperation_Tests"})
@@ -171,7 +171,7 @@ void tst_Frame::whatIsNotOfferedIsDisabled()
         fixture->find<QMenu>("menuParameters")->menuAction()));
 }
 
-void tst_Frame::labelsHaveTheirTexts_data()
+void TestFrame::labelsHaveTheirTexts_data()
 {
     addTexts({{"xyLabel1", " [V]"},
               {"xyLabel2", " [V]"},
@@ -206,7 +206,7 @@ void tst_Frame::labelsHaveTheirTexts_data()
               {"recordingText", "Data recording disabled"}});
 }
 
-void tst_Frame::labelsHaveTheirTexts()
+void TestFrame::labelsHaveTheirTexts()
 {
     QFETCH(QByteArray, name);
     QString text = fixture->find<QLabel>(name.constData())->text();
@@ -218,7 +218,7 @@ void tst_Frame::labelsHaveTheirTexts()
     QTEST(text, "text");
 }
 
-void tst_Frame::buttonsHaveTheirTexts_data()
+void TestFrame::buttonsHaveTheirTexts_data()
 {
     addTexts({{"push_Stab1", "OFF"},
               {"push_Stab2", "OFF"},
@@ -232,7 +232,7 @@ void tst_Frame::buttonsHaveTheirTexts_data()
               {"pointingRadio", "Pointing mode"}});
 }
 
-void tst_Frame::buttonsHaveTheirTexts()
+void TestFrame::buttonsHaveTheirTexts()
 {
     QFETCH(QByteArray, name);
     const auto* button = fixture->find<QAbstractButton>(name.constData());
@@ -241,7 +241,7 @@ void tst_Frame::buttonsHaveTheirTexts()
         QVERIFY(!button->isEnabled() && !button->isChecked());
 }
 
-void tst_Frame::switchesStartRedAndDisabled()
+void TestFrame::switchesStartRedAndDisabled()
 {
     for (const char* name : {"push_Stab1", "push_Stab2"}) {
         const auto* button = fixture->find<QPushButton>(name);
@@ -250,7 +250,7 @@ void tst_Frame::switchesStartRedAndDisabled()
     }
 }
 
-void tst_Frame::lightsAreSmallAndRed()
+void TestFrame::lightsAreSmallAndRed()
 {
     for (const char* name : {"label_ActiveIcon", "label_ActiveIcon_2"}) {
         const auto* light = fixture->find<QLabel>(name);
@@ -260,7 +260,7 @@ void tst_Frame::lightsAreSmallAndRed()
     }
 }
 
-void tst_Frame::readoutsAreGreenOnBlack()
+void TestFrame::readoutsAreGreenOnBlack()
 {
     for (const char* name : {"lcd1x", "lcd1y", "lcd1i", "lcd2x", "lcd2y", "lcd2i"}) {
         const auto* readout = fixture->find<QLCDNumber>(name);
@@ -272,7 +272,7 @@ void tst_Frame::readoutsAreGreenOnBlack()
     }
 }
 
-void tst_Frame::toolBarIsFixedAtTheTop()
+void TestFrame::toolBarIsFixedAtTheTop()
 {
     const auto* bar = fixture->find<QToolBar>("toolBar");
     QVERIFY(bar->inherits("Qor_ToolBar"));
@@ -283,7 +283,7 @@ void tst_Frame::toolBarIsFixedAtTheTop()
     QCOMPARE(bar->iconSize(), QSize(22, 22));
 }
 
-void tst_Frame::toolBarHoldsItsItemsInOrder()
+void TestFrame::toolBarHoldsItsItemsInOrder()
 {
     // Wide enough for the large type of a screen without fonts of its own.
     const QSize usual = fixture->window().size();
@@ -323,7 +323,7 @@ void tst_Frame::toolBarHoldsItsItemsInOrder()
     QTRY_COMPARE(bar->width(), usual.width());
 }
 
-void tst_Frame::countersHaveTheirRanges_data()
+void TestFrame::countersHaveTheirRanges_data()
 {
     QTest::addColumn<QByteArray>("name");
     QTest::addColumn<QString>("text");
@@ -337,7 +337,7 @@ void tst_Frame::countersHaveTheirRanges_data()
                              << QVector<int>{1, 10000000, 1000, 1000000};
 }
 
-void tst_Frame::countersHaveTheirRanges()
+void TestFrame::countersHaveTheirRanges()
 {
     QFETCH(QByteArray, name);
     const auto* counter = fixture->find<Counter>(name.constData());
@@ -346,7 +346,7 @@ void tst_Frame::countersHaveTheirRanges()
     QTEST(counter->findChild<QLabel*>()->text(), "text");
 }
 
-void tst_Frame::theUpdateRateFollowsTheSamplingRate()
+void TestFrame::theUpdateRateFollowsTheSamplingRate()
 {
     const auto* update = fixture->find<Counter>("updateRateCounter");
     QCOMPARE(update->partner.data(), fixture->find<Counter>("samplingRateCounter"));
@@ -361,7 +361,7 @@ void tst_Frame::theUpdateRateFollowsTheSamplingRate()
     QCOMPARE(update->spinBox->value(), 100);
 }
 
-void tst_Frame::countersIgnoreTheWheelWithoutFocus()
+void TestFrame::countersIgnoreTheWheelWithoutFocus()
 {
     QSpinBox& box = *fixture->find<Counter>("samplingRateCounter")->spinBox;
     const auto turn = [&box] {
@@ -381,7 +381,7 @@ void tst_Frame::countersIgnoreTheWheelWithoutFocus()
     QVERIFY(fixture->type("samplingRateCounter", "100"));
 }
 
-void tst_Frame::onlyPointingModeCountsSamples()
+void TestFrame::onlyPointingModeCountsSamples()
 {
     const auto* counter = fixture->find<Counter>("samplesToTakeCounter");
     QVERIFY(fixture->find<QRadioButton>("oscilloscopeRadio")->isChecked());
@@ -393,14 +393,14 @@ void tst_Frame::onlyPointingModeCountsSamples()
     QVERIFY(!counter->isEnabled());
 }
 
-void tst_Frame::startWaitsForASystem()
+void TestFrame::startWaitsForASystem()
 {
     QVERIFY(!fixture->find<QAction>("startAction")->isEnabled());
     QVERIFY(fixture->find<QAction>("clearAction")->isEnabled());
     QVERIFY(!fixture->clickAction("startAction"));
 }
 
-void tst_Frame::recordingIsOff()
+void TestFrame::recordingIsOff()
 {
     const auto* light = fixture->find<QLabel>("recordingLight");
     QCOMPARE(light->maximumSize(), QSize(22, 22));
@@ -409,7 +409,7 @@ void tst_Frame::recordingIsOff()
              picture(":/images/red_light.png", QSize(22, 22)));
 }
 
-void tst_Frame::constructionIsLogged()
+void TestFrame::constructionIsLogged()
 {
     WindowFixture other;
     LogCapture log;
@@ -426,5 +426,5 @@ void tst_Frame::constructionIsLogged()
     QCOMPARE(log.lines().last(), QString("debug: Finished destroying main window"));
 }
 
-QTEST_MAIN(tst_Frame)
+QTEST_MAIN(TestFrame)
 #include "tst_frame.moc"

@@ -111,7 +111,7 @@ QStringList squeezed(const QWidget& parent)
 
 } // namespace
 
-class tst_FrameLayout final : public QObject
+class TestFrameLayout final : public QObject
 {
     Q_OBJECT
 
@@ -137,19 +137,19 @@ private:
     std::unique_ptr<WindowFixture> fixture;
 };
 
-void tst_FrameLayout::init()
+void TestFrameLayout::init()
 {
     fixture = std::make_unique<WindowFixture>(2);
     QVERIFY(fixture->open());
 }
 
-void tst_FrameLayout::cleanup()
+void TestFrameLayout::cleanup()
 {
     fixture.reset();
     QCOMPARE(leftWidgets(), QString());
 }
 
-void tst_FrameLayout::oneSystemShowsItsFramesAndSecondHidesThem()
+void TestFrameLayout::oneSystemShowsItsFramesAndSecondHidesThem()
 {
     const auto shown = [this] {
         int visible = 0;
@@ -173,7 +173,7 @@ void tst_FrameLayout::oneSystemShowsItsFramesAndSecondHidesThem()
     QCOMPARE(shown(), QString("all"));
 }
 
-void tst_FrameLayout::namesAtTheAxesHaveTheColoursOfTheSystem()
+void TestFrameLayout::namesAtTheAxesHaveTheColoursOfTheSystem()
 {
     const auto colors = [this] {
         QStringList names;
@@ -198,7 +198,7 @@ void tst_FrameLayout::namesAtTheAxesHaveTheColoursOfTheSystem()
     QCOMPARE(colors(), black);
 }
 
-void tst_FrameLayout::pointingPlotsAreSquareAndColumnsEqual_data()
+void TestFrameLayout::pointingPlotsAreSquareAndColumnsEqual_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<int>("systems");
@@ -209,7 +209,7 @@ void tst_FrameLayout::pointingPlotsAreSquareAndColumnsEqual_data()
     }
 }
 
-void tst_FrameLayout::pointingPlotsAreSquareAndColumnsEqual()
+void TestFrameLayout::pointingPlotsAreSquareAndColumnsEqual()
 {
     QFETCH(QSize, size);
     QFETCH(int, systems);
@@ -234,7 +234,7 @@ void tst_FrameLayout::pointingPlotsAreSquareAndColumnsEqual()
         QCOMPARE(left(fixture->intensityPlot(stage)), left(fixture->positionPlot(stage)));
 }
 
-void tst_FrameLayout::pointingPlotsStaySquareInAnyUnit_data()
+void TestFrameLayout::pointingPlotsStaySquareInAnyUnit_data()
 {
     QTest::addColumn<double>("diameter1Um");
     QTest::addColumn<double>("diameter2Um");
@@ -244,7 +244,7 @@ void tst_FrameLayout::pointingPlotsStaySquareInAnyUnit_data()
     QTest::newRow("stage 2 has longer ones") << 0.0 << 10000.0;
 }
 
-void tst_FrameLayout::pointingPlotsStaySquareInAnyUnit()
+void TestFrameLayout::pointingPlotsStaySquareInAnyUnit()
 {
     QFETCH(double, diameter1Um);
     QFETCH(double, diameter2Um);
@@ -265,7 +265,7 @@ void tst_FrameLayout::pointingPlotsStaySquareInAnyUnit()
     QTRY_COMPARE(misshapen(*fixture), QString());
 }
 
-void tst_FrameLayout::pointingPlotsResizedWhileZoomedAreSquareAgain_data()
+void TestFrameLayout::pointingPlotsResizedWhileZoomedAreSquareAgain_data()
 {
     QTest::addColumn<QVector<int>>("zoomedStages");
     QTest::newRow("stage 1") << QVector<int>{1};
@@ -273,7 +273,7 @@ void tst_FrameLayout::pointingPlotsResizedWhileZoomedAreSquareAgain_data()
     QTest::newRow("both") << QVector<int>{1, 2};
 }
 
-void tst_FrameLayout::pointingPlotsResizedWhileZoomedAreSquareAgain()
+void TestFrameLayout::pointingPlotsResizedWhileZoomedAreSquareAgain()
 {
     QFETCH(QVector<int>, zoomedStages);
     for (const int stage : zoomedStages) {
@@ -286,7 +286,7 @@ void tst_FrameLayout::pointingPlotsResizedWhileZoomedAreSquareAgain()
     QTRY_COMPARE(misshapen(*fixture), QString());
 }
 
-void tst_FrameLayout::nothingOverlaps_data()
+void TestFrameLayout::nothingOverlaps_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<int>("systems");
@@ -301,7 +301,7 @@ void tst_FrameLayout::nothingOverlaps_data()
     }
 }
 
-void tst_FrameLayout::nothingOverlaps()
+void TestFrameLayout::nothingOverlaps()
 {
     QFETCH(QSize, size);
     QFETCH(int, systems);
@@ -317,7 +317,7 @@ void tst_FrameLayout::nothingOverlaps()
     QCOMPARE(overlaps(fixture->window()), QStringList());
 }
 
-void tst_FrameLayout::theSmallestWindowScrolls()
+void TestFrameLayout::theSmallestWindowScrolls()
 {
     QVERIFY(fixture->registerSystem(0));
     QVERIFY(resizeTo(*fixture, QSize(600, 450)));
@@ -331,7 +331,7 @@ void tst_FrameLayout::theSmallestWindowScrolls()
     QTRY_VERIFY(!far->visibleRegion().isEmpty());
 }
 
-void tst_FrameLayout::numbersOfAnyWidthMoveNothing()
+void TestFrameLayout::numbersOfAnyWidthMoveNothing()
 {
     QVERIFY(fixture->registerSystem(0));
     QVERIFY(resizeTo(*fixture, usualSize));
@@ -360,7 +360,7 @@ void tst_FrameLayout::numbersOfAnyWidthMoveNothing()
     }
 }
 
-void tst_FrameLayout::aLongLabelScrollsInTheOverviewAndWidensNothing()
+void TestFrameLayout::aLongLabelScrollsInTheOverviewAndWidensNothing()
 {
     QVERIFY(fixture->registerSystem(0));
     fixture->find<QAction>("actionConfiguration")->trigger();
@@ -391,5 +391,5 @@ void tst_FrameLayout::aLongLabelScrollsInTheOverviewAndWidensNothing()
     QCOMPARE(lastOfRow->visibleRegion().boundingRect(), lastOfRow->rect());
 }
 
-QTEST_MAIN(tst_FrameLayout)
+QTEST_MAIN(TestFrameLayout)
 #include "tst_framelayout.moc"

@@ -59,7 +59,7 @@ QVector<QRectF> midLines(const GenericPlot& plot, const char* title = "Horizonta
 
 } // namespace
 
-class tst_FrameView final : public QObject
+class TestFrameView final : public QObject
 {
     Q_OBJECT
 
@@ -89,19 +89,19 @@ private:
     std::unique_ptr<WindowFixture> fixture;
 };
 
-void tst_FrameView::init()
+void TestFrameView::init()
 {
     fixture = std::make_unique<WindowFixture>(2);
     QVERIFY(fixture->open());
 }
 
-void tst_FrameView::cleanup()
+void TestFrameView::cleanup()
 {
     fixture.reset();
     QCOMPARE(leftWidgets(), QString());
 }
 
-void tst_FrameView::pointingPlotsShowFiveVoltsOnAllAxes()
+void TestFrameView::pointingPlotsShowFiveVoltsOnAllAxes()
 {
     for (int stage = 1; stage <= 2; ++stage) {
         const GenericPlot& plot = fixture->pointingPlot(stage);
@@ -113,7 +113,7 @@ void tst_FrameView::pointingPlotsShowFiveVoltsOnAllAxes()
     }
 }
 
-void tst_FrameView::crossHairsStandOnThePointingPlots()
+void TestFrameView::crossHairsStandOnThePointingPlots()
 {
     for (int stage = 1; stage <= 2; ++stage) {
         const GenericPlot& plot = fixture->pointingPlot(stage);
@@ -124,7 +124,7 @@ void tst_FrameView::crossHairsStandOnThePointingPlots()
     }
 }
 
-void tst_FrameView::stoppingReplotsThePointingPlots()
+void TestFrameView::stoppingReplotsThePointingPlots()
 {
     QVERIFY(fixture->registerSystem(0));
     const SampleFeed feed(*fixture);
@@ -139,7 +139,7 @@ void tst_FrameView::stoppingReplotsThePointingPlots()
     QCOMPARE(position.count, 0);
 }
 
-void tst_FrameView::aColourScaleStandsBesideEachPiezoBar()
+void TestFrameView::aColourScaleStandsBesideEachPiezoBar()
 {
     QVERIFY(fixture->registerSystem(0));
     const QList<ColorScalesFrame*> strips = fixture->window().findChildren<ColorScalesFrame*>();
@@ -162,7 +162,7 @@ void tst_FrameView::aColourScaleStandsBesideEachPiezoBar()
     }
 }
 
-void tst_FrameView::timePlotsShowTenSeconds()
+void TestFrameView::timePlotsShowTenSeconds()
 {
     for (int stage = 1; stage <= 2; ++stage) {
         QCOMPARE(timeRange(*fixture, stage), QString("0..10"));
@@ -189,7 +189,7 @@ void tst_FrameView::timePlotsShowTenSeconds()
     }
 }
 
-void tst_FrameView::rescalingAnAxis_data()
+void TestFrameView::rescalingAnAxis_data()
 {
     QTest::addColumn<int>("axisId");
     QTest::addColumn<bool>("pairCheck");
@@ -211,7 +211,7 @@ void tst_FrameView::rescalingAnAxis_data()
         << 6 << true << QStringList{"-5..5", "-5..5", "-2..3", "-2..3"};
 }
 
-void tst_FrameView::rescalingAnAxis()
+void TestFrameView::rescalingAnAxis()
 {
     QFETCH(int, axisId);
     QFETCH(bool, pairCheck);
@@ -220,7 +220,7 @@ void tst_FrameView::rescalingAnAxis()
     QCOMPARE(timeRange(*fixture, 1), QString("0..10"));
 }
 
-void tst_FrameView::positionsOfDifferentUnitsDoNotFollow()
+void TestFrameView::positionsOfDifferentUnitsDoNotFollow()
 {
     ConnectionSettings record = fixture->record();
     record.model = {PsdDetector, SelectDetector};
@@ -235,7 +235,7 @@ void tst_FrameView::positionsOfDifferentUnitsDoNotFollow()
     QCOMPARE(valueRanges(*fixture), (QStringList{"-2..3", "-1..1", "0..4", "0..4"}));
 }
 
-void tst_FrameView::rescalingATimeAxis_data()
+void TestFrameView::rescalingATimeAxis_data()
 {
     QTest::addColumn<int>("axisId");
     QTest::addColumn<bool>("pairCheck");
@@ -254,7 +254,7 @@ void tst_FrameView::rescalingATimeAxis_data()
                                                      << "0..10";
 }
 
-void tst_FrameView::rescalingATimeAxis()
+void TestFrameView::rescalingATimeAxis()
 {
     QFETCH(int, axisId);
     QFETCH(bool, pairCheck);
@@ -265,7 +265,7 @@ void tst_FrameView::rescalingATimeAxis()
     QCOMPARE(valueRanges(*fixture), (QStringList{"-5..5", "-5..5", "0..8", "0..8"}));
 }
 
-void tst_FrameView::aRescaledTimeAxisAddsAMidLineToBothStages()
+void TestFrameView::aRescaledTimeAxisAddsAMidLineToBothStages()
 {
     const QRectF tenSeconds(0.0, 0.0, 10000.0, 0.0);
     const QRectF twentySeconds(0.0, 0.0, 20000.0, 0.0);
@@ -277,7 +277,7 @@ void tst_FrameView::aRescaledTimeAxisAddsAMidLineToBothStages()
                  (QVector<QRectF>{tenSeconds, twentySeconds}));
 }
 
-void tst_FrameView::resettingThePointingZoom()
+void TestFrameView::resettingThePointingZoom()
 {
     for (int stage = 1; stage <= 2; ++stage) {
         const GenericPlot& plot = fixture->pointingPlot(stage);
@@ -289,7 +289,7 @@ void tst_FrameView::resettingThePointingZoom()
     }
 }
 
-void tst_FrameView::resettingTheTimePlots()
+void TestFrameView::resettingTheTimePlots()
 {
     MainWindow& window = fixture->window();
     window.rescaleAxis(1, -1.0, 1.0, true);
@@ -304,7 +304,7 @@ void tst_FrameView::resettingTheTimePlots()
     QCOMPARE(timeRange(*fixture, 2), QString("0..10"));
 }
 
-void tst_FrameView::aRubberBandZoomsPointingPlotsOnly()
+void TestFrameView::aRubberBandZoomsPointingPlotsOnly()
 {
     for (int stage = 1; stage <= 2; ++stage) {
         user::dragBand(fixture->positionPlot(stage));
@@ -314,7 +314,7 @@ void tst_FrameView::aRubberBandZoomsPointingPlotsOnly()
     QCOMPARE(valueRanges(*fixture), (QStringList{"-5..5", "-5..5", "0..8", "0..8"}));
 }
 
-void tst_FrameView::keysChangeNothingInTheTimePlots_data()
+void TestFrameView::keysChangeNothingInTheTimePlots_data()
 {
     QTest::addColumn<Qt::Key>("key");
     QTest::newRow("undo") << Qt::Key_Minus;
@@ -323,7 +323,7 @@ void tst_FrameView::keysChangeNothingInTheTimePlots_data()
     QTest::newRow("select") << Qt::Key_Return;
 }
 
-void tst_FrameView::keysChangeNothingInTheTimePlots()
+void TestFrameView::keysChangeNothingInTheTimePlots()
 {
     QFETCH(Qt::Key, key);
     for (int stage = 1; stage <= 2; ++stage) {
@@ -347,7 +347,7 @@ void tst_FrameView::keysChangeNothingInTheTimePlots()
     }
 }
 
-void tst_FrameView::aClickOnAnAxisDoesNothingYet()
+void TestFrameView::aClickOnAnAxisDoesNothingYet()
 {
     const auto windows = [] {
         int visible = 0;
@@ -370,5 +370,5 @@ void tst_FrameView::aClickOnAnAxisDoesNothingYet()
     QCOMPARE(valueRanges(*fixture), (QStringList{"-5..5", "-5..5", "0..8", "0..8"}));
 }
 
-QTEST_MAIN(tst_FrameView)
+QTEST_MAIN(TestFrameView)
 #include "tst_frameview.moc"

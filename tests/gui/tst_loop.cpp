@@ -54,7 +54,7 @@ bool showsLight(const WindowFixture& fixture, const char* color)
 
 } // namespace
 
-class tst_Loop final : public QObject
+class TestLoop final : public QObject
 {
     Q_OBJECT
 
@@ -65,7 +65,7 @@ private slots:
     void thePiezoBarsFollowTheLoop();
 };
 
-void tst_Loop::switchingOnHoldsTheBeamAndSwitchingOffLetsItGo()
+void TestLoop::switchingOnHoldsTheBeamAndSwitchingOffLetsItGo()
 {
     emulator::ControllerOptions options;
     options.seed = 11;
@@ -102,7 +102,7 @@ void tst_Loop::switchingOnHoldsTheBeamAndSwitchingOffLetsItGo()
     QVERIFY(showsLight(held, "red"));
 }
 
-void tst_Loop::thePiezoBarsFollowTheLoop()
+void TestLoop::thePiezoBarsFollowTheLoop()
 {
     WindowFixture fixture(1);
     QVERIFY(prepare(fixture));
@@ -122,5 +122,5 @@ void tst_Loop::thePiezoBarsFollowTheLoop()
     QCOMPARE(bar(fixture, "thermoRX2"), restingX);
 }
 
-QTEST_MAIN(tst_Loop)
+QTEST_MAIN(TestLoop)
 #include "tst_loop.moc"

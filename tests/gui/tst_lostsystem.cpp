@@ -31,7 +31,7 @@ bool breakLink(const WindowFixture& fixture, const Connection& connection, int n
 
 } // namespace
 
-class tst_LostSystem final : public QObject
+class TestLostSystem final : public QObject
 {
     Q_OBJECT
 
@@ -46,7 +46,7 @@ private slots:
     void ofTwoWithOneAddressTheConnectedOneIsLost();
 };
 
-void tst_LostSystem::aLostSystemSaysReconnect()
+void TestLostSystem::aLostSystemSaysReconnect()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.open());
@@ -59,7 +59,7 @@ void tst_LostSystem::aLostSystemSaysReconnect()
     QVERIFY(fixture.window().shownConnections().isEmpty());
 }
 
-void tst_LostSystem::aSystemThatWasLostBeforeItCameSaysReconnect()
+void TestLostSystem::aSystemThatWasLostBeforeItCameSaysReconnect()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.open());
@@ -84,7 +84,7 @@ void tst_LostSystem::aSystemThatWasLostBeforeItCameSaysReconnect()
     QCOMPARE(fixture.connection().linkState(), LinkState::Disconnected);
 }
 
-void tst_LostSystem::aSystemThatWasLostBeforeItCameIsTakenOffThePlots()
+void TestLostSystem::aSystemThatWasLostBeforeItCameIsTakenOffThePlots()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.open());
@@ -97,7 +97,7 @@ void tst_LostSystem::aSystemThatWasLostBeforeItCameIsTakenOffThePlots()
     QVERIFY(fixture.window().shownConnections().isEmpty());
 }
 
-void tst_LostSystem::aLossDuringTheStopOfAClosedSystemIsNoNews()
+void TestLostSystem::aLossDuringTheStopOfAClosedSystemIsNoNews()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.open());
@@ -114,7 +114,7 @@ void tst_LostSystem::aLossDuringTheStopOfAClosedSystemIsNoNews()
     QCOMPARE(in<QLabel>(settingsDialog(fixture), "infoLabel").text(), QString());
 }
 
-void tst_LostSystem::ofTwoWithOneAddressTheConnectedOneIsShown()
+void TestLostSystem::ofTwoWithOneAddressTheConnectedOneIsShown()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.open());
@@ -123,7 +123,7 @@ void tst_LostSystem::ofTwoWithOneAddressTheConnectedOneIsShown()
     QCOMPARE(fixture.window().shownConnections(), QList<int>{1});
 }
 
-void tst_LostSystem::ofTwoWithOneAddressTheConnectedOneIsLost()
+void TestLostSystem::ofTwoWithOneAddressTheConnectedOneIsLost()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.open());
@@ -135,5 +135,5 @@ void tst_LostSystem::ofTwoWithOneAddressTheConnectedOneIsLost()
     QVERIFY(fixture.window().shownConnections().isEmpty());
 }
 
-QTEST_MAIN(tst_LostSystem)
+QTEST_MAIN(TestLostSystem)
 #include "tst_lostsystem.moc"

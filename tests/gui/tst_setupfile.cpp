@@ -69,7 +69,7 @@ QStringList savedLabels(const WindowFixture& fixture)
 
 } // namespace
 
-class tst_SetupFile final : public QObject
+class TestSetupFile final : public QObject
 {
     Q_OBJECT
 
@@ -84,7 +84,7 @@ private slots:
     void closingTheWindowEndsALoad();
 };
 
-void tst_SetupFile::ofSystemsWithoutAnAddressTheRightOneIsDeleted_data()
+void TestSetupFile::ofSystemsWithoutAnAddressTheRightOneIsDeleted_data()
 {
     QTest::addColumn<int>("line");
     QTest::addColumn<QStringList>("left");
@@ -93,7 +93,7 @@ void tst_SetupFile::ofSystemsWithoutAnAddressTheRightOneIsDeleted_data()
     QTest::newRow("the last") << 2 << QStringList({"one", "two"});
 }
 
-void tst_SetupFile::ofSystemsWithoutAnAddressTheRightOneIsDeleted()
+void TestSetupFile::ofSystemsWithoutAnAddressTheRightOneIsDeleted()
 {
     QFETCH(int, line);
     QFETCH(QStringList, left);
@@ -110,7 +110,7 @@ void tst_SetupFile::ofSystemsWithoutAnAddressTheRightOneIsDeleted()
     QCOMPARE(savedLabels(fixture), left);
 }
 
-void tst_SetupFile::aLabelOfASystemWithoutAnAddressIsSaved()
+void TestSetupFile::aLabelOfASystemWithoutAnAddressIsSaved()
 {
     WindowFixture fixture;
     QVERIFY(fixture.writeSetupFile({withoutAddress("nowhere", "AB000000001", "one"),
@@ -121,7 +121,7 @@ void tst_SetupFile::aLabelOfASystemWithoutAnAddressIsSaved()
     QCOMPARE(savedLabels(fixture), QStringList({"one", "two_b"}));
 }
 
-void tst_SetupFile::impossibleDetectorDataLetTheWindowOpen_data()
+void TestSetupFile::impossibleDetectorDataLetTheWindowOpen_data()
 {
     QTest::addColumn<QByteArray>("attributes");
     for (const char* attributes :
@@ -130,7 +130,7 @@ void tst_SetupFile::impossibleDetectorDataLetTheWindowOpen_data()
         QTest::newRow(attributes) << QByteArray(attributes);
 }
 
-void tst_SetupFile::impossibleDetectorDataLetTheWindowOpen()
+void TestSetupFile::impossibleDetectorDataLetTheWindowOpen()
 {
     QFETCH(QByteArray, attributes);
     WindowFixture fixture(1);
@@ -158,7 +158,7 @@ void tst_SetupFile::impossibleDetectorDataLetTheWindowOpen()
         QVERIFY(std::isfinite(point.y()));
 }
 
-void tst_SetupFile::closingTheWindowEndsALoad()
+void TestSetupFile::closingTheWindowEndsALoad()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.writeSetupFile({fixture.record(0), fixture.record(1)}));
@@ -178,5 +178,5 @@ void tst_SetupFile::closingTheWindowEndsALoad()
     QCOMPARE(tried, QStringList("System_1"));
 }
 
-QTEST_MAIN(tst_SetupFile)
+QTEST_MAIN(TestSetupFile)
 #include "tst_setupfile.moc"

@@ -68,7 +68,7 @@ QAbstractButton& showBox(const WindowFixture& fixture, int number)
 
 } // namespace
 
-class tst_ShownSystems final : public QObject
+class TestShownSystems final : public QObject
 {
     Q_OBJECT
 
@@ -82,7 +82,7 @@ private slots:
     void theSystemBeyondFiftyIsNotShown();
 };
 
-void tst_ShownSystems::recolouringAHiddenSystemLeavesTheLabels()
+void TestShownSystems::recolouringAHiddenSystemLeavesTheLabels()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.openWithSystems());
@@ -99,7 +99,7 @@ void tst_ShownSystems::recolouringAHiddenSystemLeavesTheLabels()
     QCOMPARE(labelColors(fixture).first(), QColor(Qt::yellow));
 }
 
-void tst_ShownSystems::showingAShownSystemAgainDoesNothing()
+void TestShownSystems::showingAShownSystemAgainDoesNothing()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.openWithSystems());
@@ -112,7 +112,7 @@ void tst_ShownSystems::showingAShownSystemAgainDoesNothing()
     QVERIFY(pointsOf(fixture.pointingPlot(1), 0).size() > 3);
 }
 
-void tst_ShownSystems::recordingNeedsAShownSystem()
+void TestShownSystems::recordingNeedsAShownSystem()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());
@@ -128,7 +128,7 @@ void tst_ShownSystems::recordingNeedsAShownSystem()
     QVERIFY(!recording->isRecordingEnabled());
 }
 
-void tst_ShownSystems::labelsOfSeveralCanBeReadOnADarkDesktop()
+void TestShownSystems::labelsOfSeveralCanBeReadOnADarkDesktop()
 {
     const DarkDesktop desktop;
     WindowFixture fixture(2);
@@ -140,7 +140,7 @@ void tst_ShownSystems::labelsOfSeveralCanBeReadOnADarkDesktop()
     QCOMPARE(labelColors(fixture), allOf(DarkDesktop::text));
 }
 
-void tst_ShownSystems::theSystemBeyondFiftyIsNotShown()
+void TestShownSystems::theSystemBeyondFiftyIsNotShown()
 {
     constexpr int count = 51;
     emulator::ControllerOptions quiet;
@@ -171,5 +171,5 @@ void tst_ShownSystems::theSystemBeyondFiftyIsNotShown()
     QVERIFY(showBox(fixture, 50).isChecked());
 }
 
-QTEST_MAIN(tst_ShownSystems)
+QTEST_MAIN(TestShownSystems)
 #include "tst_shownsystems.moc"

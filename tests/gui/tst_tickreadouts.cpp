@@ -3,7 +3,7 @@
 #include "emulator/packet.h"
 #include "link/connection.h"
 #include "link/serialport.h"
-#include "params/paramsdialog.h"
+#include "model/detectorpair.h"
 #include "plots/counter.h"
 #include "plots/genericplot.h"
 #include "plots/thermoslider.h"
@@ -108,7 +108,7 @@ private:
 
 } // namespace
 
-class tst_TickReadouts final : public QObject
+class TestTickReadouts final : public QObject
 {
     Q_OBJECT
 
@@ -146,7 +146,7 @@ private slots:
     void aSystemWithoutPulsesGivesItBack();
 };
 
-void tst_TickReadouts::readoutsShowVoltsWithTwoDecimals()
+void TestTickReadouts::readoutsShowVoltsWithTwoDecimals()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -163,7 +163,7 @@ void tst_TickReadouts::readoutsShowVoltsWithTwoDecimals()
     QCOMPARE(readouts(fixture), (QVector<double>{1.24, -2.34, 3.52, -0.01, 32.77, 65.53}));
 }
 
-void tst_TickReadouts::readoutsAverageOverTheLatest41Samples()
+void TestTickReadouts::readoutsAverageOverTheLatest41Samples()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -179,7 +179,7 @@ void tst_TickReadouts::readoutsAverageOverTheLatest41Samples()
     QCOMPARE(readouts(fixture), QVector<double>(6, 0.0));
 }
 
-void tst_TickReadouts::aSystemShownAgainStartsItsAverageAnew()
+void TestTickReadouts::aSystemShownAgainStartsItsAverageAnew()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -196,7 +196,7 @@ void tst_TickReadouts::aSystemShownAgainStartsItsAverageAnew()
     QCOMPARE(readouts(fixture).first(), 1.0);
 }
 
-void tst_TickReadouts::theLastSystemLeftStartsItsAverageAnew()
+void TestTickReadouts::theLastSystemLeftStartsItsAverageAnew()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.openWithSystems());
@@ -215,7 +215,7 @@ void tst_TickReadouts::theLastSystemLeftStartsItsAverageAnew()
     QCOMPARE(readouts(fixture).first(), 1.0);
 }
 
-void tst_TickReadouts::clearingStartsTheAverageAnew()
+void TestTickReadouts::clearingStartsTheAverageAnew()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -233,7 +233,7 @@ void tst_TickReadouts::clearingStartsTheAverageAnew()
     QCOMPARE(readouts(fixture).at(4), -1.0);
 }
 
-void tst_TickReadouts::aNewUnitStartsTheAverageAnew()
+void TestTickReadouts::aNewUnitStartsTheAverageAnew()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -242,16 +242,16 @@ void tst_TickReadouts::aNewUnitStartsTheAverageAnew()
     PacketValues values;
     values.x1 = values.x2 = 1200;
     QVERIFY(feed.show(QVector<PacketValues>(30, values)));
-    QList<DetectorPair>& pairs = *fixture.window().findChild<ParamsDialog*>()->detectorPairs();
-    pairs[0].setDetectorType(0, PsdDetector);
-    pairs[0][0]->calculation = 1;
+    DetectorPair& detectors = *fixture.window().liveSystems().at(0).detectors;
+    detectors.setDetectorType(0, PsdDetector);
+    detectors[0]->calculation = 1;
     QVERIFY(feed.show({values}));
     // 1.2 V are 1 mm.
     QCOMPARE(readouts(fixture).at(0), 1.0);
     QCOMPARE(readouts(fixture).at(3), 1.2);
 }
 
-void tst_TickReadouts::piezoBarsShowTheNewestSample()
+void TestTickReadouts::piezoBarsShowTheNewestSample()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -268,7 +268,7 @@ void tst_TickReadouts::piezoBarsShowTheNewestSample()
     QCOMPARE(bars(fixture), (QVector<double>{1.0, 2.5, 5.0, 7.75}));
 }
 
-void tst_TickReadouts::twoDisplayedSystemsLeaveReadoutsAndBarsAlone()
+void TestTickReadouts::twoDisplayedSystemsLeaveReadoutsAndBarsAlone()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.openWithSystems());
@@ -285,7 +285,7 @@ void tst_TickReadouts::twoDisplayedSystemsLeaveReadoutsAndBarsAlone()
     QCOMPARE(bars(fixture), QVector<double>(4, 0.0));
 }
 
-void tst_TickReadouts::clearingZeroesReadoutsAndBars()
+void TestTickReadouts::clearingZeroesReadoutsAndBars()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -301,7 +301,7 @@ void tst_TickReadouts::clearingZeroesReadoutsAndBars()
     QVERIFY(fixture.controller().isStreaming());
 }
 
-void tst_TickReadouts::aStateFromAnotherPathReachesTheButtonOfASingleSystem_data()
+void TestTickReadouts::aStateFromAnotherPathReachesTheButtonOfASingleSystem_data()
 {
     QTest::addColumn<int>("stage");
     QTest::addColumn<QByteArray>("button");
@@ -310,7 +310,7 @@ void tst_TickReadouts::aStateFromAnotherPathReachesTheButtonOfASingleSystem_data
     QTest::newRow("stage 2") << 2 << QByteArray("push_Stab2") << QByteArray("push_Stab1");
 }
 
-void tst_TickReadouts::aStateFromAnotherPathReachesTheButtonOfASingleSystem()
+void TestTickReadouts::aStateFromAnotherPathReachesTheButtonOfASingleSystem()
 {
     QFETCH(int, stage);
     QFETCH(QByteArray, button);
@@ -320,16 +320,16 @@ void tst_TickReadouts::aStateFromAnotherPathReachesTheButtonOfASingleSystem()
     QCOMPARE(switchState(fixture, button), QString("OFF unchecked lightcoral"));
 
     fixture.controller().setStage(stage, true);
-    fixture.tick();
-    QCOMPARE(switchState(fixture, button), QString("ON checked lightgreen"));
+    QVERIFY(fixture.tickUntil(
+        [&] { return switchState(fixture, button) == QString("ON checked lightgreen"); }));
     QCOMPARE(switchState(fixture, otherButton), QString("OFF unchecked lightcoral"));
 
     fixture.controller().setStage(stage, false);
-    fixture.tick();
-    QCOMPARE(switchState(fixture, button), QString("OFF unchecked lightcoral"));
+    QVERIFY(fixture.tickUntil(
+        [&] { return switchState(fixture, button) == QString("OFF unchecked lightcoral"); }));
 }
 
-void tst_TickReadouts::withTwoDisplayedSystemsItDoesNot()
+void TestTickReadouts::withTwoDisplayedSystemsItDoesNot()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.openWithSystems());
@@ -345,7 +345,7 @@ void tst_TickReadouts::withTwoDisplayedSystemsItDoesNot()
     QCOMPARE(switchState(fixture, "push_Stab2"), QString("ON checked lightgreen"));
 }
 
-void tst_TickReadouts::theStreamsFlagsReachButtonAndLight()
+void TestTickReadouts::theStreamsFlagsReachButtonAndLight()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -370,7 +370,7 @@ void tst_TickReadouts::theStreamsFlagsReachButtonAndLight()
     QCOMPARE(lightColor(fixture, "label_ActiveIcon_2"), QString("red"));
 }
 
-void tst_TickReadouts::onlyTheLastSampleOfATickTellsTheState()
+void TestTickReadouts::onlyTheLastSampleOfATickTellsTheState()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -383,7 +383,7 @@ void tst_TickReadouts::onlyTheLastSampleOfATickTellsTheState()
     QCOMPARE(switchState(fixture, "push_Stab2"), QString("ON checked lightgreen"));
 }
 
-void tst_TickReadouts::theLastSampleTellsTheMultiplexing()
+void TestTickReadouts::theLastSampleTellsTheMultiplexing()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -402,7 +402,7 @@ void tst_TickReadouts::theLastSampleTellsTheMultiplexing()
     QCOMPARE(multiplexed(), (QVector<bool>{true, false}));
 }
 
-void tst_TickReadouts::theSampleThatEndsARunTellsNoState()
+void TestTickReadouts::theSampleThatEndsARunTellsNoState()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -421,15 +421,15 @@ void tst_TickReadouts::theSampleThatEndsARunTellsNoState()
     QVERIFY(!status.multiplex2);
 }
 
-void tst_TickReadouts::oldFirmwareHasNoStateInItsStream()
+void TestTickReadouts::oldFirmwareHasNoStateInItsStream()
 {
     emulator::ControllerOptions options;
     options.firmware = 10;
     WindowFixture fixture(1, options);
     QVERIFY(fixture.openWithSystems());
     fixture.controller().setStage(1, true);
-    fixture.tick();
-    QCOMPARE(switchState(fixture, "push_Stab1"), QString("ON checked lightgreen"));
+    QVERIFY(fixture.tickUntil(
+        [&] { return switchState(fixture, "push_Stab1") == QString("ON checked lightgreen"); }));
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
     QVERIFY(feed.show({PacketValues()}));
@@ -437,7 +437,7 @@ void tst_TickReadouts::oldFirmwareHasNoStateInItsStream()
     QCOMPARE(switchState(fixture, "push_Stab1"), QString("ON checked lightgreen"));
 }
 
-void tst_TickReadouts::aWrongCheckedStateIsCorrected()
+void TestTickReadouts::aWrongCheckedStateIsCorrected()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -447,18 +447,20 @@ void tst_TickReadouts::aWrongCheckedStateIsCorrected()
     QCOMPARE(switchState(fixture, "push_Stab1"), QString("OFF unchecked lightcoral"));
 }
 
-void tst_TickReadouts::withoutAcquisitionTheStatusIsPolled()
+void TestTickReadouts::withoutAcquisitionTheStatusIsPolled()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.openWithSystems());
     fixture.window().showConnection(fixture.controller(1).address(), false);
     fixture.controller(0).clearWire();
     fixture.controller(1).clearWire();
-    fixture.tick();
-    fixture.tick();
-    // Of hidden systems, too: the overview shows them.
-    QCOMPARE(fixture.controller(0).commands(), (QByteArrayList{"GSF;", "GSF;"}));
-    QCOMPARE(fixture.controller(1).commands(), (QByteArrayList{"GSF;", "GSF;"}));
+    // Hidden systems are polled, too: the overview shows them.
+    for (const int number : {0, 1}) {
+        const emulator::ControllerHandle controller = fixture.controller(number);
+        QVERIFY(fixture.tickUntil([&] { return controller.commands().size() >= 2; }));
+        const QByteArrayList commands = controller.commands();
+        QCOMPARE(commands.count("GSF;"), commands.size());
+    }
 
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
@@ -467,7 +469,7 @@ void tst_TickReadouts::withoutAcquisitionTheStatusIsPolled()
     QVERIFY(fixture.controller(0).commands().isEmpty());
 }
 
-void tst_TickReadouts::theUpdateRateIsThePeriodOfTheTick_data()
+void TestTickReadouts::theUpdateRateIsThePeriodOfTheTick_data()
 {
     QTest::addColumn<QString>("rateHz");
     QTest::addColumn<int>("periodMs");
@@ -478,7 +480,7 @@ void tst_TickReadouts::theUpdateRateIsThePeriodOfTheTick_data()
     QTest::newRow("1 Hz") << "1" << 1000;
 }
 
-void tst_TickReadouts::theUpdateRateIsThePeriodOfTheTick()
+void TestTickReadouts::theUpdateRateIsThePeriodOfTheTick()
 {
     QFETCH(QString, rateHz);
     WindowFixture fixture(0);
@@ -493,7 +495,7 @@ void tst_TickReadouts::theUpdateRateIsThePeriodOfTheTick()
     QVERIFY(watch.seen->isActive());
 }
 
-void tst_TickReadouts::theFirstTickComesASecondAfterConstruction()
+void TestTickReadouts::theFirstTickComesASecondAfterConstruction()
 {
     WindowFixture fixture(1);
     const TimerWatch watch;
@@ -505,7 +507,7 @@ void tst_TickReadouts::theFirstTickComesASecondAfterConstruction()
     QTRY_VERIFY(fixture.controller().commands().count("GSF;") > 2);
 }
 
-void tst_TickReadouts::oneSlowLineIsEnoughFor430()
+void TestTickReadouts::oneSlowLineIsEnoughFor430()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -533,7 +535,7 @@ void tst_TickReadouts::oneSlowLineIsEnoughFor430()
     QCOMPARE(update.maximum(), 500);
 }
 
-void tst_TickReadouts::aTickLeavesWhatIsTypedAlone()
+void TestTickReadouts::aTickLeavesWhatIsTypedAlone()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -549,7 +551,7 @@ void tst_TickReadouts::aTickLeavesWhatIsTypedAlone()
     QCOMPARE(box.maximum(), 500);
 }
 
-void tst_TickReadouts::theSamplingRateIsLockedWhileAcquisitionRuns()
+void TestTickReadouts::theSamplingRateIsLockedWhileAcquisitionRuns()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -568,7 +570,7 @@ void tst_TickReadouts::theSamplingRateIsLockedWhileAcquisitionRuns()
     QCOMPARE(counter->spinBox->value(), 100);
 }
 
-void tst_TickReadouts::pulsesTakeTheSamplingRateOver()
+void TestTickReadouts::pulsesTakeTheSamplingRateOver()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());
@@ -594,7 +596,7 @@ void tst_TickReadouts::pulsesTakeTheSamplingRateOver()
     QVERIFY(counter->isEnabled());
 }
 
-void tst_TickReadouts::aSystemWithoutPulsesGivesItBack()
+void TestTickReadouts::aSystemWithoutPulsesGivesItBack()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());
@@ -611,5 +613,5 @@ void tst_TickReadouts::aSystemWithoutPulsesGivesItBack()
     QVERIFY(counter->isEnabled());
 }
 
-QTEST_MAIN(tst_TickReadouts)
+QTEST_MAIN(TestTickReadouts)
 #include "tst_tickreadouts.moc"

@@ -92,7 +92,7 @@ QPointF lastPoint(const GenericPlot& plot, int curve)
 
 } // namespace
 
-class tst_TickUnits final : public QObject
+class TestTickUnits final : public QObject
 {
     Q_OBJECT
 
@@ -118,7 +118,7 @@ private slots:
     void aSignalBeyondTheIntensityIsNoNumberAndNoHarm();
 };
 
-void tst_TickUnits::withoutDetectorsEverythingIsInVolts()
+void TestTickUnits::withoutDetectorsEverythingIsInVolts()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -129,7 +129,7 @@ void tst_TickUnits::withoutDetectorsEverythingIsInVolts()
     }
 }
 
-void tst_TickUnits::aStageInLengthsHasItsUnitEverywhere()
+void TestTickUnits::aStageInLengthsHasItsUnitEverywhere()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.open());
@@ -161,7 +161,7 @@ void tst_TickUnits::aStageInLengthsHasItsUnitEverywhere()
     QCOMPARE(fixture.find<QLCDNumber>("lcd1y")->value(), -0.501);
 }
 
-void tst_TickUnits::aLengthDetectorInVoltsStaysInVolts()
+void TestTickUnits::aLengthDetectorInVoltsStaysInVolts()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.open());
@@ -174,7 +174,7 @@ void tst_TickUnits::aLengthDetectorInVoltsStaysInVolts()
     QCOMPARE(lastPoint(fixture.pointingPlot(2), 0), QPointF(1.0, -0.5));
 }
 
-void tst_TickUnits::systemsOfOneUnitShareThePlots()
+void TestTickUnits::systemsOfOneUnitShareThePlots()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());
@@ -189,7 +189,7 @@ void tst_TickUnits::systemsOfOneUnitShareThePlots()
     QCOMPARE(lastPoint(fixture.pointingPlot(1), 1), QPointF(1.0, 0.0));
 }
 
-void tst_TickUnits::systemsOfDifferentUnitsFallBackToVolts()
+void TestTickUnits::systemsOfDifferentUnitsFallBackToVolts()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());
@@ -209,7 +209,7 @@ void tst_TickUnits::systemsOfDifferentUnitsFallBackToVolts()
     QCOMPARE(lastPoint(fixture.pointingPlot(2), 1), QPointF(0.5, -1.0));
 }
 
-void tst_TickUnits::theUnitReturnsWithTheLastSystemThatFits()
+void TestTickUnits::theUnitReturnsWithTheLastSystemThatFits()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());
@@ -225,7 +225,7 @@ void tst_TickUnits::theUnitReturnsWithTheLastSystemThatFits()
     QCOMPARE(labelsOf(fixture, 2), labelsIn("V"));
 }
 
-void tst_TickUnits::hidingTheFirstOfThreeLeavesTheUnitOfTheOthers()
+void TestTickUnits::hidingTheFirstOfThreeLeavesTheUnitOfTheOthers()
 {
     WindowFixture fixture(3);
     QVERIFY(fixture.open());
@@ -243,7 +243,7 @@ void tst_TickUnits::hidingTheFirstOfThreeLeavesTheUnitOfTheOthers()
     QCOMPARE(labelsOf(fixture, 2), labelsIn("mm"));
 }
 
-void tst_TickUnits::theLargestBeamGivesTheRange()
+void TestTickUnits::theLargestBeamGivesTheRange()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());
@@ -257,7 +257,7 @@ void tst_TickUnits::theLargestBeamGivesTheRange()
     QCOMPARE(rangeOf(fixture, 1), 30.0);
 }
 
-void tst_TickUnits::aNewUnitEmptiesTheCurvesOfItsStage()
+void TestTickUnits::aNewUnitEmptiesTheCurvesOfItsStage()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());
@@ -276,7 +276,7 @@ void tst_TickUnits::aNewUnitEmptiesTheCurvesOfItsStage()
     QCOMPARE(pointsOf(fixture.intensityPlot(2), 0).size(), 1);
 }
 
-void tst_TickUnits::anEqualUnitKeepsThem()
+void TestTickUnits::anEqualUnitKeepsThem()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());
@@ -293,7 +293,7 @@ void tst_TickUnits::anEqualUnitKeepsThem()
     QCOMPARE(range(fixture.positionPlot(1), QwtPlot::yLeft), qMakePair(-1.0, 1.0));
 }
 
-void tst_TickUnits::aNewUnitClearsTheStatisticsInPointingMode()
+void TestTickUnits::aNewUnitClearsTheStatisticsInPointingMode()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());
@@ -314,14 +314,14 @@ void tst_TickUnits::aNewUnitClearsTheStatisticsInPointingMode()
     QCOMPARE(fixture.statisticsText(1), QString("\nx=\ny=\n#samples= 0\nRMS="));
 }
 
-void tst_TickUnits::aRecordOfUnknownDetectorsIsShownInVolts_data()
+void TestTickUnits::aRecordOfUnknownDetectorsIsShownInVolts_data()
 {
     QTest::addColumn<int>("type");
     QTest::newRow("behind the last") << 6;
     QTest::newRow("before the first") << -1;
 }
 
-void tst_TickUnits::aRecordOfUnknownDetectorsIsShownInVolts()
+void TestTickUnits::aRecordOfUnknownDetectorsIsShownInVolts()
 {
     QFETCH(int, type);
     WindowFixture fixture(1);
@@ -333,7 +333,7 @@ void tst_TickUnits::aRecordOfUnknownDetectorsIsShownInVolts()
     QCOMPARE(labelsOf(fixture, 2), labelsIn("mm"));
 }
 
-void tst_TickUnits::aRecordWithoutADiameterIsDrawnOnce_data()
+void TestTickUnits::aRecordWithoutADiameterIsDrawnOnce_data()
 {
     QTest::addColumn<double>("diameterUm");
     QTest::newRow("not a number") << double(NAN);
@@ -341,7 +341,7 @@ void tst_TickUnits::aRecordWithoutADiameterIsDrawnOnce_data()
     QTest::newRow("missing") << 0.0;
 }
 
-void tst_TickUnits::aRecordWithoutADiameterIsDrawnOnce()
+void TestTickUnits::aRecordWithoutADiameterIsDrawnOnce()
 {
     QFETCH(double, diameterUm);
     WindowFixture fixture(1);
@@ -356,7 +356,7 @@ void tst_TickUnits::aRecordWithoutADiameterIsDrawnOnce()
     QCOMPARE(fixture.pointingPlot(1).itemList().size(), items);
 }
 
-void tst_TickUnits::withNothingDisplayedTheLabelsStay()
+void TestTickUnits::withNothingDisplayedTheLabelsStay()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.open());
@@ -369,7 +369,7 @@ void tst_TickUnits::withNothingDisplayedTheLabelsStay()
     QCOMPARE(rangeOf(fixture, 1), 4.5);
 }
 
-void tst_TickUnits::aSignalBeyondTheIntensityIsNoNumberAndNoHarm()
+void TestTickUnits::aSignalBeyondTheIntensityIsNoNumberAndNoHarm()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.open());
@@ -396,5 +396,5 @@ void tst_TickUnits::aSignalBeyondTheIntensityIsNoNumberAndNoHarm()
     QVERIFY(!fixture.window().grab().isNull());
 }
 
-QTEST_MAIN(tst_TickUnits)
+QTEST_MAIN(TestTickUnits)
 #include "tst_tickunits.moc"

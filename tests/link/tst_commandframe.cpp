@@ -91,6 +91,7 @@ void TestCommandFrame::startsAndStopsAreKnown_data()
     QTest::newRow("SLS") << QByteArray("SLS\0\0\x01\xf4;", 8) << false << true;
     QTest::newRow("SGS") << QByteArray("SGS\0\0\x01\xf4;", 8) << false << true;
     QTest::newRow("SPS") << QByteArray("SPS\0\0;", 6) << false << true;
+    QTest::newRow("mnemonic alone") << QByteArray("SLS") << false << true;
     QTest::newRow("GSF") << QByteArray("GSF;") << false << false;
     QTest::newRow("longer than a stop") << QByteArray("CLS;;") << false << false;
 }
@@ -112,6 +113,7 @@ void TestCommandFrame::acceptedRepliesHaveTwoBytesAtLeast_data()
     QTest::newRow("payload") << QByteArray("\0;\x48;", 4) << true << false;
     QTest::newRow("one byte") << QByteArray("\0", 1) << false << false;
     QTest::newRow("refusal") << QByteArray("\x01;") << false << true;
+    QTest::newRow("unknown status") << QByteArray("\x02;") << false << false;
     QTest::newRow("nothing") << QByteArray() << false << false;
     QTest::newRow("no separator") << QByteArray("\0\0", 2) << false << false;
 }

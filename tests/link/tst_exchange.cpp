@@ -129,6 +129,7 @@ void TestExchange::replyOfTwoBytesIsTakenAfterTimeout()
     QVERIFY(link.client.fetchReply(reply));
     QCOMPARE(reply, QByteArray("\0;", 2));
     QVERIFY(time.elapsed() >= EmulatedLink::shortTimeoutMs);
+    QVERIFY(time.elapsed() < 2 * EmulatedLink::shortTimeoutMs);
 }
 
 void TestExchange::replyOfThreeBytesIsEmptyAfterTimeout()
@@ -143,6 +144,7 @@ void TestExchange::replyOfThreeBytesIsEmptyAfterTimeout()
     QVERIFY(link.client.fetchReply(reply));
     QVERIFY(reply.isEmpty());
     QVERIFY(time.elapsed() >= EmulatedLink::shortTimeoutMs);
+    QVERIFY(time.elapsed() < 2 * EmulatedLink::shortTimeoutMs);
 }
 
 void TestExchange::refusalIsTakenWhateverWasAskedFor()
@@ -166,6 +168,7 @@ void TestExchange::missingReplyFailsAfterTwiceTheTimeout()
     QVERIFY(!link.client.fetchReply(reply));
     QVERIFY(reply.isEmpty());
     QVERIFY(time.elapsed() >= 2 * EmulatedLink::shortTimeoutMs);
+    QVERIFY(time.elapsed() < 4 * EmulatedLink::shortTimeoutMs);
 }
 
 void TestExchange::realWaitsAre750And1500Ms()
@@ -183,7 +186,7 @@ void TestExchange::realWaitsAre750And1500Ms()
     const qint64 missingReplyMs = time.elapsed();
 
     QVERIFY(shortReplyMs >= 750 && shortReplyMs < 1500);
-    QVERIFY(missingReplyMs >= 1500);
+    QVERIFY(missingReplyMs >= 1500 && missingReplyMs < 2250);
 }
 
 void TestExchange::nextExchangeWorksAfterAMissingReply()
@@ -376,6 +379,7 @@ void TestExchange::triggerFreezeAsksForMoreThanComes()
     QCOMPARE(link.controller.commands(), QByteArrayList{"STF\x01;"});
     QCOMPARE(reply, QByteArray("\0;", 2));
     QVERIFY(time.elapsed() >= EmulatedLink::shortTimeoutMs);
+    QVERIFY(time.elapsed() < 2 * EmulatedLink::shortTimeoutMs);
 }
 
 void TestExchange::startFollowsFirmwareAndTriggerMode_data()

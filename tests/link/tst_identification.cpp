@@ -22,6 +22,9 @@ private slots:
     void identityIsReadFromTheReply_data();
     void identityIsReadFromTheReply();
     void idIsTheReplyWithoutItsFrame();
+    void connectionIsToldWhatTheControllerIs();
+    void thirdStopFollowsASilentSecondIfAsked_data();
+    void thirdStopFollowsASilentSecondIfAsked();
     void labelIsStoredInTheLocalEncoding_data();
     void labelIsStoredInTheLocalEncoding();
 };
@@ -41,6 +44,8 @@ void TestIdentification::identityIsReadFromTheReply_data()
     QTest::newRow("version at the end") << reply("Zev-Box-B-V9") << true << 0 << false << false;
     QTest::newRow("no version") << reply("Zev-Box-B-0001") << true << 0 << false << false;
     QTest::newRow("other maker") << reply("Abc-Box-B-V40-2020") << false << 40 << false << false;
+    QTest::newRow("ends where the trigger mark would be")
+        << QByteArray("\0;Zev-Box-", 10) << true << 0 << false << false;
     QTest::newRow("refusal") << QByteArray("\x01;") << false << 0 << false << false;
     QTest::newRow("empty") << QByteArray() << false << 0 << false << false;
     QTest::newRow("no separator") << QByteArray("\0xZev-V40-;", 11) << false << 40 << false
@@ -61,6 +66,45 @@ void TestIdentification::idIsTheReplyWithoutItsFrame()
 {
     QCOMPARE(readIdentity(reply("Zev-Box-B-0001-V40-2020")).id,
              QStringLiteral("Zev-Box-B-0001-V40-2020"));
+}
+
+void TestIdentification::connectionIsToldWhatTheControllerIs()
+{
+    emulator::ControllerOptions options;
+    options.firmware = 33;
+    options.vm = true;
+    options.triggerCapable = true;
+    EmulatedLink link(options);
+    QVERIFY(link.connect());
+    QVERIFY(identify(link.client, LineClearing::TwoStops).isController);
+    QCOMPARE(link.client.firmwareVersion(), 33);
+    QVERIFY(link.client.vmFirmware());
+    QVERIFY(link.client.triggerCapable());
+}
+
+void TestIdentification::thirdStopFollowsASilentSecondIfAsked_data()
+{
+    QTest::addColumn<bool>("isSilent");
+    QTest::addColumn<bool>("repeats");
+    QTest::addColumn<int>("stops");
+    QTest::newRow("answered, two stops") << false << false << 2;
+    QTest::newRow("answered, and repeat") << false << true << 2;
+    QTest::newRow("silent, two stops") << true << false << 2;
+    QTest::newRow("silent, and repeat") << true << true << 3;
+}
+
+void TestIdentification::thirdStopFollowsASilentSecondIfAsked()
+{
+    QFETCH(bool, isSilent);
+    QFETCH(bool, repeats);
+    emulator::ControllerOptions options;
+    if (isSilent)
+        options.faults.silent = {"CLS"};
+    constexpr int briefTimeoutMs = 50;
+    EmulatedLink link(options, briefTimeoutMs);
+    QVERIFY(link.connect());
+    clearLine(link.client, repeats ? LineClearing::TwoStopsAndRepeat : LineClearing::TwoStops);
+    QTEST(link.controller.commands().count("CLS;"), "stops");
 }
 
 void TestIdentification::labelIsStoredInTheLocalEncoding_data()

@@ -18,7 +18,7 @@ private slots:
     void linkLostInTheMiddleOfAReply();
     void halfClosedLinkIsLost();
     void frozenControllerCostsOnlyTheWaits();
-    void disconnectWhileAReplyIsAwaited();
+    void disconnectWhileAReplyIsAwaitedLeavesNothingBehind();
 };
 
 void TestLostLink::linkLostWhileCommandsAreSent()
@@ -114,6 +114,7 @@ void TestLostLink::frozenControllerCostsOnlyTheWaits()
     time.start();
     QCOMPARE(link.exchange(&Connection::getStatusFlags), QByteArray());
     QVERIFY(time.elapsed() >= 2 * EmulatedLink::shortTimeoutMs);
+    QVERIFY(time.elapsed() < 4 * EmulatedLink::shortTimeoutMs);
     QVERIFY(link.client.isConnected());
 
     // The late reply is taken for nobody's, and the next fetch without a send hands it over.
@@ -124,18 +125,26 @@ void TestLostLink::frozenControllerCostsOnlyTheWaits()
     QCOMPARE(reply.size(), 4);
 }
 
-void TestLostLink::disconnectWhileAReplyIsAwaited()
+void TestLostLink::disconnectWhileAReplyIsAwaitedLeavesNothingBehind()
 {
+    constexpr int longTimeoutMs = 20000;
     emulator::ControllerOptions options;
-    options.faults.silent = {"GSF"};
-    EmulatedLink link(options);
+    options.faults.lateMs = {{"GSF", 5}};
+    EmulatedLink link(options, longTimeoutMs);
+    QElapsedTimer time;
+    time.start();
     for (int round = 0; round < 20; ++round) {
         QVERIFY(link.connect());
         link.client.getStatusFlags();
         QCOMPARE(link.client.disconnectController(), 1);
         QByteArray reply;
         QVERIFY(!link.client.fetchReply(reply));
+
+        QVERIFY(link.connect());
+        QCOMPARE(link.exchange(&Connection::getControllerId), link.controller.idReply());
+        QCOMPARE(link.client.disconnectController(), 1);
     }
+    QVERIFY(time.elapsed() < longTimeoutMs);
 }
 
 QTEST_GUILESS_MAIN(TestLostLink)

@@ -99,7 +99,7 @@ void TestPortRefusals::aPortThatIsMissingFailsWithoutAWord()
     const LogCapture log;
     QVERIFY(!link.connect());
     QVERIFY(link.client.wait(5000));
-    QCOMPARE(link.client.linkState(), LinkState::OpenFailed);
+    QCOMPARE(link.client.linkState(), LinkState::OpenOrEndFailed);
     QVERIFY(log.lines().isEmpty());
     QCoreApplication::processEvents();
     QVERIFY(link.lost.isEmpty());
@@ -116,7 +116,7 @@ void TestPortRefusals::aBusyPortFailsAndTellsWhoHasIt()
     const LogCapture log;
     QVERIFY(!second.connect());
     QVERIFY(second.client.wait(5000));
-    QCOMPARE(second.client.linkState(), LinkState::OpenFailed);
+    QCOMPARE(second.client.linkState(), LinkState::OpenOrEndFailed);
     QCOMPARE(log.lines().size(), 1);
     QVERIFY(log.lines().first().startsWith("warning: /dev/" + one.name + " is in use by "));
     QVERIFY(log.lines().first().contains(QString::number(::getpid())));
@@ -132,7 +132,7 @@ void TestPortRefusals::aPortWithoutRightsFailsAndTellsWhatHelps()
     const AnotherUser user;
     QVERIFY(!link.connect());
     QVERIFY(link.client.wait(5000));
-    QCOMPARE(link.client.linkState(), LinkState::OpenFailed);
+    QCOMPARE(link.client.linkState(), LinkState::OpenOrEndFailed);
     QCOMPARE(log.lines(), QStringList(noRights(port)));
 }
 
@@ -148,7 +148,7 @@ void TestPortRefusals::aPortWhoseRightsGoBetweenTwoOpensTellsWhatHelps()
     const DriverWatch driver(TIOCEXCL, [&port] { setRights(port, 0); });
     QVERIFY(!link.connect());
     QVERIFY(link.client.wait(5000));
-    QCOMPARE(link.client.linkState(), LinkState::OpenFailed);
+    QCOMPARE(link.client.linkState(), LinkState::OpenOrEndFailed);
     QCOMPARE(log.lines(), QStringList(noRights(port)));
 }
 
@@ -160,7 +160,7 @@ void TestPortRefusals::aPortThatCanNotBeLockedFailsAndTellsWhy()
     const NoFolder folders;
     QVERIFY(!link.connect());
     QVERIFY(link.client.wait(5000));
-    QCOMPARE(link.client.linkState(), LinkState::OpenFailed);
+    QCOMPARE(link.client.linkState(), LinkState::OpenOrEndFailed);
     // The library complains of each folder before.
     QVERIFY(!log.lines().isEmpty());
     QCOMPARE(log.lines().last(), "warning: " + port.path()

@@ -24,7 +24,9 @@ class TestReplyBoundary : public QObject
 
 private slots:
     void searchEndsBehindARefusal();
+    void searchPassesARefusalWithoutItsSeparator();
     void searchBehindAnAcceptedReplyRunsToTheLimit();
+    void onlyTwoBytesAreReadBehindAnAcceptedReply();
     void searchWithoutInputEndsAtTheLimit();
 };
 
@@ -35,11 +37,26 @@ void TestReplyBoundary::searchEndsBehindARefusal()
     QVERIFY(!reachedLimit);
 }
 
+void TestReplyBoundary::searchPassesARefusalWithoutItsSeparator()
+{
+    bool reachedLimit = true;
+    QCOMPARE(leftAfterSearch("\x01x\x01;rest", reachedLimit), QByteArray("rest"));
+    QVERIFY(!reachedLimit);
+}
+
 void TestReplyBoundary::searchBehindAnAcceptedReplyRunsToTheLimit()
 {
     // Two bytes are read behind the accepted reply, and the third of them is what is tested.
     bool reachedLimit = false;
     leftAfterSearch(QByteArray("\0;\x48;", 4), reachedLimit);
+    QVERIFY(reachedLimit);
+}
+
+void TestReplyBoundary::onlyTwoBytesAreReadBehindAnAcceptedReply()
+{
+    // A third byte would be taken for the terminator that ends the search.
+    bool reachedLimit = false;
+    leftAfterSearch(QByteArray("\0;\x48;;", 5), reachedLimit);
     QVERIFY(reachedLimit);
 }
 

@@ -97,6 +97,7 @@ void TestStream::strayBytesBeforeAPacketAreSkippedAndLogged()
     QCOMPARE(x1Of(link.takeSamples()), QVector<int>({7}));
     QCOMPARE(log.lines().filter("Bytes skipped"),
              QStringList("debug: Incomplete stream message. Bytes skipped: 3"));
+    QCOMPARE(link.client.skippedBytes(), quint64(3));
 }
 
 void TestStream::partialPacketIsCompletedLater()
@@ -200,6 +201,7 @@ void TestStream::stopWithLessThanItsAnswerIsEmptyAfterTimeout()
     QVERIFY(link.client.fetchReply(reply));
     QVERIFY(reply.isEmpty());
     QVERIFY(time.elapsed() >= EmulatedLink::shortTimeoutMs);
+    QVERIFY(time.elapsed() < 2 * EmulatedLink::shortTimeoutMs);
     QVERIFY(!link.client.isStreaming());
     QCOMPARE(x1Of(link.takeSamples()), QVector<int>({8}));
 }
@@ -233,6 +235,7 @@ void TestStream::stopOfOldFirmwareTakesItsWholeTime()
     time.start();
     QCOMPARE(link.exchange(&Connection::clearLiveStream), QByteArray("\0;", 2));
     QVERIFY(time.elapsed() >= 1125);
+    QVERIFY(time.elapsed() < 1500);
     QVERIFY(!link.client.isStreaming());
     QCOMPARE(log.lines(), QStringList({"debug: Saving reply", "debug: Finished saving reply"}));
 }
@@ -262,6 +265,7 @@ void TestStream::stopWithoutStreamTakesItsWholeTime()
     time.start();
     QCOMPARE(link.exchange(&Connection::clearLiveStream), QByteArray("\0;", 2));
     QVERIFY(time.elapsed() >= 1125);
+    QVERIFY(time.elapsed() < 1500);
 }
 
 void TestStream::streamThatEndsByItselfIsNoticed()
@@ -440,6 +444,7 @@ void TestStream::everyPacketOfAFastStreamIsStored()
     QTRY_VERIFY(link.client.samplesStored() >= 1000);
     link.client.stopStream();
     QCOMPARE(qint64(link.client.samplesStored()), link.controller.packetsSent() - startAnswer);
+    QCOMPARE(link.client.skippedBytes(), quint64(0));
 }
 
 void TestStream::slowReaderLosesTheOldestSamples()
@@ -455,6 +460,7 @@ void TestStream::slowReaderLosesTheOldestSamples()
 
     const QVector<int> stored = x1Of(link.takeSamples());
     QCOMPARE(stored.size(), Connection::storeCapacity - 1);
+    QCOMPARE(link.client.droppedSamples(), quint64(packets - startAnswer - stored.size()));
     QCOMPARE(stored.last(), int(numberedSamples(packets).last().x1));
 }
 

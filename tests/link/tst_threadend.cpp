@@ -1,42 +1,28 @@
 // What the GUI thread does while it waits for the end of a connection's thread.
 
+#include "busythread.h"
 #include "support/emulatedlink.h"
 
-#include <QCursor>
-#include <QGuiApplication>
-#include <QRasterWindow>
 #include <QtTest>
+
+#include <thread>
 
 namespace {
 
-/// A window that notes when the user's input reaches it.
-class WatchedWindow final : public QRasterWindow
+/// Counts the events that reach it.
+class EventCounter final : public QObject
 {
 public:
-    bool isReached() const { return reached; }
+    int count = 0;
 
-    /// Whether the input comes with the next events. There must be one that wakes the event loop.
-    bool isReachedNext()
+    /// Leaves an event in the queue, as a click or a timer does.
+    void post() { QCoreApplication::postEvent(this, new QEvent(QEvent::User)); }
+
+    bool event(QEvent*) override
     {
-        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
-        QCoreApplication::processEvents();
-        return reached;
+        ++count;
+        return true;
     }
-
-    /// Leaves a movement of the pointer in the queue, as a person does while the application is
-    /// busy. The other ways of a test deliver input at once.
-    void queueInput()
-    {
-        reached = false;
-        QCursor::setPos(geometry().center() + QPoint(++step, 0));
-    }
-
-protected:
-    void mouseMoveEvent(QMouseEvent*) override { reached = true; }
-
-private:
-    bool reached = false;
-    int step = 0;
 };
 
 } // namespace
@@ -46,55 +32,111 @@ class TestThreadEnd : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
-    void inputReachesTheWindowWithTheNextEvents();
-    void disconnectLeavesInputForLater();
-    void deletionLeavesInputForLater();
-
-private:
-    std::unique_ptr<WatchedWindow> window;
+    void disconnectTakesNoEvents();
+    void deletionTakesNoEvents();
+    void lossIsToldAfterTheDisconnect();
+    void endWaitsForTheReplyThatIsBeingReadOnly();
+    void endWaitsForABusyThread();
+    void endBeforeTheThreadHasBegunIsAnEnd();
+    void connectionCanBeStartedAgainAtOnce();
 };
 
-void TestThreadEnd::initTestCase()
-{
-    window = std::make_unique<WatchedWindow>();
-    window->setGeometry(100, 100, 100, 100);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
-}
-
-void TestThreadEnd::cleanupTestCase()
-{
-    window.reset();
-}
-
-void TestThreadEnd::inputReachesTheWindowWithTheNextEvents()
-{
-    window->queueInput();
-    QVERIFY(!window->isReached());
-    QVERIFY(window->isReachedNext());
-}
-
-void TestThreadEnd::disconnectLeavesInputForLater()
+void TestThreadEnd::disconnectTakesNoEvents()
 {
     EmulatedLink link;
     QVERIFY(link.connect());
-    window->queueInput();
+    EventCounter events;
+    events.post();
     QCOMPARE(link.client.disconnectController(), 1);
-    QVERIFY(!window->isReached());
-    QVERIFY(window->isReachedNext());
+    QCOMPARE(events.count, 0);
+    QCoreApplication::processEvents();
+    QCOMPARE(events.count, 1);
 }
 
-void TestThreadEnd::deletionLeavesInputForLater()
+void TestThreadEnd::deletionTakesNoEvents()
+{
+    EventCounter events;
+    {
+        EmulatedLink link;
+        QVERIFY(link.connect());
+        events.post();
+        link.client.releaseInPlace();
+        QVERIFY(!link.client.isRunning());
+    }
+    QCOMPARE(events.count, 0);
+    QCoreApplication::processEvents();
+    QCOMPARE(events.count, 1);
+}
+
+void TestThreadEnd::lossIsToldAfterTheDisconnect()
 {
     EmulatedLink link;
     QVERIFY(link.connect());
-    window->queueInput();
-    link.client.releaseInPlace();
-    QVERIFY(!window->isReached());
-    QVERIFY(window->isReachedNext());
+    link.controller.closeConnection();
+    QVERIFY(link.client.wait());
+    QCOMPARE(link.client.disconnectController(), 1);
+    QCOMPARE(link.lost.count(), 0);
+    QCoreApplication::processEvents();
+    QCOMPARE(link.lost, QStringList{link.client.address()});
 }
 
-QTEST_MAIN(TestThreadEnd)
+void TestThreadEnd::endWaitsForTheReplyThatIsBeingReadOnly()
+{
+    emulator::ControllerOptions options;
+    options.faults.shortBytes = {{"GAS", 3}};
+    EmulatedLink link(options);
+    QVERIFY(link.connect());
+    link.client.getActiveSignal();
+    QTRY_COMPARE(link.controller.commands().size(), 1);
+
+    QElapsedTimer time;
+    time.start();
+    QCOMPARE(link.client.disconnectController(), 1);
+    QVERIFY(!link.client.isRunning());
+    QVERIFY(time.elapsed() < 2 * EmulatedLink::shortTimeoutMs);
+}
+
+void TestThreadEnd::endWaitsForABusyThread()
+{
+    constexpr int busyMs = 200;
+    EmulatedLink link;
+    BusyThread busy(link.client);
+    QVERIFY(link.connect());
+    QVERIFY(busy.hold());
+    QElapsedTimer time;
+    time.start();
+    std::thread later([&busy] {
+        QThread::msleep(busyMs);
+        busy.release();
+    });
+    QCOMPARE(link.client.disconnectController(), 1);
+    QVERIFY(!link.client.isRunning());
+    QVERIFY(time.elapsed() >= busyMs);
+    QVERIFY(time.elapsed() < 10 * busyMs);
+    later.join();
+}
+
+void TestThreadEnd::endBeforeTheThreadHasBegunIsAnEnd()
+{
+    EmulatedLink link({}, 20000);
+    for (int round = 0; round < 20; ++round) {
+        link.client.start(QThread::InheritPriority);
+        QCOMPARE(link.client.disconnectController(), 1);
+        QVERIFY(!link.client.isRunning());
+        QCOMPARE(link.client.linkState(), LinkState::Disconnected);
+    }
+}
+
+void TestThreadEnd::connectionCanBeStartedAgainAtOnce()
+{
+    EmulatedLink link;
+    for (int round = 0; round < 20; ++round) {
+        QVERIFY(link.connect());
+        QCOMPARE(link.exchange(&Connection::getStatusFlags).size(), 4);
+        QCOMPARE(link.client.disconnectController(), 1);
+        QCOMPARE(link.exchange(&Connection::getStatusFlags).size(), 0);
+    }
+}
+
+QTEST_GUILESS_MAIN(TestThreadEnd)
 #include "tst_threadend.moc"

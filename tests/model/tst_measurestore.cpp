@@ -30,7 +30,11 @@ class TestMeasureStore : public QObject
 private slots:
     void fullStoreDropsTheOldest();
     void countIsRightAfterTheWrap();
-    void clearedStoreIsEmptyAndBeginsAnew();
+    void clearedStoreHoldsOnlyWhatCameLater();
+    void everyStoredSampleIsCounted();
+    void samplesThatNobodyTookInTimeAreCountedAsDropped();
+    void takenAndClearedSamplesAreNotDropped();
+    void clearingKeepsTheCountOfTheDropped();
     void emptyStoreLeavesTheOutputAlone();
     void samplesComeOutInOrder();
     void writerAndReaderLoseNothingWhileThereIsRoom();
@@ -65,20 +69,64 @@ void TestMeasureStore::countIsRightAfterTheWrap()
     }
 }
 
-void TestMeasureStore::clearedStoreIsEmptyAndBeginsAnew()
+void TestMeasureStore::clearedStoreHoldsOnlyWhatCameLater()
 {
     measureStore store(capacity);
     storeNumbers(store, 0, capacity + 10);
-
     store.clearSamples();
     QCOMPARE(store.sampleCount(), 0);
 
-    // From slot 0 on there is room for all but one slot before anything is lost.
-    storeNumbers(store, 100, 100 + capacity - 1);
-    MeasureSample first;
-    QCOMPARE(store.sampleCount(), capacity - 1);
-    QCOMPARE(store.takeSample(first), 1);
-    QCOMPARE(first.timeMs, quint64(100));
+    storeNumbers(store, 5000, 5001);
+    MeasureSample sample;
+    QCOMPARE(store.takeSample(sample), 1);
+    QCOMPARE(sample.timeMs, quint64(5000));
+    QCOMPARE(store.takeSample(sample), 0);
+}
+
+void TestMeasureStore::everyStoredSampleIsCounted()
+{
+    measureStore store(4);
+    QCOMPARE(store.storedCount(), quint64(0));
+    storeNumbers(store, 0, 3);
+    QCOMPARE(store.storedCount(), quint64(3));
+    // Those that are dropped, taken or cleared have their numbers, too.
+    storeNumbers(store, 0, 3);
+    MeasureSample sample;
+    store.takeSample(sample);
+    store.clearSamples();
+    QCOMPARE(store.storedCount(), quint64(6));
+}
+
+void TestMeasureStore::samplesThatNobodyTookInTimeAreCountedAsDropped()
+{
+    measureStore store(4);
+    storeNumbers(store, 0, 3);
+    QCOMPARE(store.droppedCount(), quint64(0));
+    storeNumbers(store, 3, 5);
+    QCOMPARE(store.droppedCount(), quint64(2));
+    MeasureSample sample;
+    QCOMPARE(store.takeSample(sample), 1);
+    QCOMPARE(sample.timeMs, store.droppedCount());
+}
+
+void TestMeasureStore::takenAndClearedSamplesAreNotDropped()
+{
+    measureStore store(4);
+    MeasureSample sample;
+    for (int round = 0; round < 10; ++round) {
+        storeNumbers(store, 0, 3);
+        store.takeSample(sample);
+        store.clearSamples();
+    }
+    QCOMPARE(store.droppedCount(), quint64(0));
+}
+
+void TestMeasureStore::clearingKeepsTheCountOfTheDropped()
+{
+    measureStore store(4);
+    storeNumbers(store, 0, 5);
+    store.clearSamples();
+    QCOMPARE(store.droppedCount(), quint64(2));
 }
 
 void TestMeasureStore::emptyStoreLeavesTheOutputAlone()
@@ -128,6 +176,8 @@ void TestMeasureStore::writerAndReaderLoseNothingWhileThereIsRoom()
     writer.join();
     QVERIFY(inOrder);
     QCOMPARE(store.sampleCount(), 0);
+    QCOMPARE(store.storedCount(), count);
+    QCOMPARE(store.droppedCount(), quint64(0));
 }
 
 QTEST_GUILESS_MAIN(TestMeasureStore)

@@ -8,7 +8,7 @@
 #include <QWindow>
 #include <QtTest>
 
-/// A plot on the screen, with its zoomer, and the hands of a user.
+/// A plot on the screen, with its zoomer, and the mouse actions of a user.
 class PlotOnScreen final
 {
 public:

@@ -59,7 +59,7 @@ QStringList labelTexts(const Counter& counter)
 
 } // namespace
 
-class CounterTest final : public QObject
+class TestCounter final : public QObject
 {
     Q_OBJECT
 
@@ -83,7 +83,7 @@ private slots:
     void counterOutlivesItsPartner();
 };
 
-void CounterTest::fieldHoldsRangeStepAndSeparator()
+void TestCounter::fieldHoldsRangeStepAndSeparator()
 {
     const Counter counter(nullptr, "Samples to take", QString(), 1, 10000000, 1000, nullptr);
     QCOMPARE(counter.minimum, 1);
@@ -95,7 +95,7 @@ void CounterTest::fieldHoldsRangeStepAndSeparator()
     QVERIFY(counter.spinBox->alignment().testFlag(Qt::AlignRight));
 }
 
-void CounterTest::labelsStandAroundTheNumber()
+void TestCounter::labelsStandAroundTheNumber()
 {
     Counter counter(nullptr, "Update rate", "[Hz]", 1, 430, 1, nullptr);
     counter.show();
@@ -105,13 +105,13 @@ void CounterTest::labelsStandAroundTheNumber()
     QVERIFY(labels[1]->x() > counter.spinBox->x());
 }
 
-void CounterTest::emptyTextsMakeNoLabels()
+void TestCounter::emptyTextsMakeNoLabels()
 {
     const Counter counter(nullptr, QString(), QString(), 1, 430, 1, nullptr);
     QCOMPARE(labelTexts(counter), QStringList());
 }
 
-void CounterTest::labelLeadsToTheNumber()
+void TestCounter::labelLeadsToTheNumber()
 {
     const Counter counter(nullptr, "Update rate [Hz]", QString(), 1, 430, 1, nullptr);
     QCOMPARE(counter.findChild<QLabel*>()->buddy(), counter.spinBox);
@@ -119,7 +119,7 @@ void CounterTest::labelLeadsToTheNumber()
     QCOMPARE(counter.focusProxy(), counter.spinBox);
 }
 
-void CounterTest::changeIsPassedOn()
+void TestCounter::changeIsPassedOn()
 {
     Counter counter(nullptr, QString(), QString(), 1, 430, 1, nullptr);
     QSignalSpy changed(&counter, &Counter::valueChanged);
@@ -128,10 +128,12 @@ void CounterTest::changeIsPassedOn()
     QCOMPARE(changed[0][0].toInt(), 100);
 }
 
-void CounterTest::wheelCountsOnlyWithFocus()
+void TestCounter::wheelCountsOnlyWithFocus()
 {
     TwoCounters two;
     QVERIFY(two.active);
+    // By the wheel alone the box does not get the focus.
+    QCOMPARE(two.counter.spinBox->focusPolicy(), Qt::StrongFocus);
     two.counter.spinBox->setValue(50);
     two.partner.spinBox->setFocus();
     turnWheel(*two.counter.spinBox);
@@ -142,7 +144,7 @@ void CounterTest::wheelCountsOnlyWithFocus()
     QCOMPARE(two.shown(), 51);
 }
 
-void CounterTest::numberIsHeldAtThePartners()
+void TestCounter::numberIsHeldAtThePartners()
 {
     TwoCounters two;
     two.counter.spinBox->setValue(101);
@@ -153,7 +155,7 @@ void CounterTest::numberIsHeldAtThePartners()
     QCOMPARE(two.shown(), 99);
 }
 
-void CounterTest::typedNumberIsTheWish()
+void TestCounter::typedNumberIsTheWish()
 {
     TwoCounters two;
     QVERIFY(two.active);
@@ -162,7 +164,7 @@ void CounterTest::typedNumberIsTheWish()
     QCOMPARE(two.counter.wishedValue, 80);
 }
 
-void CounterTest::numberFromTheProgramIsNoWish()
+void TestCounter::numberFromTheProgramIsNoWish()
 {
     TwoCounters two;
     QVERIFY(two.active);
@@ -172,7 +174,7 @@ void CounterTest::numberFromTheProgramIsNoWish()
     QCOMPARE(two.counter.wishedValue, 80);
 }
 
-void CounterTest::wishReturnsWhenThePartnerRises()
+void TestCounter::wishReturnsWhenThePartnerRises()
 {
     TwoCounters two;
     QVERIFY(two.active);
@@ -185,7 +187,7 @@ void CounterTest::wishReturnsWhenThePartnerRises()
     QCOMPARE(two.shown(), 80);
 }
 
-void CounterTest::wishAboveThePartnerReturnsToo()
+void TestCounter::wishAboveThePartnerReturnsToo()
 {
     TwoCounters two;
     QVERIFY(two.active);
@@ -196,7 +198,7 @@ void CounterTest::wishAboveThePartnerReturnsToo()
     QCOMPARE(two.shown(), 120);
 }
 
-void CounterTest::partnerDoesNotChangeTheWishOfAFocusedCounter()
+void TestCounter::partnerDoesNotChangeTheWishOfAFocusedCounter()
 {
     TwoCounters two;
     QVERIFY(two.active);
@@ -208,8 +210,8 @@ void CounterTest::partnerDoesNotChangeTheWishOfAFocusedCounter()
     QCOMPARE(two.shown(), 80);
 }
 
-// On purpose: a partner at or below the wish takes the counter along, upwards as well.
-void CounterTest::numberFollowsAPartnerBelowTheWish()
+// A partner at or below the wish sets the counter to its own number, also to a higher one.
+void TestCounter::numberFollowsAPartnerBelowTheWish()
 {
     TwoCounters two;
     two.counter.wishedValue = 90;
@@ -218,7 +220,7 @@ void CounterTest::numberFollowsAPartnerBelowTheWish()
     QCOMPARE(two.shown(), 70);
 }
 
-void CounterTest::counterOutlivesItsPartner()
+void TestCounter::counterOutlivesItsPartner()
 {
     auto partner = std::make_unique<Counter>(nullptr, QString(), QString(), 1, 9, 1, nullptr);
     Counter counter(nullptr, QString(), QString(), 1, 500, 1, partner.get());
@@ -227,5 +229,5 @@ void CounterTest::counterOutlivesItsPartner()
     QCOMPARE(counter.spinBox->value(), 400);
 }
 
-QTEST_MAIN(CounterTest)
+QTEST_MAIN(TestCounter)
 #include "tst_counter.moc"

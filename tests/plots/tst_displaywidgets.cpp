@@ -1,5 +1,4 @@
 #include "plots/colorscalesframe.h"
-#include "plots/qor_toolbar.h"
 #include "plots/thermoslider.h"
 #include "support/widgetcheck.h"
 
@@ -50,7 +49,7 @@ QRect filledColumn(double value)
 
 } // namespace
 
-class DisplayWidgetsTest final : public QObject
+class TestDisplayWidgets final : public QObject
 {
     Q_OBJECT
 
@@ -67,11 +66,9 @@ private slots:
     void colourScaleIsFivePixelsWide();
     void colourScaleIsGreenBetweenTwoRedEnds();
     void lowFrameShowsNoBands();
-
-    void toolBarIsAPlainToolBar();
 };
 
-void DisplayWidgetsTest::piezoBarIsANarrowUprightBarFromZeroToTen()
+void TestDisplayWidgets::piezoBarIsANarrowUprightBarFromZeroToTen()
 {
     const ThermoSlider slider(nullptr);
     QCOMPARE(slider.orientation(), Qt::Vertical);
@@ -87,14 +84,14 @@ void DisplayWidgetsTest::piezoBarIsANarrowUprightBarFromZeroToTen()
     QCOMPARE(slider.scaleMaxMinor(), 0);
 }
 
-void DisplayWidgetsTest::piezoBarFillsWithItsValue_data()
+void TestDisplayWidgets::piezoBarFillsWithItsValue_data()
 {
     QTest::addColumn<double>("value");
     for (const double value : {0.5, 2.5, 5.0, 7.5, 10.0})
         QTest::addRow("%.1f V", value) << value;
 }
 
-void DisplayWidgetsTest::piezoBarFillsWithItsValue()
+void TestDisplayWidgets::piezoBarFillsWithItsValue()
 {
     QFETCH(double, value);
     ThermoSlider slider(nullptr);
@@ -110,14 +107,14 @@ void DisplayWidgetsTest::piezoBarFillsWithItsValue()
     QVERIFY(qAbs(column.top() - (zero - value / 10.0 * reach)) <= 1.0);
 }
 
-void DisplayWidgetsTest::valueBeyondTheScaleFillsNoMoreThanThePipe()
+void TestDisplayWidgets::valueBeyondTheScaleFillsNoMoreThanThePipe()
 {
     QCOMPARE(filledColumn(12.5), filledColumn(10.0));
     QCOMPARE(filledColumn(-3.0), filledColumn(0.0));
     QVERIFY(filledColumn(0.0).height() <= 1);
 }
 
-void DisplayWidgetsTest::colourBandsDivideTheHeight_data()
+void TestDisplayWidgets::colourBandsDivideTheHeight_data()
 {
     QTest::addColumn<int>("height");
     QTest::addColumn<int>("goodTop");
@@ -131,7 +128,7 @@ void DisplayWidgetsTest::colourBandsDivideTheHeight_data()
     QTest::newRow("too low") << 7 << 0 << -1 << 4 << 0 << -1;
 }
 
-void DisplayWidgetsTest::colourBandsDivideTheHeight()
+void TestDisplayWidgets::colourBandsDivideTheHeight()
 {
     QFETCH(int, height);
     const ColorScaleBands bands = colorScaleBands(height);
@@ -147,7 +144,7 @@ void DisplayWidgetsTest::colourBandsDivideTheHeight()
     QTEST(bands.lowerLimit.bottom(), "lowerBottom");
 }
 
-void DisplayWidgetsTest::colourScaleIsFivePixelsWide()
+void TestDisplayWidgets::colourScaleIsFivePixelsWide()
 {
     ColorScalesFrame frame(nullptr);
     frame.resize(16, 80);
@@ -159,7 +156,7 @@ void DisplayWidgetsTest::colourScaleIsFivePixelsWide()
         QCOMPARE(image.pixelColor(7, y) != empty, y >= 5);
 }
 
-void DisplayWidgetsTest::colourScaleIsGreenBetweenTwoRedEnds()
+void TestDisplayWidgets::colourScaleIsGreenBetweenTwoRedEnds()
 {
     ColorScalesFrame frame(nullptr);
     frame.resize(16, 80);
@@ -172,7 +169,7 @@ void DisplayWidgetsTest::colourScaleIsGreenBetweenTwoRedEnds()
     QCOMPARE(image.pixelColor(7, 78), limit);
 }
 
-void DisplayWidgetsTest::lowFrameShowsNoBands()
+void TestDisplayWidgets::lowFrameShowsNoBands()
 {
     ColorScalesFrame frame(nullptr);
     frame.resize(16, 7);
@@ -180,11 +177,5 @@ void DisplayWidgetsTest::lowFrameShowsNoBands()
     QCOMPARE(pixelsOf(image.pixelColor(0, 0), image), 16 * 7);
 }
 
-void DisplayWidgetsTest::toolBarIsAPlainToolBar()
-{
-    const Qor_ToolBar toolBar;
-    QVERIFY(toolBar.actions().isEmpty());
-}
-
-QTEST_MAIN(DisplayWidgetsTest)
+QTEST_MAIN(TestDisplayWidgets)
 #include "tst_displaywidgets.moc"

@@ -60,7 +60,7 @@ const QString horizontal = QStringLiteral("Horizontale Mittellinie");
 
 } // namespace
 
-class GenericPlotTest final : public QObject
+class TestGenericPlot final : public QObject
 {
     Q_OBJECT
 
@@ -90,7 +90,7 @@ private slots:
     void resettingTheZoomShowsTheFullRange();
 };
 
-void GenericPlotTest::newPlotShowsAllFourAxesOverTheFullRange()
+void TestGenericPlot::newPlotShowsAllFourAxesOverTheFullRange()
 {
     GenericPlot plot(nullptr);
     QCOMPARE(plot.maxRange(), 5.0);
@@ -105,7 +105,7 @@ void GenericPlotTest::newPlotShowsAllFourAxesOverTheFullRange()
     }
 }
 
-void GenericPlotTest::axisFontsStayNormalWhateverThePlotsFont()
+void TestGenericPlot::axisFontsStayNormalWhateverThePlotsFont()
 {
     GenericPlot plot(nullptr);
     plot.setFont(QFont(QStringLiteral("Sans Serif"), 10, QFont::Bold, true));
@@ -116,7 +116,7 @@ void GenericPlotTest::axisFontsStayNormalWhateverThePlotsFont()
     }
 }
 
-void GenericPlotTest::newPlotIsFramelessAndAlignedWithItsScales()
+void TestGenericPlot::newPlotIsFramelessAndAlignedWithItsScales()
 {
     GenericPlot plot(nullptr);
     QCOMPARE(plot.frameStyle(), 0);
@@ -125,7 +125,7 @@ void GenericPlotTest::newPlotIsFramelessAndAlignedWithItsScales()
         QVERIFY(plot.plotLayout()->alignCanvasToScale(axis));
 }
 
-void GenericPlotTest::newPlotHasAGreyDottedGridOnLightBlue()
+void TestGenericPlot::newPlotHasAGreyDottedGridOnLightBlue()
 {
     GenericPlot plot(nullptr);
     const QwtPlotItemList grids = plot.itemList(QwtPlotItem::Rtti_PlotGrid);
@@ -137,13 +137,13 @@ void GenericPlotTest::newPlotHasAGreyDottedGridOnLightBlue()
     QCOMPARE(plot.canvasBackground(), QBrush(QColor("lightblue")));
 }
 
-void GenericPlotTest::sizeHintLeavesTheSizeToTheLayout()
+void TestGenericPlot::sizeHintLeavesTheSizeToTheLayout()
 {
     const GenericPlot plot(nullptr);
     QCOMPARE(plot.sizeHint(), QSize(10, 10));
 }
 
-void GenericPlotTest::runningPlotHasNoBackingStore()
+void TestGenericPlot::runningPlotHasNoBackingStore()
 {
     GenericPlot plot(nullptr);
     plot.start();
@@ -152,7 +152,7 @@ void GenericPlotTest::runningPlotHasNoBackingStore()
     QVERIFY(keepsBackingStore(plot));
 }
 
-void GenericPlotTest::clearEmptiesOneCurveOrAll()
+void TestGenericPlot::clearEmptiesOneCurveOrAll()
 {
     GenericPlot plot(nullptr);
     plot.addCurves(3);
@@ -162,16 +162,20 @@ void GenericPlotTest::clearEmptiesOneCurveOrAll()
     plot.clear(1);
     QCOMPARE(plot.curveData(0).size(), size_t(1));
     QCOMPARE(plot.curveData(1).size(), size_t(0));
-    plot.clear(-1);
+    QCOMPARE(plot.curveData(2).size(), size_t(1));
+    plot.clear(0);
     QCOMPARE(plot.curveData(0).size(), size_t(0));
+    QCOMPARE(plot.curveData(2).size(), size_t(1));
+    plot.clear(-1);
+    QCOMPARE(plot.curveData(2).size(), size_t(0));
 
     plot.appendData(2, QPointF(1.0, 1.0));
     plot.clear();
     QCOMPARE(plot.curveData(2).size(), size_t(0));
 }
 
-// On purpose: emptying the curves repaints already.
-void GenericPlotTest::clearRepaintsTwice()
+// Emptying the curves replots once, and so does clear() itself.
+void TestGenericPlot::clearRepaintsTwice()
 {
     GenericPlot plot(nullptr);
     plot.addCurves(2);
@@ -184,7 +188,7 @@ void GenericPlotTest::clearRepaintsTwice()
     QCOMPARE(counter.count, 6);
 }
 
-void GenericPlotTest::appendedPointShowsAfterReplot()
+void TestGenericPlot::appendedPointShowsAfterReplot()
 {
     GenericPlot plot(nullptr);
     plot.resize(400, 400);
@@ -201,7 +205,7 @@ void GenericPlotTest::appendedPointShowsAfterReplot()
     QVERIFY(pixelsOf(Qt::magenta, plot.grab().toImage()) > 10);
 }
 
-void GenericPlotTest::crossHairsAreTwoDarkGreyLinesOverTheRange()
+void TestGenericPlot::crossHairsAreTwoDarkGreyLinesOverTheRange()
 {
     GenericPlot plot(nullptr);
     plot.drawCrossHairs();
@@ -211,7 +215,7 @@ void GenericPlotTest::crossHairsAreTwoDarkGreyLinesOverTheRange()
     QCOMPARE(midLines(plot, horizontal).first()->pen(), QPen(Qt::darkGray, 1.0));
 }
 
-void GenericPlotTest::midLineOfNoHeightShowsOnThePlot()
+void TestGenericPlot::midLineOfNoHeightShowsOnThePlot()
 {
     GenericPlot plot(nullptr);
     plot.resize(400, 400);
@@ -221,8 +225,8 @@ void GenericPlotTest::midLineOfNoHeightShowsOnThePlot()
     QVERIFY(pixelsOf(Qt::darkGray, plot.canvas()->grab().toImage()) > 100);
 }
 
-// On purpose: mid-lines of earlier ranges are never taken away.
-void GenericPlotTest::smallerRangeLeavesTheLongerMidLines()
+// Mid-lines of earlier ranges are never removed.
+void TestGenericPlot::smallerRangeLeavesTheLongerMidLines()
 {
     GenericPlot plot(nullptr);
     plot.setRange(4.0, -4.0);
@@ -232,10 +236,12 @@ void GenericPlotTest::smallerRangeLeavesTheLongerMidLines()
     QCOMPARE(midLineRects(plot, horizontal).size(), 2);
 }
 
-void GenericPlotTest::rangeSetsAllAxesAndTheZoomBase()
+void TestGenericPlot::rangeSetsAllAxesAndTheZoomBase()
 {
     GenericPlot plot(nullptr);
+    QSignalSpy rangeChanged(&plot, &GenericPlot::rangeChanged);
     plot.setRange(2.0, -2.0);
+    QCOMPARE(rangeChanged.size(), 1);
     QCOMPARE(plot.maxRange(), 2.0);
     QCOMPARE(plot.minRange(), -2.0);
     for (int axis : allAxes) {
@@ -246,7 +252,7 @@ void GenericPlotTest::rangeSetsAllAxesAndTheZoomBase()
     QCOMPARE(zoomerOf(plot)->zoomStack().size(), 1);
 }
 
-void GenericPlotTest::leftButtonAloneZoomsAfterConstruction()
+void TestGenericPlot::leftButtonAloneZoomsAfterConstruction()
 {
     const GenericPlot plot(nullptr);
     using Mouse = QwtEventPattern::MousePattern;
@@ -260,14 +266,14 @@ void GenericPlotTest::leftButtonAloneZoomsAfterConstruction()
     QVERIFY(patterns[QwtEventPattern::MouseSelect6] == Mouse(Qt::NoButton));
 }
 
-void GenericPlotTest::rubberBandIsSolidRed()
+void TestGenericPlot::rubberBandIsSolidRed()
 {
     const GenericPlot plot(nullptr);
     QCOMPARE(zoomerOf(plot)->rubberBandPen(),
              QPen(Qt::red, 1.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
 }
 
-void GenericPlotTest::disabledZoomerTakesNeitherMouseNorKeys()
+void TestGenericPlot::disabledZoomerTakesNeitherMouseNorKeys()
 {
     GenericPlot plot(nullptr);
     plot.disableZoomer();
@@ -280,8 +286,8 @@ void GenericPlotTest::disabledZoomerTakesNeitherMouseNorKeys()
         QVERIFY(keys[key] == QwtEventPattern::KeyPattern(0));
 }
 
-// On purpose: the name promises more.
-void GenericPlotTest::zeroingTheZoomStackOnlyHidesTheTracker()
+// The slot does less than its name promises.
+void TestGenericPlot::zeroingTheZoomStackOnlyHidesTheTracker()
 {
     GenericPlot plot(nullptr);
     QwtPlotZoomer* zoomer = zoomerOf(plot);
@@ -292,7 +298,7 @@ void GenericPlotTest::zeroingTheZoomStackOnlyHidesTheTracker()
     QCOMPARE(zoomer->zoomStack().size(), 2);
 }
 
-void GenericPlotTest::resettingTheZoomShowsTheFullRange()
+void TestGenericPlot::resettingTheZoomShowsTheFullRange()
 {
     GenericPlot plot(nullptr);
     zoomerOf(plot)->zoom(QRectF(-1.0, -1.0, 2.0, 2.0));
@@ -307,5 +313,5 @@ void GenericPlotTest::resettingTheZoomShowsTheFullRange()
     }
 }
 
-QTEST_MAIN(GenericPlotTest)
+QTEST_MAIN(TestGenericPlot)
 #include "tst_genericplot.moc"

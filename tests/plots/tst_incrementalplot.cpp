@@ -38,7 +38,7 @@ QVector<QPointF> ramp(int first, int last)
 
 } // namespace
 
-class IncrementalPlotTest final : public QObject
+class TestIncrementalPlot final : public QObject
 {
     Q_OBJECT
 
@@ -77,7 +77,7 @@ private slots:
     void boundingRectangleOfNothingIsInvalid();
 };
 
-void IncrementalPlotTest::newPlotHasNoCurvesAndHoldsFewPoints()
+void TestIncrementalPlot::newPlotHasNoCurvesAndHoldsFewPoints()
 {
     IncrementalPlot plot(nullptr);
     QCOMPARE(plot.curveCount(), 0);
@@ -85,7 +85,7 @@ void IncrementalPlotTest::newPlotHasNoCurvesAndHoldsFewPoints()
     QVERIFY(!plot.autoReplot());
 }
 
-void IncrementalPlotTest::boundedCurveHoldsTheNewestTenSamplesInOrder()
+void TestIncrementalPlot::boundedCurveHoldsTheNewestTenSamplesInOrder()
 {
     IncrementalPlot plot(nullptr);
     plot.addCurve(0);
@@ -97,7 +97,7 @@ void IncrementalPlotTest::boundedCurveHoldsTheNewestTenSamplesInOrder()
     QCOMPARE(plot.curveData(0).samples(), ramp(2, 11));
 }
 
-void IncrementalPlotTest::curveThatKeepsAllPointsGrows()
+void TestIncrementalPlot::curveThatKeepsAllPointsGrows()
 {
     IncrementalPlot plot(nullptr);
     plot.addCurve(0);
@@ -106,7 +106,7 @@ void IncrementalPlotTest::curveThatKeepsAllPointsGrows()
     QCOMPARE(plot.curveData(0).samples(), ramp(1, 5000));
 }
 
-void IncrementalPlotTest::keepingAllPointsLeavesThePointsThatAreThere()
+void TestIncrementalPlot::keepingAllPointsLeavesThePointsThatAreThere()
 {
     IncrementalPlot plot(nullptr);
     plot.addCurve(0);
@@ -116,7 +116,7 @@ void IncrementalPlotTest::keepingAllPointsLeavesThePointsThatAreThere()
     QCOMPARE(plot.curveData(0).samples(), ramp(1, 7));
 }
 
-void IncrementalPlotTest::holdingFewPointsEmptiesAllCurves()
+void TestIncrementalPlot::holdingFewPointsEmptiesAllCurves()
 {
     IncrementalPlot plot(nullptr);
     plot.addCurves(2);
@@ -135,7 +135,7 @@ void IncrementalPlotTest::holdingFewPointsEmptiesAllCurves()
     QCOMPARE(plot.curveData(0).size(), size_t(0));
 }
 
-void IncrementalPlotTest::settingKeepAllPointsReplots()
+void TestIncrementalPlot::settingKeepAllPointsReplots()
 {
     CountingPlot plot(nullptr);
     plot.setKeepAllPoints(true);
@@ -144,7 +144,7 @@ void IncrementalPlotTest::settingKeepAllPointsReplots()
     QCOMPARE(plot.replots, 3);
 }
 
-void IncrementalPlotTest::curveIsInsertedOnlyWithinTheIndex_data()
+void TestIncrementalPlot::curveIsInsertedOnlyWithinTheIndex_data()
 {
     QTest::addColumn<int>("index");
     QTest::addColumn<bool>("inserted");
@@ -155,7 +155,7 @@ void IncrementalPlotTest::curveIsInsertedOnlyWithinTheIndex_data()
     QTest::newRow("beyond count") << 3 << false;
 }
 
-void IncrementalPlotTest::curveIsInsertedOnlyWithinTheIndex()
+void TestIncrementalPlot::curveIsInsertedOnlyWithinTheIndex()
 {
     QFETCH(int, index);
     QFETCH(bool, inserted);
@@ -166,7 +166,7 @@ void IncrementalPlotTest::curveIsInsertedOnlyWithinTheIndex()
     QCOMPARE(plot.itemList(QwtPlotItem::Rtti_PlotCurve).size(), plot.curveCount());
 }
 
-void IncrementalPlotTest::curveIsInsertedBeforeTheOneAtItsIndex()
+void TestIncrementalPlot::curveIsInsertedBeforeTheOneAtItsIndex()
 {
     IncrementalPlot plot(nullptr);
     plot.addCurve(0);
@@ -179,7 +179,7 @@ void IncrementalPlotTest::curveIsInsertedBeforeTheOneAtItsIndex()
     QCOMPARE(plot.curveColor(1), QColor(Qt::green));
 }
 
-void IncrementalPlotTest::newCurveIsBlueDotsTitledByTheCount()
+void TestIncrementalPlot::newCurveIsBlueDotsTitledByTheCount()
 {
     IncrementalPlot plot(nullptr);
     plot.addCurve(0);
@@ -190,7 +190,7 @@ void IncrementalPlotTest::newCurveIsBlueDotsTitledByTheCount()
     QCOMPARE(plot.curveColor(0), QColor(0, 0, 254, 255));
 }
 
-void IncrementalPlotTest::manyCurvesAreAppendedAtOnce()
+void TestIncrementalPlot::manyCurvesAreAppendedAtOnce()
 {
     IncrementalPlot plot(nullptr);
     QVERIFY(plot.addCurves(0));
@@ -200,14 +200,14 @@ void IncrementalPlotTest::manyCurvesAreAppendedAtOnce()
     QCOMPARE(plot.curve(2).title().text(), QStringLiteral("2"));
 }
 
-void IncrementalPlotTest::negativeNumberOfCurvesIsRefused()
+void TestIncrementalPlot::negativeNumberOfCurvesIsRefused()
 {
     IncrementalPlot plot(nullptr);
     QVERIFY(!plot.addCurves(-1));
     QCOMPARE(plot.curveCount(), 0);
 }
 
-void IncrementalPlotTest::curveIsRemovedOnlyWithinTheIndex_data()
+void TestIncrementalPlot::curveIsRemovedOnlyWithinTheIndex_data()
 {
     QTest::addColumn<int>("index");
     QTest::addColumn<bool>("result");
@@ -218,7 +218,7 @@ void IncrementalPlotTest::curveIsRemovedOnlyWithinTheIndex_data()
     QTest::newRow("count") << 2 << false << 2;
 }
 
-void IncrementalPlotTest::curveIsRemovedOnlyWithinTheIndex()
+void TestIncrementalPlot::curveIsRemovedOnlyWithinTheIndex()
 {
     QFETCH(int, index);
     QFETCH(bool, result);
@@ -229,8 +229,8 @@ void IncrementalPlotTest::curveIsRemovedOnlyWithinTheIndex()
     QCOMPARE(plot.curveCount(), count);
 }
 
-// On purpose: the emptied curve is left to the plot, which deletes it with itself.
-void IncrementalPlotTest::removedCurveStaysOnThePlotAndTheNextMovesUp()
+// The plot keeps the curve item until the plot itself is deleted.
+void TestIncrementalPlot::removedCurveStaysOnThePlotAndTheNextMovesUp()
 {
     IncrementalPlot plot(nullptr);
     plot.addCurves(2);
@@ -244,7 +244,7 @@ void IncrementalPlotTest::removedCurveStaysOnThePlotAndTheNextMovesUp()
     QCOMPARE(plot.curveColor(0), QColor(Qt::green));
 }
 
-void IncrementalPlotTest::pointWithoutCurveIsIgnored_data()
+void TestIncrementalPlot::pointWithoutCurveIsIgnored_data()
 {
     QTest::addColumn<int>("index");
     QTest::newRow("curve count") << 1;
@@ -252,7 +252,7 @@ void IncrementalPlotTest::pointWithoutCurveIsIgnored_data()
     QTest::newRow("negative") << -1;
 }
 
-void IncrementalPlotTest::pointWithoutCurveIsIgnored()
+void TestIncrementalPlot::pointWithoutCurveIsIgnored()
 {
     QFETCH(int, index);
     IncrementalPlot plot(nullptr);
@@ -262,7 +262,7 @@ void IncrementalPlotTest::pointWithoutCurveIsIgnored()
     QCOMPARE(plot.curveData(0).size(), size_t(0));
 }
 
-void IncrementalPlotTest::appendingDoesNotReplot()
+void TestIncrementalPlot::appendingDoesNotReplot()
 {
     CountingPlot plot(nullptr);
     plot.addCurve(0);
@@ -270,7 +270,7 @@ void IncrementalPlotTest::appendingDoesNotReplot()
     QCOMPARE(plot.replots, 0);
 }
 
-void IncrementalPlotTest::colourReachesTheWholeCurveWithTheNextPoint()
+void TestIncrementalPlot::colourReachesTheWholeCurveWithTheNextPoint()
 {
     IncrementalPlot plot(nullptr);
     plot.addCurve(0);
@@ -287,7 +287,7 @@ void IncrementalPlotTest::colourReachesTheWholeCurveWithTheNextPoint()
     QCOMPARE(plot.curve(0).symbol()->pen(), QPen(Qt::magenta));
 }
 
-void IncrementalPlotTest::colourWithoutCurveIsIgnored()
+void TestIncrementalPlot::colourWithoutCurveIsIgnored()
 {
     IncrementalPlot plot(nullptr);
     plot.addCurve(0);
@@ -296,7 +296,7 @@ void IncrementalPlotTest::colourWithoutCurveIsIgnored()
     QCOMPARE(plot.curveColor(0), QColor(0, 0, 254));
 }
 
-void IncrementalPlotTest::symbolSizeReachesTheCurveWithTheNextPoint()
+void TestIncrementalPlot::symbolSizeReachesTheCurveWithTheNextPoint()
 {
     IncrementalPlot plot(nullptr);
     plot.addCurve(0);
@@ -309,7 +309,7 @@ void IncrementalPlotTest::symbolSizeReachesTheCurveWithTheNextPoint()
     QCOMPARE(plot.curve(0).symbol()->size(), QSize(3, 3));
 }
 
-void IncrementalPlotTest::symbolStaysWhileNothingAboutItChanges()
+void TestIncrementalPlot::symbolStaysWhileNothingAboutItChanges()
 {
     IncrementalPlot plot(nullptr);
     plot.addCurve(0);
@@ -319,7 +319,7 @@ void IncrementalPlotTest::symbolStaysWhileNothingAboutItChanges()
     QCOMPARE(plot.curve(0).symbol(), symbol);
 }
 
-void IncrementalPlotTest::clearingOneCurveLeavesTheOthersAndReplotsOnce()
+void TestIncrementalPlot::clearingOneCurveLeavesTheOthersAndReplotsOnce()
 {
     CountingPlot plot(nullptr);
     plot.addCurves(2);
@@ -331,7 +331,7 @@ void IncrementalPlotTest::clearingOneCurveLeavesTheOthersAndReplotsOnce()
     QCOMPARE(plot.curveData(1).size(), size_t(0));
 }
 
-void IncrementalPlotTest::clearingAllCurvesReplotsOnce()
+void TestIncrementalPlot::clearingAllCurvesReplotsOnce()
 {
     CountingPlot plot(nullptr);
     plot.addCurves(3);
@@ -343,7 +343,7 @@ void IncrementalPlotTest::clearingAllCurvesReplotsOnce()
         QCOMPARE(plot.curveData(curve).size(), size_t(0));
 }
 
-void IncrementalPlotTest::clearedCurveHoldsNoMemory()
+void TestIncrementalPlot::clearedCurveHoldsNoMemory()
 {
     CurveData curve;
     for (int i = 0; i < 1000; ++i)
@@ -352,14 +352,14 @@ void IncrementalPlotTest::clearedCurveHoldsNoMemory()
     QCOMPARE(curve.samples().capacity(), 0);
 }
 
-void IncrementalPlotTest::boundingRectangleIsComputedOnceUntilCleared()
+void TestIncrementalPlot::boundingRectangleIsComputedOnceUntilCleared()
 {
     CurveData curve;
     curve.append(QPointF(1.0, 2.0));
     curve.append(QPointF(3.0, 5.0));
     QCOMPARE(curve.boundingRect(), QRectF(1.0, 2.0, 2.0, 3.0));
 
-    // On purpose: all axes have explicit scales, so nobody needs the rectangle to follow.
+    // The rectangle does not follow: all axes have explicit scales, so nothing needs it.
     curve.append(QPointF(100.0, 100.0));
     QCOMPARE(curve.boundingRect(), QRectF(1.0, 2.0, 2.0, 3.0));
 
@@ -369,11 +369,11 @@ void IncrementalPlotTest::boundingRectangleIsComputedOnceUntilCleared()
     QCOMPARE(curve.boundingRect(), QRectF(7.0, 8.0, 2.0, 1.0));
 }
 
-void IncrementalPlotTest::boundingRectangleOfNothingIsInvalid()
+void TestIncrementalPlot::boundingRectangleOfNothingIsInvalid()
 {
     const CurveData curve;
     QVERIFY(curve.boundingRect().width() < 0.0);
 }
 
-QTEST_MAIN(IncrementalPlotTest)
+QTEST_MAIN(TestIncrementalPlot)
 #include "tst_incrementalplot.moc"

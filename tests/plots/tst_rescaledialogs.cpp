@@ -4,7 +4,7 @@
 
 #include <QtTest>
 
-class RescaleDialogsTest final : public QObject
+class TestRescaleDialogs final : public QObject
 {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ private slots:
     void dialogsAreModelessTools();
 };
 
-void RescaleDialogsTest::unitIsKeptPerStage()
+void TestRescaleDialogs::unitIsKeptPerStage()
 {
     RescaleDialog dialog;
     QCOMPARE(dialog.unit(1), 0);
@@ -26,7 +26,7 @@ void RescaleDialogsTest::unitIsKeptPerStage()
     QCOMPARE(dialog.unit(2), 1);
 }
 
-void RescaleDialogsTest::axisIsKept()
+void TestRescaleDialogs::axisIsKept()
 {
     RescaleDialog dialog;
     dialog.setAxis(6);
@@ -36,7 +36,7 @@ void RescaleDialogsTest::axisIsKept()
     QCOMPARE(timeDialog.axis(), 4);
 }
 
-void RescaleDialogsTest::dialogsAreModelessTools()
+void TestRescaleDialogs::dialogsAreModelessTools()
 {
     const RescaleDialog dialog;
     QCOMPARE(dialog.windowType(), Qt::Tool);
@@ -46,5 +46,5 @@ void RescaleDialogsTest::dialogsAreModelessTools()
     QVERIFY(!timeDialog.isModal());
 }
 
-QTEST_MAIN(RescaleDialogsTest)
+QTEST_MAIN(TestRescaleDialogs)
 #include "tst_rescaledialogs.moc"

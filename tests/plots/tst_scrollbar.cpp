@@ -5,7 +5,7 @@
 #include <QStyle>
 #include <QtTest>
 
-class ScrollBarTest final : public QObject
+class TestScrollBar final : public QObject
 {
     Q_OBJECT
 
@@ -30,21 +30,21 @@ private slots:
     void extentIsTheThicknessInTheStyle();
 };
 
-void ScrollBarTest::verticalBarAloneStartsInverted()
+void TestScrollBar::verticalBarAloneStartsInverted()
 {
     QVERIFY(ScrollBar().isInverted());
     QVERIFY(ScrollBar(Qt::Vertical).isInverted());
     QVERIFY(!ScrollBar(Qt::Horizontal).isInverted());
 }
 
-void ScrollBarTest::newBarSpansZeroToOne()
+void TestScrollBar::newBarSpansZeroToOne()
 {
     const ScrollBar bar(Qt::Horizontal);
     QCOMPARE(bar.minBaseValue(), 0.0);
     QCOMPARE(bar.maxBaseValue(), 1.0);
 }
 
-void ScrollBarTest::barMadeWithABaseShowsAllOfIt()
+void TestScrollBar::barMadeWithABaseShowsAllOfIt()
 {
     const ScrollBar bar(Qt::Horizontal, -5.0, 5.0);
     QCOMPARE(bar.minBaseValue(), -5.0);
@@ -53,7 +53,7 @@ void ScrollBarTest::barMadeWithABaseShowsAllOfIt()
     QCOMPARE(bar.maxSliderValue(), 5.0);
 }
 
-void ScrollBarTest::spanBecomesRangeStepsAndPosition()
+void TestScrollBar::spanBecomesRangeStepsAndPosition()
 {
     ScrollBar bar(Qt::Horizontal, -5.0, 5.0);
     bar.moveSlider(-1.0, 1.0);
@@ -64,7 +64,7 @@ void ScrollBarTest::spanBecomesRangeStepsAndPosition()
     QCOMPARE(bar.value(), 500000);
 }
 
-void ScrollBarTest::spanIsReadBackFromTheSlider()
+void TestScrollBar::spanIsReadBackFromTheSlider()
 {
     ScrollBar bar(Qt::Vertical, -5.0, 5.0);
     bar.moveSlider(2.0, 4.0);
@@ -73,7 +73,7 @@ void ScrollBarTest::spanIsReadBackFromTheSlider()
     QCOMPARE(bar.maxSliderValue(), 4.0);
 }
 
-void ScrollBarTest::movingTheSliderFromTheProgramIsSilent()
+void TestScrollBar::movingTheSliderFromTheProgramIsSilent()
 {
     ScrollBar bar(Qt::Horizontal, -5.0, 5.0);
     QSignalSpy changed(&bar, &ScrollBar::valueChanged);
@@ -83,7 +83,7 @@ void ScrollBarTest::movingTheSliderFromTheProgramIsSilent()
     QVERIFY(!bar.signalsBlocked());
 }
 
-void ScrollBarTest::newBaseGivesTheSliderAnotherMeaning()
+void TestScrollBar::newBaseGivesTheSliderAnotherMeaning()
 {
     ScrollBar bar(Qt::Horizontal, 0.0, 1.0);
     bar.moveSlider(0.25, 0.75);
@@ -93,7 +93,7 @@ void ScrollBarTest::newBaseGivesTheSliderAnotherMeaning()
     QCOMPARE(bar.maxSliderValue(), 7.5);
 }
 
-void ScrollBarTest::sameBaseChangesNothing()
+void TestScrollBar::sameBaseChangesNothing()
 {
     ScrollBar bar(Qt::Horizontal, -5.0, 5.0);
     bar.moveSlider(-1.0, 1.0);
@@ -102,7 +102,7 @@ void ScrollBarTest::sameBaseChangesNothing()
     QCOMPARE(bar.pageStep(), 7);
 }
 
-void ScrollBarTest::sameInversionChangesNothing()
+void TestScrollBar::sameInversionChangesNothing()
 {
     ScrollBar bar(Qt::Vertical, -5.0, 5.0);
     bar.moveSlider(2.0, 4.0);
@@ -112,8 +112,8 @@ void ScrollBarTest::sameInversionChangesNothing()
     QCOMPARE(bar.value(), 200000);
 }
 
-// The ticks stay, and so does the slider: what it shows is the mirrored span.
-void ScrollBarTest::inversionKeepsTheSpanSeenUnderTheNewFlag()
+// The slider stays where it is on the bar, so it shows the mirrored span.
+void TestScrollBar::inversionKeepsTheSpanSeenUnderTheNewFlag()
 {
     ScrollBar bar(Qt::Horizontal, -5.0, 5.0);
     bar.moveSlider(2.0, 4.0);
@@ -125,7 +125,7 @@ void ScrollBarTest::inversionKeepsTheSpanSeenUnderTheNewFlag()
     QCOMPARE(bar.maxSliderValue(), -2.0);
 }
 
-void ScrollBarTest::changedValueTellsTheVisibleSpan()
+void TestScrollBar::changedValueTellsTheVisibleSpan()
 {
     ScrollBar bar(Qt::Horizontal, -5.0, 5.0);
     bar.moveSlider(-1.0, 1.0);
@@ -137,7 +137,7 @@ void ScrollBarTest::changedValueTellsTheVisibleSpan()
     QCOMPARE(changed[0][2].toDouble(), 2.0);
 }
 
-void ScrollBarTest::draggedSliderTellsTheVisibleSpan()
+void TestScrollBar::draggedSliderTellsTheVisibleSpan()
 {
     ScrollBar bar(Qt::Vertical, -5.0, 5.0);
     bar.moveSlider(-1.0, 1.0);
@@ -151,7 +151,7 @@ void ScrollBarTest::draggedSliderTellsTheVisibleSpan()
     QCOMPARE(moved[0][2].toDouble(), 0.0);
 }
 
-void ScrollBarTest::clickBesideTheSliderScrollsByAPage()
+void TestScrollBar::clickBesideTheSliderScrollsByAPage()
 {
     ScrollBar bar(Qt::Horizontal, -5.0, 5.0);
     bar.resize(400, bar.extent());
@@ -163,14 +163,14 @@ void ScrollBarTest::clickBesideTheSliderScrollsByAPage()
     QCOMPARE(changed[0][2].toDouble(), 3.0);
 }
 
-void ScrollBarTest::extentIsTheThicknessInTheStyle_data()
+void TestScrollBar::extentIsTheThicknessInTheStyle_data()
 {
     QTest::addColumn<Qt::Orientation>("orientation");
     QTest::newRow("horizontal") << Qt::Horizontal;
     QTest::newRow("vertical") << Qt::Vertical;
 }
 
-void ScrollBarTest::extentIsTheThicknessInTheStyle()
+void TestScrollBar::extentIsTheThicknessInTheStyle()
 {
     QFETCH(Qt::Orientation, orientation);
     const ScrollBar bar(orientation);
@@ -179,5 +179,5 @@ void ScrollBarTest::extentIsTheThicknessInTheStyle()
     QCOMPARE(bar.extent(), orientation == Qt::Vertical ? hint.width() : hint.height());
 }
 
-QTEST_MAIN(ScrollBarTest)
+QTEST_MAIN(TestScrollBar)
 #include "tst_scrollbar.moc"

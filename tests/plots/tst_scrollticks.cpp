@@ -16,7 +16,7 @@ ScrollTicks ticksOver(double min, double max, bool inverted = false)
 
 } // namespace
 
-class ScrollTicksTest final : public QObject
+class TestScrollTicks final : public QObject
 {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ private slots:
     void sliderMapsToItsSpan();
 };
 
-void ScrollTicksTest::valueMapsToTheTickBelowTowardsZero_data()
+void TestScrollTicks::valueMapsToTheTickBelowTowardsZero_data()
 {
     QTest::addColumn<double>("min");
     QTest::addColumn<double>("max");
@@ -45,7 +45,7 @@ void ScrollTicksTest::valueMapsToTheTickBelowTowardsZero_data()
     QTest::newRow("base that runs downwards") << 5.0 << -5.0 << 2.5 << 250000;
 }
 
-void ScrollTicksTest::valueMapsToTheTickBelowTowardsZero()
+void TestScrollTicks::valueMapsToTheTickBelowTowardsZero()
 {
     QFETCH(double, min);
     QFETCH(double, max);
@@ -53,7 +53,7 @@ void ScrollTicksTest::valueMapsToTheTickBelowTowardsZero()
     QTEST(ticksOver(min, max).mapToTick(value), "tick");
 }
 
-void ScrollTicksTest::tickMapsToItsValue_data()
+void TestScrollTicks::tickMapsToItsValue_data()
 {
     QTest::addColumn<double>("min");
     QTest::addColumn<double>("max");
@@ -66,7 +66,7 @@ void ScrollTicksTest::tickMapsToItsValue_data()
     QTest::newRow("base that runs downwards") << 5.0 << -5.0 << 250000 << 2.5;
 }
 
-void ScrollTicksTest::tickMapsToItsValue()
+void TestScrollTicks::tickMapsToItsValue()
 {
     QFETCH(double, min);
     QFETCH(double, max);
@@ -74,7 +74,7 @@ void ScrollTicksTest::tickMapsToItsValue()
     QTEST(ticksOver(min, max).mapFromTick(tick), "value");
 }
 
-void ScrollTicksTest::spanMapsToTheSlider_data()
+void TestScrollTicks::spanMapsToTheSlider_data()
 {
     QTest::addColumn<PlotSpan>("base");
     QTest::addColumn<bool>("inverted");
@@ -113,7 +113,7 @@ void ScrollTicksTest::spanMapsToTheSlider_data()
         << aMillion << false << PlotSpan{0.0, 2.4} << 1 << 999999 << 1 << 2 << 1;
 }
 
-void ScrollTicksTest::spanMapsToTheSlider()
+void TestScrollTicks::spanMapsToTheSlider()
 {
     QFETCH(PlotSpan, base);
     QFETCH(bool, inverted);
@@ -126,7 +126,7 @@ void ScrollTicksTest::spanMapsToTheSlider()
     QTEST(slider.position, "position");
 }
 
-void ScrollTicksTest::sliderMapsToItsSpan_data()
+void TestScrollTicks::sliderMapsToItsSpan_data()
 {
     QTest::addColumn<PlotSpan>("base");
     QTest::addColumn<bool>("inverted");
@@ -142,7 +142,7 @@ void ScrollTicksTest::sliderMapsToItsSpan_data()
         << PlotSpan{0.0, 1000000.0} << false << 500000 << 3 << 499999.0 << 500001.0;
 }
 
-void ScrollTicksTest::sliderMapsToItsSpan()
+void TestScrollTicks::sliderMapsToItsSpan()
 {
     QFETCH(PlotSpan, base);
     QFETCH(bool, inverted);
@@ -153,5 +153,5 @@ void ScrollTicksTest::sliderMapsToItsSpan()
     QTEST(span.max, "max");
 }
 
-QTEST_GUILESS_MAIN(ScrollTicksTest)
+QTEST_GUILESS_MAIN(TestScrollTicks)
 #include "tst_scrollticks.moc"

@@ -20,7 +20,7 @@ bool near(double actual, double expected, double tolerance)
 
 } // namespace
 
-class ZoomerTest final : public QObject
+class TestZoomer final : public QObject
 {
     Q_OBJECT
 
@@ -41,7 +41,7 @@ private slots:
     void bandIsLimited();
 };
 
-void ZoomerTest::draggedBandZoomsIn()
+void TestZoomer::draggedBandZoomsIn()
 {
     PlotOnScreen screen;
     QVERIFY(screen.shown);
@@ -58,7 +58,7 @@ void ZoomerTest::draggedBandZoomsIn()
     QVERIFY(near(rect.bottom(), 3.0, pixel));
 }
 
-void ZoomerTest::noOtherButtonZooms_data()
+void TestZoomer::noOtherButtonZooms_data()
 {
     QTest::addColumn<Qt::MouseButton>("button");
     QTest::addColumn<Qt::KeyboardModifiers>("keys");
@@ -68,7 +68,7 @@ void ZoomerTest::noOtherButtonZooms_data()
         << Qt::MiddleButton << Qt::KeyboardModifiers(Qt::ShiftModifier);
 }
 
-void ZoomerTest::noOtherButtonZooms()
+void TestZoomer::noOtherButtonZooms()
 {
     QFETCH(Qt::MouseButton, button);
     QFETCH(Qt::KeyboardModifiers, keys);
@@ -81,7 +81,7 @@ void ZoomerTest::noOtherButtonZooms()
     QCOMPARE(screen.zoomer.zoomRect(), middle);
 }
 
-void ZoomerTest::disabledZoomerIgnoresTheMouse()
+void TestZoomer::disabledZoomerIgnoresTheMouse()
 {
     PlotOnScreen screen;
     QVERIFY(screen.shown);
@@ -91,14 +91,14 @@ void ZoomerTest::disabledZoomerIgnoresTheMouse()
     QVERIFY(!screen.zoomer.isActive());
 }
 
-void ZoomerTest::keysDoNotStepBackOnceZoomed_data()
+void TestZoomer::keysDoNotStepBackOnceZoomed_data()
 {
     QTest::addColumn<int>("key");
     QTest::newRow("undo") << int(Qt::Key_Minus);
     QTest::newRow("home") << int(Qt::Key_Escape);
 }
 
-void ZoomerTest::keysDoNotStepBackOnceZoomed()
+void TestZoomer::keysDoNotStepBackOnceZoomed()
 {
     QFETCH(int, key);
     PlotOnScreen screen;
@@ -111,7 +111,7 @@ void ZoomerTest::keysDoNotStepBackOnceZoomed()
     QCOMPARE(screen.zoomer.zoomRectIndex(), 1u);
 }
 
-void ZoomerTest::eachRescaleTakesTheKeysBack()
+void TestZoomer::eachRescaleTakesTheKeysBack()
 {
     PlotOnScreen screen;
     QVERIFY(screen.shown);
@@ -125,7 +125,7 @@ void ZoomerTest::eachRescaleTakesTheKeysBack()
     QVERIFY(screen.zoomer.keyPattern()[QwtEventPattern::KeyHome] == QwtEventPattern::KeyPattern(2));
 }
 
-void ZoomerTest::zoomedScaleKeepsRoomForTheWidestLabel()
+void TestZoomer::zoomedScaleKeepsRoomForTheWidestLabel()
 {
     PlotOnScreen screen;
     screen.plot.setRange(1234.5, -1234.5);
@@ -141,7 +141,7 @@ void ZoomerTest::zoomedScaleKeepsRoomForTheWidestLabel()
     QCOMPARE(draw->minimumExtent(), 0.0);
 }
 
-void ZoomerTest::newRangeWhileZoomedIsTheNewBase()
+void TestZoomer::newRangeWhileZoomedIsTheNewBase()
 {
     PlotOnScreen screen;
     screen.zoomer.zoom(middle);
@@ -152,7 +152,7 @@ void ZoomerTest::newRangeWhileZoomedIsTheNewBase()
     QVERIFY(screen.plot.axisEnabled(QwtPlot::xTop));
 }
 
-void ZoomerTest::bandStopsAtTheBarBesideAndOnTheLastRowsOfTheBarAbove()
+void TestZoomer::bandStopsAtTheBarBesideAndOnTheLastRowsOfTheBarAbove()
 {
     PlotOnScreen screen;
     QVERIFY(screen.shown);
@@ -178,7 +178,7 @@ void ZoomerTest::bandStopsAtTheBarBesideAndOnTheLastRowsOfTheBarAbove()
     screen.release(canvas.bottomLeft());
 }
 
-void ZoomerTest::bandIsLimited_data()
+void TestZoomer::bandIsLimited_data()
 {
     QTest::addColumn<bool>("hBar");
     QTest::addColumn<bool>("vBar");
@@ -199,7 +199,7 @@ void ZoomerTest::bandIsLimited_data()
         << true << false << QPoint(150, -9) << QPoint(81, 2);
 }
 
-void ZoomerTest::bandIsLimited()
+void TestZoomer::bandIsLimited()
 {
     QFETCH(bool, hBar);
     QFETCH(bool, vBar);
@@ -213,5 +213,5 @@ void ZoomerTest::bandIsLimited()
     QTEST(limitBand(pos, limits), "limited");
 }
 
-QTEST_MAIN(ZoomerTest)
+QTEST_MAIN(TestZoomer)
 #include "tst_zoomer.moc"

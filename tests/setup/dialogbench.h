@@ -144,7 +144,7 @@ public:
 
     QTemporaryDir directory;
     FakeRegistry registry;
-    QList<QStringList> found;
+    QList<FoundInterface> found;
     QList<QPair<bool, bool>> searches;
     QString titleOfFileDialog;
     QFileDialog::AcceptMode modeOfFileDialog = QFileDialog::AcceptSave;

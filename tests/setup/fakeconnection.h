@@ -41,7 +41,7 @@ public:
         return usable;
     }
     int portOrBaud() const override { return number; }
-    void releaseInPlace() override { releaseCore(); }
+    void releaseInPlace() override { release("fake"); }
     void resync() override {}
 
     /// Whether `init` takes what it is given.

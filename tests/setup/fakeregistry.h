@@ -3,6 +3,7 @@
 #include "link/connection.h"
 #include "setup/connectionregistry.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 #include <algorithm>
@@ -38,11 +39,12 @@ public:
             return false;
         if (whenClosing)
             whenClosing();
-        // Its end takes events, and these find a whole list.
         std::unique_ptr<Connection> closed = std::move(*found);
         connections.erase(found);
         if (keepsClosed)
             closedConnections.push_back(std::move(closed));
+        // A registry may show what it does, which takes events. These find a whole list.
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
         return true;
     }
 

@@ -49,7 +49,7 @@ private:
 void TestConnectFlow::init()
 {
     bench = std::make_unique<FlowBench>();
-    bench->parts.devices = DeviceList({{deviceId, "ttyUSB4", "115200", "1"}});
+    bench->parts.devices = DeviceList({{deviceId, "ttyUSB4", 115200, 1}});
     steps.clear();
     flow = std::make_unique<ConnectFlow>(
         bench->parts, [this](ConnectStep step, ConnectionType) { steps.append(step); });
@@ -141,7 +141,7 @@ void TestConnectFlow::aPortThatNoConnectionTakesIsRefused()
     QCOMPARE(flow->connectSerial(deviceId, wantedRate, "arm"), outcome);
     bench->usable = true;
     // Nor one whose name has no room in the record.
-    bench->parts.devices = DeviceList({{deviceId, QString(64, 'x'), "115200", "1"}});
+    bench->parts.devices = DeviceList({{deviceId, QString(64, 'x'), 115200, 1}});
     QCOMPARE(flow->connectSerial(deviceId, wantedRate, "arm"), outcome);
     QVERIFY(bench->waits.isEmpty());
     QVERIFY(bench->rateChanges.isEmpty());

@@ -85,8 +85,7 @@ void TestLoadFlow::aSystemThatDoesNotAnswerIsListedAndDown()
 
 void TestLoadFlow::aSerialSystemIsFoundAtThePortWhereItIsNow()
 {
-    bench->parts.devices =
-        DeviceList({{records::idWithKey("AB000000001"), "ttyUSB9", "115200", "1"}});
+    bench->parts.devices = DeviceList({{records::idWithKey("AB000000001"), "ttyUSB9", 115200, 1}});
     QVERIFY(load(
         {quietSerial("AB000000001", "ttyUSB0", "a"), quietSerial("CD000000002", "ttyUSB1", "b")}));
     QCOMPARE(bench->registry.calls, QStringList({"new ttyUSB9", "new ttyUSB1"}));

@@ -227,7 +227,7 @@ void TestSettingsDialog::theSearchFillsTheDeviceBox()
 {
     auto& box = bench->child<QComboBox>("serialPortInfoListBox");
     box.addItem("old");
-    bench->found = {{"Zev one", "ttyUSB0", "115200", "1"}, {"Zev two", "ttyUSB1", "921600", "0"}};
+    bench->found = {{"Zev one", "ttyUSB0", 115200, 1}, {"Zev two", "ttyUSB1", 921600, 0}};
     widgettest::show(bench->dialog);
     bench->child<QTabWidget>("tabWidget").setCurrentIndex(0);
     QVERIFY(click(bench->child<QPushButton>("rescanButton")));
@@ -250,9 +250,9 @@ void TestSettingsDialog::theSearchIsToldWhatToTry()
 void TestSettingsDialog::onlyTheLastLineHidesItsDevice()
 {
     load({quietSerial("AB000000001", "ttyUSB0", "a"), quietSerial("CD000000002", "ttyUSB1", "b")});
-    bench->found = {{records::idWithKey("AB000000001"), "ttyUSB0", "115200", "1"},
-                    {records::idWithKey("CD000000002"), "ttyUSB1", "115200", "1"},
-                    {records::idWithKey("EF000000003"), "ttyUSB2", "115200", "1"}};
+    bench->found = {{records::idWithKey("AB000000001"), "ttyUSB0", 115200, 1},
+                    {records::idWithKey("CD000000002"), "ttyUSB1", 115200, 1},
+                    {records::idWithKey("EF000000003"), "ttyUSB2", 115200, 1}};
     bench->child<QPushButton>("rescanButton").click();
     auto& box = bench->child<QComboBox>("serialPortInfoListBox");
     QCOMPARE(box.count(), 2);

@@ -96,8 +96,8 @@ void TestStoredSystems::aStoredSystemIsListedUnconnected()
 void TestStoredSystems::aStoredSerialSystemIsFoundByItsIdentification()
 {
     switches::autoSerialSearch = true;
-    bench->found = {{"Zev other", "ttyUSB0", "115200", "1"},
-                    {records::idWithKey("AB000000001"), "ttyUSB7", "115200", "1"}};
+    bench->found = {{"Zev other", "ttyUSB0", 115200, 1},
+                    {records::idWithKey("AB000000001"), "ttyUSB7", 115200, 1}};
     load({quietSerial("AB000000001", "ttyUSB0", "a"), quietSerial("CD000000002", "ttyUSB1", "b")});
     QCOMPARE(bench->registry.calls, QStringList({"new ttyUSB7", "new ttyUSB1"}));
     QCOMPARE(bench->serialLines().at(0)->address(), QStringLiteral("ttyUSB7"));

@@ -36,8 +36,9 @@ struct EmulatedLink
     QObject context;
 };
 
-/// Asks a new controller who it is and tells the client, without the stops that clear the line of
-/// one that may stream: those take their time. False if nobody of ours answered.
+/// Asks the controller for its identity and gives it to the client. Omits the stop commands that
+/// end a running stream, because a new controller does not stream and they take time. False if no
+/// controller of ours answered.
 bool askIdentity(Connection& client);
 
 /// Acts on the thread of the connection, which is still to be started, within its event loop and as

@@ -1,5 +1,7 @@
 #include "support/privatedev.h"
 
+#include "support/pseudoterminals.h"
+
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
@@ -85,6 +87,8 @@ void prepareDevFolder()
              && !QFileInfo(QStringLiteral("/var/lock")).isWritable()
              && !QFileInfo(QStringLiteral("/tmp")).isWritable())
         problem = QStringLiteral("no folder for the lock files of ports");
+    else
+        problem = pseudoTerminalProblem();
 }
 
 QString devFolderProblem()

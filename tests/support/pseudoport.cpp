@@ -122,8 +122,8 @@ void AnsweringPort::listen()
     hurry();
     while (!ends && !hangsUp) {
         // While nobody has the port open this returns at once.
-        pollfd input_{master, POLLIN, 0};
-        if (::poll(&input_, 1, listenPollMs) > 0 && (input_.revents & POLLIN) == 0)
+        pollfd masterEnd{master, POLLIN, 0};
+        if (::poll(&masterEnd, 1, listenPollMs) > 0 && (masterEnd.revents & POLLIN) == 0)
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         input += readAll();
         int end = input.indexOf(';');

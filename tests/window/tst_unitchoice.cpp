@@ -30,6 +30,16 @@ DetectorPair system(const StageDetector& one, const StageDetector& two)
                         two.diameterUm);
 }
 
+/// `displayed` are indices into `systems`, and so is `current`.
+std::array<UnitChoice, 2> chosenUnits(const QList<DetectorPair>& systems,
+                                      const QList<int>& displayed, int current)
+{
+    std::vector<const DetectorPair*> pairs;
+    for (const int index : displayed)
+        pairs.push_back(&systems[index]);
+    return chooseUnits(pairs, &systems[current]);
+}
+
 QString shown(const UnitChoice& choice)
 {
     return QStringLiteral("%1 %2 %3 %4")
@@ -40,7 +50,7 @@ QString shown(const UnitChoice& choice)
 
 } // namespace
 
-class tst_UnitChoice final : public QObject
+class TestUnitChoice final : public QObject
 {
     Q_OBJECT
 
@@ -57,7 +67,7 @@ private slots:
     void aStageThatDisagreesStaysPlainWhateverTheOtherDoes();
 };
 
-void tst_UnitChoice::unitOfAStage_data()
+void TestUnitChoice::unitOfAStage_data()
 {
     QTest::addColumn<QList<DetectorPair>>("systems");
     QTest::addColumn<QString>("stage1");
@@ -86,81 +96,81 @@ void tst_UnitChoice::unitOfAStage_data()
         << QString::fromUtf8("agree µm -40 40") << QString::fromUtf8("agree µm -40 40");
 }
 
-void tst_UnitChoice::unitOfAStage()
+void TestUnitChoice::unitOfAStage()
 {
     QFETCH(QList<DetectorPair>, systems);
     QList<int> displayed;
     for (int i = 0; i < systems.size(); ++i)
         displayed.append(i);
-    const std::array<UnitChoice, 2> choices = chooseUnits(systems, displayed, 0);
+    const std::array<UnitChoice, 2> choices = chosenUnits(systems, displayed, 0);
     QTEST(shown(choices[0]), "stage1");
     QTEST(shown(choices[1]), "stage2");
 }
 
-void tst_UnitChoice::unitCodeIsThatOfTheUnit()
+void TestUnitChoice::unitCodeIsThatOfTheUnit()
 {
-    QCOMPARE(UnitChoice().unitCode(), 0);
+    QCOMPARE(UnitChoice().unitCode(), PositionUnit::Volt);
     const QList<DetectorPair> systems{system(quadrant50, psdLength)};
-    const std::array<UnitChoice, 2> choices = chooseUnits(systems, {0}, 0);
-    QCOMPARE(choices[0].unitCode(), 1);
-    QCOMPARE(choices[1].unitCode(), 2);
+    const std::array<UnitChoice, 2> choices = chosenUnits(systems, {0}, 0);
+    QCOMPARE(choices[0].unitCode(), PositionUnit::Micrometre);
+    QCOMPARE(choices[1].unitCode(), PositionUnit::Millimetre);
 }
 
-void tst_UnitChoice::nothingDisplayedIsShownInVolts()
+void TestUnitChoice::nothingDisplayedIsShownInVolts()
 {
-    const std::array<UnitChoice, 2> choices = chooseUnits({system(psdLength, quadrant50)}, {}, 0);
+    const std::array<UnitChoice, 2> choices = chosenUnits({system(psdLength, quadrant50)}, {}, 0);
     QCOMPARE(shown(choices[0]), QString("agree V -5 5"));
     QCOMPARE(shown(choices[1]), QString("agree V -5 5"));
 }
 
-void tst_UnitChoice::agreementIsJudgedAgainstTheFirstDisplayed()
+void TestUnitChoice::agreementIsJudgedAgainstTheFirstDisplayed()
 {
     const QList<DetectorPair> systems{system(psdLength, psdLength), system(quadrant50, quadrant50)};
-    QVERIFY(!chooseUnits(systems, {0, 1}, 0)[0].unitsAgree);
-    QVERIFY(!chooseUnits(systems, {1, 0}, 1)[0].unitsAgree);
+    QVERIFY(!chosenUnits(systems, {0, 1}, 0)[0].unitsAgree);
+    QVERIFY(!chosenUnits(systems, {1, 0}, 1)[0].unitsAgree);
 }
 
-void tst_UnitChoice::onlyDisplayedSystemsCount()
+void TestUnitChoice::onlyDisplayedSystemsCount()
 {
     const QList<DetectorPair> systems{system(plain, plain), system(psdLength, quadrant50)};
-    const std::array<UnitChoice, 2> choices = chooseUnits(systems, {1}, 1);
+    const std::array<UnitChoice, 2> choices = chosenUnits(systems, {1}, 1);
     QCOMPARE(shown(choices[0]), QString("agree mm -4.5 4.5"));
     QCOMPARE(shown(choices[1]), QString::fromUtf8("agree µm -25 25"));
 }
 
-void tst_UnitChoice::withoutDiameterTheCurrentSystemGivesTheRange()
+void TestUnitChoice::withoutDiameterTheCurrentSystemGivesTheRange()
 {
     const QList<DetectorPair> systems{system(psdLength, psdLength), system(uvLength, uvLength)};
-    QCOMPARE(chooseUnits(systems, {0, 1}, 1)[0].detector, systems[1][0]);
-    QCOMPARE(chooseUnits(systems, {1, 0}, 0)[0].detector, systems[0][0]);
+    QCOMPARE(chosenUnits(systems, {0, 1}, 1)[0].detector, systems[1][0]);
+    QCOMPARE(chosenUnits(systems, {1, 0}, 0)[0].detector, systems[0][0]);
 }
 
-void tst_UnitChoice::aCurrentSystemThatIsNotDisplayedGivesNoUnit()
+void TestUnitChoice::aCurrentSystemThatIsNotDisplayedGivesNoUnit()
 {
     const QList<DetectorPair> systems{system(psdLength, psdLength), system(quadrant50, psdLength),
                                       system(quadrant50, uvLength)};
-    const std::array<UnitChoice, 2> choices = chooseUnits(systems, {1, 2}, 0);
+    const std::array<UnitChoice, 2> choices = chosenUnits(systems, {1, 2}, 0);
     QCOMPARE(shown(choices[0]), QString::fromUtf8("agree µm -25 25"));
     QCOMPARE(shown(choices[1]), QString("agree mm -4.5 4.5"));
 }
 
-void tst_UnitChoice::ofEqualDiametersTheFirstDisplayedCounts()
+void TestUnitChoice::ofEqualDiametersTheFirstDisplayedCounts()
 {
     const QList<DetectorPair> systems{system(quadrant50, quadrant50), system(quadrant80, plain),
                                       system(quadrant80, quadrant50)};
-    QCOMPARE(chooseUnits(systems, {0, 2, 1}, 0)[0].detector, systems[2][0]);
-    QCOMPARE(chooseUnits(systems, {0, 1, 2}, 0)[0].detector, systems[1][0]);
+    QCOMPARE(chosenUnits(systems, {0, 2, 1}, 0)[0].detector, systems[2][0]);
+    QCOMPARE(chosenUnits(systems, {0, 1, 2}, 0)[0].detector, systems[1][0]);
 }
 
-void tst_UnitChoice::aStageThatDisagreesStaysPlainWhateverTheOtherDoes()
+void TestUnitChoice::aStageThatDisagreesStaysPlainWhateverTheOtherDoes()
 {
     // Stage 1 depends on the beam diameter; the curves of stage 2 are in volts.
     const QList<DetectorPair> systems{system(quadrant50, psdLength), system(quadrant80, plain)};
-    const std::array<UnitChoice, 2> choices = chooseUnits(systems, {0, 1}, 0);
+    const std::array<UnitChoice, 2> choices = chosenUnits(systems, {0, 1}, 0);
     QCOMPARE(shown(choices[0]), QString::fromUtf8("agree µm -40 40"));
     QVERIFY(!choices[1].detector);
     QCOMPARE(shown(choices[1]), QString("differ V -5 5"));
 }
 
-QTEST_GUILESS_MAIN(tst_UnitChoice)
+QTEST_GUILESS_MAIN(TestUnitChoice)
 #include "tst_unitchoice.moc"

@@ -36,9 +36,9 @@ ConnectionSettings record(int number, ConnectionType type, const QString& addres
     record.id.set(id);
     record.serial.set(deviceKey(id));
     record.autoConnect = true;
-    record.colorX = systems[number].colorX;
-    record.colorY = systems[number].colorY;
-    record.colorI = systems[number].colorI;
+    record.colorX = QString::fromLatin1(systems[number].colorX);
+    record.colorY = QString::fromLatin1(systems[number].colorY);
+    record.colorI = QString::fromLatin1(systems[number].colorI);
     return record;
 }
 

@@ -46,7 +46,7 @@ std::vector<Demonstration::Reading> Demonstration::readings() const
 {
     std::vector<Reading> list;
     for (const auto& connection : window.liveConnections())
-        list.push_back({connection.get(), connection->samplesStored()});
+        list.push_back({connection, connection->samplesStored()});
     return list;
 }
 

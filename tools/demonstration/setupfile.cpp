@@ -3,9 +3,10 @@
 
 #include "app/messagelog.h"
 #include "demo/systems.h"
+#include "link/linkup.h"
 #include "link/serialport.h"
 #include "link/tcpclient.h"
-#include "setup/linkup.h"
+#include "setup/recordroom.h"
 #include "setup/settings.h"
 
 #include <QCommandLineParser>
@@ -17,7 +18,7 @@
 
 namespace {
 
-constexpr LinkWait controllerWait{2000, false};
+constexpr LinkWait controllerWait{2000};
 /// Enough on this machine's own network. A controller that streams nothing leaves the stops that
 /// clear the line unanswered, so each costs the wait.
 constexpr int replyTimeoutMs = 100;
@@ -52,7 +53,8 @@ std::optional<ConnectionSettings> recordOf(int number, const QString& text)
     connection->setTimeoutMs(replyTimeoutMs);
     QString id;
     if (!connection->init(place.address, place.portOrBaudRate)
-        || connectAndIdentify(*connection, controllerWait, demosystems::label(number), id)
+        || connectAndIdentify(*connection, controllerWait, demosystems::label(number), id,
+                              &canBeStored)
                != LinkOutcome::Up) {
         return std::nullopt;
     }

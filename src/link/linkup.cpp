@@ -1,8 +1,7 @@
-#include "setup/linkup.h"
+#include "link/linkup.h"
 
 #include "link/connection.h"
 #include "link/identification.h"
-#include "model/connectionsettings.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -14,22 +13,7 @@ namespace {
 
 constexpr unsigned long pollMs = 1;
 
-void waitForLink(const Connection& connection, LinkWait wait)
-{
-    if (wait.inOneGo) {
-        takeEvents();
-        QThread::msleep(static_cast<unsigned long>(wait.limitMs));
-        takeEvents();
-        return;
-    }
-    const QDeadlineTimer limit(wait.limitMs);
-    while (!connection.isConnected() && connection.isRunning() && !limit.hasExpired()) {
-        takeEvents();
-        QThread::msleep(pollMs);
-    }
-}
-
-/// Notes the loss of a link, which its state does not tell until it is disconnected.
+/// Remembers that a link was lost. The state of the link says so only after it was disconnected.
 class LossWatch final
 {
 public:
@@ -44,7 +28,7 @@ public:
     LossWatch(const LossWatch&) = delete;
     LossWatch& operator=(const LossWatch&) = delete;
 
-    /// Gives the connection's thread the time to tell what ended the last exchange.
+    /// Gives the connection's thread the time to report what ended the last exchange.
     bool isLost() const
     {
         QThread::msleep(settleMs);
@@ -60,13 +44,6 @@ private:
     QMetaObject::Connection watching;
 };
 
-/// Whether a record has room for the identification, which may hold any bytes.
-bool canBeStored(const QString& id)
-{
-    return decltype(ConnectionSettings::id)::fits(id)
-           && decltype(ConnectionSettings::serial)::fits(deviceKey(id));
-}
-
 } // namespace
 
 void takeEvents()
@@ -74,11 +51,27 @@ void takeEvents()
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
+bool waitForLink(const Connection& connection, LinkWait wait)
+{
+    if (wait.manner == LinkWait::Manner::InOneGo) {
+        takeEvents();
+        QThread::msleep(static_cast<unsigned long>(wait.limitMs));
+        takeEvents();
+        return connection.isConnected();
+    }
+    const QDeadlineTimer limit(wait.limitMs);
+    while (!connection.isConnected() && connection.isRunning() && !limit.hasExpired()) {
+        if (wait.manner == LinkWait::Manner::TakingEvents)
+            takeEvents();
+        QThread::msleep(pollMs);
+    }
+    return connection.isConnected();
+}
+
 bool bringUp(Connection& connection, LinkWait wait)
 {
     connection.start(QThread::InheritPriority);
-    waitForLink(connection, wait);
-    return connection.isConnected();
+    return waitForLink(connection, wait);
 }
 
 bool changeBaudRate(Connection& connection, LinkWait wait, int baudRate)
@@ -96,7 +89,7 @@ bool changeBaudRate(Connection& connection, LinkWait wait, int baudRate)
 }
 
 LinkOutcome connectAndIdentify(Connection& connection, LinkWait wait, const QString& label,
-                               QString& id)
+                               QString& id, const std::function<bool(const QString&)>& isUsable)
 {
     const LossWatch watch(connection);
     if (!bringUp(connection, wait))
@@ -104,7 +97,7 @@ LinkOutcome connectAndIdentify(Connection& connection, LinkWait wait, const QStr
 
     const ControllerIdentity identity = identify(connection, LineClearing::TwoStops);
     const bool isExpected = id.isEmpty() || id == identity.id;
-    if (!identity.isController || !canBeStored(identity.id) || !isExpected)
+    if (!identity.isController || !isUsable(identity.id) || !isExpected)
         return LinkOutcome::NotIdentified;
     id = identity.id;
     labelController(connection, label);

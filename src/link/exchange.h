@@ -1,0 +1,52 @@
+#pragma once
+
+#include "link/linkcondition.h"
+#include "link/postedsend.h"
+
+#include <QDeadlineTimer>
+
+#include <memory>
+
+class SendQueue;
+
+/// The GUI thread's half of the talk with a controller: one command at a time, and its reply. All
+/// functions are for the GUI thread.
+///
+/// Whoever waits for a reply waits twice the time-out in all, from the sending on: the way into the
+/// connection's thread is part of it.
+class Exchange final
+{
+public:
+    Exchange(LinkCondition& condition, SendQueue& queue);
+
+    /// Sends a command. Waits for the end of a poll, and for the way of a stop: whoever stops a
+    /// stream knows that the stop was written when this returns, or that the time is over.
+    void send(const CommandFrame& frame);
+    /// Waits for the reply of the last command and appends it to `out`. False if nothing was sent
+    /// or nothing came in time.
+    bool fetchReply(QByteArray& out);
+
+    /// Sends a command without waiting, unless the last command or poll is not settled yet.
+    void poll(const CommandFrame& frame);
+    /// Appends the reply of the last poll to `out` without waiting. False if it is not there. A
+    /// poll whose time is over is given up here.
+    bool takePolled(QByteArray& out);
+
+    /// Drops the last command and its reply.
+    void forget();
+
+private:
+    void post(const CommandFrame& frame);
+    bool awaitReply(QByteArray& out);
+    bool isSettled() const;
+    void settlePoll();
+    void giveUpReply();
+
+    LinkCondition& condition;
+    SendQueue& queue;
+    QDeadlineTimer deadline;
+    /// Of the last command; null before the first.
+    std::shared_ptr<SendDelivery> delivery;
+    /// Whether the last command was a poll whose reply was neither taken nor given up.
+    bool isPolling = false;
+};

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <mutex>
+
+/// Where the connection's thread leaves a reply for the GUI thread. It holds one reply; whether one
+/// is awaited or there is its state. Any thread may call.
+class ReplyBox final
+{
+public:
+    /// A command was written: drops an earlier reply and awaits one.
+    void expect();
+    /// Empties a reply that is there; its state stays.
+    void clearBytes();
+    /// Leaves a reply, which can be an empty one, to be taken.
+    void put(const QByteArray& bytes);
+    /// No reply is awaited any more. One that is already there stays.
+    void giveUp();
+    /// Appends the reply to `out`. False if there is none.
+    bool take(QByteArray& out);
+    bool isAwaited() const;
+    /// Neither awaits a reply nor has one.
+    void reset();
+
+private:
+    enum class State { Idle, Awaited, Ready };
+
+    mutable std::mutex mutex;
+    State state = State::Idle;
+    QByteArray reply;
+};

@@ -1,0 +1,281 @@
+#include "window/livesystems.h"
+
+#include "app/logging.h"
+#include "link/connection.h"
+#include "link/identification.h"
+#include "link/linkup.h"
+#include "model/connectionsettings.h"
+#include "setup/colors.h"
+#include "setup/graph.h"
+
+#include <QPointer>
+
+#include <algorithm>
+
+namespace {
+
+constexpr LinkWait reconnectWait{300, LinkWait::Manner::WithoutEvents};
+constexpr unsigned long settleMs = 2;
+
+ConnectionStatus initialStatus(Connection& connection, const ConnectionSettings& settings)
+{
+    ConnectionStatus status;
+    status.connection = &connection;
+    status.address = connection.address();
+    status.label = connection.label();
+    status.statusValid = connection.isConnected();
+    status.colorX = toColor(settings.colorX);
+    status.colorY = toColor(settings.colorY);
+    status.colorI = toColor(settings.colorI);
+    return status;
+}
+
+void endThread(Connection& connection)
+{
+    connection.disconnectController();
+    QThread::msleep(settleMs);
+}
+
+} // namespace
+
+LiveSystems::LiveSystems(QObject* parent)
+    : QObject(parent)
+{}
+
+LiveSystems::~LiveSystems() = default;
+
+int LiveSystems::indexOf(const Connection* connection) const
+{
+    const auto found = std::find_if(systems.begin(), systems.end(), [&](const LiveSystem& system) {
+        return system.connection.get() == connection;
+    });
+    return found == systems.end() ? -1 : int(found - systems.begin());
+}
+
+Connection* LiveSystems::find(const QString& address) const
+{
+    Connection* first = nullptr;
+    for (const LiveSystem& system : systems) {
+        Connection& connection = *system.connection;
+        if (connection.address() != address)
+            continue;
+        if (connection.isConnected())
+            return &connection;
+        if (!first)
+            first = &connection;
+    }
+    return first;
+}
+
+bool LiveSystems::anyConnected() const
+{
+    return std::any_of(systems.begin(), systems.end(),
+                       [](const LiveSystem& system) { return system.connection->isConnected(); });
+}
+
+LiveSystem* LiveSystems::single()
+{
+    return displayedIndices.size() == 1 ? &at(displayedIndices.first()) : nullptr;
+}
+
+LiveSystem* LiveSystems::current()
+{
+    return currentIndex < size() ? &at(currentIndex) : nullptr;
+}
+
+QList<ConnectionStatus> LiveSystems::statuses() const
+{
+    QList<ConnectionStatus> copies;
+    for (const LiveSystem& system : systems)
+        copies.append(system.status);
+    return copies;
+}
+
+void LiveSystems::add(std::unique_ptr<Connection> connection, const ConnectionSettings& settings,
+                      DetectorPair& detectors)
+{
+    const int index = size();
+    watch(*connection);
+    LiveSystem system;
+    system.status = initialStatus(*connection, settings);
+    system.detectors = &detectors;
+    system.connection = std::move(connection);
+    systems.push_back(std::move(system));
+    emit added(index);
+    if (displayedIndices.size() < maxDisplayed && connectionAt(index).isConnected())
+        display(index);
+}
+
+/// A link that was lost before it was registered has told nobody. Its thread, which may still be
+/// about to end, tells it then by its end.
+void LiveSystems::watch(Connection& connection)
+{
+    const QPointer<Connection> watched(&connection);
+    const auto tell = [this, watched] { onLinkLost(watched); };
+    const auto tellIfEnded = [this, watched] {
+        if (watched && !watched->isRunning())
+            onLinkLost(watched);
+    };
+    connect(&connection, &Connection::hostDisconnected, this, tell);
+    connect(&connection, &QThread::finished, this, tellIfEnded);
+    if (!connection.isRunning())
+        QMetaObject::invokeMethod(this, tellIfEnded, Qt::QueuedConnection);
+}
+
+/// Ignored if the connection was closed or disconnected before this call was delivered.
+void LiveSystems::onLinkLost(const Connection* connection)
+{
+    if (connection && indexOf(connection) >= 0 && connection->isConnected())
+        emit lost(connection);
+}
+
+void LiveSystems::show(const Connection* connection, bool show)
+{
+    const int index = indexOf(connection);
+    if (index < 0)
+        return;
+    if (!show)
+        hide(index);
+    else if (connection->isConnected())
+        display(index);
+}
+
+void LiveSystems::display(int index)
+{
+    // A displayed system keeps its place.
+    if (isDisplayed(index))
+        return;
+    if (displayedIndices.size() >= maxDisplayed) {
+        at(index).status.displayed = false;
+        return;
+    }
+    displayedIndices.append(index);
+    at(index).status.displayed = true;
+    if (displayedIndices.size() == 1)
+        currentIndex = index;
+    emit shown(index);
+}
+
+void LiveSystems::hide(int index)
+{
+    if (!displayedIndices.removeOne(index))
+        return;
+    at(index).status.displayed = false;
+    if (displayedIndices.size() <= 1)
+        currentIndex = displayedIndices.isEmpty() ? index : displayedIndices.first();
+    if (connectionAt(index).isConnected())
+        connectionAt(index).stopStream();
+    emit hidden(index);
+}
+
+bool LiveSystems::close(const Connection* connection)
+{
+    const int index = indexOf(connection);
+    if (index < 0)
+        return false;
+    hide(index);
+    if (connectionAt(index).isStreaming())
+        connectionAt(index).stopStream();
+    connectionAt(index).disconnect(this);
+
+    const std::unique_ptr<Connection> closing = std::move(at(index).connection);
+    systems.erase(systems.begin() + index);
+    const auto moveUp = [index](int& each) {
+        if (each > index)
+            --each;
+    };
+    std::for_each(displayedIndices.begin(), displayedIndices.end(), moveUp);
+    moveUp(currentIndex);
+    if (!displayedIndices.isEmpty())
+        currentIndex = displayedIndices.first();
+    emit closed(index, closing.get());
+    return true;
+}
+
+void LiveSystems::closeAll()
+{
+    displayedIndices.clear();
+    while (!systems.empty())
+        close(systems.back().connection.get());
+}
+
+bool LiveSystems::disconnectLink(const Connection* connection)
+{
+    const int index = indexOf(connection);
+    if (index < 0)
+        return false;
+    endThread(connectionAt(index));
+    hide(index);
+    emit disconnected(index);
+    return !connection->isConnected();
+}
+
+ReconnectResult LiveSystems::reconnect(const Connection* connection, QString& expectedId)
+{
+    logMessage().info() << "Reconnecting";
+    const auto fail = [](ReconnectResult result) {
+        logMessage().info() << "Reconnecting failed";
+        return result;
+    };
+    const int index = indexOf(connection);
+    if (index < 0)
+        return fail(ReconnectResult::NoController);
+    Connection& link = connectionAt(index);
+    if (link.isRunning())
+        disconnectLink(connection);
+
+    if (!bringUp(link, reconnectWait)) {
+        link.disconnectController();
+        return fail(ReconnectResult::NoController);
+    }
+    const ControllerIdentity identity = identify(link, LineClearing::TwoStopsAndRepeat);
+    const bool isExpected = expectedId.isEmpty() || expectedId == identity.id;
+    if (!identity.isController || !isExpected) {
+        link.disconnectController();
+        return fail(identity.isController ? ReconnectResult::OtherController
+                                          : ReconnectResult::NoController);
+    }
+    expectedId = identity.id;
+    at(index).status.statusValid = true;
+    display(index);
+    logMessage().info() << "Successfully reconnected";
+    return ReconnectResult::Reconnected;
+}
+
+void LiveSystems::setColor(const Connection* connection, const QColor& color, int graph)
+{
+    const int index = indexOf(connection);
+    if (index < 0)
+        return;
+    ConnectionStatus& status = at(index).status;
+    switch (Graph(graph)) {
+    case Graph::X:
+        status.colorX = color;
+        break;
+    case Graph::Y:
+        status.colorY = color;
+        break;
+    case Graph::Intensity:
+        status.colorI = color;
+        break;
+    default:
+        return;
+    }
+    emit colored(index);
+}
+
+void LiveSystems::setGroup(const Connection* connection, int group)
+{
+    const int index = indexOf(connection);
+    if (index >= 0)
+        at(index).status.groupId = group;
+}
+
+void LiveSystems::relabel(const Connection* connection, const QString& label)
+{
+    const int index = indexOf(connection);
+    if (index < 0)
+        return;
+    labelController(connectionAt(index), label);
+    at(index).status.label = label;
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "model/measuresample.h"
+#include "window/stageview.h"
+
+#include <QList>
+
+#include <vector>
+
+class Connection;
+class LiveSystems;
+class Statistics;
+struct LiveSystem;
+
+/// Which samples a tick takes: those of these systems, from one of the two stores of each
+/// connection, for the curves that begin at an index.
+struct SampleSource
+{
+    /// Moves the oldest sample of a store to its argument; 0 if there is none.
+    using Store = int (Connection::*)(MeasureSample&);
+
+    /// Indices of the systems, in the order in which they are shown.
+    QList<int> systems;
+    Store store;
+    /// Added to the index of a system, this gives that of its curves.
+    int curveOffset = 0;
+};
+
+/// The samples that one system gave to a tick.
+struct SampleBlock
+{
+    int system = 0;
+    int curve = 0;
+    std::vector<MeasureSample> samples;
+};
+
+/// The samples that wait, at most 501 of each system, which bounds a tick even after a stall: what
+/// is left is taken by the next one.
+std::vector<SampleBlock> drain(const LiveSystems& systems, const SampleSource& source);
+
+/// Brings the samples of one tick onto the stages: into the plots, the readouts of a single
+/// system, the statistics and the status records. Nothing is painted.
+class SamplePass final
+{
+public:
+    SamplePass(LiveSystems& systems, Stages& stages, Statistics& statistics, int samplingRateHz);
+
+    /// Shows the blocks in their order. False if the run came to its end, which leaves out the
+    /// rest of the last block.
+    bool show(const std::vector<SampleBlock>& blocks);
+
+private:
+    struct Place
+    {
+        bool first;
+        bool last;
+        bool single;
+    };
+
+    bool showBlock(const SampleBlock& block, const Place& place);
+    StagePositions positionsOf(const MeasureSample& sample, const LiveSystem& system) const;
+    void showReadouts(const MeasureSample& sample, const StagePositions& positions,
+                      const LiveSystem& system);
+
+    LiveSystems& systems;
+    Stages& stages;
+    Statistics& statistics;
+    /// Every how many samples each stage's time plots take one.
+    std::array<int, 2> decimations;
+};

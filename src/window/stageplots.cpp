@@ -1,0 +1,197 @@
+#include "window/stageplots.h"
+
+#include "plots/genericplot.h"
+#include "setup/connectionstatus.h"
+#include "window/decimation.h"
+
+#include <QBoxLayout>
+#include <qwt_scale_draw.h>
+
+namespace {
+
+constexpr double msPerS = 1000.0;
+constexpr int maxMajorTicks = 5;
+constexpr int maxMinorTicks = 3;
+constexpr int positionFontPt = 10;
+/// Room for the widest numbers of the left axes, so that no canvas moves when they change and
+/// those of one stage stand above each other.
+constexpr double leftAxisExtentPx = 50.0;
+constexpr QSize pointingDotSize(3, 3);
+/// Below this the time axes could not be read; the window scrolls instead.
+constexpr int minTimePlotWidthPx = 260;
+
+GenericPlot* makePlot(const char* kind, int number, QWidget& parent, QBoxLayout& layout)
+{
+    auto* plot = new GenericPlot(&parent);
+    plot->setObjectName(QLatin1String(kind) + QString::number(number));
+    layout.addWidget(plot);
+    return plot;
+}
+
+void dressTimePlot(GenericPlot& plot, const char* background, QwtPlot::Axis timeAxis,
+                   QwtPlot::Axis hiddenTimeAxis)
+{
+    plot.setMinimumWidth(minTimePlotWidthPx);
+    plot.setKeepAllPoints(true);
+    plot.setCanvasBackground(QColor(QLatin1String(background)));
+    plot.disableZoomer();
+    plot.canvas()->setCursor(Qt::ArrowCursor);
+    plot.enableAxis(timeAxis, true);
+    plot.enableAxis(hiddenTimeAxis, false);
+    plot.enableAxis(QwtPlot::yRight, false);
+    plot.setAxisScale(QwtPlot::xBottom, StagePlots::timeAxisMinS, StagePlots::timeAxisMaxS);
+    plot.setAxisMaxMajor(QwtPlot::yLeft, maxMajorTicks);
+    plot.axisScaleDraw(QwtPlot::yLeft)->setMinimumExtent(leftAxisExtentPx);
+}
+
+} // namespace
+
+StagePlots::StagePlots(int stageNumber, QWidget& parent, const Layouts& layouts)
+    : number(stageNumber)
+{
+    makePointingPlot(parent, layouts.pointing);
+    makePositionPlot(parent, layouts.position);
+    makeIntensityPlot(parent, layouts.intensity);
+}
+
+void StagePlots::makePointingPlot(QWidget& parent, QBoxLayout& layout)
+{
+    pointingPlot = makePlot("osciPlot", number, parent, layout);
+    pointingPlot->setKeepAllPoints(false);
+    pointingPlot->drawCrossHairs();
+    pointingPlot->setSymbolSize(pointingDotSize);
+}
+
+void StagePlots::makePositionPlot(QWidget& parent, QBoxLayout& layout)
+{
+    positionPlot = makePlot("positionPlot", number, parent, layout);
+    dressPositionPlot();
+}
+
+void StagePlots::dressPositionPlot()
+{
+    dressTimePlot(*positionPlot, "lightblue", QwtPlot::xTop, QwtPlot::xBottom);
+    positionPlot->setAxisScale(QwtPlot::xTop, timeAxisMinS, timeAxisMaxS);
+    positionPlot->setAxisScale(QwtPlot::yLeft, rangeMin, rangeMax);
+    positionPlot->setFont(QFont(QStringLiteral("Sans Serif"), positionFontPt, QFont::Bold));
+}
+
+void StagePlots::makeIntensityPlot(QWidget& parent, QBoxLayout& layout)
+{
+    intensityPlot = makePlot("intensityPlot", number, parent, layout);
+    dressTimePlot(*intensityPlot, "azure", QwtPlot::xBottom, QwtPlot::xTop);
+    intensityPlot->setAxisScale(QwtPlot::yLeft, intensityMinV, intensityMaxV);
+    intensityPlot->setAxisMaxMinor(QwtPlot::yLeft, maxMinorTicks);
+}
+
+void StagePlots::addCurves(int index)
+{
+    pointingPlot->addCurve(index);
+    positionPlot->addCurve(2 * index);
+    positionPlot->addCurve(2 * index);
+    intensityPlot->addCurve(index);
+}
+
+void StagePlots::removeCurves(int index)
+{
+    pointingPlot->removeCurve(index);
+    intensityPlot->removeCurve(index);
+    positionPlot->removeCurve(2 * index + 1);
+    positionPlot->removeCurve(2 * index);
+}
+
+void StagePlots::clearCurves(int index)
+{
+    positionPlot->clear(2 * index);
+    positionPlot->clear(2 * index + 1);
+    pointingPlot->clear(index);
+    intensityPlot->clear(index);
+}
+
+void StagePlots::clearAllCurves()
+{
+    pointingPlot->clear();
+    positionPlot->clear();
+    intensityPlot->clear();
+}
+
+void StagePlots::setCurveColors(int index, const ConnectionStatus& status)
+{
+    positionPlot->setCurveColor(status.colorX, 2 * index);
+    positionPlot->setCurveColor(status.colorY, 2 * index + 1);
+    intensityPlot->setCurveColor(status.colorI, index);
+    pointingPlot->setCurveColor(status.colorI, index);
+}
+
+void StagePlots::appendTimePoints(int index, quint64 timeMs, const QPointF& position,
+                                  double intensityV)
+{
+    const double t = secondsSince(originMs, timeMs);
+    positionPlot->appendData(2 * index, QPointF(t, position.x()));
+    positionPlot->appendData(2 * index + 1, QPointF(t, position.y()));
+    intensityPlot->appendData(index, QPointF(t, intensityV));
+}
+
+void StagePlots::appendPointingPoint(int index, const QPointF& position)
+{
+    pointingPlot->appendData(index, position);
+}
+
+void StagePlots::wrapSweep(quint64 timeMs)
+{
+    // Unsigned: a sample from before the origin begins a new sweep, too.
+    if (double(timeMs - originMs) <= sweepMs)
+        return;
+    positionPlot->clear();
+    intensityPlot->clear();
+    originMs = timeMs;
+}
+
+int StagePlots::decimation(int samplingRateHz) const
+{
+    return plotDecimation(samplingRateHz, sweepMs, positionPlot->width());
+}
+
+void StagePlots::setPositionRange(double max, double min)
+{
+    rangeMax = max;
+    rangeMin = min;
+    positionPlot->setAxisScale(QwtPlot::yLeft, min, max);
+    pointingPlot->setRange(max, min);
+    pointingPlot->resetZoom();
+}
+
+void StagePlots::rescalePosition(double min, double max)
+{
+    positionPlot->setAxisScale(QwtPlot::yLeft, min, max);
+    positionPlot->replot();
+}
+
+void StagePlots::rescaleIntensity(double min, double max)
+{
+    intensityPlot->setAxisScale(QwtPlot::yLeft, min, max);
+    intensityPlot->replot();
+}
+
+void StagePlots::rescaleTime(int minS, int maxS)
+{
+    sweepMs = maxS * msPerS;
+    positionPlot->setAxisScale(QwtPlot::xBottom, minS, maxS);
+    positionPlot->setAxisScale(QwtPlot::xTop, minS, maxS);
+    intensityPlot->setAxisScale(QwtPlot::xBottom, minS, maxS);
+    positionPlot->replot();
+    intensityPlot->replot();
+}
+
+void StagePlots::resetPointingZoom()
+{
+    pointingPlot->resetZoom();
+    pointingPlot->replot();
+}
+
+void StagePlots::replot()
+{
+    positionPlot->replot();
+    intensityPlot->replot();
+    pointingPlot->replot();
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <QPointF>
+#include <QtGlobal>
+
+class GenericPlot;
+class QBoxLayout;
+class QWidget;
+struct ConnectionStatus;
+
+/// The three plots of one stage: pointing, position over time, intensity over time. All displayed
+/// systems share them; system n has curve n in the pointing and the intensity plot, and the curves
+/// 2n for x and 2n + 1 for y in the position plot.
+///
+/// The time plots are swept: when a sweep is full they are emptied, and begin anew.
+class StagePlots final
+{
+public:
+    /// Where the plots are put.
+    struct Layouts
+    {
+        QBoxLayout& pointing;
+        QBoxLayout& position;
+        QBoxLayout& intensity;
+    };
+
+    static constexpr int timeAxisMinS = 0;
+    static constexpr int timeAxisMaxS = 10;
+    static constexpr double intensityMinV = 0.0;
+    static constexpr double intensityMaxV = 8.0;
+
+    /// `number` is 1 or 2 and ends the plots' object names. The plots belong to `parent`, which has
+    /// to live longer than this.
+    StagePlots(int number, QWidget& parent, const Layouts& layouts);
+    StagePlots(const StagePlots&) = delete;
+    StagePlots& operator=(const StagePlots&) = delete;
+
+    GenericPlot& pointing() const { return *pointingPlot; }
+    GenericPlot& position() const { return *positionPlot; }
+    GenericPlot& intensity() const { return *intensityPlot; }
+
+    /// Adds the curves of a system; `index` is the number of systems so far.
+    void addCurves(int index);
+    void removeCurves(int index);
+    void clearCurves(int index);
+    void clearAllCurves();
+    /// Takes effect with the next points.
+    void setCurveColors(int index, const ConnectionStatus& status);
+
+    /// `timeMs` is that of the sample, `intensityV` in volts.
+    void appendTimePoints(int index, quint64 timeMs, const QPointF& position, double intensityV);
+    void appendPointingPoint(int index, const QPointF& position);
+    /// Begins a new sweep at `timeMs` if the present one is full by then, or began later.
+    void wrapSweep(quint64 timeMs);
+    /// Makes `timeMs` the time 0 of the time plots.
+    void setOrigin(quint64 timeMs) { originMs = timeMs; }
+    /// Every how many samples the time plots take a point; at least 1.
+    int decimation(int samplingRateHz) const;
+
+    /// Sets the position range of both position axes and takes the pointing plot's zoom back.
+    void setPositionRange(double max, double min);
+    double positionMax() const { return rangeMax; }
+    double positionMin() const { return rangeMin; }
+    void rescalePosition(double min, double max);
+    void rescaleIntensity(double min, double max);
+    /// Seconds. The length of a sweep follows `maxS` only.
+    void rescaleTime(int minS, int maxS);
+    double timeWindowMs() const { return sweepMs; }
+    void resetPointingZoom();
+    /// Gives the position plot its usual look and axes.
+    void dressPositionPlot();
+
+    void replot();
+
+private:
+    void makePointingPlot(QWidget& parent, QBoxLayout& layout);
+    void makePositionPlot(QWidget& parent, QBoxLayout& layout);
+    void makeIntensityPlot(QWidget& parent, QBoxLayout& layout);
+
+    int number;
+    GenericPlot* pointingPlot = nullptr;
+    GenericPlot* positionPlot = nullptr;
+    GenericPlot* intensityPlot = nullptr;
+
+    double rangeMax = 5.0;
+    double rangeMin = -5.0;
+    double sweepMs = timeAxisMaxS * 1000.0;
+    quint64 originMs = 0;
+};

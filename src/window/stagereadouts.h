@@ -1,0 +1,50 @@
+#pragma once
+
+#include "window/readoutaverage.h"
+#include "window/stagevalues.h"
+
+class QHBoxLayout;
+class QLCDNumber;
+class QWidget;
+class ThermoSlider;
+
+/// The numbers and the piezo bars of one stage. They stand for a single system.
+class StageReadouts final
+{
+public:
+    struct Numbers
+    {
+        QLCDNumber& x;
+        QLCDNumber& y;
+        QLCDNumber& intensity;
+    };
+    /// Where the bars are put.
+    struct BarLayouts
+    {
+        QHBoxLayout& x;
+        QHBoxLayout& y;
+    };
+
+    /// Dresses the numbers and makes the bars, which belong to `parent`. `stageNumber` ends their
+    /// object names. All widgets have to live longer than this.
+    StageReadouts(int stageNumber, const Numbers& numbers, const BarLayouts& layouts,
+                  QWidget& parent);
+    StageReadouts(const StageReadouts&) = delete;
+    StageReadouts& operator=(const StageReadouts&) = delete;
+
+    /// Shows a sample: `position` in the unit of the stage with `decimals` behind the point, as
+    /// mean over the latest samples, and the piezo drives as they are.
+    void show(const QPointF& position, const StageValues& values, int decimals);
+    /// The next sample begins a new mean.
+    void clearAverages();
+    /// Shows 0 everywhere.
+    void reset();
+
+private:
+    Numbers numbers;
+    ThermoSlider& barX;
+    ThermoSlider& barY;
+    ReadoutAverage averageX;
+    ReadoutAverage averageY;
+    ReadoutAverage averageI;
+};

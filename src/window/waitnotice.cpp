@@ -1,0 +1,37 @@
+#include "window/waitnotice.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+WaitNotice::WaitNotice()
+    : QLabel(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
+{
+    constexpr int marginPx = 24;
+    constexpr int minimumWidthPx = 360;
+    setObjectName(QStringLiteral("waitNotice"));
+    setFrameShape(QFrame::StyledPanel);
+    setMargin(marginPx);
+    setMinimumWidth(minimumWidthPx);
+    setAlignment(Qt::AlignCenter);
+    setTextFormat(Qt::PlainText);
+}
+
+void WaitNotice::say(const QString& text)
+{
+    setText(text);
+    adjustSize();
+    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
+    move(available.center() - rect().center());
+    show();
+    repaint();
+}
+
+void WaitNotice::showConnecting(const QString& label, const QString& address)
+{
+    say(tr("Connecting to %1 (%2) …").arg(label, address));
+}
+
+void WaitNotice::showDisconnecting()
+{
+    say(tr("Disconnecting ..."));
+}

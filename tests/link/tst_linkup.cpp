@@ -1,0 +1,198 @@
+#include "link/linkup.h"
+#include "support/emulatedlink.h"
+
+#include <QtTest>
+
+Q_DECLARE_METATYPE(LinkWait::Manner)
+
+namespace {
+
+/// So long that a wait for it can not be taken for one that ended with the link.
+constexpr int longLimitMs = 20000;
+
+bool everyId(const QString&)
+{
+    return true;
+}
+
+/// Leaves an event in the queue and tells whether it was taken.
+class WaitingEvent final
+{
+public:
+    WaitingEvent()
+    {
+        QMetaObject::invokeMethod(
+            &receiver, [this] { taken = true; }, Qt::QueuedConnection);
+    }
+    bool isTaken() const { return taken; }
+
+private:
+    bool taken = false;
+    QObject receiver;
+};
+
+} // namespace
+
+class TestLinkUp : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void waitEndsWhenTheLinkIsUp_data();
+    void waitEndsWhenTheLinkIsUp();
+    void waitInOneGoLastsForItsLimit();
+    void waitEndsWithTheThread();
+    void waitEndsAtItsLimit_data();
+    void waitEndsAtItsLimit();
+    void controllerIsIdentifiedAndLabelled();
+    void expectedControllerIsAccepted();
+    void anotherControllerThanTheExpectedIsNotLabelled();
+    void unusableIdentificationIsNotLabelled();
+    void foreignDeviceIsNotLabelled();
+    void linkThatDoesNotComeUpIsToldSo();
+    void linkThatIsLostByTheLabelIsNotUp();
+};
+
+void TestLinkUp::waitEndsWhenTheLinkIsUp_data()
+{
+    QTest::addColumn<LinkWait::Manner>("manner");
+    QTest::newRow("taking events") << LinkWait::Manner::TakingEvents;
+    QTest::newRow("without events") << LinkWait::Manner::WithoutEvents;
+}
+
+void TestLinkUp::waitEndsWhenTheLinkIsUp()
+{
+    QFETCH(LinkWait::Manner, manner);
+    EmulatedLink link;
+    QElapsedTimer time;
+    time.start();
+    QVERIFY(bringUp(link.client, {longLimitMs, manner}));
+    QVERIFY(link.client.isConnected());
+    QVERIFY(time.elapsed() < longLimitMs);
+}
+
+void TestLinkUp::waitInOneGoLastsForItsLimit()
+{
+    constexpr int limitMs = 200;
+    EmulatedLink link;
+    const WaitingEvent event;
+    QElapsedTimer time;
+    time.start();
+    QVERIFY(bringUp(link.client, {limitMs, LinkWait::Manner::InOneGo}));
+    QVERIFY(time.elapsed() >= limitMs);
+    QVERIFY(time.elapsed() < 5 * limitMs);
+    QVERIFY(event.isTaken());
+}
+
+void TestLinkUp::waitEndsWithTheThread()
+{
+    EmulatedLink link;
+    link.controller.stopListening();
+    QElapsedTimer time;
+    time.start();
+    QVERIFY(!bringUp(link.client, {longLimitMs, LinkWait::Manner::WithoutEvents}));
+    QVERIFY(!link.client.isRunning());
+    QVERIFY(time.elapsed() < longLimitMs);
+}
+
+void TestLinkUp::waitEndsAtItsLimit_data()
+{
+    QTest::addColumn<LinkWait::Manner>("manner");
+    QTest::addColumn<bool>("takesEvents");
+    QTest::newRow("taking events") << LinkWait::Manner::TakingEvents << true;
+    QTest::newRow("without events") << LinkWait::Manner::WithoutEvents << false;
+}
+
+void TestLinkUp::waitEndsAtItsLimit()
+{
+    constexpr int limitMs = 50;
+    QFETCH(LinkWait::Manner, manner);
+    EmulatedLink link({}, longLimitMs);
+    link.controller.stopListening();
+    const WaitingEvent event;
+    QElapsedTimer time;
+    time.start();
+    QVERIFY(!bringUp(link.client, {limitMs, manner}));
+    QVERIFY(link.client.isRunning());
+    QVERIFY(time.elapsed() >= limitMs);
+    QVERIFY(time.elapsed() < 20 * limitMs);
+    QTEST(event.isTaken(), "takesEvents");
+}
+
+void TestLinkUp::controllerIsIdentifiedAndLabelled()
+{
+    EmulatedLink link;
+    QString id;
+    QCOMPARE(connectAndIdentify(link.client, {longLimitMs}, "left arm", id, everyId),
+             LinkOutcome::Up);
+    QCOMPARE(id, link.controller.id());
+    QCOMPARE(link.client.label(), QStringLiteral("left arm"));
+    QCOMPARE(link.controller.label().trimmed(), QByteArray("left arm"));
+    QCOMPARE(link.client.firmwareVersion(), emulator::ControllerOptions().firmware);
+}
+
+void TestLinkUp::expectedControllerIsAccepted()
+{
+    EmulatedLink link;
+    QString id = link.controller.id();
+    QCOMPARE(connectAndIdentify(link.client, {longLimitMs}, "a", id, everyId), LinkOutcome::Up);
+    QCOMPARE(id, link.controller.id());
+}
+
+void TestLinkUp::anotherControllerThanTheExpectedIsNotLabelled()
+{
+    EmulatedLink link;
+    QString id("another");
+    QCOMPARE(connectAndIdentify(link.client, {longLimitMs}, "a", id, everyId),
+             LinkOutcome::NotIdentified);
+    QCOMPARE(id, QStringLiteral("another"));
+    QCOMPARE(link.controller.label().trimmed(), QByteArray());
+}
+
+void TestLinkUp::unusableIdentificationIsNotLabelled()
+{
+    EmulatedLink link;
+    QString asked;
+    const auto refuse = [&asked](const QString& id) {
+        asked = id;
+        return false;
+    };
+    QString id;
+    QCOMPARE(connectAndIdentify(link.client, {longLimitMs}, "a", id, refuse),
+             LinkOutcome::NotIdentified);
+    QCOMPARE(asked, link.controller.id());
+    QVERIFY(id.isEmpty());
+    QCOMPARE(link.controller.label().trimmed(), QByteArray());
+}
+
+void TestLinkUp::foreignDeviceIsNotLabelled()
+{
+    emulator::ControllerOptions options;
+    options.maker = "Abc";
+    EmulatedLink link(options);
+    QString id;
+    QCOMPARE(connectAndIdentify(link.client, {longLimitMs}, "a", id, everyId),
+             LinkOutcome::NotIdentified);
+    QCOMPARE(link.controller.label().trimmed(), QByteArray());
+}
+
+void TestLinkUp::linkThatDoesNotComeUpIsToldSo()
+{
+    EmulatedLink link;
+    link.controller.stopListening();
+    QString id;
+    QCOMPARE(connectAndIdentify(link.client, {longLimitMs}, "a", id, everyId), LinkOutcome::NoLink);
+    QVERIFY(id.isEmpty());
+}
+
+void TestLinkUp::linkThatIsLostByTheLabelIsNotUp()
+{
+    emulator::ControllerOptions options;
+    options.faults.closeOn = {"SLA"};
+    EmulatedLink link(options);
+    QString id;
+    QCOMPARE(connectAndIdentify(link.client, {longLimitMs}, "a", id, everyId), LinkOutcome::NoLink);
+}
+
+QTEST_GUILESS_MAIN(TestLinkUp)
+#include "tst_linkup.moc"
