@@ -25,6 +25,9 @@ std::unique_ptr<TcpClient> clientOf(const WindowFixture& fixture, int number)
 /// Breaks the link and waits until the connection's thread is gone, without taking events.
 bool breakLink(const WindowFixture& fixture, const Connection& connection, int number = 0)
 {
+    // The host can be connected before the controller has accepted it.
+    if (!waitWithoutEvents([&] { return fixture.controller(number).isConnected(); }))
+        return false;
     fixture.controller(number).closeConnection();
     return waitWithoutEvents([&] { return !connection.isRunning(); });
 }

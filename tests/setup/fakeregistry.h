@@ -41,10 +41,10 @@ public:
             whenClosing();
         std::unique_ptr<Connection> closed = std::move(*found);
         connections.erase(found);
-        // A registry may show what it does, which takes events. These find a whole list.
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
         if (keepsClosed)
             closedConnections.push_back(std::move(closed));
+        // A registry may show what it does, which takes events. These find a whole list.
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
         return true;
     }
 
