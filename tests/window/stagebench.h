@@ -17,7 +17,11 @@
 /// The widgets that a form has for one stage, outside of any window.
 struct StageForm
 {
-    StageForm() { unit.setText(QStringLiteral(" [V]")); }
+    StageForm()
+    {
+        unit.setText(QStringLiteral(" [V]"));
+        stabilisation.setCheckable(true);
+    }
 
     StageView::Widgets widgets()
     {

@@ -5,12 +5,18 @@
 #include "support/scriptedconnection.h"
 #include "window/livesystems.h"
 
+#include <QMetaType>
+
 #include <deque>
+
+Q_DECLARE_METATYPE(const Connection*)
 
 /// Registered systems behind connections that tests make up.
 struct SystemsBench
 {
     enum class Link { Down, Up, Running };
+
+    SystemsBench() { qRegisterMetaType<const Connection*>("const Connection*"); }
 
     /// Registers one more system. One that is `Up` has no thread and answers nothing.
     ScriptedConnection& add(Link link = Link::Up,
