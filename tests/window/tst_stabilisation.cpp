@@ -12,6 +12,8 @@ using Link = SystemsBench::Link;
 using Mnemonics = QList<QByteArray>;
 
 const QByteArray refusal("\x01;", 2);
+/// Of the length of a status reply, but no reply to an accepted command.
+const QByteArray noStatus("\x01;\0;", 4);
 constexpr uchar failed = 0x80;
 constexpr int oldFirmware = 10;
 
@@ -37,6 +39,7 @@ private slots:
     void systemThatIsDownIsNotSwitched();
     void statusIsShown();
     void fourthFailureInARowIsTold();
+    void statusWithBit7FailsButBeginsANewCount();
     void goodReadForgetsTheFailures();
     void failuresCanBeForgotten();
     void lightsOfAGivenStatusNeedNoExchange();
@@ -181,14 +184,24 @@ void TestStabilisation::statusIsShown()
 void TestStabilisation::fourthFailureInARowIsTold()
 {
     ScriptedConnection& connection = bench->add(Link::Running);
-    connection.controller().answer("GSF", replies::status(0x88));
+    connection.controller().answer("GSF", noStatus);
     const QSignalSpy linkFailed(&stabilisation(), &Stabilisation::linkFailed);
-    // A status with bit 7 is no status, whatever else it says, but it is an answer.
     for (int i = 0; i < 3; ++i)
         QVERIFY(!stabilisation().readAndShow());
     QCOMPARE(linkFailed.count(), 0);
     QVERIFY(!stabilisation().readAndShow());
     QCOMPARE(linkFailed.count(), 1);
+}
+
+void TestStabilisation::statusWithBit7FailsButBeginsANewCount()
+{
+    // The reply is whole, so the line works: such failures alone never add up to four.
+    ScriptedConnection& connection = bench->add(Link::Running);
+    connection.controller().answer("GSF", replies::status(0x88));
+    const QSignalSpy linkFailed(&stabilisation(), &Stabilisation::linkFailed);
+    for (int i = 0; i < 5; ++i)
+        QVERIFY(!stabilisation().readAndShow());
+    QCOMPARE(linkFailed.count(), 0);
     QCOMPARE(bench->forms[0].stabilisation.text(), QStringLiteral("OFF"));
 }
 
@@ -196,12 +209,12 @@ void TestStabilisation::goodReadForgetsTheFailures()
 {
     ScriptedConnection& connection = bench->add(Link::Running);
     const QSignalSpy linkFailed(&stabilisation(), &Stabilisation::linkFailed);
-    connection.controller().answer("GSF", QByteArray("\x01;\0;", 4));
+    connection.controller().answer("GSF", noStatus);
     for (int i = 0; i < 3; ++i)
         QVERIFY(!stabilisation().readAndShow());
     connection.controller().answer("GSF", replies::status(0));
     QVERIFY(stabilisation().readAndShow());
-    connection.controller().answer("GSF", QByteArray("\x01;\0;", 4));
+    connection.controller().answer("GSF", noStatus);
     for (int i = 0; i < 3; ++i)
         QVERIFY(!stabilisation().readAndShow());
     QCOMPARE(linkFailed.count(), 0);
@@ -212,7 +225,7 @@ void TestStabilisation::goodReadForgetsTheFailures()
 void TestStabilisation::failuresCanBeForgotten()
 {
     ScriptedConnection& connection = bench->add(Link::Running);
-    connection.controller().answer("GSF", QByteArray("\x01;\0;", 4));
+    connection.controller().answer("GSF", noStatus);
     const QSignalSpy linkFailed(&stabilisation(), &Stabilisation::linkFailed);
     for (int i = 0; i < 3; ++i)
         stabilisation().readAndShow();
@@ -237,7 +250,7 @@ void TestStabilisation::lightsOfAFailedStatusAreRead()
     connection.controller().answer("GSF", replies::status(0x40));
     QVERIFY(stabilisation().showActive(failed));
     QCOMPARE(bench->forms[1].activeText.text(), QStringLiteral("Active"));
-    connection.controller().answer("GSF", QByteArray("\x01;\0;", 4));
+    connection.controller().answer("GSF", noStatus);
     QVERIFY(!stabilisation().showActive(failed));
     QCOMPARE(bench->forms[1].activeText.text(), QStringLiteral("Active"));
 }
