@@ -2,20 +2,21 @@
 
 #include <QtTest>
 
-class tst_Decimation final : public QObject
+class TestDecimation final : public QObject
 {
     Q_OBJECT
 
 private slots:
     void aTimePlotGetsAboutOnePointPerPixel_data();
     void aTimePlotGetsAboutOnePointPerPixel();
-    void oneOfSoManySamplesIsTakenBeginningWithTheFirst_data();
-    void oneOfSoManySamplesIsTakenBeginningWithTheFirst();
     void secondsCountFromTheOrigin_data();
     void secondsCountFromTheOrigin();
+    void takenSamplesOfABlock_data();
+    void takenSamplesOfABlock();
+    void eachBlockBeginsWithATakenSample();
 };
 
-void tst_Decimation::aTimePlotGetsAboutOnePointPerPixel_data()
+void TestDecimation::aTimePlotGetsAboutOnePointPerPixel_data()
 {
     QTest::addColumn<int>("rateHz");
     QTest::addColumn<double>("timeWindowMs");
@@ -34,7 +35,7 @@ void tst_Decimation::aTimePlotGetsAboutOnePointPerPixel_data()
     QTest::newRow("a sweep of no time") << 100 << 0.0 << 500 << 1;
 }
 
-void tst_Decimation::aTimePlotGetsAboutOnePointPerPixel()
+void TestDecimation::aTimePlotGetsAboutOnePointPerPixel()
 {
     QFETCH(int, rateHz);
     QFETCH(double, timeWindowMs);
@@ -42,29 +43,7 @@ void tst_Decimation::aTimePlotGetsAboutOnePointPerPixel()
     QTEST(plotDecimation(rateHz, timeWindowMs, widthPx), "every");
 }
 
-void tst_Decimation::oneOfSoManySamplesIsTakenBeginningWithTheFirst_data()
-{
-    QTest::addColumn<int>("every");
-    QTest::addColumn<QString>("taken");
-
-    QTest::newRow("all") << 1 << "++++++++";
-    QTest::newRow("every second") << 2 << "+-+-+-+-";
-    QTest::newRow("every third") << 3 << "+--+--+-";
-    QTest::newRow("only the first") << 9 << "+-------";
-}
-
-void tst_Decimation::oneOfSoManySamplesIsTakenBeginningWithTheFirst()
-{
-    QFETCH(int, every);
-    QFETCH(QString, taken);
-    Decimation decimation(every);
-    QString seen;
-    while (seen.size() < taken.size())
-        seen += decimation.takes() ? '+' : '-';
-    QCOMPARE(seen, taken);
-}
-
-void tst_Decimation::secondsCountFromTheOrigin_data()
+void TestDecimation::secondsCountFromTheOrigin_data()
 {
     QTest::addColumn<quint64>("originMs");
     QTest::addColumn<quint64>("timeMs");
@@ -79,12 +58,46 @@ void tst_Decimation::secondsCountFromTheOrigin_data()
     QTest::newRow("a millisecond before") << today << today - 1 << 18446744073709551.616;
 }
 
-void tst_Decimation::secondsCountFromTheOrigin()
+void TestDecimation::secondsCountFromTheOrigin()
 {
     QFETCH(quint64, originMs);
     QFETCH(quint64, timeMs);
     QTEST(secondsSince(originMs, timeMs), "seconds");
 }
 
-QTEST_GUILESS_MAIN(tst_Decimation)
+void TestDecimation::takenSamplesOfABlock_data()
+{
+    QTest::addColumn<int>("every");
+    QTest::addColumn<int>("samples");
+    QTest::addColumn<QList<int>>("taken");
+
+    QTest::newRow("one of ten") << 10 << 30 << QList<int>{1, 11, 21};
+    QTest::newRow("the thirty-first, too") << 10 << 31 << QList<int>{1, 11, 21, 31};
+    QTest::newRow("all") << 1 << 3 << QList<int>{1, 2, 3};
+    QTest::newRow("every second") << 2 << 5 << QList<int>{1, 3, 5};
+    QTest::newRow("a block shorter than the distance") << 50 << 30 << QList<int>{1};
+}
+
+void TestDecimation::takenSamplesOfABlock()
+{
+    QFETCH(int, every);
+    QFETCH(int, samples);
+    Decimation decimation(every);
+    QList<int> taken;
+    for (int sample = 1; sample <= samples; ++sample) {
+        if (decimation.takes())
+            taken.append(sample);
+    }
+    QTEST(taken, "taken");
+}
+
+void TestDecimation::eachBlockBeginsWithATakenSample()
+{
+    Decimation first(10);
+    first.takes();
+    first.takes();
+    QVERIFY(Decimation(10).takes());
+}
+
+QTEST_GUILESS_MAIN(TestDecimation)
 #include "tst_decimation.moc"

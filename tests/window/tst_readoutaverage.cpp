@@ -2,7 +2,7 @@
 
 #include <QtTest>
 
-class tst_ReadoutAverage final : public QObject
+class TestReadoutAverage final : public QObject
 {
     Q_OBJECT
 
@@ -26,13 +26,13 @@ double addMany(ReadoutAverage& average, double value, int count)
 
 } // namespace
 
-void tst_ReadoutAverage::theFirstValueIsItsOwnMean()
+void TestReadoutAverage::theFirstValueIsItsOwnMean()
 {
     ReadoutAverage average;
     QCOMPARE(average.add(-3.25), -3.25);
 }
 
-void tst_ReadoutAverage::itIsTheMeanOfAllWhileTheyAreFew()
+void TestReadoutAverage::itIsTheMeanOfAllWhileTheyAreFew()
 {
     ReadoutAverage average;
     average.add(1.0);
@@ -40,14 +40,14 @@ void tst_ReadoutAverage::itIsTheMeanOfAllWhileTheyAreFew()
     QCOMPARE(average.add(6.0), 3.0);
 }
 
-void tst_ReadoutAverage::theForty_firstValueIsStillAveragedWithTheFirst()
+void TestReadoutAverage::theForty_firstValueIsStillAveragedWithTheFirst()
 {
     ReadoutAverage average;
     average.add(41.0);
     QCOMPARE(addMany(average, 0.0, 40), 1.0);
 }
 
-void tst_ReadoutAverage::theForty_secondValueDropsTheFirst()
+void TestReadoutAverage::theForty_secondValueDropsTheFirst()
 {
     ReadoutAverage average;
     average.add(41.0);
@@ -55,7 +55,7 @@ void tst_ReadoutAverage::theForty_secondValueDropsTheFirst()
     QCOMPARE(average.add(82.0), 2.0);
 }
 
-void tst_ReadoutAverage::clearingForgetsEverything()
+void TestReadoutAverage::clearingForgetsEverything()
 {
     ReadoutAverage average;
     addMany(average, 100.0, 60);
@@ -63,5 +63,5 @@ void tst_ReadoutAverage::clearingForgetsEverything()
     QCOMPARE(average.add(1.5), 1.5);
 }
 
-QTEST_GUILESS_MAIN(tst_ReadoutAverage)
+QTEST_GUILESS_MAIN(TestReadoutAverage)
 #include "tst_readoutaverage.moc"

@@ -87,7 +87,7 @@ long double squaresThatRunningMeansHide(const QVector<QPointF>& samples)
 
 } // namespace
 
-class tst_StatisticsSums final : public QObject
+class TestStatisticsSums final : public QObject
 {
     Q_OBJECT
 
@@ -108,7 +108,7 @@ private slots:
     void restingCrossHasItsOwnSize();
 };
 
-void tst_StatisticsSums::figuresOfShortRuns_data()
+void TestStatisticsSums::figuresOfShortRuns_data()
 {
     QTest::addColumn<QVector<QPointF>>("samples");
     QTest::addColumn<QPointF>("mean");
@@ -127,7 +127,7 @@ void tst_StatisticsSums::figuresOfShortRuns_data()
     QTest::newRow("still") << Samples(500, QPointF(1.25, -0.5)) << QPointF(1.25, -0.5) << 0.0;
 }
 
-void tst_StatisticsSums::figuresOfShortRuns()
+void TestStatisticsSums::figuresOfShortRuns()
 {
     QFETCH(QVector<QPointF>, samples);
     QFETCH(QPointF, mean);
@@ -136,7 +136,7 @@ void tst_StatisticsSums::figuresOfShortRuns()
     QTEST(figures.rms, "rms");
 }
 
-void tst_StatisticsSums::eachDistanceIsTakenFromTheMeanOfItsMoment()
+void TestStatisticsSums::eachDistanceIsTakenFromTheMeanOfItsMoment()
 {
     // Two passes would give sqrt(2) for both orders.
     const double outAndBack = figuresOf({{0.0, 0.0}, {3.0, 0.0}, {0.0, 0.0}}).rms;
@@ -145,14 +145,14 @@ void tst_StatisticsSums::eachDistanceIsTakenFromTheMeanOfItsMoment()
     QCOMPARE(lateStep, std::sqrt(4.0 / 3.0));
 }
 
-void tst_StatisticsSums::theDifferenceFromTwoPassesIsThatOfTheRunningMeans_data()
+void TestStatisticsSums::theDifferenceFromTwoPassesIsThatOfTheRunningMeans_data()
 {
     QTest::addColumn<int>("count");
     for (const int count : {2, 10, 500, 20000})
         QTest::addRow("%d samples", count) << count;
 }
 
-void tst_StatisticsSums::theDifferenceFromTwoPassesIsThatOfTheRunningMeans()
+void TestStatisticsSums::theDifferenceFromTwoPassesIsThatOfTheRunningMeans()
 {
     QFETCH(int, count);
     const QVector<QPointF> samples = restlessBeam(count);
@@ -166,7 +166,7 @@ void tst_StatisticsSums::theDifferenceFromTwoPassesIsThatOfTheRunningMeans()
     QVERIFY(figures.rms < double(std::sqrt(expected.squares / count)));
 }
 
-void tst_StatisticsSums::aMillionSamplesKeepTheirDigits()
+void TestStatisticsSums::aMillionSamplesKeepTheirDigits()
 {
     constexpr int count = 1000000;
     const QVector<QPointF> samples = restlessBeam(count);
@@ -181,7 +181,7 @@ void tst_StatisticsSums::aMillionSamplesKeepTheirDigits()
     QVERIFY(std::abs(figures.rms / rms - 1.0) < 1e-9);
 }
 
-void tst_StatisticsSums::bothStagesOfASystemAreSummedApart()
+void TestStatisticsSums::bothStagesOfASystemAreSummedApart()
 {
     StatisticsSums sums;
     sums[0].add({1.0, 0.0}, 1);
@@ -192,13 +192,13 @@ void tst_StatisticsSums::bothStagesOfASystemAreSummedApart()
     QCOMPARE(sums[1].squares, 0.0);
 }
 
-void tst_StatisticsSums::textHasFourLinesBelowAnEmptyOne()
+void TestStatisticsSums::textHasFourLinesBelowAnEmptyOne()
 {
     QCOMPARE(statisticsText({2.0, 0.0}, std::sqrt(0.5), 2, "V"),
              QString("\nx=2.000 [V]\ny=0.000 [V]\n#samples=2\nRMS=0.7071 [V]"));
 }
 
-void tst_StatisticsSums::textTellsTheUnit_data()
+void TestStatisticsSums::textTellsTheUnit_data()
 {
     QTest::addColumn<QString>("unit");
     QTest::addColumn<QString>("text");
@@ -210,18 +210,18 @@ void tst_StatisticsSums::textTellsTheUnit_data()
                                "\nx=-4.500 [µm]\ny=0.013 [µm]\n#samples=1000000\nRMS=0.0500 [µm]");
 }
 
-void tst_StatisticsSums::textTellsTheUnit()
+void TestStatisticsSums::textTellsTheUnit()
 {
     QFETCH(QString, unit);
     QTEST(statisticsText({-4.5, 0.0128}, 0.05, 1000000, unit), "text");
 }
 
-void tst_StatisticsSums::textBeforeTheFirstSampleIsEmpty()
+void TestStatisticsSums::textBeforeTheFirstSampleIsEmpty()
 {
     QCOMPARE(emptyStatisticsText(), QString("\nx=\ny=\n#samples= 0\nRMS="));
 }
 
-void tst_StatisticsSums::crossReachesBeyondTheCircle()
+void TestStatisticsSums::crossReachesBeyondTheCircle()
 {
     const QPainterPath cross = targetCrossShape({1.0, -2.0}, 0.5);
     // 1.3 radii to each side.
@@ -236,12 +236,12 @@ void tst_StatisticsSums::crossReachesBeyondTheCircle()
     QCOMPARE(parts[2].boundingRect(), QRectF(1.0, -2.0 - 0.65, 0.0, 1.3));
 }
 
-void tst_StatisticsSums::crossOfAStillBeamIsAPoint()
+void TestStatisticsSums::crossOfAStillBeamIsAPoint()
 {
     QCOMPARE(targetCrossShape({1.0, -2.0}, 0.0).boundingRect().size(), QSizeF(0.0, 0.0));
 }
 
-void tst_StatisticsSums::restingCrossHasItsOwnSize()
+void TestStatisticsSums::restingCrossHasItsOwnSize()
 {
     const QList<QPolygonF> parts = restingCrossShape().toSubpathPolygons();
     QCOMPARE(parts.size(), 3);
@@ -250,5 +250,5 @@ void tst_StatisticsSums::restingCrossHasItsOwnSize()
     QCOMPARE(parts[2].boundingRect(), QRectF(0.0, -0.75, 0.0, 1.5));
 }
 
-QTEST_GUILESS_MAIN(tst_StatisticsSums)
+QTEST_GUILESS_MAIN(TestStatisticsSums)
 #include "tst_statisticssums.moc"

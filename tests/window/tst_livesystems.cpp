@@ -1,0 +1,403 @@
+// The list of systems: what is found, shown, hidden, closed, and told of it. Nothing here needs an
+// answer of a controller; tst_livesystemslinks.cpp has the links.
+
+#include "systemsbench.h"
+
+#include <QColor>
+#include <QSignalSpy>
+#include <QtTest>
+
+namespace {
+
+using Link = SystemsBench::Link;
+
+const QString sharedAddress = QStringLiteral("ttyUSB0");
+
+QList<int> indicesOf(const QSignalSpy& spy)
+{
+    QList<int> indices;
+    for (const QList<QVariant>& arguments : spy)
+        indices.append(arguments.first().toInt());
+    return indices;
+}
+
+} // namespace
+
+class TestLiveSystems final : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { bench = std::make_unique<SystemsBench>(); }
+    void cleanup() { bench.reset(); }
+
+    void ofTwoWithOneAddressTheConnectedOneIsFound_data();
+    void ofTwoWithOneAddressTheConnectedOneIsFound();
+    void unknownAddressFindsNothing();
+    void recordOfANewSystemSaysWhatIsKnown();
+    void systemThatIsDownIsRegisteredAndNotDisplayed();
+    void hidingReachesOnlyTheMeantSystem_data() { addIndices(); }
+    void hidingReachesOnlyTheMeantSystem();
+    void showingReachesOnlyTheMeantSystem_data() { addIndices(); }
+    void showingReachesOnlyTheMeantSystem();
+    void closingReachesOnlyTheMeantSystem_data() { addIndices(); }
+    void closingReachesOnlyTheMeantSystem();
+    void colourReachesOnlyTheMeantSystem_data() { addIndices(); }
+    void colourReachesOnlyTheMeantSystem();
+    void labelAndGroupReachOnlyTheMeantSystem_data() { addIndices(); }
+    void labelAndGroupReachOnlyTheMeantSystem();
+    void unknownConnectionDoesNothing();
+    void eachGraphHasItsColour_data();
+    void eachGraphHasItsColour();
+    void otherGraphsHaveNone();
+    void displayedAreInTheOrderOfShowing();
+    void displayedSystemKeepsItsPlace();
+    void closingAMiddleOneMovesTheIndicesOfTheLater_data();
+    void closingAMiddleOneMovesTheIndicesOfTheLater();
+    void fiftyFirstSystemIsNotDisplayed();
+    void singleSystemIsTheOnlyDisplayedOne();
+    void currentSystem();
+    void currentSystemStaysWhenOneOfThreeIsHidden();
+    void signalsComeWhenTheListIsConsistent();
+    void closingAllGoesFromTheLastToTheFirst();
+
+private:
+    static void addIndices();
+    void addPair(Link link = Link::Up);
+    LiveSystems& systems() const { return bench->systems; }
+    const Connection* connection(int index) const { return &bench->connection(index); }
+
+    std::unique_ptr<SystemsBench> bench;
+};
+
+void TestLiveSystems::addIndices()
+{
+    QTest::addColumn<int>("meant");
+    QTest::newRow("the first of one address") << 0;
+    QTest::newRow("the second of one address") << 1;
+}
+
+void TestLiveSystems::addPair(Link link)
+{
+    bench->add(link, sharedAddress);
+    bench->add(link, sharedAddress);
+}
+
+void TestLiveSystems::ofTwoWithOneAddressTheConnectedOneIsFound_data()
+{
+    QTest::addColumn<QList<int>>("up");
+    QTest::addColumn<int>("found");
+    QTest::newRow("none up: the first") << QList<int>{} << 0;
+    QTest::newRow("both up: the first") << QList<int>{0, 1} << 0;
+    QTest::newRow("the first up") << QList<int>{0} << 0;
+    QTest::newRow("the second up") << QList<int>{1} << 1;
+}
+
+void TestLiveSystems::ofTwoWithOneAddressTheConnectedOneIsFound()
+{
+    QFETCH(QList<int>, up);
+    bench->add(Link::Up, QStringLiteral("ttyUSB7"));
+    for (int i = 0; i < 2; ++i)
+        bench->add(up.contains(i) ? Link::Up : Link::Down, sharedAddress);
+    QTEST(systems().indexOf(systems().find(sharedAddress)) - 1, "found");
+}
+
+void TestLiveSystems::unknownAddressFindsNothing()
+{
+    QVERIFY(!systems().find(sharedAddress));
+    QVERIFY(!systems().anyConnected());
+    bench->add(Link::Down, sharedAddress);
+    QVERIFY(!systems().find(QStringLiteral("ttyUSB1")));
+    QVERIFY(!systems().anyConnected());
+    bench->add(Link::Up, sharedAddress);
+    QVERIFY(systems().anyConnected());
+}
+
+void TestLiveSystems::recordOfANewSystemSaysWhatIsKnown()
+{
+    ConnectionSettings settings;
+    settings.colorX = QStringLiteral("#ff0000");
+    settings.colorY = QStringLiteral("#00ff00");
+    settings.colorI = QStringLiteral("#0000ff");
+    const Connection& up = bench->add(Link::Up, QStringLiteral("ttyUSB1"), settings);
+    bench->add(Link::Down);
+
+    const QList<ConnectionStatus> statuses = systems().statuses();
+    QCOMPARE(statuses.size(), 2);
+    QCOMPARE(statuses[0].connection, &up);
+    QCOMPARE(statuses[0].address, QStringLiteral("ttyUSB1"));
+    QCOMPARE(statuses[0].colorX, QColor(Qt::red));
+    QCOMPARE(statuses[0].colorY, QColor(Qt::green));
+    QCOMPARE(statuses[0].colorI, QColor(Qt::blue));
+    QVERIFY(statuses[0].statusValid && statuses[0].displayed);
+    QVERIFY(!statuses[1].statusValid && !statuses[1].displayed);
+    QCOMPARE(systems().at(1).detectors, &bench->detectors[1]);
+}
+
+void TestLiveSystems::systemThatIsDownIsRegisteredAndNotDisplayed()
+{
+    const QSignalSpy shown(&systems(), &LiveSystems::shown);
+    bench->add(Link::Down);
+    systems().show(connection(0), true);
+    QCOMPARE(systems().size(), 1);
+    QVERIFY(!systems().isDisplayed(0));
+    QCOMPARE(shown.count(), 0);
+}
+
+void TestLiveSystems::hidingReachesOnlyTheMeantSystem()
+{
+    QFETCH(int, meant);
+    addPair();
+    systems().show(connection(meant), false);
+    QCOMPARE(systems().displayed(), QList<int>{1 - meant});
+    QVERIFY(!systems().at(meant).status.displayed);
+    QVERIFY(systems().at(1 - meant).status.displayed);
+}
+
+void TestLiveSystems::showingReachesOnlyTheMeantSystem()
+{
+    QFETCH(int, meant);
+    addPair();
+    systems().show(connection(0), false);
+    systems().show(connection(1), false);
+    systems().show(connection(meant), true);
+    QCOMPARE(systems().displayed(), QList<int>{meant});
+    QVERIFY(systems().at(meant).status.displayed);
+    QVERIFY(!systems().at(1 - meant).status.displayed);
+}
+
+void TestLiveSystems::closingReachesOnlyTheMeantSystem()
+{
+    QFETCH(int, meant);
+    addPair();
+    const Connection* kept = connection(1 - meant);
+    QVERIFY(systems().close(connection(meant)));
+    QCOMPARE(systems().size(), 1);
+    QCOMPARE(connection(0), kept);
+    QCOMPARE(systems().at(0).detectors, &bench->detectors[std::size_t(1 - meant)]);
+    QCOMPARE(systems().displayed(), QList<int>{0});
+}
+
+void TestLiveSystems::colourReachesOnlyTheMeantSystem()
+{
+    QFETCH(int, meant);
+    addPair();
+    const QSignalSpy colored(&systems(), &LiveSystems::colored);
+    systems().setColor(connection(meant), Qt::red, 0);
+    QCOMPARE(systems().at(meant).status.colorX, QColor(Qt::red));
+    QVERIFY(systems().at(1 - meant).status.colorX != QColor(Qt::red));
+    QCOMPARE(indicesOf(colored), QList<int>{meant});
+}
+
+void TestLiveSystems::labelAndGroupReachOnlyTheMeantSystem()
+{
+    QFETCH(int, meant);
+    addPair();
+    systems().relabel(connection(meant), QStringLiteral("north"));
+    systems().setGroup(connection(meant), 3);
+    QCOMPARE(systems().at(meant).status.label, QStringLiteral("north"));
+    QCOMPARE(connection(meant)->label(), QStringLiteral("north"));
+    QCOMPARE(systems().at(meant).status.groupId, 3);
+    QCOMPARE(systems().at(1 - meant).status.label, QString());
+    QCOMPARE(connection(1 - meant)->label(), QString());
+    QCOMPARE(systems().at(1 - meant).status.groupId, 0);
+}
+
+void TestLiveSystems::unknownConnectionDoesNothing()
+{
+    addPair();
+    const ScriptedConnection stranger(sharedAddress);
+    for (const Connection* unknown :
+         {static_cast<const Connection*>(&stranger), static_cast<const Connection*>(nullptr)}) {
+        QCOMPARE(systems().indexOf(unknown), -1);
+        systems().show(unknown, false);
+        systems().setColor(unknown, Qt::red, 0);
+        systems().setGroup(unknown, 3);
+        systems().relabel(unknown, QStringLiteral("north"));
+        QVERIFY(!systems().close(unknown));
+        QVERIFY(!systems().disconnectLink(unknown));
+        QString id;
+        QCOMPARE(systems().reconnect(unknown, id), ReconnectResult::NoController);
+    }
+    QCOMPARE(systems().displayed(), QList<int>({0, 1}));
+    for (const ConnectionStatus& status : systems().statuses()) {
+        QVERIFY(status.colorX != QColor(Qt::red));
+        QCOMPARE(status.groupId, 0);
+        QCOMPARE(status.label, QString());
+        QVERIFY(status.connection->isConnected());
+    }
+}
+
+void TestLiveSystems::eachGraphHasItsColour_data()
+{
+    QTest::addColumn<int>("graph");
+    QTest::newRow("x") << 0;
+    QTest::newRow("y") << 1;
+    QTest::newRow("intensity") << 2;
+}
+
+void TestLiveSystems::eachGraphHasItsColour()
+{
+    QFETCH(int, graph);
+    bench->add();
+    systems().setColor(connection(0), Qt::red, graph);
+    const ConnectionStatus& status = systems().at(0).status;
+    QCOMPARE(status.colorX == QColor(Qt::red), graph == 0);
+    QCOMPARE(status.colorY == QColor(Qt::red), graph == 1);
+    QCOMPARE(status.colorI == QColor(Qt::red), graph == 2);
+}
+
+void TestLiveSystems::otherGraphsHaveNone()
+{
+    bench->add();
+    const QSignalSpy colored(&systems(), &LiveSystems::colored);
+    systems().setColor(connection(0), Qt::red, 3);
+    systems().setColor(connection(0), Qt::red, -1);
+    QCOMPARE(colored.count(), 0);
+}
+
+void TestLiveSystems::displayedAreInTheOrderOfShowing()
+{
+    for (int i = 0; i < 3; ++i)
+        bench->add();
+    systems().show(connection(0), false);
+    systems().show(connection(0), true);
+    QCOMPARE(systems().displayed(), QList<int>({1, 2, 0}));
+}
+
+void TestLiveSystems::displayedSystemKeepsItsPlace()
+{
+    addPair();
+    const QSignalSpy shown(&systems(), &LiveSystems::shown);
+    systems().show(connection(0), true);
+    QCOMPARE(systems().displayed(), QList<int>({0, 1}));
+    QCOMPARE(shown.count(), 0);
+}
+
+void TestLiveSystems::closingAMiddleOneMovesTheIndicesOfTheLater_data()
+{
+    QTest::addColumn<QList<int>>("order");
+    QTest::addColumn<QList<int>>("behind");
+    QTest::newRow("only the others displayed") << QList<int>{0, 2} << QList<int>{0, 1};
+    QTest::newRow("the later one first") << QList<int>{2, 0} << QList<int>{1, 0};
+    QTest::newRow("all displayed") << QList<int>{2, 1, 0} << QList<int>{1, 0};
+}
+
+void TestLiveSystems::closingAMiddleOneMovesTheIndicesOfTheLater()
+{
+    QFETCH(QList<int>, order);
+    for (int i = 0; i < 3; ++i)
+        bench->add();
+    for (int i = 0; i < 3; ++i)
+        systems().show(connection(i), false);
+    for (const int index : order)
+        systems().show(connection(index), true);
+    const Connection* last = connection(2);
+    QVERIFY(systems().close(connection(1)));
+    QTEST(systems().displayed(), "behind");
+    QCOMPARE(systems().indexOf(last), 1);
+    QCOMPARE(systems().current(), &systems().at(systems().displayed().first()));
+}
+
+void TestLiveSystems::fiftyFirstSystemIsNotDisplayed()
+{
+    for (int i = 0; i < 51; ++i)
+        bench->add();
+    QCOMPARE(systems().displayed().size(), 50);
+    QVERIFY(!systems().isDisplayed(50));
+    systems().at(50).status.displayed = true;
+    systems().show(connection(50), true);
+    QVERIFY(!systems().isDisplayed(50));
+    QVERIFY(!systems().at(50).status.displayed);
+
+    systems().show(connection(7), false);
+    systems().show(connection(50), true);
+    QVERIFY(systems().isDisplayed(50));
+}
+
+void TestLiveSystems::singleSystemIsTheOnlyDisplayedOne()
+{
+    QVERIFY(!systems().single());
+    addPair();
+    QVERIFY(!systems().single());
+    systems().show(connection(0), false);
+    QCOMPARE(systems().single(), &systems().at(1));
+    systems().show(connection(1), false);
+    QVERIFY(!systems().single());
+}
+
+void TestLiveSystems::currentSystem()
+{
+    QVERIFY(!systems().current());
+    addPair();
+    QCOMPARE(systems().current(), &systems().at(0));
+    systems().show(connection(0), false);
+    QCOMPARE(systems().current(), &systems().at(1));
+    systems().show(connection(0), true);
+    QCOMPARE(systems().current(), &systems().at(1));
+    systems().show(connection(1), false);
+    QCOMPARE(systems().current(), &systems().at(0));
+    // With none displayed it is the one that was hidden last.
+    systems().show(connection(0), false);
+    QCOMPARE(systems().current(), &systems().at(0));
+    systems().show(connection(1), true);
+    QCOMPARE(systems().current(), &systems().at(1));
+}
+
+void TestLiveSystems::currentSystemStaysWhenOneOfThreeIsHidden()
+{
+    for (int i = 0; i < 3; ++i)
+        bench->add();
+    systems().show(connection(0), false);
+    QCOMPARE(systems().current(), &systems().at(0));
+}
+
+void TestLiveSystems::signalsComeWhenTheListIsConsistent()
+{
+    QStringList told;
+    const QObject context;
+    connect(&systems(), &LiveSystems::added, &context, [&](int index) {
+        told.append(QStringLiteral("added %1 of %2").arg(index).arg(systems().size()));
+    });
+    connect(&systems(), &LiveSystems::shown, &context, [&](int index) {
+        const bool consistent = systems().displayed().contains(index)
+                                && systems().at(index).status.displayed && systems().current();
+        told.append(QStringLiteral("shown %1 %2").arg(index).arg(consistent));
+    });
+    connect(&systems(), &LiveSystems::hidden, &context, [&](int index) {
+        const bool consistent =
+            !systems().displayed().contains(index) && !systems().at(index).status.displayed;
+        told.append(QStringLiteral("hidden %1 %2").arg(index).arg(consistent));
+    });
+    connect(&systems(), &LiveSystems::closed, &context, [&](int index, const Connection* closed) {
+        const bool consistent = systems().indexOf(closed) < 0 && closed->address() == sharedAddress;
+        told.append(QStringLiteral("closed %1 %2").arg(index).arg(consistent));
+    });
+    connect(&systems(), &LiveSystems::disconnected, &context, [&](int index) {
+        const bool consistent =
+            !systems().isDisplayed(index) && !systems().connectionAt(index).isConnected();
+        told.append(QStringLiteral("disconnected %1 %2").arg(index).arg(consistent));
+    });
+    addPair();
+    systems().disconnectLink(connection(0));
+    systems().close(connection(1));
+    QCOMPARE(told, QStringList({"added 0 of 1", "shown 0 1", "added 1 of 2", "shown 1 1",
+                                "hidden 0 1", "disconnected 0 1", "hidden 1 1", "closed 1 1"}));
+}
+
+void TestLiveSystems::closingAllGoesFromTheLastToTheFirst()
+{
+    for (int i = 0; i < 3; ++i)
+        bench->add();
+    const QSignalSpy closed(&systems(), &LiveSystems::closed);
+    const QSignalSpy hidden(&systems(), &LiveSystems::hidden);
+    systems().closeAll();
+    QCOMPARE(indicesOf(closed), QList<int>({2, 1, 0}));
+    QCOMPARE(hidden.count(), 0);
+    QCOMPARE(systems().size(), 0);
+    QVERIFY(systems().displayed().isEmpty());
+    QVERIFY(!systems().current());
+}
+
+QTEST_GUILESS_MAIN(TestLiveSystems)
+#include "tst_livesystems.moc"
