@@ -76,14 +76,14 @@ public:
     /// Sends `CLS;`, and once more if no reply came.
     void stopStream();
 
-    /// Ends the thread. 1 if it ended, 0 if that could not be confirmed.
+    /// Ends the thread, without taking events, and frees the port. 1, or 0 if unconfirmed.
     int disconnectController();
 
     /// Moves the oldest sample of the stream to `out`; 0 if there is none.
     int takeLiveSample(MeasureSample& out);
     int takeCommonSample(MeasureSample& out);
-    // What was stored and what was lost, since this object was made. On any thread.
 
+    // What was stored and what was lost, since this object was made. On any thread.
     /// Samples of the stream that were stored.
     quint64 samplesStored() const { return liveStore.storedCount(); }
     /// Stored samples that were not taken in time and were overwritten by newer ones.

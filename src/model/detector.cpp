@@ -1,5 +1,7 @@
 #include "model/detector.h"
 
+#include <QtGlobal>
+
 #include <cmath>
 
 namespace {
@@ -13,21 +15,49 @@ constexpr double widVoltPerDiameter = 6.5;
 /// 1 / (2 sqrt 2): the 1/e² diameter as the scale of the error function.
 constexpr double diameterToErfScale = 0.35355339059327373;
 
+template <typename Kind>
+std::unique_ptr<Detector> make(const Detector& source)
+{
+    return std::make_unique<Kind>(source);
+}
+
+constexpr DetectorKinds kinds{{
+    {SelectDetector, QT_TRANSLATE_NOOP("ParamsDialog", "select"), false, false, make<Detector>},
+    {QuadrantDetector, QT_TRANSLATE_NOOP("ParamsDialog", "4QD"), true, false, make<QD>},
+    {PsdDetector, QT_TRANSLATE_NOOP("ParamsDialog", "PSD"), false, true, make<PSD>},
+    {WidDetector, QT_TRANSLATE_NOOP("ParamsDialog", "WID"), true, false, make<WID>},
+    {UvPsd4Detector, QT_TRANSLATE_NOOP("ParamsDialog", "UV PSD (4mm)"), false, true, make<PSD_UV4>},
+    {UvPsd10Detector, QT_TRANSLATE_NOOP("ParamsDialog", "UV PSD (10mm)"), false, true,
+     make<PSD_UV10>},
+}};
+
+const DetectorKind* kindOf(int typeCode)
+{
+    return isDetectorType(typeCode) ? &kinds[std::size_t(typeCode)] : nullptr;
+}
+
 } // namespace
+
+const DetectorKinds& detectorKinds()
+{
+    return kinds;
+}
 
 bool isDetectorType(int typeCode)
 {
-    return typeCode >= SelectDetector && typeCode <= UvPsd10Detector;
+    return typeCode >= 0 && typeCode < detectorKindCount;
 }
 
 bool isQuadrantType(int typeCode)
 {
-    return (typeCode & ~2) == QuadrantDetector;
+    const DetectorKind* kind = kindOf(typeCode);
+    return kind && kind->isQuadrant;
 }
 
 bool isPsdType(int typeCode)
 {
-    return typeCode == PsdDetector || typeCode == UvPsd4Detector || typeCode == UvPsd10Detector;
+    const DetectorKind* kind = kindOf(typeCode);
+    return kind && kind->isPsd;
 }
 
 double inverseErf(double x)
@@ -54,6 +84,19 @@ double Detector::calculatePosition(double, double) const
     return 0.0;
 }
 
+QString Detector::unit() const
+{
+    switch (unitCode()) {
+    case PositionUnit::Volt:
+        break;
+    case PositionUnit::Micrometre:
+        return QStringLiteral("µm");
+    case PositionUnit::Millimetre:
+        return QStringLiteral("mm");
+    }
+    return QStringLiteral("V");
+}
+
 PSD::PSD(const Detector& other)
     : Detector(other)
 {}
@@ -71,11 +114,6 @@ double PSD::maxPosition() const
 double PSD::minPosition() const
 {
     return showsLength() ? -psdLimitMm : -voltLimit;
-}
-
-QString PSD::unit() const
-{
-    return showsLength() ? QStringLiteral("mm") : QStringLiteral("V");
 }
 
 PSD_UV10::PSD_UV10(const Detector& other)
@@ -116,11 +154,6 @@ double QD::minPosition() const
     return showsLength() ? beamDiameter * -0.5 : -voltLimit;
 }
 
-QString QD::unit() const
-{
-    return showsLength() ? QStringLiteral("µm") : QStringLiteral("V");
-}
-
 WID::WID(const Detector& other)
     : QD(other)
 {}
@@ -132,20 +165,6 @@ double WID::calculatePosition(double signalV, double) const
 
 std::unique_ptr<Detector> makeDetector(int typeCode, const Detector& source)
 {
-    switch (typeCode) {
-    case SelectDetector:
-        return std::make_unique<Detector>(source.beamDiameter, source.calculation);
-    case QuadrantDetector:
-        return std::make_unique<QD>(source);
-    case PsdDetector:
-        return std::make_unique<PSD>(source);
-    case WidDetector:
-        return std::make_unique<WID>(source);
-    case UvPsd4Detector:
-        return std::make_unique<PSD_UV4>(source);
-    case UvPsd10Detector:
-        return std::make_unique<PSD_UV10>(source);
-    default:
-        return nullptr;
-    }
+    const DetectorKind* kind = kindOf(typeCode);
+    return kind ? kind->make(source) : nullptr;
 }

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <array>
 #include <memory>
 
 /// Type code of a detector: the index in the detector combo boxes and the `model` attribute of
@@ -15,7 +16,31 @@ enum DetectorType : int {
     UvPsd10Detector = 5,
 };
 
-/// True for 0 to 5.
+/// What the signals of a stage are shown in. Only stages in the same unit can share a plot.
+enum class PositionUnit : int { Volt = 0, Micrometre = 1, Millimetre = 2 };
+
+class Detector;
+
+/// One of the detectors that a stage can have.
+struct DetectorKind
+{
+    DetectorType type;
+    /// As the user reads it, before translation in the context "ParamsDialog".
+    const char* name;
+    /// Its length scale is the beam diameter.
+    bool isQuadrant;
+    /// It is position sensitive.
+    bool isPsd;
+    /// Makes one with the beam diameter and the calculation flag of another.
+    std::unique_ptr<Detector> (*make)(const Detector& source);
+};
+
+/// All of them; the type code is the index.
+constexpr int detectorKindCount = 6;
+using DetectorKinds = std::array<DetectorKind, detectorKindCount>;
+const DetectorKinds& detectorKinds();
+
+/// Whether a number is a type code.
 bool isDetectorType(int typeCode);
 /// True for the detectors whose length scale is the beam diameter.
 bool isQuadrantType(int typeCode);
@@ -50,9 +75,9 @@ public:
     /// Ends of the position axis.
     virtual double maxPosition() const { return voltLimit; }
     virtual double minPosition() const { return -voltLimit; }
-    /// 0 for V, 1 for µm, 2 for mm. Only equal codes can share a plot.
-    virtual int unitCode() const { return 0; }
-    virtual QString unit() const { return QStringLiteral("V"); }
+    virtual PositionUnit unitCode() const { return PositionUnit::Volt; }
+    /// The text of the unit, as at the axis of a plot.
+    virtual QString unit() const;
 
     /// Micrometres.
     double beamDiameter = defaultBeamDiameterUm;
@@ -64,8 +89,8 @@ protected:
     bool showsLength() const { return calculation != 0; }
 };
 
-/// Lateral-effect detector. All kinds have the same limits in length, also the one whose full
-/// signal means far less: on purpose they do not follow from the scale.
+/// Lateral-effect detector. All kinds have the same limits in length, whatever length the full
+/// signal of a kind means.
 class PSD : public Detector
 {
 public:
@@ -79,8 +104,10 @@ public:
     int displayDecimals() const override { return showsLength() ? 3 : 2; }
     double maxPosition() const override;
     double minPosition() const override;
-    int unitCode() const override { return showsLength() ? 2 : 0; }
-    QString unit() const override;
+    PositionUnit unitCode() const override
+    {
+        return showsLength() ? PositionUnit::Millimetre : PositionUnit::Volt;
+    }
 };
 
 class PSD_UV10 final : public PSD
@@ -118,8 +145,10 @@ public:
     int displayDecimals() const override { return showsLength() ? 1 : 2; }
     double maxPosition() const override;
     double minPosition() const override;
-    int unitCode() const override { return showsLength() ? 1 : 0; }
-    QString unit() const override;
+    PositionUnit unitCode() const override
+    {
+        return showsLength() ? PositionUnit::Micrometre : PositionUnit::Volt;
+    }
 };
 
 class WID final : public QD
@@ -133,7 +162,7 @@ public:
 };
 
 /// A detector of the type `typeCode` with the beam diameter and the calculation flag of `source`.
-/// Null for a code outside 0 to 5.
+/// Null for a number that is no type code.
 std::unique_ptr<Detector> makeDetector(int typeCode, const Detector& source);
 
 /// Inverse error function for -1 < x < 1, by the closed approximation of S. Winitzki (2008) with

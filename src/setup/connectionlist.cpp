@@ -39,7 +39,7 @@ void ConnectionList::removeFromScreen(const Line& line)
 {
     const std::unique_ptr<QListWidgetItem> item(line.item);
     list.removeItemWidget(item.get());
-    // The line's own button can be what asks for this.
+    // A button of this line can have asked for it, so the line is deleted later.
     line.widget->disconnect();
     line.widget->hide();
     line.widget->deleteLater();

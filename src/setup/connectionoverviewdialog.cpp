@@ -27,7 +27,7 @@ ConnectionOverviewDialog::ConnectionOverviewDialog(QWidget* parent)
 
 ConnectionOverviewDialog::~ConnectionOverviewDialog()
 {
-    // Rows can still emit while they go, and must find a whole dialog or none.
+    // A row can emit signals while it is deleted: it is cut off while all members exist.
     while (!rows.isEmpty())
         removeLastRow();
     disconnect(ui->listWidget, nullptr, this, nullptr);
@@ -63,7 +63,7 @@ void ConnectionOverviewDialog::addConnectionRow()
     relaySignals(*rows.last());
     relayByConnection(*rows.last());
     connectionOrder.append(connectionOrder.size());
-    // Tab follows the eye: the rows stand above the button.
+    // Tab moves from top to bottom, and the rows stand above the button.
     setTabOrder(&rows.last()->lastTabStop(), ui->closePushButton);
 }
 
@@ -111,7 +111,7 @@ void ConnectionOverviewDialog::update(const QList<ConnectionStatus>& statuses)
         addConnectionRow();
     while (connectionRows() > statuses.size()) {
         removeLastRow();
-        // The entry of the last place, whichever connection it names: on purpose.
+        // The entry of the last place goes, whichever connection it names.
         connectionOrder.removeLast();
     }
     for (int i = 0; i < statuses.size(); ++i) {

@@ -19,8 +19,7 @@ class ConnectionOverviewDialog;
 /// The live overview of all systems, one row for each. Rows can be dragged into the order in which
 /// the systems are to be stored.
 ///
-/// `name` is the address of a connection, `graph` 0 for the colour of x, 1 for y, 2 for the
-/// intensity, `stage` 1 or 2.
+/// `name` is the address of a connection, `graph` the number of a `Graph`, `stage` 1 or 2.
 class ConnectionOverviewDialog final : public QDialog
 {
     Q_OBJECT

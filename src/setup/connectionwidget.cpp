@@ -5,22 +5,21 @@
 
 #include <QKeyEvent>
 
-ConnectionWidget::ConnectionWidget(QString number, QString labelText, QString address,
-                                   QWidget* parent)
+ConnectionWidget::ConnectionWidget(QString number, QString label, QString address, QWidget* parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::ConnectionWidget>())
-    , number_(std::move(number))
-    , label(std::move(labelText))
-    , address_(std::move(address))
+    , numberText(std::move(number))
+    , labelText(std::move(label))
+    , addressText(std::move(address))
 {
     ui->setupUi(this);
-    ui->numberFill->setText(number_);
+    ui->numberFill->setText(numberText);
     ui->lineEdit->setValidator(makeLabelValidator(*ui->lineEdit));
-    ui->lineEdit->setText(label);
+    ui->lineEdit->setText(labelText);
     // A label that is wider than its field shows its beginning.
-    if (ui->lineEdit->fontMetrics().horizontalAdvance(label) > ui->lineEdit->maximumWidth())
+    if (ui->lineEdit->fontMetrics().horizontalAdvance(labelText) > ui->lineEdit->maximumWidth())
         ui->lineEdit->setCursorPosition(0);
-    ui->info->setText(address_);
+    ui->info->setText(addressText);
     keepButtonWidth();
     connect(ui->checkBoxAutoConnect, &QCheckBox::toggled, this,
             &ConnectionWidget::checkBoxAutoConnectChanged);
@@ -75,20 +74,20 @@ void ConnectionWidget::keyPressEvent(QKeyEvent* event)
 void ConnectionWidget::on_Button_clicked()
 {
     if (connected)
-        emit disconnectC(address_);
+        emit disconnectC(addressText);
     else
-        emit reconnectC(address_);
+        emit reconnectC(addressText);
 }
 
 void ConnectionWidget::on_deleteButton_clicked()
 {
-    emit deleteConnection(address_);
+    emit deleteConnection(addressText);
 }
 
 void ConnectionWidget::on_lineEdit_textEdited(QString arg1)
 {
-    label = arg1;
-    emit labelChanged(address_, label);
+    labelText = arg1;
+    emit labelChanged(addressText, labelText);
 }
 
 void ConnectionWidget::checkBoxAutoConnectChanged(bool checked)

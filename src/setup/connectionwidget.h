@@ -20,8 +20,8 @@ public:
     ConnectionWidget(QString number, QString label, QString address, QWidget* parent);
     ~ConnectionWidget() override;
 
-    QString address() const { return address_; }
-    QString number() const { return number_; }
+    QString address() const { return addressText; }
+    QString number() const { return numberText; }
 
     /// The last control that Tab reaches in this line.
     QWidget& lastTabStop() const;
@@ -53,8 +53,8 @@ private:
     QString buttonText() const;
 
     std::unique_ptr<Ui::ConnectionWidget> ui;
-    QString number_;
-    QString label;
-    QString address_;
+    QString numberText;
+    QString labelText;
+    QString addressText;
     bool connected = false;
 };

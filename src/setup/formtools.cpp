@@ -25,6 +25,24 @@ void say(QLabel& info, const QString& text)
     info.show();
 }
 
+BusyNote::BusyNote(QLabel& label, const QString& note)
+    : info(label)
+    , text(note)
+    , textBefore(label.text())
+    , wasHidden(label.isHidden())
+{
+    say(info, text);
+    info.repaint();
+}
+
+BusyNote::~BusyNote()
+{
+    if (info.text() != text)
+        return;
+    info.setText(textBefore);
+    info.setHidden(wasHidden);
+}
+
 void hideInPlace(QLabel& label)
 {
     QSizePolicy policy = label.sizePolicy();

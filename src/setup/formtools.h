@@ -1,5 +1,7 @@
 #pragma once
 
+#include "setup/waitcursor.h"
+
 #include <QList>
 #include <QString>
 
@@ -17,6 +19,25 @@ void markValid(QLineEdit& edit);
 
 /// Shows a message.
 void say(QLabel& info, const QString& text);
+/// Shows a message and the pointer that tells to wait while something blocks. It is painted at
+/// once, as no events are taken. At the end the message goes, unless another one replaced it, and
+/// the label is as it was.
+class BusyNote final
+{
+public:
+    BusyNote(QLabel& info, const QString& text);
+    ~BusyNote();
+    BusyNote(const BusyNote&) = delete;
+    BusyNote& operator=(const BusyNote&) = delete;
+
+private:
+    QLabel& info;
+    QString text;
+    QString textBefore;
+    bool wasHidden;
+    WaitCursor waiting;
+};
+
 /// Hides a message. The label keeps its room, so that nothing moves when it appears.
 void hideInPlace(QLabel& label);
 

@@ -16,7 +16,7 @@ void ListWidget::dropEvent(QDropEvent* event)
     if (row <= headerRow || qRound(event->posF().y()) < headerHeightPx)
         return;
     QListWidget::dropEvent(event);
-    // On the upper half of a header that is higher, it came above it.
+    // A drop on the upper half of a header that is higher than the limit puts the row above it.
     if (currentRow() == headerRow)
         model()->moveRow({}, headerRow, {}, headerRow + 2);
     emit indexChanged(row - 1, currentRow() - 1);

@@ -10,15 +10,12 @@
 
 namespace {
 
-constexpr int graphX = 0;
-constexpr int graphY = 1;
-constexpr int graphI = 2;
 /// The colour targets from here on belong to common detectors.
 constexpr int commonTarget = 3;
 constexpr int lightPx = 22;
 constexpr int buttonPaddingPx = 16;
 constexpr int colorButtonWidthPx = 22;
-/// Headings are smaller than what they head, also so that a column is as narrow as its controls.
+/// Headings are smaller than the controls, so that they do not make a column wider.
 constexpr double headingScale = 0.85;
 
 int widthFor(const QPushButton& button)
@@ -68,7 +65,7 @@ OverviewWidget::~OverviewWidget()
     colorDialog.close();
 }
 
-/// Header and rows have all controls of a column, so they come to the same width.
+/// Header and rows contain the same controls, so each column gets the same width in both.
 void OverviewWidget::alignColumns()
 {
     const std::pair<QWidget*, QWidget*> columns[] = {
@@ -130,9 +127,9 @@ void OverviewWidget::updateRow(const ConnectionStatus& status)
     updateStabilised(stabilised2, status.stabilised2, *ui->enable2);
     updateActive(active1, status.active1, *ui->active1);
     updateActive(active2, status.active2, *ui->active2);
-    updateColor(colorX, status.colorX, graphX);
-    updateColor(colorY, status.colorY, graphY);
-    updateColor(colorI, status.colorI, graphI);
+    updateColor(colorX, status.colorX, Graph::X);
+    updateColor(colorY, status.colorY, Graph::Y);
+    updateColor(colorI, status.colorI, Graph::Intensity);
     for (QWidget* widget :
          std::initializer_list<QWidget*>{ui->enable1, ui->enable2, ui->active1, ui->active2,
                                          ui->parameterPushButton, ui->showCheckBox})
@@ -171,13 +168,13 @@ void OverviewWidget::updateActive(bool& shown, bool now, QLabel& active)
     showActive(active, now);
 }
 
-void OverviewWidget::updateColor(QColor& shown, const QColor& now, int graph)
+void OverviewWidget::updateColor(QColor& shown, const QColor& now, Graph graph)
 {
     if (shown == now)
         return;
     shown = now;
     colorButton(graph).setStyleSheet(QStringLiteral("background-color: %1").arg(now.name()));
-    emit newColor(address, now, graph);
+    emit newColor(address, now, int(graph));
 }
 
 void OverviewWidget::showStabilised(QPushButton& button, bool on)
@@ -195,24 +192,24 @@ void OverviewWidget::showActive(QLabel& active, bool on)
     active.setAccessibleName(state);
 }
 
-QColor& OverviewWidget::colorOf(int graph)
+QColor& OverviewWidget::colorOf(Graph graph)
 {
-    return graph == graphX ? colorX : graph == graphY ? colorY : colorI;
+    return graph == Graph::X ? colorX : graph == Graph::Y ? colorY : colorI;
 }
 
-QPushButton& OverviewWidget::colorButton(int graph)
+QPushButton& OverviewWidget::colorButton(Graph graph)
 {
-    return graph == graphX ? *ui->xColor : graph == graphY ? *ui->yColor : *ui->iColor;
+    return graph == Graph::X ? *ui->xColor : graph == Graph::Y ? *ui->yColor : *ui->iColor;
 }
 
 void OverviewWidget::on_colorSelected(QColor color)
 {
     if (!color.isValid() || colorTarget >= commonTarget)
         return;
-    // An equal colour is told, too: the user has chosen it.
-    colorOf(colorTarget) = color;
-    colorButton(colorTarget)
-        .setStyleSheet(QStringLiteral("background-color: %1").arg(color.name()));
+    // Emitted for an equal colour, too: the user has chosen it.
+    const auto graph = static_cast<Graph>(colorTarget);
+    colorOf(graph) = color;
+    colorButton(graph).setStyleSheet(QStringLiteral("background-color: %1").arg(color.name()));
     emit newColor(address, color, colorTarget);
 }
 
@@ -220,43 +217,43 @@ void OverviewWidget::chooseColor(int target)
 {
     colorTarget = target;
     if (target < commonTarget)
-        colorDialog.setCurrentColor(colorOf(target));
+        colorDialog.setCurrentColor(colorOf(static_cast<Graph>(target)));
     colorDialog.open();
 }
 
 void OverviewWidget::on_xColor_clicked()
 {
-    chooseColor(graphX);
+    chooseColor(int(Graph::X));
 }
 
 void OverviewWidget::on_yColor_clicked()
 {
-    chooseColor(graphY);
+    chooseColor(int(Graph::Y));
 }
 
 void OverviewWidget::on_iColor_clicked()
 {
-    chooseColor(graphI);
+    chooseColor(int(Graph::Intensity));
 }
 
 void OverviewWidget::on_xColor2_clicked()
 {
-    chooseColor(commonTarget + graphX);
+    chooseColor(commonTarget + int(Graph::X));
 }
 
 void OverviewWidget::on_yColor2_clicked()
 {
-    chooseColor(commonTarget + graphY);
+    chooseColor(commonTarget + int(Graph::Y));
 }
 
 void OverviewWidget::on_iColor2_clicked()
 {
-    chooseColor(commonTarget + graphI);
+    chooseColor(commonTarget + int(Graph::Intensity));
 }
 
 void OverviewWidget::on_enable1_clicked()
 {
-    // The click must not show: the button follows the controller alone.
+    // The click leaves the button as it is: it shows what the controller reports.
     ui->enable1->setChecked(stabilised1);
     emit updateStage(address, 1, !stabilised1);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "setup/graph.h"
+
 #include <QColor>
 #include <QColorDialog>
 #include <QPalette>
@@ -20,8 +22,8 @@ class OverviewWidget;
 /// One row of the system overview, or its header. Both are the same form with columns of the same
 /// widths, of which each shows its part.
 ///
-/// A `graph` is 0 for the colour of x, 1 for y, 2 for the intensity; a `stage` is 1 or 2; `name`
-/// is the address of the row's connection.
+/// A `graph` is the number of a `Graph`; a `stage` is 1 or 2; `name` is the address of the row's
+/// connection.
 class OverviewWidget final : public QWidget
 {
     Q_OBJECT
@@ -75,13 +77,13 @@ private:
     void updateLabel(const ConnectionStatus& status);
     void updateStabilised(bool& shown, bool now, QPushButton& button);
     void updateActive(bool& shown, bool now, QLabel& active);
-    void updateColor(QColor& shown, const QColor& now, int graph);
+    void updateColor(QColor& shown, const QColor& now, Graph graph);
     void showStabilised(QPushButton& button, bool on);
     void showActive(QLabel& active, bool on);
     void chooseColor(int target);
     void emitMultiplexing(int comboIndex, int stage);
-    QColor& colorOf(int graph);
-    QPushButton& colorButton(int graph);
+    QColor& colorOf(Graph graph);
+    QPushButton& colorButton(Graph graph);
 
     std::unique_ptr<Ui::OverviewWidget> ui;
     Connection* owner = nullptr;

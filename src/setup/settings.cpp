@@ -2,12 +2,11 @@
 
 #include "app/logging.h"
 #include "app/switches.h"
+#include "setup/safefile.h"
 #include "setup/setupdocument.h"
 
 #include <QDir>
 #include <QFile>
-#include <QSaveFile>
-#include <QThread>
 
 #include <algorithm>
 #include <optional>
@@ -16,6 +15,9 @@
 namespace {
 
 constexpr char defaultFileName[] = "ConnectionSetup.xml";
+constexpr char unreadableEnding[] = ".unreadable";
+constexpr char couldNotLoad[] = "Could not load connection settings";
+constexpr char couldNotSave[] = "Could not save connection settings";
 /// Between writing the detectors and closing the file.
 constexpr unsigned long closePauseMs = 15;
 
@@ -29,36 +31,6 @@ QString pathToWrite(const QString& path)
     return setupfile::withEnding(pathToRead(path));
 }
 
-/// The whole file. It has to be writable, too, although it is only read. Nothing if it is not
-/// there or can not be opened.
-std::optional<QByteArray> contentOf(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
-        return std::nullopt;
-    return file.readAll();
-}
-
-/// Replaces the file in one step, or leaves the old one: also if the disk is full, the process
-/// dies, or the content is one that could never be loaded again.
-bool replaceFile(const QString& path, const QByteArray& content, unsigned long pauseMs)
-{
-    if (!setupdocument::isReadable(content))
-        return false;
-    if (QFile::exists(path) && !contentOf(path))
-        return false;
-    QSaveFile file(path);
-    file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    // A full disk shows in the length or in the flush, never in the error alone.
-    const bool written = file.write(content) == content.size() && file.flush();
-    if (!written)
-        file.cancelWriting();
-    QThread::msleep(pauseMs);
-    return file.commit() && written;
-}
-
 void copyDetectors(const ConnectionSettings& from, ConnectionSettings& to)
 {
     to.calculation = from.calculation;
@@ -67,13 +39,34 @@ void copyDetectors(const ConnectionSettings& from, ConnectionSettings& to)
     to.beamDiameter = from.beamDiameter;
 }
 
-void refuse(const setupdocument::Misfit& misfit, const QString& path)
+void logFailure(const char* what, const QString& path, const QString& reason)
 {
-    const QString text = QStringLiteral("%1: attribute \"%3\" of element \"%2\" has %4 bytes, "
-                                        "more than the %5 that fit. Please shorten it.")
-                             .arg(path, misfit.element, misfit.attribute,
-                                  QString::number(misfit.bytes), QString::number(misfit.capacity));
+    logMessage().warning("%s %s: %s", what, qPrintable(QDir::toNativeSeparators(path)),
+                         qPrintable(reason));
+}
+
+/// The text says what the user can mend in the file.
+void refuseToLoad(const setupdocument::Misfit& misfit, const QString& path)
+{
+    const QString text = path + QStringLiteral(": ") + setupdocument::toText(misfit);
     logMessage().fatal("%s", qPrintable(text));
+}
+
+/// What could not be loaded may still be mended by hand. An empty file holds nothing to mend.
+bool keepUnreadable(const QString& path)
+{
+    QString reason;
+    const std::optional<QByteArray> present = safefile::read(path, reason);
+    if (!present || present->isEmpty() || setupdocument::isReadable(*present))
+        return true;
+    const QString kept = path + unreadableEnding;
+    if (!safefile::replace(kept, *present, 0, reason)) {
+        logFailure("Could not keep the unreadable connection settings as", kept, reason);
+        return false;
+    }
+    logFailure("Keeping the unreadable connection settings as", kept,
+               QStringLiteral("the file is replaced by a save"));
+    return true;
 }
 
 } // namespace
@@ -85,16 +78,24 @@ QString setupfile::withEnding(const QString& path)
 
 bool Settings::read(const QString& path)
 {
-    logMessage().info() << "Loading connection settings"
-                        << QDir::toNativeSeparators(pathToRead(path));
-    const std::optional<QByteArray> bytes = contentOf(pathToRead(path));
-    if (!bytes)
+    const QString file = pathToRead(path);
+    logMessage().info() << "Loading connection settings" << QDir::toNativeSeparators(file);
+    QString reason;
+    const std::optional<QByteArray> bytes = safefile::read(file, reason);
+    if (!bytes) {
+        // Before the first save there is no file.
+        if (QFile::exists(file))
+            logFailure(couldNotLoad, file, reason);
         return false;
-    const std::optional<setupdocument::Content> content = setupdocument::read(*bytes);
-    if (!content)
+    }
+    setupdocument::ReadError error;
+    const std::optional<setupdocument::Content> content = setupdocument::read(*bytes, error);
+    if (!content) {
+        logFailure(couldNotLoad, file, setupdocument::toText(error));
         return false;
+    }
     if (content->misfit)
-        refuse(*content->misfit, pathToRead(path));
+        refuseToLoad(*content->misfit, file);
     records = content->records;
     for (const int index : content->reachable)
         logMessage().info() << "Loaded connection settings for" << records.at(index).name.text()
@@ -111,19 +112,66 @@ bool Settings::write(const QString& path) const
 bool Settings::writeDetectors(const QString& path) const
 {
     const QString file = pathToWrite(path);
-    const std::optional<QByteArray> present =
-        QFile::exists(file) ? contentOf(file) : std::make_optional<QByteArray>();
-    if (!present)
+    QByteArray present;
+    if (QFile::exists(file)) {
+        QString reason;
+        const std::optional<QByteArray> bytes = safefile::read(file, reason);
+        if (!bytes) {
+            logFailure(couldNotSave, file, reason);
+            return false;
+        }
+        present = *bytes;
+    }
+    const std::optional<QByteArray> content = setupdocument::withDetectors(present, records);
+    if (!content) {
+        setupdocument::ReadError error;
+        setupdocument::read(present, error);
+        logFailure(couldNotSave, file, setupdocument::toText(error));
         return false;
-    const std::optional<QByteArray> content = setupdocument::withDetectors(*present, records);
-    return content && replaceFile(file, *content, closePauseMs);
+    }
+    return replaceFile(file, *content, closePauseMs);
 }
 
 bool Settings::save(const QString& path) const
 {
-    const std::optional<QByteArray> content =
-        setupdocument::withDetectors(setupdocument::connections(records), records);
-    return content && replaceFile(pathToWrite(path), *content, closePauseMs);
+    const QByteArray connections = setupdocument::connections(records);
+    // Detectors can not be added to what is no XML: it is refused as it is.
+    const QByteArray content =
+        setupdocument::withDetectors(connections, records).value_or(connections);
+    return replaceFile(pathToWrite(path), content, closePauseMs);
+}
+
+/// Leaves the old file if that fails, or if the content is one that could never be loaded again.
+bool Settings::replaceFile(const QString& file, const QByteArray& content,
+                           unsigned long pauseMs) const
+{
+    if (!setupdocument::isReadable(content)) {
+        logUnreadableRecords(file);
+        return false;
+    }
+    if (file == pathToWrite(QString()) && !keepUnreadable(file))
+        return false;
+    QString reason;
+    if (safefile::replace(file, content, pauseMs, reason))
+        return true;
+    logFailure(couldNotSave, file, reason);
+    return false;
+}
+
+void Settings::logUnreadableRecords(const QString& file) const
+{
+    bool isFound = false;
+    for (const ConnectionSettings& record : records) {
+        const QString reason = setupdocument::whyUnreadable(record);
+        if (reason.isEmpty())
+            continue;
+        isFound = true;
+        logFailure(couldNotSave, file,
+                   QStringLiteral("the record \"%1\" with ID \"%2\" could not be loaded again: %3")
+                       .arg(record.label.text(), record.id.text(), reason));
+    }
+    if (!isFound)
+        logFailure(couldNotSave, file, QStringLiteral("what else is in it is no setup file"));
 }
 
 bool Settings::setList(const QList<ConnectionSettings>& list)

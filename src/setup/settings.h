@@ -19,7 +19,9 @@ QString withEnding(const QString& path);
 ///
 /// Every path may be empty, which means "ConnectionSetup.xml" in the configuration directory.
 /// Writers append ".xml" to a path without it. A file is replaced as a whole: a save that fails
-/// leaves the old one. Nothing here shows a message. GUI thread only.
+/// leaves the old one. A default file that can not be loaded is kept as
+/// "ConnectionSetup.xml.unreadable" when a save replaces it. Nothing here shows a message: what
+/// failed, and why, is in the log. GUI thread only.
 class Settings final : public QObject
 {
     Q_OBJECT
@@ -52,6 +54,8 @@ public:
     bool updateOrAdd(ConnectionSettings& record);
 
 private:
+    bool replaceFile(const QString& file, const QByteArray& content, unsigned long pauseMs) const;
+    void logUnreadableRecords(const QString& file) const;
     const ConnectionSettings* find(const QString& key) const;
 
     QList<ConnectionSettings> records;

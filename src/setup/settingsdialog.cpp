@@ -32,7 +32,7 @@ QList<FoundInterface> searchRealInterfaces(bool includePseudo, bool anyDevice)
     return searchInterfaces(includePseudo, anyDevice);
 }
 
-/// The slots are wired by name before the first member exists, and nothing is emitted then.
+/// Connects the slots by their names. The members do not exist yet: nothing may be emitted here.
 std::unique_ptr<Ui::SettingsDialog> makeForm(SettingsDialog& dialog)
 {
     auto form = std::make_unique<Ui::SettingsDialog>();
@@ -105,7 +105,7 @@ void SettingsDialog::prepareFileDialog()
 void SettingsDialog::wireLines()
 {
     connect(&systems, &SystemLines::lineAdded, this, [this](const ConnectionWidget* line) {
-        // Tab follows the eye: the lines stand above the buttons of the dialog.
+        // Tab moves from top to bottom, and the lines stand above the buttons of the dialog.
         formtools::setTabOrderBehind(line->lastTabStop(),
                                      {ui->saveAsConnectionButton, ui->saveConnectionButton,
                                       ui->loadConnectionButton, ui->closeButton});
@@ -116,15 +116,14 @@ void SettingsDialog::wireLines()
         flows.run([this, meant = QPointer<const Connection>(connection)] { reconnect(meant); });
     });
     connect(&systems, &SystemLines::removalWanted, this, [this](const Connection* connection) {
-        flows.run(
-            [this, meant = QPointer<const Connection>(connection)] { systems.remove(meant); });
+        flows.run([this, meant = QPointer<const Connection>(connection)] { deleteByUser(meant); });
     });
 }
 
 void SettingsDialog::showEvent(QShowEvent* event)
 {
     QDialog::showEvent(event);
-    // Coming back from an icon is no new start.
+    // The window system shows a window that was minimised: its fields stay.
     if (event->spontaneous())
         return;
     for (QLineEdit* edit : {ui->serialPortLabel_2, ui->addressTcpEdit, ui->labelTcpEdit}) {

@@ -71,7 +71,7 @@ public slots:
     /// Makes the connections of a setup file, and connects those that are marked for it. With an
     /// empty path the default file is taken, and the outcome is not shown.
     void loadConnection(QString path);
-    /// Makes the room of the messages visible and empty, and the connect button the focus.
+    /// Shows the message labels of both tabs, empty, and gives the connect button the focus.
     void resizeSmall();
 
 protected:
@@ -105,6 +105,7 @@ private:
     void connectTcp();
     void reconnect(const Connection* connection);
     void disconnectByUser(const Connection* connection);
+    void deleteByUser(const Connection* connection);
 
     /// The path that the user chose; empty if none.
     QString chooseFile(QFileDialog::AcceptMode mode, const QString& title);

@@ -2,6 +2,7 @@
 
 #include "app/logging.h"
 #include "app/switches.h"
+#include "link/connection.h"
 #include "setup/formtools.h"
 #include "setup/settingsdialog.h"
 #include "ui_settingsdialog.h"
@@ -21,7 +22,7 @@ QString textOf(ConnectOutcome outcome, ConnectionType type)
     case ConnectOutcome::DeviceGone:
         return SettingsDialog::tr("Device not found");
     case ConnectOutcome::NoPortForRateChange:
-        // The spelling tells a support engineer at which of the two openings it happened.
+        // Spelled otherwise than `NoPort`, so that a report tells which of the two it was.
         return SettingsDialog::tr("SerialPort is not suitable for communication");
     case ConnectOutcome::RateNotChanged:
         return SettingsDialog::tr("Baudrate couldn't be adjusted");
@@ -39,6 +40,11 @@ QString textOf(ConnectOutcome outcome, ConnectionType type)
         return SettingsDialog::tr("System identification failed");
     }
     return QString();
+}
+
+ConnectionType typeOf(const Connection& connection)
+{
+    return static_cast<ConnectionType>(connection.connectionType());
 }
 
 } // namespace
@@ -230,7 +236,15 @@ void SettingsDialog::closeAllConnections()
 
 void SettingsDialog::deleteConnectionSlot(QString address)
 {
-    systems.remove(systems.meantBy(address));
+    deleteByUser(systems.meantBy(address));
+}
+
+void SettingsDialog::deleteByUser(const Connection* connection)
+{
+    if (!connection)
+        return;
+    const formtools::BusyNote note(infoOf(typeOf(*connection)), tr("Disconnecting ..."));
+    systems.remove(connection);
 }
 
 void SettingsDialog::autoConnectChanged(QString address, bool isActive)
@@ -265,7 +279,12 @@ void SettingsDialog::on_WidgetDisconnect(QString address)
 
 void SettingsDialog::disconnectByUser(const Connection* connection)
 {
-    sayInBoth(systems.disconnectLink(connection) ? QString() : tr("Could not disconnect."));
+    bool isEnded = false;
+    if (connection) {
+        const formtools::BusyNote note(infoOf(typeOf(*connection)), tr("Disconnecting ..."));
+        isEnded = systems.disconnectLink(connection);
+    }
+    sayInBoth(isEnded ? QString() : tr("Could not disconnect."));
 }
 
 void SettingsDialog::onLinkLost(const Connection* connection)

@@ -91,7 +91,7 @@ ConnectionSettings readDevice(const QDomNode& device, std::optional<setupdocumen
             readConnection(element, tag, record, misfit);
         } else if (part == "General") {
             record.pulsedLaser = intAttribute(element, "pulsedLaser") != 0;
-            // Only here, on purpose: the key belongs to the detector data.
+            // The key belongs to the detectors: a device without this part has none.
             readText(record.serial, tag.mid(devicePrefixLength), tag, "key in the tag", misfit);
         } else if (part == "Detector1") {
             readDetector(element, 0, record);
@@ -168,7 +168,7 @@ void writeDetectors(QDomElement root, const ConnectionSettings& record)
              part = part.nextSiblingElement())
             hasParts |= writeDetectorPart(part, record);
     }
-    // A device that has one of the parts stays without the others, on purpose.
+    // A device that has one of the parts gets no other.
     if (hasParts)
         return;
     if (device.isNull())
@@ -182,14 +182,19 @@ void writeDetectors(QDomElement root, const ConnectionSettings& record)
 
 namespace setupdocument {
 
-std::optional<Content> read(const QByteArray& xml)
+std::optional<Content> read(const QByteArray& xml, ReadError& error)
 {
     QDomDocument document;
-    if (!document.setContent(xml) || document.documentElement().tagName() != rootTag)
+    if (!document.setContent(xml, &error.text, &error.line, &error.column))
         return std::nullopt;
+    if (document.documentElement().tagName() != rootTag) {
+        error = {QStringLiteral("the root element is \"%1\", not \"%2\"")
+                     .arg(document.documentElement().tagName(), rootTag)};
+        return std::nullopt;
+    }
 
     Content content;
-    // Whatever a child is called, it stands for a device.
+    // Every child stands for a device, whatever its name is.
     for (QDomNode device = document.documentElement().firstChild(); !device.isNull();
          device = device.nextSibling()) {
         if (!device.firstChildElement(connectionTag).isNull())
@@ -197,6 +202,12 @@ std::optional<Content> read(const QByteArray& xml)
         content.records.append(readDevice(device, content.misfit));
     }
     return content;
+}
+
+std::optional<Content> read(const QByteArray& xml)
+{
+    ReadError ignored;
+    return read(xml, ignored);
 }
 
 QByteArray connections(const QList<ConnectionSettings>& records)
@@ -227,6 +238,32 @@ bool isReadable(const QByteArray& xml)
 {
     const std::optional<Content> content = read(xml);
     return content && !content->misfit;
+}
+
+QString whyUnreadable(const ConnectionSettings& record)
+{
+    ReadError error;
+    const std::optional<Content> content = read(connections({record}), error);
+    if (!content)
+        return QStringLiteral("written with the device key \"%1\" it is no XML: %2")
+            .arg(deviceKey(record.id.text()), error.text);
+    return content->misfit ? toText(*content->misfit) : QString();
+}
+
+QString toText(const ReadError& error)
+{
+    if (error.line == 0)
+        return error.text;
+    return QStringLiteral("line %1, column %2: %3")
+        .arg(QString::number(error.line), QString::number(error.column), error.text);
+}
+
+QString toText(const Misfit& misfit)
+{
+    return QStringLiteral("attribute \"%2\" of element \"%1\" has %3 bytes, more than the %4 that "
+                          "fit. Please shorten it.")
+        .arg(misfit.element, misfit.attribute, QString::number(misfit.bytes),
+             QString::number(misfit.capacity));
 }
 
 } // namespace setupdocument

@@ -22,6 +22,15 @@ struct Misfit
     int capacity = 0;
 };
 
+/// Why a file is no setup file.
+struct ReadError
+{
+    QString text;
+    /// Where in the file, counted from 1; 0 if that is no matter of a place.
+    int line = 0;
+    int column = 0;
+};
+
 struct Content
 {
     /// In file order.
@@ -32,7 +41,8 @@ struct Content
     std::optional<Misfit> misfit;
 };
 
-/// The records of a file; nothing if it is not well-formed or has another root.
+/// The records of a file; nothing, with the error, if it is not well-formed or has another root.
+std::optional<Content> read(const QByteArray& xml, ReadError& error);
 std::optional<Content> read(const QByteArray& xml);
 
 /// A file with addresses, labels and colours of the records, and nothing else.
@@ -45,5 +55,11 @@ std::optional<QByteArray> withDetectors(const QByteArray& xml,
 
 /// Whether `read` can take everything in the file.
 bool isReadable(const QByteArray& xml);
+/// Why a file with this record could not be read again; empty if it could.
+QString whyUnreadable(const ConnectionSettings& record);
+
+/// For the log.
+QString toText(const ReadError& error);
+QString toText(const Misfit& misfit);
 
 } // namespace setupdocument

@@ -141,7 +141,7 @@ void SystemLines::remove(const Connection* connection)
     const QPointer<const Connection> closed(connection);
     if (!registry.closeConnection(connection))
         return;
-    // The registry may still keep it, or have deleted it; others can have gone meanwhile, too.
+    // The registry has deleted it or still keeps it; its events can have removed others, too.
     const auto isGone = [&closed](const System& system) {
         return !system.connection || system.connection == closed;
     };

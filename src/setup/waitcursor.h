@@ -3,7 +3,7 @@
 #include <QCursor>
 #include <QGuiApplication>
 
-/// The pointer says that something waits, for as long as this lives.
+/// Shows the wait pointer for as long as this object exists.
 class WaitCursor final
 {
 public:

@@ -8,7 +8,7 @@ using Pairs = std::vector<const DetectorPair*>;
 
 bool sharesLengthUnit(const Pairs& displayed, std::size_t stage)
 {
-    const auto reference = (*displayed.front())[stage]->unitCode();
+    const PositionUnit reference = (*displayed.front())[stage]->unitCode();
     return std::all_of(displayed.begin(), displayed.end(), [&](const DetectorPair* pair) {
         const Detector& detector = *(*pair)[stage];
         return detector.calculation != 0 && detector.unitCode() == reference;
@@ -39,7 +39,7 @@ QString UnitChoice::unit() const
     return detectorOrPlain(detector).unit();
 }
 
-int UnitChoice::unitCode() const
+PositionUnit UnitChoice::unitCode() const
 {
     return detectorOrPlain(detector).unitCode();
 }

@@ -15,7 +15,7 @@ struct UnitChoice
     const Detector* detector = nullptr;
 
     QString unit() const;
-    int unitCode() const;
+    PositionUnit unitCode() const;
     double maxPosition() const;
     double minPosition() const;
 };

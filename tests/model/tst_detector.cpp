@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+Q_DECLARE_METATYPE(PositionUnit)
+
 namespace {
 
 std::unique_ptr<Detector> detectorOfType(int typeCode, double beamDiameterUm, int calculation)
@@ -37,6 +39,9 @@ private slots:
     void quadrantTypesAreOneAndThree();
     void psdTypesAreTwoFourAndFive();
     void unknownTypeMakesNoDetector();
+    void everyKindStandsAtItsTypeCode();
+    void everyKindHasItsName();
+    void unitsHaveTheirNumbers();
 };
 
 void TestDetector::propertiesFollowTypeAndFlag_data()
@@ -47,15 +52,19 @@ void TestDetector::propertiesFollowTypeAndFlag_data()
     QTest::addColumn<int>("recordDecimals");
     QTest::addColumn<int>("displayDecimals");
     QTest::addColumn<double>("maxPosition");
-    QTest::addColumn<int>("unitCode");
+    QTest::addColumn<PositionUnit>("unitCode");
     QTest::addColumn<QString>("unit");
 
-    QTest::newRow("none") << 0 << false << false << 3 << 2 << 5.0 << 0 << "V";
-    QTest::newRow("4QD") << 1 << true << false << 2 << 1 << 40.0 << 1 << "µm";
-    QTest::newRow("PSD") << 2 << false << true << 4 << 3 << 4.5 << 2 << "mm";
-    QTest::newRow("WID") << 3 << true << false << 2 << 1 << 40.0 << 1 << "µm";
-    QTest::newRow("UV PSD 4 mm") << 4 << false << true << 4 << 3 << 4.5 << 2 << "mm";
-    QTest::newRow("UV PSD 10 mm") << 5 << false << true << 4 << 3 << 4.5 << 2 << "mm";
+    QTest::newRow("none") << 0 << false << false << 3 << 2 << 5.0 << PositionUnit::Volt << "V";
+    QTest::newRow("4QD") << 1 << true << false << 2 << 1 << 40.0 << PositionUnit::Micrometre
+                         << "µm";
+    QTest::newRow("PSD") << 2 << false << true << 4 << 3 << 4.5 << PositionUnit::Millimetre << "mm";
+    QTest::newRow("WID") << 3 << true << false << 2 << 1 << 40.0 << PositionUnit::Micrometre
+                         << "µm";
+    QTest::newRow("UV PSD 4 mm") << 4 << false << true << 4 << 3 << 4.5 << PositionUnit::Millimetre
+                                 << "mm";
+    QTest::newRow("UV PSD 10 mm") << 5 << false << true << 4 << 3 << 4.5 << PositionUnit::Millimetre
+                                  << "mm";
 }
 
 void TestDetector::propertiesFollowTypeAndFlag()
@@ -78,8 +87,8 @@ void TestDetector::propertiesFollowTypeAndFlag()
 void TestDetector::everyTypeShowsVoltsWithoutCalculation_data()
 {
     QTest::addColumn<int>("type");
-    for (int type = 0; type <= 5; ++type)
-        QTest::addRow("type %d", type) << type;
+    for (const DetectorKind& kind : detectorKinds())
+        QTest::newRow(kind.name) << int(kind.type);
 }
 
 void TestDetector::everyTypeShowsVoltsWithoutCalculation()
@@ -88,7 +97,7 @@ void TestDetector::everyTypeShowsVoltsWithoutCalculation()
     const auto detector = detectorOfType(type, 80.0, 0);
 
     QCOMPARE(detector->unit(), QStringLiteral("V"));
-    QCOMPARE(detector->unitCode(), 0);
+    QCOMPARE(detector->unitCode(), PositionUnit::Volt);
     QCOMPARE(detector->recordDecimals(), 3);
     QCOMPARE(detector->displayDecimals(), 2);
     QCOMPARE(detector->maxPosition(), 5.0);
@@ -208,6 +217,32 @@ void TestDetector::unknownTypeMakesNoDetector()
 {
     QVERIFY(!makeDetector(6, Detector()));
     QVERIFY(!makeDetector(-1, Detector()));
+}
+
+void TestDetector::everyKindStandsAtItsTypeCode()
+{
+    for (int code = 0; code < detectorKindCount; ++code) {
+        QVERIFY(isDetectorType(code));
+        QCOMPARE(int(detectorKinds()[std::size_t(code)].type), code);
+        QCOMPARE(makeDetector(code, Detector())->typeCode(), code);
+    }
+    QVERIFY(!isDetectorType(-1));
+    QVERIFY(!isDetectorType(6));
+}
+
+void TestDetector::everyKindHasItsName()
+{
+    QStringList names;
+    for (const DetectorKind& kind : detectorKinds())
+        names.append(kind.name);
+    QCOMPARE(names, QStringList({"select", "4QD", "PSD", "WID", "UV PSD (4mm)", "UV PSD (10mm)"}));
+}
+
+void TestDetector::unitsHaveTheirNumbers()
+{
+    QCOMPARE(int(PositionUnit::Volt), 0);
+    QCOMPARE(int(PositionUnit::Micrometre), 1);
+    QCOMPARE(int(PositionUnit::Millimetre), 2);
 }
 
 QTEST_GUILESS_MAIN(TestDetector)

@@ -69,6 +69,8 @@ public:
     {
         calls.append("disconnect " + addressOf(connection));
         disconnected.append(indexOf(connection));
+        if (whenDisconnecting)
+            whenDisconnecting();
         return disconnects;
     }
 
@@ -95,6 +97,8 @@ public:
     std::function<void()> whenNew;
     /// Called before a connection is closed.
     std::function<void()> whenClosing;
+    /// Called before a link is ended.
+    std::function<void()> whenDisconnecting;
     bool leaving = false;
     bool closes = true;
     bool reconnects = true;

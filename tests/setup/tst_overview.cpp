@@ -10,6 +10,7 @@
 #include <QColorDialog>
 #include <QComboBox>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSpinBox>
@@ -67,6 +68,7 @@ private slots:
     void anInvalidColourIsIgnored();
     void aColourOfACommonDetectorDoesNothing();
     void theColourDialogOpensWindowModal();
+    void aRowThatGoesTakesItsColourDialogWithIt();
     void hiddenControlsStillTell();
     void aRowTellsWhichOfTwoSystemsWithOneAddressIsMeant();
 
@@ -428,10 +430,20 @@ void TestOverview::theColourDialogOpensWindowModal()
     QTest::keyClick(chooser, Qt::Key_Escape);
     QVERIFY(!chooser->isVisible());
     QVERIFY(dialog->isVisible());
-    // A row that goes takes its dialog with it.
+}
+
+void TestOverview::aRowThatGoesTakesItsColourDialogWithIt()
+{
+    dialog->update(statuses({"0"}));
+    widgettest::show(*dialog);
     QVERIFY(click(named<QPushButton>(row(1), "yColor")));
+    const QPointer<QColorDialog> chooser = row(1).findChild<QColorDialog*>();
+    QVERIFY(chooser->isVisible());
     dialog->update({});
-    QVERIFY(!dialog->findChild<QColorDialog*>()->isVisible());
+    QVERIFY(!chooser);
+    // Nothing modal keeps the user from the window.
+    QVERIFY(click(named<QPushButton>(*dialog, "closePushButton")));
+    QVERIFY(!dialog->isVisible());
 }
 
 void TestOverview::hiddenControlsStillTell()
@@ -522,7 +534,7 @@ void TestOverview::removingAConnectionErasesTheLastEntry()
     dialog->update(statuses({"a", "b", "c"}));
     dialog->changeOrder(0, 2);
     QCOMPARE(dialog->order(), QList<int>({1, 2, 0}));
-    // Whichever connection went: on purpose.
+    // It is the last entry, not that of the connection that went.
     dialog->update(statuses({"a", "b"}));
     QCOMPARE(dialog->order(), QList<int>({1, 2}));
 }

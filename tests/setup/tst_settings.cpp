@@ -1,4 +1,5 @@
 #include "app/switches.h"
+#include "fulldisk.h"
 #include "records.h"
 #include "setup/settings.h"
 #include "support/anotheruser.h"
@@ -9,9 +10,6 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <csignal>
-#include <sys/resource.h>
 
 namespace {
 
@@ -27,26 +25,6 @@ void put(const QString& path, const QByteArray& content)
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write(content);
 }
-
-/// Files can not grow beyond so many bytes while this lives: a disk that is full.
-class FullDisk final
-{
-public:
-    explicit FullDisk(rlim_t bytes)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &before);
-        rlimit limit = before;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &before); }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-
-private:
-    rlimit before{};
-};
 
 const char goodFile[] =
     "<Zev_Lumetra><Device_AB000000001><Settings id=\"12345678901234AB000000001\""
@@ -87,6 +65,20 @@ private slots:
     void aBrokenFileIsNotTouchedByDetectors();
     void whatCouldNotBeLoadedIsNotSaved();
     void aSaveLeavesNoOtherFiles();
+
+    // What the log tells.
+    void aRefusedSaveTellsWhichRecordAndWhy();
+    void aSaveThatFailsTellsWhy();
+    void aFileThatDoesNotParseIsToldWithItsPlace_data();
+    void aFileThatDoesNotParseIsToldWithItsPlace();
+    void aMissingFileIsNoWarning();
+
+    // A default file that can not be loaded.
+    void anUnreadableDefaultFileIsKeptBeside_data();
+    void anUnreadableDefaultFileIsKeptBeside();
+    void onlyAnUnreadableDefaultFileIsKept_data();
+    void onlyAnUnreadableDefaultFileIsKept();
+    void anUnreadableFileThatCanNotBeKeptIsNotReplaced();
 
     void setListReplacesTheRecords();
     void getListDropsRecordsWithoutIdentification();
@@ -442,6 +434,128 @@ void TestSettings::aSaveLeavesNoOtherFiles()
     QVERIFY(settings.save(path("a.xml")));
     QVERIFY(settings.save(path("a.xml")));
     QCOMPARE(QDir(directory->path()).entryList(QDir::Files | QDir::Hidden), QStringList({"a.xml"}));
+}
+
+void TestSettings::aRefusedSaveTellsWhichRecordAndWhy()
+{
+    Settings settings;
+    settings.setList(
+        {records::tcp("AB000000001", "good"), records::tcp("A> <0000001", "left_arm")});
+    for (const auto writer : {&Settings::write, &Settings::save}) {
+        const LogCapture log;
+        QVERIFY(!(settings.*writer)(path("a.xml")));
+        QCOMPARE(log.lines().size(), 1);
+        const QString told = log.lines().first();
+        for (const QString& part :
+             {QString("warning: "), path("a.xml"), QString("left_arm"),
+              records::idWithKey("A> <0000001"), QString("key \"A> <0000001\""), QString("XML")})
+            QVERIFY2(told.contains(part), qPrintable(told));
+        QVERIFY2(!told.contains("good"), qPrintable(told));
+    }
+    QVERIFY(!QFile::exists(path("a.xml")));
+}
+
+void TestSettings::aSaveThatFailsTellsWhy()
+{
+    put(path("a.xml"), goodFile);
+    Settings settings;
+    settings.setList({records::tcp("CD000000002", "new")});
+    const LogCapture log;
+    {
+        const FullDisk disk(0);
+        QVERIFY(!settings.save(path("a.xml")));
+    }
+    QVERIFY(!settings.save(path("none/a.xml")));
+    QCOMPARE(log.lines(), QStringList({"warning: Could not save connection settings "
+                                           + path("a.xml") + ": File too large",
+                                       "warning: Could not save connection settings "
+                                           + path("none/a.xml") + ": No such file or directory"}));
+}
+
+void TestSettings::aFileThatDoesNotParseIsToldWithItsPlace_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("wrong end tag")
+        << QByteArray("<Zev_Lumetra>\n <Device_A>\n </B>\n</Zev_Lumetra>") << "line 3, column 5: ";
+    QTest::newRow("not XML") << QByteArray("hello") << "line 1, column 1: ";
+    QTest::newRow("other root") << QByteArray("<Root/>")
+                                << "the root element is \"Root\", not \"Zev_Lumetra\"";
+}
+
+void TestSettings::aFileThatDoesNotParseIsToldWithItsPlace()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QString, reason);
+    put(path("bad.xml"), content);
+    Settings settings;
+    const LogCapture log;
+    QVERIFY(!settings.read(path("bad.xml")));
+    QCOMPARE(log.lines().size(), 2);
+    const QString told = log.lines().last();
+    QVERIFY2(told.startsWith("warning: Could not load connection settings " + path("bad.xml") + ": "
+                             + reason),
+             qPrintable(told));
+}
+
+void TestSettings::aMissingFileIsNoWarning()
+{
+    Settings settings;
+    const LogCapture log;
+    QVERIFY(!settings.read(QString()));
+    QCOMPARE(log.lines().filter("warning"), QStringList());
+}
+
+void TestSettings::anUnreadableDefaultFileIsKeptBeside_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("cut off") << QByteArray(goodFile).left(80);
+    QTest::newRow("other root") << QByteArray("<Root/>");
+}
+
+void TestSettings::anUnreadableDefaultFileIsKeptBeside()
+{
+    QFETCH(QByteArray, content);
+    put(path("ConnectionSetup.xml"), content);
+    put(path("ConnectionSetup.xml.unreadable"), "an older one");
+    Settings settings;
+    QVERIFY(!settings.read(QString()));
+    settings.setList({records::tcp("CD000000002", "new")});
+    QVERIFY(settings.save(QString()));
+    QCOMPARE(contentOf(path("ConnectionSetup.xml.unreadable")), content);
+    QCOMPARE(records::labelsIn(contentOf(path("ConnectionSetup.xml"))), QStringList{"new"});
+}
+
+void TestSettings::onlyAnUnreadableDefaultFileIsKept_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("one that can be loaded") << "ConnectionSetup.xml" << QByteArray(goodFile);
+    QTest::newRow("an empty one") << "ConnectionSetup.xml" << QByteArray("");
+    QTest::newRow("another file") << "other.xml" << QByteArray("hello");
+}
+
+void TestSettings::onlyAnUnreadableDefaultFileIsKept()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, content);
+    put(path(name), content);
+    Settings settings;
+    settings.setList({records::tcp("CD000000002", "new")});
+    QVERIFY(settings.save(name == "other.xml" ? path(name) : QString()));
+    QCOMPARE(QDir(directory->path()).entryList(QDir::Files | QDir::Hidden), QStringList{name});
+}
+
+void TestSettings::anUnreadableFileThatCanNotBeKeptIsNotReplaced()
+{
+    put(path("ConnectionSetup.xml"), "hello");
+    QVERIFY(QDir(directory->path()).mkdir("ConnectionSetup.xml.unreadable"));
+    Settings settings;
+    settings.setList({records::tcp("CD000000002", "new")});
+    const LogCapture log;
+    QVERIFY(!settings.save(QString()));
+    QCOMPARE(contentOf(path("ConnectionSetup.xml")), QByteArray("hello"));
+    QCOMPARE(log.lines().filter("Could not keep").size(), 1);
 }
 
 void TestSettings::setListReplacesTheRecords()

@@ -25,6 +25,7 @@ private slots:
 
     // How it comes.
     void itComesAsItIsLaidDown();
+    void showingTakesItsSizeAndPlace_data();
     void showingTakesItsSizeAndPlace();
     void showingClearsTheFieldsThatAreEnabled();
     void showingSearchesUnlessSwitchedOff();
@@ -93,13 +94,25 @@ void TestSettingsDialog::itComesAsItIsLaidDown()
     QCOMPARE(rates.itemText(1), QStringLiteral("921600"));
 }
 
+void TestSettingsDialog::showingTakesItsSizeAndPlace_data()
+{
+    QTest::addColumn<int>("spareWidth");
+    QTest::newRow("wider than the screen") << -50;
+    QTest::newRow("narrower than the screen") << 50;
+}
+
 void TestSettingsDialog::showingTakesItsSizeAndPlace()
 {
-    widgettest::show(bench->dialog);
+    QFETCH(int, spareWidth);
     const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
+    const int maximum = available.width() - spareWidth;
+    bench->dialog.setMaximumWidth(maximum);
+    QVERIFY(bench->dialog.minimumSizeHint().width() < qMin(maximum, available.width()));
+    widgettest::show(bench->dialog);
+    const int border = bench->dialog.frameGeometry().width() - bench->dialog.width();
+    QCOMPARE(bench->dialog.width(), qMin(maximum, available.width() - border));
     QCOMPARE(bench->dialog.frameGeometry().height(), available.height());
     QVERIFY(available.contains(bench->dialog.frameGeometry()));
-    QVERIFY(bench->dialog.width() <= bench->dialog.maximumWidth());
     const QPoint middle = bench->dialog.frameGeometry().center();
     QVERIFY((middle - available.center()).manhattanLength() <= 2);
 }

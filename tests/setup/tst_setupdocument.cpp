@@ -143,7 +143,7 @@ void TestSetupDocument::missingAttributesReadAsNothing()
     QVERIFY(record.id.isEmpty());
     QVERIFY(record.colorX.isEmpty());
     QVERIFY(!record.pulsedLaser);
-    // A detector without attributes has no diameter, on purpose: not the default one.
+    // A detector without attributes has the diameter 0, not the default one.
     QCOMPARE(record.beamDiameter[0], part.contains("Detector1") ? 0.0 : 50.0);
     QCOMPARE(record.beamDiameter[1], part.contains("Detector2") ? 0.0 : 50.0);
     QCOMPARE(record.serial.text(), part.contains("General") ? QStringLiteral("K") : QString());

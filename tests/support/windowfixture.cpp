@@ -74,6 +74,12 @@ emulator::ControllerHandle WindowFixture::addController(const emulator::Controll
     return controllers.back();
 }
 
+emulator::ControllerHandle WindowFixture::addNeighbour(int number)
+{
+    controllers.push_back(host.addTcp({}, controller(number).address()));
+    return controllers.back();
+}
+
 emulator::ControllerHandle WindowFixture::controller(int number) const
 {
     return controllers.at(std::size_t(number));

@@ -36,6 +36,8 @@ public:
 
     /// Controllers have addresses that no other test process uses.
     emulator::ControllerHandle addController(const emulator::ControllerOptions& options = {});
+    /// Adds a controller at the address of controller `number`, at a port of its own.
+    emulator::ControllerHandle addNeighbour(int number);
     emulator::ControllerHandle controller(int number = 0) const;
 
     /// What the setup file would hold of a controller, marked for connecting.

@@ -109,11 +109,11 @@ void TestUnitChoice::unitOfAStage()
 
 void TestUnitChoice::unitCodeIsThatOfTheUnit()
 {
-    QCOMPARE(UnitChoice().unitCode(), 0);
+    QCOMPARE(UnitChoice().unitCode(), PositionUnit::Volt);
     const QList<DetectorPair> systems{system(quadrant50, psdLength)};
     const std::array<UnitChoice, 2> choices = chosenUnits(systems, {0}, 0);
-    QCOMPARE(choices[0].unitCode(), 1);
-    QCOMPARE(choices[1].unitCode(), 2);
+    QCOMPARE(choices[0].unitCode(), PositionUnit::Micrometre);
+    QCOMPARE(choices[1].unitCode(), PositionUnit::Millimetre);
 }
 
 void TestUnitChoice::nothingDisplayedIsShownInVolts()
