@@ -44,6 +44,8 @@ private slots:
     void waitEndsWithTheThread();
     void waitEndsAtItsLimit_data();
     void waitEndsAtItsLimit();
+    void rateIsChangedOnlyIfTheControllerAccepts_data();
+    void rateIsChangedOnlyIfTheControllerAccepts();
     void controllerIsIdentifiedAndLabelled();
     void expectedControllerIsAccepted();
     void anotherControllerThanTheExpectedIsNotLabelled();
@@ -117,6 +119,24 @@ void TestLinkUp::waitEndsAtItsLimit()
     QVERIFY(time.elapsed() >= limitMs);
     QVERIFY(time.elapsed() < 20 * limitMs);
     QTEST(event.isTaken(), "takesEvents");
+}
+
+void TestLinkUp::rateIsChangedOnlyIfTheControllerAccepts_data()
+{
+    QTest::addColumn<bool>("accepts");
+    QTest::newRow("accepted") << true;
+    QTest::newRow("refused") << false;
+}
+
+void TestLinkUp::rateIsChangedOnlyIfTheControllerAccepts()
+{
+    QFETCH(bool, accepts);
+    emulator::ControllerOptions options;
+    if (!accepts)
+        options.faults.refuse = {"SBR"};
+    EmulatedLink link(options);
+    QCOMPARE(changeBaudRate(link.client, {longLimitMs}, 921600), accepts);
+    QCOMPARE(link.controller.commands().last(), QByteArray("SBR\x09;"));
 }
 
 void TestLinkUp::controllerIsIdentifiedAndLabelled()

@@ -7,8 +7,8 @@
 #include <new>
 #include <utility>
 
-/// A connection without port and thread, which is up when it is told so. One that is made after
-/// another was deleted stands in the same memory.
+/// A connection without port and thread, which is up when it is told so. An address may be written
+/// with blanks around it. One that is made after another was deleted stands in the same memory.
 class FakeConnection final : public Connection
 {
 public:
@@ -36,7 +36,7 @@ public:
     int connectionType() const override { return int(type); }
     bool init(const QString& address, int baudOrPort) override
     {
-        name = address;
+        name = address.trimmed();
         number = baudOrPort;
         return usable;
     }
