@@ -67,12 +67,6 @@ Connection* LiveSystems::find(const QString& address) const
     return first;
 }
 
-bool LiveSystems::anyConnected() const
-{
-    return std::any_of(systems.begin(), systems.end(),
-                       [](const LiveSystem& system) { return system.connection->isConnected(); });
-}
-
 LiveSystem* LiveSystems::single()
 {
     return displayedIndices.size() == 1 ? &at(displayedIndices.first()) : nullptr;
@@ -143,7 +137,7 @@ void LiveSystems::show(const Connection* connection, bool show)
 void LiveSystems::display(int index)
 {
     // A displayed system keeps its place.
-    if (isDisplayed(index))
+    if (displayedIndices.contains(index))
         return;
     if (displayedIndices.size() >= maxDisplayed) {
         at(index).status.displayed = false;

@@ -35,11 +35,8 @@ public:
     /// none.
     Connection* find(const QString& address) const;
 
-    bool anyConnected() const;
-
     /// Indices of the displayed systems, in the order in which they were shown.
     const QList<int>& displayed() const { return displayedIndices; }
-    bool isDisplayed(int index) const { return displayedIndices.contains(index); }
     /// The displayed system if it is the only one; null otherwise.
     LiveSystem* single();
     /// The system that the stabilisation buttons and the service tests address. Null if there is

@@ -15,6 +15,8 @@
 #include <QApplication>
 #include <QCloseEvent>
 
+#include <algorithm>
+
 namespace {
 
 /// The connections' threads are given this to write what was sent last.
@@ -129,8 +131,7 @@ void MainWindow::showSystem(const Connection* connection, bool show)
 {
     const WaitCursor waiting;
     const int index = systems.indexOf(connection);
-    const bool waits =
-        !show && index >= 0 && systems.isDisplayed(index) && stopsSlowly(*connection);
+    const bool waits = !show && systems.displayed().contains(index) && stopsSlowly(*connection);
     if (waits)
         waitNotice.showDisconnecting();
     systems.show(connection, show);
@@ -173,7 +174,8 @@ void MainWindow::leave()
         return;
     leaving = true;
     const WaitCursor waiting;
-    if (systems.anyConnected())
+    const std::vector<Connection*> all = liveConnections();
+    if (std::any_of(all.begin(), all.end(), [](const auto* each) { return each->isConnected(); }))
         waitNotice.showDisconnecting();
     settingsDialog->closeAllConnections();
     acquisition.stop();

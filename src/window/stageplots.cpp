@@ -44,27 +44,31 @@ void dressTimePlot(GenericPlot& plot, const char* background, QwtPlot::Axis time
     plot.axisScaleDraw(QwtPlot::yLeft)->setMinimumExtent(leftAxisExtentPx);
 }
 
+GenericPlot* makePointingPlot(int number, QWidget& parent, QBoxLayout& layout)
+{
+    GenericPlot* plot = makePlot("osciPlot", number, parent, layout);
+    plot->setKeepAllPoints(false);
+    plot->drawCrossHairs();
+    plot->setSymbolSize(pointingDotSize);
+    return plot;
+}
+
+GenericPlot* makeIntensityPlot(int number, QWidget& parent, QBoxLayout& layout)
+{
+    GenericPlot* plot = makePlot("intensityPlot", number, parent, layout);
+    dressTimePlot(*plot, "azure", QwtPlot::xBottom, QwtPlot::xTop);
+    plot->setAxisScale(QwtPlot::yLeft, StagePlots::intensityMinV, StagePlots::intensityMaxV);
+    plot->setAxisMaxMinor(QwtPlot::yLeft, maxMinorTicks);
+    return plot;
+}
+
 } // namespace
 
-StagePlots::StagePlots(int stageNumber, QWidget& parent, const Layouts& layouts)
-    : number(stageNumber)
+StagePlots::StagePlots(int number, QWidget& parent, const Layouts& layouts)
+    : pointingPlot(makePointingPlot(number, parent, layouts.pointing))
+    , positionPlot(makePlot("positionPlot", number, parent, layouts.position))
+    , intensityPlot(makeIntensityPlot(number, parent, layouts.intensity))
 {
-    makePointingPlot(parent, layouts.pointing);
-    makePositionPlot(parent, layouts.position);
-    makeIntensityPlot(parent, layouts.intensity);
-}
-
-void StagePlots::makePointingPlot(QWidget& parent, QBoxLayout& layout)
-{
-    pointingPlot = makePlot("osciPlot", number, parent, layout);
-    pointingPlot->setKeepAllPoints(false);
-    pointingPlot->drawCrossHairs();
-    pointingPlot->setSymbolSize(pointingDotSize);
-}
-
-void StagePlots::makePositionPlot(QWidget& parent, QBoxLayout& layout)
-{
-    positionPlot = makePlot("positionPlot", number, parent, layout);
     dressPositionPlot();
 }
 
@@ -74,14 +78,6 @@ void StagePlots::dressPositionPlot()
     positionPlot->setAxisScale(QwtPlot::xTop, timeAxisMinS, timeAxisMaxS);
     positionPlot->setAxisScale(QwtPlot::yLeft, rangeMin, rangeMax);
     positionPlot->setFont(QFont(QStringLiteral("Sans Serif"), positionFontPt, QFont::Bold));
-}
-
-void StagePlots::makeIntensityPlot(QWidget& parent, QBoxLayout& layout)
-{
-    intensityPlot = makePlot("intensityPlot", number, parent, layout);
-    dressTimePlot(*intensityPlot, "azure", QwtPlot::xBottom, QwtPlot::xTop);
-    intensityPlot->setAxisScale(QwtPlot::yLeft, intensityMinV, intensityMaxV);
-    intensityPlot->setAxisMaxMinor(QwtPlot::yLeft, maxMinorTicks);
 }
 
 void StagePlots::addCurves(int index)

@@ -73,14 +73,9 @@ public:
     void replot();
 
 private:
-    void makePointingPlot(QWidget& parent, QBoxLayout& layout);
-    void makePositionPlot(QWidget& parent, QBoxLayout& layout);
-    void makeIntensityPlot(QWidget& parent, QBoxLayout& layout);
-
-    int number;
-    GenericPlot* pointingPlot = nullptr;
-    GenericPlot* positionPlot = nullptr;
-    GenericPlot* intensityPlot = nullptr;
+    GenericPlot* pointingPlot;
+    GenericPlot* positionPlot;
+    GenericPlot* intensityPlot;
 
     double rangeMax = 5.0;
     double rangeMin = -5.0;

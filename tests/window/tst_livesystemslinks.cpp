@@ -163,7 +163,7 @@ void TestLiveSystemsLinks::disconnectedSystemStaysRegistered()
     QVERIFY(!connection.isRunning());
     QVERIFY(!connection.isConnected());
     QCOMPARE(systems().indexOf(&connection), 0);
-    QVERIFY(!systems().isDisplayed(0));
+    QVERIFY(!systems().displayed().contains(0));
     // A port that is gone can not be written to.
     QCOMPARE(connection.controller().mnemonics(), Mnemonics());
 }
@@ -211,7 +211,7 @@ void TestLiveSystemsLinks::reconnectKeepsOnlyTheExpectedController()
     QTEST(expected, "identification");
     QCOMPARE(connection.isRunning(), up);
     QCOMPARE(connection.isConnected(), up);
-    QCOMPARE(systems().isDisplayed(0), up);
+    QCOMPARE(systems().displayed().contains(0), up);
     QCOMPARE(systems().at(0).status.statusValid, up);
     QCOMPARE(shown.count(), up ? 1 : 0);
 }

@@ -1,0 +1,110 @@
+#include "connectedsystems.h"
+
+#include "link/identification.h"
+#include "link/tcpclient.h"
+#include "plots/counter.h"
+
+#include <QAction>
+#include <QSpinBox>
+#include <QtTest>
+
+#include <cmath>
+
+namespace {
+
+constexpr int samplingRateHz = 500;
+constexpr int firstHost = 11;
+
+/// One second of a beam that runs on a circle. What fifty computed beams cost is the matter of
+/// `fiftyBeams`, and does not belong to a tick.
+QVector<emulator::PacketValues> circle()
+{
+    constexpr double radiusMv = 2000.0;
+    QVector<emulator::PacketValues> samples;
+    for (int i = 0; i < samplingRateHz; ++i) {
+        const double angle = 2.0 * M_PI * i / samplingRateHz;
+        emulator::PacketValues values;
+        values.x1 = values.x2 = qint16(radiusMv * std::cos(angle));
+        values.y1 = values.y2 = qint16(radiusMv * std::sin(angle));
+        values.i1 = values.i2 = quint16(2.0 * radiusMv);
+        values.rx1 = values.rx2 = values.x1;
+        values.ry1 = values.ry2 = values.y1;
+        samples.append(values);
+    }
+    return samples;
+}
+
+} // namespace
+
+ConnectedSystems::ConnectedSystems(int count)
+{
+    for (int number = 0; number < count; ++number)
+        allUp = addSystem(number) && allUp;
+}
+
+/// The window stops every system when it goes, and a stop without a stream waits out its time.
+ConnectedSystems::~ConnectedSystems()
+{
+    silence(0);
+    for (Connection* connection : screen.window().liveConnections()) {
+        if (!connection->isStreaming())
+            connection->setTimeoutMs(1);
+    }
+}
+
+bool ConnectedSystems::addSystem(int number)
+{
+    emulator::ControllerOptions options;
+    options.script = circle();
+    options.scriptRepeats = true;
+    const QString address = QStringLiteral("127.0.0.%1").arg(firstHost + number);
+    controllers.push_back(host.addTcp(options, address));
+
+    auto client = std::make_unique<TcpClient>();
+    client->init(controllers.back().address(), controllers.back().port());
+    client->start(QThread::InheritPriority);
+    if (!QTest::qWaitFor([&client] { return client->isConnected(); }))
+        return false;
+    QByteArray reply;
+    client->getControllerId();
+    client->fetchReply(reply);
+    const ControllerIdentity identity = readIdentity(reply);
+    if (!identity.isController)
+        return false;
+    client->setFirmwareVersion(identity.firmwareVersion);
+
+    ConnectionSettings record;
+    record.type = ConnectionType::Tcp;
+    record.colorX = QStringLiteral("#ff0000");
+    record.colorY = QStringLiteral("#008000");
+    record.colorI = QStringLiteral("#0000ff");
+    record.model = {PsdDetector, PsdDetector};
+    record.calculation = {1, 1};
+    screen.window().newConnection(std::move(client), record);
+    return true;
+}
+
+bool ConnectedSystems::start()
+{
+    const MainWindow& window = screen.window();
+    window.findChild<Counter*>("samplingRateCounter")->spinBox->setValue(samplingRateHz);
+    window.findChild<QAction*>("startAction")->trigger();
+    bool streaming = allUp;
+    for (const Connection* connection : window.liveConnections())
+        streaming = streaming && connection->isStreaming();
+    return streaming;
+}
+
+void ConnectedSystems::silence(int count)
+{
+    for (std::size_t i = 0; i < controllers.size(); ++i)
+        controllers[i].pause(int(i) < count);
+}
+
+double ConnectedSystems::samplesStored() const
+{
+    double count = 0.0;
+    for (const Connection* connection : screen.window().liveConnections())
+        count += double(connection->samplesStored());
+    return count;
+}
