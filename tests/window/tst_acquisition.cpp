@@ -166,7 +166,9 @@ void TestAcquisition::shownSystemJoinsOnlyWhileRunning()
     bench->pressStart(true);
     acquisition().joinIfRunning(0);
     QVERIFY(connection.isStreaming());
+    const QSignalSpy failed(&acquisition(), &Acquisition::streamFailed);
     acquisition().joinIfRunning(0);
+    QCOMPARE(failed.count(), 0);
     QCOMPARE(connection.controller().mnemonics(), Mnemonics{"SLS"});
 }
 

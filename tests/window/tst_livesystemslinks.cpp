@@ -7,6 +7,8 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+Q_DECLARE_METATYPE(ReconnectResult)
+
 namespace {
 
 using Link = SystemsBench::Link;
@@ -231,8 +233,6 @@ void TestLiveSystemsLinks::reconnectOfOneLeavesTheOtherOfItsAddressAlone()
     QVERIFY(connection.controller().mnemonics().startsWith("CLS"));
     QCOMPARE(connection.controller().mnemonics().last(), QByteArray("GID"));
 }
-
-Q_DECLARE_METATYPE(ReconnectResult)
 
 QTEST_GUILESS_MAIN(TestLiveSystemsLinks)
 #include "tst_livesystemslinks.moc"

@@ -14,6 +14,9 @@ constexpr quint64 originMs = 1700000000000;
 /// At this rate the time plots of the bench take every tenth sample.
 constexpr int rateHz = 500;
 
+constexpr auto givenSamples =
+    static_cast<SampleSource::Store>(&ScriptedConnection::takeGivenSample);
+
 /// Samples a millisecond apart, whose x of stage 1 counts in volts from 1.
 std::vector<MeasureSample> countedSamples(int count)
 {
@@ -106,13 +109,6 @@ bool TestSamplePass::show(const std::vector<SampleBlock>& blocks)
 {
     return SamplePass(bench->systems, bench->stages, bench->statistics, rateHz).show(blocks);
 }
-
-namespace {
-
-constexpr auto givenSamples =
-    static_cast<SampleSource::Store>(&ScriptedConnection::takeGivenSample);
-
-} // namespace
 
 void TestSamplePass::drainTakesTheSamplesOfEachSystemInTheirOrder()
 {

@@ -34,6 +34,7 @@ private slots:
     void newUnitBeginsANewAverage();
     void equalUnitAndRangeChangeNothing();
     void otherRangeInTheSameUnitIsShown();
+    void otherUnitOfTheSameRangeIsShown();
     void withNothingDisplayedTheUnitStays();
     void unitsThatDisagreeAreRememberedAtEveryCall();
     void singleSystemsWidgetsAreShownAndHidden();
@@ -100,6 +101,15 @@ void TestStageView::otherRangeInTheSameUnitIsShown()
     QCOMPARE(stage().plots().positionMax(), 40.0);
     QVERIFY(stage().showUnit({true, smaller[0]}, true));
     QCOMPARE(stage().plots().positionMax(), 25.0);
+}
+
+void TestStageView::otherUnitOfTheSameRangeIsShown()
+{
+    // Half of the beam's 10 micrometres: the axis ends where that of volts does.
+    const DetectorPair smallBeam(QuadrantDetector, 1, QuadrantDetector, 1, 0, 10.0, 10.0);
+    QVERIFY(stage().showUnit({true, smallBeam[0]}, true));
+    QCOMPARE(stage().plots().positionMax(), 5.0);
+    QCOMPARE(stage().unitText(), QString::fromUtf8(" [µm]"));
 }
 
 void TestStageView::withNothingDisplayedTheUnitStays()
