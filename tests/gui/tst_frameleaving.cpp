@@ -2,6 +2,7 @@
 
 #include "app/switches.h"
 #include "link/connection.h"
+#include "noticereader.h"
 #include "params/paramsdialog.h"
 #include "plots/genericplot.h"
 #include "recording/dataloggerdialog.h"
@@ -93,6 +94,8 @@ private slots:
     void closingEndsConnectionsOfTheSetupFile();
     void destroyingEndsWhatWasNotClosed();
     void nothingIsDoneTwice();
+    void closingSaysThatItDisconnects();
+    void closingWithoutAConnectionSaysNothing();
     void closingTakesAllWindowsAlong();
     void exitEntryCloses();
     void nothingTicksBehindTheEnd();
@@ -172,6 +175,27 @@ void TestFrameLeaving::nothingIsDoneTwice()
     QCOMPARE(log.count("debug: Deleting TCP connection"), 1);
     QCOMPARE(log.count("debug: Destroying main window"), 1);
     QCOMPARE(log.lines().filter("warning: "), QStringList());
+}
+
+void TestFrameLeaving::closingSaysThatItDisconnects()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    const NoticeReader reader;
+    QVERIFY(fixture.window().close());
+    QCOMPARE(reader.texts, QStringList("Disconnecting ..."));
+    QVERIFY(reader.pointerWaited);
+    QVERIFY(!NoticeReader::isShown());
+    QVERIFY(!QGuiApplication::overrideCursor());
+}
+
+void TestFrameLeaving::closingWithoutAConnectionSaysNothing()
+{
+    WindowFixture fixture;
+    QVERIFY(fixture.open());
+    const NoticeReader reader;
+    QVERIFY(fixture.window().close());
+    QCOMPARE(reader.texts, QStringList());
 }
 
 void TestFrameLeaving::closingTakesAllWindowsAlong()

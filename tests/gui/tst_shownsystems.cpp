@@ -2,6 +2,7 @@
 
 #include "dialogue.h"
 #include "link/connection.h"
+#include "noticereader.h"
 #include "plots/genericplot.h"
 #include "recording/dataloggerdialog.h"
 #include "setup/connectionoverviewdialog.h"
@@ -80,6 +81,8 @@ private slots:
     void recordingNeedsAShownSystem();
     void labelsOfSeveralCanBeReadOnADarkDesktop();
     void theSystemBeyondFiftyIsNotShown();
+    void hidingAnIdleSystemSaysThatItDisconnects();
+    void hidingAStreamingSystemIsNoMatterOfWords();
 };
 
 void TestShownSystems::recolouringAHiddenSystemLeavesTheLabels()
@@ -169,6 +172,33 @@ void TestShownSystems::theSystemBeyondFiftyIsNotShown()
     QVERIFY(fixture.window().shownConnections().contains(50));
     fixture.tick();
     QVERIFY(showBox(fixture, 50).isChecked());
+}
+
+void TestShownSystems::hidingAnIdleSystemSaysThatItDisconnects()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    fixture.tick();
+    const NoticeReader reader;
+    showBox(fixture, 0).click();
+    QVERIFY(fixture.window().shownConnections().isEmpty());
+    QCOMPARE(reader.texts, QStringList("Disconnecting ..."));
+    QVERIFY(reader.pointerWaited);
+    QVERIFY(!NoticeReader::isShown());
+    QVERIFY(!QGuiApplication::overrideCursor());
+}
+
+void TestShownSystems::hidingAStreamingSystemIsNoMatterOfWords()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    QVERIFY(fixture.clickAction("startAction"));
+    QVERIFY(fixture.connection().isStreaming());
+    fixture.tick();
+    const NoticeReader reader;
+    showBox(fixture, 0).click();
+    QVERIFY(fixture.window().shownConnections().isEmpty());
+    QCOMPARE(reader.texts, QStringList());
 }
 
 QTEST_MAIN(TestShownSystems)
