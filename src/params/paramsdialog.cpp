@@ -37,18 +37,16 @@ void ParamsDialog::closeIfDisconnected()
 
 void ParamsDialog::openDialog(QString address)
 {
-    const Connection* found = nullptr;
-    for (const System& system : systems) {
-        if (system.connection->address() != address)
-            continue;
-        if (!found || (!found->isConnected() && system.connection->isConnected()))
-            found = system.connection;
-    }
-    openFor(found);
+    const auto found = std::find_if(systems.cbegin(), systems.cend(), [&](const System& system) {
+        return system.connection->address() == address;
+    });
+    openFor(found == systems.cend() ? nullptr : found->connection);
 }
 
 void ParamsDialog::openFor(const Connection* connection)
 {
+    if (isVisible())
+        close();
     if (connection)
         current = connection;
 }

@@ -10,8 +10,8 @@ class Connection;
 struct ConnectionSettings;
 
 /// Owner of the detectors of every registered connection. The window reads them where
-/// `addDetectors` says. Opening the dialog has no effect: its controls are not part of this
-/// version.
+/// `addDetectors` says. Opening notes the system and shows nothing: the controls of the dialog are
+/// not part of this version.
 class ParamsDialog final : public QDialog
 {
     Q_OBJECT
@@ -26,8 +26,11 @@ public:
     void removeDetectors(const Connection* connection);
 
 public slots:
-    /// Stands on the connected system with this address, or on the first one if none is connected.
+    /// Opens for the first registered system with this address, connected or not. Without one a
+    /// visible dialog is closed, and nothing else happens.
     void openDialog(QString address);
+    /// Closes the dialog if it is visible, and stands on this connection from now on. Null changes
+    /// nothing else.
     void openFor(const Connection* connection);
     /// Closes the dialog if its connection is not connected any more.
     void closeIfDisconnected();

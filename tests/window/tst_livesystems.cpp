@@ -45,6 +45,7 @@ private slots:
     void singleSystemIsTheOnlyDisplayedOne();
     void currentSystem();
     void currentSystemStaysWhenOneOfThreeIsHidden();
+    void currentSystemStaysWhenAnEarlierOneIsClosed();
     void signalsComeWhenTheListIsConsistent();
     void closingAllGoesFromTheLastToTheFirst();
 
@@ -222,6 +223,19 @@ void TestLiveSystems::currentSystemStaysWhenOneOfThreeIsHidden()
         bench->add();
     systems().show(connection(0), false);
     QCOMPARE(systems().current(), &systems().at(0));
+}
+
+void TestLiveSystems::currentSystemStaysWhenAnEarlierOneIsClosed()
+{
+    bench->add(Link::Down);
+    bench->add(Link::Down);
+    bench->add(Link::Up);
+    // It stays current though none is displayed any more.
+    const Connection* current = connection(2);
+    systems().show(current, false);
+    systems().close(connection(0));
+    QCOMPARE(systems().current(), &systems().at(1));
+    QCOMPARE(&systems().connectionAt(1), current);
 }
 
 void TestLiveSystems::signalsComeWhenTheListIsConsistent()

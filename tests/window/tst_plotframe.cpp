@@ -58,6 +58,7 @@ private slots:
     void resetBringsTheUsualAxesBack();
     void positionsAreResetToTheRangeOfTheStage();
     void pointingBoxesAreEquallyWide();
+    void pointingPlotsThatFillTheirBoxesAreSquare();
     void pointingPlotsAreAtMostTheirShareOfTheWindow();
     void boxThatBecomesHigherMakesRoom();
 
@@ -193,6 +194,19 @@ void TestPlotFrame::pointingBoxesAreEquallyWide()
     QVERIFY(bench->box1.width() >= 200);
     for (StageView& stage : bench->stages)
         QCOMPARE(stage.plots().pointing().maximumHeight(), 200);
+}
+
+void TestPlotFrame::pointingPlotsThatFillTheirBoxesAreSquare()
+{
+    bench->scrollArea.viewport()->resize(1000, 600);
+    bench->box1.resize(10, 300);
+    bench->frame.resizePlots();
+    for (StageView& stage : bench->stages) {
+        GenericPlot& plot = stage.plots().pointing();
+        plot.resize(bench->box1.width(), plot.maximumHeight());
+        plot.updateLayout();
+        QCOMPARE(plot.canvas()->width(), plot.canvas()->height());
+    }
 }
 
 void TestPlotFrame::pointingPlotsAreAtMostTheirShareOfTheWindow()

@@ -36,6 +36,7 @@ private slots:
     void otherRangeInTheSameUnitIsShown();
     void otherUnitOfTheSameRangeIsShown();
     void withNothingDisplayedTheUnitStays();
+    void unitsThatDisagreeAreShownInVoltsEvenWithNothingDisplayed();
     void unitsThatDisagreeAreRememberedAtEveryCall();
     void singleSystemsWidgetsAreShownAndHidden();
     void axisNamesHaveTheirColours();
@@ -118,6 +119,13 @@ void TestStageView::withNothingDisplayedTheUnitStays()
     QVERIFY(!stage().showUnit(inVolts(), false));
     QCOMPARE(stage().unitText(), QStringLiteral(" [mm]"));
     QVERIFY(stage().showUnit(inVolts(), true));
+    QCOMPARE(stage().unitText(), QStringLiteral(" [V]"));
+}
+
+void TestStageView::unitsThatDisagreeAreShownInVoltsEvenWithNothingDisplayed()
+{
+    stage().showUnit(inMillimetres(), true);
+    QVERIFY(stage().showUnit(inVolts(false), false));
     QCOMPARE(stage().unitText(), QStringLiteral(" [V]"));
 }
 

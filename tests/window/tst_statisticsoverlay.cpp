@@ -31,6 +31,7 @@ private slots:
     void textIsRedAndInTheCorner();
     void textIsTheOneSetLast();
     void crossStandsAroundTheMean();
+    void crossLiesOverThePoints();
     void clearingShowsARunWithoutSamples();
     void disablingUnchecksTheBox();
     void enablingLeavesTheBoxAsItWas();
@@ -113,6 +114,15 @@ void TestStatisticsOverlay::crossStandsAroundTheMean()
     const auto* shape = static_cast<const QwtPlotShapeItem*>(cross());
     QVERIFY(shape);
     QCOMPARE(shape->shape().boundingRect(), QRectF(0.35, -2.65, 1.3, 1.3));
+}
+
+void TestStatisticsOverlay::crossLiesOverThePoints()
+{
+    bench->stages[0].plots().addCurves(0);
+    overlay().show(true);
+    const QwtPlotItem* curve = itemOf(plot(), QwtPlotItem::Rtti_PlotCurve);
+    QVERIFY(curve);
+    QVERIFY(cross()->z() > curve->z());
 }
 
 void TestStatisticsOverlay::clearingShowsARunWithoutSamples()
