@@ -580,7 +580,8 @@ void TestSerialFlow::theLinkThatIsLeftBehindGoesWithTheDialog()
     const LogCapture log;
     connectAs("a");
     QCOMPARE(bench->serialInfo(), QStringLiteral("Baudrate couldn't be adjusted"));
-    // On purpose it is neither closed nor deleted, and keeps the port from the next attempt.
+    // Nobody knows at which rate the controller listens now: the link is kept, and with it the
+    // port.
     QVERIFY(controller.isConnected());
     QCOMPARE(log.count("debug: Deleting serial connection"), 0);
     choose(115200);

@@ -6,6 +6,7 @@
 #include "window/livesystems.h"
 
 #include <QMetaType>
+#include <QSignalSpy>
 
 #include <deque>
 
@@ -43,3 +44,12 @@ struct SystemsBench
     std::deque<DetectorPair> detectors;
     LiveSystems systems;
 };
+
+/// The systems that a signal named, in its order.
+inline QList<int> indicesOf(const QSignalSpy& spy)
+{
+    QList<int> indices;
+    for (const QList<QVariant>& arguments : spy)
+        indices.append(arguments.first().toInt());
+    return indices;
+}

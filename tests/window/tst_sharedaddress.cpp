@@ -12,14 +12,6 @@ using Link = SystemsBench::Link;
 
 const QString sharedAddress = QStringLiteral("ttyUSB0");
 
-QList<int> indicesOf(const QSignalSpy& spy)
-{
-    QList<int> indices;
-    for (const QList<QVariant>& arguments : spy)
-        indices.append(arguments.first().toInt());
-    return indices;
-}
-
 } // namespace
 
 class TestSharedAddress final : public QObject
