@@ -38,6 +38,7 @@ private slots:
     void startSetsTheLimitOfTheMode();
     void startAndStopChangeHowPlotsArePainted();
     void stopEndsTheStreamsOfTheDisplayedSystems();
+    void stopBringsTheStartPictureBack();
     void clickThatStopsIsToldBeforeTheStreamsEnd();
     void shownSystemJoinsOnlyWhileRunning();
     void resetEmptiesTheStagesAndBeginsAtTimeZero();
@@ -145,6 +146,17 @@ void TestAcquisition::stopEndsTheStreamsOfTheDisplayedSystems()
     QVERIFY(!bench->toolBar.isRunning());
     QCOMPARE(bench->toolBar.startAction().text(), QStringLiteral("Start"));
     QVERIFY(bench->samplingRate().isEnabled());
+}
+
+void TestAcquisition::stopBringsTheStartPictureBack()
+{
+    const QAction& start = bench->toolBar.startAction();
+    const auto picture = [&] { return start.icon().pixmap(22).toImage(); };
+    const QImage idle = picture();
+    click(true);
+    QVERIFY(picture() != idle);
+    acquisition().stop();
+    QCOMPARE(picture(), idle);
 }
 
 void TestAcquisition::clickThatStopsIsToldBeforeTheStreamsEnd()

@@ -35,6 +35,7 @@ private slots:
     void lossBeforeTheRegistrationIsTold();
     void hiddenSystemStopsItsStream();
     void closedSystemStopsItsStream();
+    void closingAllStopsWhatStreams();
     void disconnectedSystemStaysRegistered();
     void labelGoesToTheMeantControllerPadded();
     void reconnectKeepsOnlyTheExpectedController_data();
@@ -156,6 +157,18 @@ void TestLiveSystemsLinks::closedSystemStopsItsStream()
     QCOMPARE(told, Mnemonics{"CLS"});
     QVERIFY(!streamed);
     QVERIFY(bench->connection(0).isStreaming());
+}
+
+void TestLiveSystemsLinks::closingAllStopsWhatStreams()
+{
+    ScriptedConnection& streaming = addStreaming();
+    ScriptedConnection& idle = bench->add(Link::Running);
+    QList<Mnemonics> told;
+    connect(&systems(), &LiveSystems::closed, this, [&](int index) {
+        told.append((index == 0 ? streaming : idle).controller().mnemonics());
+    });
+    systems().closeAll();
+    QCOMPARE(told, QList<Mnemonics>({{}, {"CLS"}}));
 }
 
 void TestLiveSystemsLinks::disconnectedSystemStaysRegistered()

@@ -30,6 +30,7 @@ private slots:
     void clickSwitchesTheStageOfItsButton_data();
     void clickSwitchesTheStageOfItsButton();
     void switchOffTurnsTheLightOffAtOnce();
+    void clickedButtonKeepsTheKeyboard();
     void streamIsStoppedForASwitchAndGoesOnAtItsRate();
     void refusedSwitchIsRepeatedOnceAndLeavesTheLook();
     void oldFirmwareIsAskedForItsStatusAfterASwitch();
@@ -43,6 +44,7 @@ private slots:
     void goodReadForgetsTheFailures();
     void failuresCanBeForgotten();
     void lightsOfAGivenStatusNeedNoExchange();
+    void lightsOfAGivenStatusAreShownInSpiteOfBit7();
     void lightsOfAFailedStatusAreRead();
 
 private:
@@ -96,6 +98,18 @@ void TestStabilisation::switchOffTurnsTheLightOffAtOnce()
     click(0);
     QCOMPARE(bench->forms[0].activeText.text(), QStringLiteral("Inactive"));
     QVERIFY(!bench->systems.at(0).status.active1);
+}
+
+void TestStabilisation::clickedButtonKeepsTheKeyboard()
+{
+    bench->add(Link::Running);
+    QPushButton& button = bench->forms[0].stabilisation;
+    button.show();
+    QApplication::setActiveWindow(&button);
+    button.setFocus();
+    QTRY_VERIFY(button.hasFocus());
+    click(0);
+    QVERIFY(button.hasFocus());
 }
 
 void TestStabilisation::streamIsStoppedForASwitchAndGoesOnAtItsRate()
@@ -242,6 +256,12 @@ void TestStabilisation::lightsOfAGivenStatusNeedNoExchange()
     QCOMPARE(bench->forms[0].activeText.text(), QStringLiteral("Active"));
     QCOMPARE(bench->forms[1].activeText.text(), QStringLiteral("Inactive"));
     QCOMPARE(connection.controller().messages(), QList<QByteArray>());
+}
+
+void TestStabilisation::lightsOfAGivenStatusAreShownInSpiteOfBit7()
+{
+    QVERIFY(stabilisation().showActive(0xC0));
+    QCOMPARE(bench->forms[1].activeText.text(), QStringLiteral("Active"));
 }
 
 void TestStabilisation::lightsOfAFailedStatusAreRead()

@@ -40,6 +40,7 @@ private slots:
     void hiddenSystemLosesItsPoints();
     void newColourGoesToCurvesAndAxisNames();
     void colourOfOneOfTwoGoesToItsCurvesOnly();
+    void colourOfTheOnlyDisplayedOneGoesToTheAxisNames();
     void statisticsAreOfferedForASingleSystemInPointingMode();
     void axisNamesCanBeReadOnADarkDesktop();
 
@@ -177,6 +178,15 @@ void TestSystemsView::colourOfOneOfTwoGoesToItsCurvesOnly()
     QCOMPARE(bench->stages[0].plots().position().curveColor(2), QColor(Qt::magenta));
     QVERIFY(bench->stages[0].plots().position().curveColor(0) != QColor(Qt::magenta));
     QVERIFY(axisColor() != QColor(Qt::magenta));
+}
+
+void TestSystemsView::colourOfTheOnlyDisplayedOneGoesToTheAxisNames()
+{
+    bench->add();
+    bench->add();
+    bench->systems.show(&bench->connection(0), false);
+    bench->systems.setColor(&bench->connection(1), Qt::magenta, 0);
+    QCOMPARE(axisColor(), QColor(Qt::magenta));
 }
 
 void TestSystemsView::statisticsAreOfferedForASingleSystemInPointingMode()
