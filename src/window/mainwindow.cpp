@@ -23,6 +23,7 @@
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent)
     , ui(makeForm())
+    , waitNotice(*this)
     , toolBar(*this)
     , stages{{{1, *this, stage1Widgets()}, {2, *this, stage2Widgets()}}}
     , updateTimer(toolBar)

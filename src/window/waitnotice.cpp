@@ -3,8 +3,9 @@
 #include <QGuiApplication>
 #include <QScreen>
 
-WaitNotice::WaitNotice()
+WaitNotice::WaitNotice(const QWidget& monitorWindow)
     : QLabel(nullptr, Qt::SplashScreen | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
+    , window(monitorWindow)
 {
     constexpr int marginPx = 24;
     constexpr int minimumWidthPx = 360;
@@ -20,8 +21,9 @@ void WaitNotice::say(const QString& text)
 {
     setText(text);
     adjustSize();
-    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
-    move(available.center() - rect().center());
+    const QRect around = window.isVisible() ? window.frameGeometry()
+                                            : QGuiApplication::primaryScreen()->availableGeometry();
+    move(around.center() - rect().center());
     show();
     repaint();
 }

@@ -9,12 +9,16 @@ class WaitNotice final : public QLabel
     Q_OBJECT
 
 public:
-    WaitNotice();
+    /// The window has to live longer than this.
+    explicit WaitNotice(const QWidget& window);
 
-    /// Shows the notice in the middle of the screen.
+    /// Shows the notice in the middle of the window, or of the screen while that is hidden.
     void say(const QString& text);
 
 public slots:
     void showConnecting(const QString& label, const QString& address);
     void showDisconnecting();
+
+private:
+    const QWidget& window;
 };

@@ -14,12 +14,14 @@ private slots:
     void saysWhatIsAwaited();
     void namesAreShownAsTheyAre();
     void standsInTheMiddleOfTheScreen();
+    void standsInTheMiddleOfAWindowThatIsShown();
     void isPaintedAtOnce();
 };
 
 void TestWaitNotice::hiddenUntilItHasSomethingToSay()
 {
-    WaitNotice notice;
+    const QWidget window;
+    WaitNotice notice(window);
     QVERIFY(!notice.isVisible());
     notice.say(QStringLiteral("text"));
     QVERIFY(notice.isVisible());
@@ -37,7 +39,8 @@ void TestWaitNotice::saysWhatIsAwaited_data()
 void TestWaitNotice::saysWhatIsAwaited()
 {
     QFETCH(bool, connecting);
-    WaitNotice notice;
+    const QWidget window;
+    WaitNotice notice(window);
     if (connecting)
         notice.showConnecting(QStringLiteral("north"), QStringLiteral("ttyUSB0"));
     else
@@ -48,7 +51,8 @@ void TestWaitNotice::saysWhatIsAwaited()
 
 void TestWaitNotice::namesAreShownAsTheyAre()
 {
-    WaitNotice notice;
+    const QWidget window;
+    WaitNotice notice(window);
     QCOMPARE(notice.textFormat(), Qt::PlainText);
     notice.showConnecting(QStringLiteral("<b>%2</b>"), QStringLiteral("ttyUSB0"));
     QCOMPARE(notice.text(), QString::fromUtf8("Connecting to <b>%2</b> (ttyUSB0) …"));
@@ -56,10 +60,24 @@ void TestWaitNotice::namesAreShownAsTheyAre()
 
 void TestWaitNotice::standsInTheMiddleOfTheScreen()
 {
-    WaitNotice notice;
+    const QWidget window;
+    WaitNotice notice(window);
     notice.say(QString(60, QLatin1Char('w')));
     const QPoint middle = QGuiApplication::primaryScreen()->availableGeometry().center();
     const QPoint away = notice.geometry().center() - middle;
+    QVERIFY2(qAbs(away.x()) <= 1 && qAbs(away.y()) <= 1,
+             qPrintable(QStringLiteral("%1 %2").arg(away.x()).arg(away.y())));
+}
+
+void TestWaitNotice::standsInTheMiddleOfAWindowThatIsShown()
+{
+    QWidget window;
+    window.setGeometry(50, 80, 300, 200);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    WaitNotice notice(window);
+    notice.showDisconnecting();
+    const QPoint away = notice.geometry().center() - window.frameGeometry().center();
     QVERIFY2(qAbs(away.x()) <= 1 && qAbs(away.y()) <= 1,
              qPrintable(QStringLiteral("%1 %2").arg(away.x()).arg(away.y())));
 }
@@ -79,7 +97,8 @@ void TestWaitNotice::isPaintedAtOnce()
             return false;
         }
     };
-    WaitNotice notice;
+    const QWidget window;
+    WaitNotice notice(window);
     notice.say(QStringLiteral("first"));
     QVERIFY(QTest::qWaitForWindowExposed(&notice));
     PaintWatch watch;
