@@ -53,11 +53,13 @@ void MainWindow::newConnection(std::unique_ptr<Connection> connection,
 
 bool MainWindow::closeConnection(const Connection* connection)
 {
+    if (systems.indexOf(connection) < 0)
+        return false;
     updateTimer.stop();
-    const bool closed = systems.close(connection);
+    systems.close(connection);
     displayTick.limitRatesToLines();
     updateTimer.start();
-    return closed;
+    return true;
 }
 
 void MainWindow::onSystemClosed(int, const Connection* connection)
