@@ -479,7 +479,7 @@ void TestStabilisation::lostSystemHasNoStatus()
     fixture.controller().setStage(1, true);
     fixture.controller().setStage(2, true);
     const auto flags = [&fixture] {
-        const ConnectionStatus& status = fixture.window().liveStatuses().first();
+        const ConnectionStatus status = fixture.window().liveStatuses().first();
         return QVector<bool>{status.statusValid, status.stabilised1, status.stabilised2,
                              status.active1, status.active2};
     };

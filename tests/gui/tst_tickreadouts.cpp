@@ -390,7 +390,7 @@ void TestTickReadouts::theLastSampleTellsTheMultiplexing()
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
     const auto multiplexed = [&fixture] {
-        const ConnectionStatus& status = fixture.window().liveStatuses().first();
+        const ConnectionStatus status = fixture.window().liveStatuses().first();
         return QVector<bool>{status.multiplex1, status.multiplex2};
     };
     QVERIFY(feed.send({PacketValues()}, 0, 0, emulator::Multiplex1));
@@ -416,7 +416,7 @@ void TestTickReadouts::theSampleThatEndsARunTellsNoState()
     QVERIFY(feed.send({PacketValues()}, 0, 0, emulator::Multiplex2));
     fixture.tick();
     QVERIFY(!fixture.find<QAction>("startAction")->isChecked());
-    const ConnectionStatus& status = fixture.window().liveStatuses().first();
+    const ConnectionStatus status = fixture.window().liveStatuses().first();
     QVERIFY(status.multiplex1);
     QVERIFY(!status.multiplex2);
 }
