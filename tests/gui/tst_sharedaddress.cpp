@@ -295,7 +295,7 @@ void TestSharedAddress::deletingRemovesItsLine()
     QCOMPARE(pair.label(0), restLabel);
     QCOMPARE(pair.idOf(0), restId);
     QCOMPARE(pair.isUp(0), restUp);
-    QVERIFY(!pair.fixture.controller(meant).isConnected());
+    QTRY_VERIFY(!pair.fixture.controller(meant).isConnected());
     QCOMPARE(pair.fixture.controller(other(meant)).isConnected(), restUp);
 }
 
