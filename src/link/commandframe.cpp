@@ -30,31 +30,31 @@ CommandFrame statusRequest()
     return frame("GSF", {}, statusFlagsReplyLength);
 }
 
-QByteArray stageArgument(int stage)
+QByteArray stageArgument(Stage stage)
 {
     QByteArray bytes(1, static_cast<char>(stage));
     bytes.append(terminator);
     return bytes;
 }
 
-QByteArray stageAxisArgument(int stage, char axis)
+QByteArray stageAxisArgument(Stage stage, BeamAxis axis)
 {
     QByteArray bytes(1, static_cast<char>(stage));
-    bytes.append(axis).append(terminator);
+    bytes.append(static_cast<char>(axis)).append(terminator);
     return bytes;
 }
 
-QByteArray stageValueArgument(int stage, qint16 valueMv)
+QByteArray stageValueArgument(Stage stage, qint16 valueMv)
 {
     QByteArray bytes(1, static_cast<char>(stage));
     appendValue(bytes, static_cast<quint16>(valueMv));
     return bytes.append(terminator);
 }
 
-QByteArray stageAxisValueArgument(int stage, char axis, qint16 valueMv)
+QByteArray stageAxisValueArgument(Stage stage, BeamAxis axis, qint16 valueMv)
 {
     QByteArray bytes(1, static_cast<char>(stage));
-    bytes.append(axis);
+    bytes.append(static_cast<char>(axis));
     appendValue(bytes, static_cast<quint16>(valueMv));
     return bytes.append(terminator);
 }

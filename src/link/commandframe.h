@@ -1,5 +1,8 @@
 #pragma once
 
+#include "model/beamaxis.h"
+#include "model/stage.h"
+
 #include <QByteArray>
 
 /// One command to the controller, and the length of the reply that it answers with.
@@ -36,11 +39,11 @@ CommandFrame frame(const char* mnemonic, const QByteArray& argument, int answerL
 /// `GSF;`, which asks for the status flags.
 CommandFrame statusRequest();
 
-/// Argument bytes with their closing ';'. A stage is 1, 2, or 3 for both; an axis is 'x' or 'y'.
-QByteArray stageArgument(int stage);
-QByteArray stageAxisArgument(int stage, char axis);
-QByteArray stageValueArgument(int stage, qint16 valueMv);
-QByteArray stageAxisValueArgument(int stage, char axis, qint16 valueMv);
+/// Argument bytes with their closing ';'.
+QByteArray stageArgument(Stage stage);
+QByteArray stageAxisArgument(Stage stage, BeamAxis axis);
+QByteArray stageValueArgument(Stage stage, qint16 valueMv);
+QByteArray stageAxisValueArgument(Stage stage, BeamAxis axis, qint16 valueMv);
 /// The label cut or padded with blanks to its length on the wire.
 QByteArray labelArgument(const QByteArray& label);
 /// The stream rate in packets per second, behind two zero bytes.

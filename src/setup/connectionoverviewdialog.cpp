@@ -87,11 +87,11 @@ void ConnectionOverviewDialog::relayByConnection(const OverviewWidget& row)
     });
     connect(&row, &OverviewWidget::newColor, this,
             [this, &row](const QString&, const QColor& color, int graph) {
-                emit systemColored(row.connection(), color, graph);
+                emit systemColored(row.connection(), color, Graph(graph));
             });
     connect(&row, &OverviewWidget::updateStage, this,
             [this, &row](const QString&, int stage, bool active) {
-                emit systemStageChanged(row.connection(), stage, active);
+                emit systemStageChanged(row.connection(), Stage(stage), active);
             });
     connect(&row, &OverviewWidget::openParams, this,
             [this, &row] { emit systemParametersWanted(row.connection()); });

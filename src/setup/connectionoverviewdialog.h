@@ -1,6 +1,8 @@
 #pragma once
 
+#include "model/stage.h"
 #include "setup/connectionstatus.h"
+#include "setup/graph.h"
 
 #include <QColor>
 #include <QDialog>
@@ -50,8 +52,8 @@ signals:
     // The same four requests by the connection itself, for whoever has to tell apart two
     // connections with one address.
     void systemDisplayed(Connection* system, bool show);
-    void systemColored(Connection* system, QColor color, int graph);
-    void systemStageChanged(Connection* system, int stage, bool active);
+    void systemColored(Connection* system, QColor color, Graph graph);
+    void systemStageChanged(Connection* system, Stage stage, bool active);
     void systemParametersWanted(Connection* system);
 
 public slots:

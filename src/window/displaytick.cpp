@@ -52,7 +52,7 @@ void DisplayTick::showUnits()
     for (std::size_t i = 0; i < stages.size(); ++i) {
         if (!stages[i].showUnit(choices[i], !systems.displayed().isEmpty()))
             continue;
-        emit unitShown(int(choices[i].unitCode()), stages[i].number());
+        emit unitShown(choices[i].unitCode(), stages[i].stage());
         if (toolBar.isPointing())
             statistics.clear();
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/detector.h"
 #include "window/ratelimits.h"
 #include "window/stageview.h"
 
@@ -28,8 +29,8 @@ public:
     void limitRatesToLines();
 
 signals:
-    /// A stage changed its unit. `unitCode` is that of its detector, `stage` 1 or 2.
-    void unitShown(int unitCode, int stage);
+    /// A stage changed the unit of its positions.
+    void unitShown(PositionUnit unit, Stage stage);
 
 private:
     void showUnits();

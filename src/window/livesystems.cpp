@@ -6,7 +6,6 @@
 #include "link/linkup.h"
 #include "model/connectionsettings.h"
 #include "setup/colors.h"
-#include "setup/graph.h"
 
 #include <QPointer>
 
@@ -236,13 +235,13 @@ ReconnectResult LiveSystems::reconnect(const Connection* connection, QString& ex
     return ReconnectResult::Reconnected;
 }
 
-void LiveSystems::setColor(const Connection* connection, const QColor& color, int graph)
+void LiveSystems::setColor(const Connection* connection, const QColor& color, Graph graph)
 {
     const int index = indexOf(connection);
     if (index < 0)
         return;
     ConnectionStatus& status = at(index).status;
-    switch (Graph(graph)) {
+    switch (graph) {
     case Graph::X:
         status.colorX = color;
         break;

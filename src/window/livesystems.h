@@ -1,6 +1,7 @@
 #pragma once
 
 #include "setup/connectionregistry.h"
+#include "setup/graph.h"
 #include "window/livesystem.h"
 
 #include <QList>
@@ -65,8 +66,8 @@ public:
     /// Displays a connected system, or hides one. A hidden system does not stream. Beyond
     /// `maxDisplayed` nothing is displayed.
     void show(const Connection* connection, bool show);
-    /// Sets a curve colour; `graph` is 0 for x, 1 for y, 2 for the intensity, others do nothing.
-    void setColor(const Connection* connection, const QColor& color, int graph);
+    /// Sets the colour of a curve. What is no `Graph` does nothing.
+    void setColor(const Connection* connection, const QColor& color, Graph graph);
     void setGroup(const Connection* connection, int group);
     /// Renames a system, at its controller, too.
     void relabel(const Connection* connection, const QString& label);

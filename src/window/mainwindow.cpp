@@ -25,7 +25,7 @@ MainWindow::MainWindow(QWidget* parent)
     , ui(makeForm())
     , waitNotice(*this)
     , toolBar(*this)
-    , stages{{{1, *this, stage1Widgets()}, {2, *this, stage2Widgets()}}}
+    , stages{{{Stage::One, *this, stage1Widgets()}, {Stage::Two, *this, stage2Widgets()}}}
     , updateTimer(toolBar)
     , statistics(systems, stages)
     , acquisition(systems, stages, toolBar, statistics, updateTimer)
@@ -157,7 +157,10 @@ void MainWindow::wireSystems()
             &DataLoggerDialog::setRecordingEnabled);
 
     connect(&updateTimer, &TickTimer::timeout, this, &MainWindow::updateData);
-    connect(&displayTick, &DisplayTick::unitShown, rescaleDialog, &RescaleDialog::setUnit);
+    connect(&displayTick, &DisplayTick::unitShown, rescaleDialog,
+            [this](PositionUnit unit, Stage stage) {
+                rescaleDialog->setUnit(int(unit), numberOf(stage));
+            });
     connect(&acquisition, &Acquisition::started, &stabilisation, &Stabilisation::forgetFailures);
     connect(&acquisition, &Acquisition::aboutToStop, dataLoggerDialog,
             &DataLoggerDialog::emitStopSignal);

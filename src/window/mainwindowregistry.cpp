@@ -143,7 +143,7 @@ void MainWindow::showSystem(const Connection* connection, bool show)
 
 void MainWindow::updateColorGraph(QString id, QColor color, int graph)
 {
-    systems.setColor(systems.find(id), color, graph);
+    systems.setColor(systems.find(id), color, Graph(graph));
 }
 
 void MainWindow::changeLabel(QString address, QString label)

@@ -37,7 +37,7 @@ void MainWindow::activeStage(QString id, int stage, bool activate)
 {
     for (int index = 0; index < systems.size(); ++index) {
         if (systems.connectionAt(index).address() == id)
-            stabilisation.switchStage(&systems.connectionAt(index), stage, activate);
+            stabilisation.switchStage(&systems.connectionAt(index), Stage(stage), activate);
     }
 }
 

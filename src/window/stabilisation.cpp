@@ -22,7 +22,7 @@ bool hasFailed(uchar status)
     return (status & statusflag::lastPacket) != 0;
 }
 
-QByteArray sendSwitch(Connection& connection, int stage, bool on)
+QByteArray sendSwitch(Connection& connection, Stage stage, bool on)
 {
     if (on)
         connection.switchStabilisationOn(command::stageArgument(stage));
@@ -60,12 +60,12 @@ void Stabilisation::switchAsClicked(StageView& stage)
     StreamPause pause(*system->connection);
 
     const bool on = button.isWantedOn();
-    QByteArray reply = sendSwitch(*system->connection, stage.number(), on);
+    QByteArray reply = sendSwitch(*system->connection, stage.stage(), on);
     if (!command::isAccepted(reply))
-        reply = sendSwitch(*system->connection, stage.number(), on);
+        reply = sendSwitch(*system->connection, stage.stage(), on);
     if (command::isAccepted(reply)) {
         button.showOn(on);
-        statusflags::noteSwitch(system->status, stage.number(), on);
+        statusflags::noteSwitch(system->status, stage.stage(), on);
         if (!on)
             button.showActive(false);
     }
@@ -79,7 +79,7 @@ void Stabilisation::switchAsClicked(StageView& stage)
         button.setFocus();
 }
 
-void Stabilisation::switchStage(const Connection* connection, int stage, bool on)
+void Stabilisation::switchStage(const Connection* connection, Stage stage, bool on)
 {
     const int index = systems.indexOf(connection);
     if (index < 0 || !connection->isConnected())

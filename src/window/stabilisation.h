@@ -23,9 +23,9 @@ public:
     /// Switches a stage of the current system as its button, which was clicked, says. Without a
     /// good reply the button waits for the status to correct it.
     void switchAsClicked(StageView& stage);
-    /// Switches `stage`, 1 or 2, of a connected system. No widget is touched: the next ticks show
+    /// Switches a stage of a connected system. No widget is touched: the next ticks show
     /// what came of it.
-    void switchStage(const Connection* connection, int stage, bool on);
+    void switchStage(const Connection* connection, Stage stage, bool on);
 
     /// Reads the status of the current system and shows it. False if that failed; the fourth
     /// failure in a row is told by `linkFailed`.

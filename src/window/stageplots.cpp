@@ -20,10 +20,10 @@ constexpr QSize pointingDotSize(3, 3);
 /// Below this the time axes could not be read; the window scrolls instead.
 constexpr int minTimePlotWidthPx = 260;
 
-GenericPlot* makePlot(const char* kind, int number, QWidget& parent, QBoxLayout& layout)
+GenericPlot* makePlot(const char* kind, Stage stage, QWidget& parent, QBoxLayout& layout)
 {
     auto* plot = new GenericPlot(&parent);
-    plot->setObjectName(QLatin1String(kind) + QString::number(number));
+    plot->setObjectName(QLatin1String(kind) + QString::number(numberOf(stage)));
     layout.addWidget(plot);
     return plot;
 }
@@ -44,18 +44,18 @@ void dressTimePlot(GenericPlot& plot, const char* background, QwtPlot::Axis time
     plot.axisScaleDraw(QwtPlot::yLeft)->setMinimumExtent(leftAxisExtentPx);
 }
 
-GenericPlot* makePointingPlot(int number, QWidget& parent, QBoxLayout& layout)
+GenericPlot* makePointingPlot(Stage stage, QWidget& parent, QBoxLayout& layout)
 {
-    GenericPlot* plot = makePlot("osciPlot", number, parent, layout);
+    GenericPlot* plot = makePlot("osciPlot", stage, parent, layout);
     plot->setKeepAllPoints(false);
     plot->drawCrossHairs();
     plot->setSymbolSize(pointingDotSize);
     return plot;
 }
 
-GenericPlot* makeIntensityPlot(int number, QWidget& parent, QBoxLayout& layout)
+GenericPlot* makeIntensityPlot(Stage stage, QWidget& parent, QBoxLayout& layout)
 {
-    GenericPlot* plot = makePlot("intensityPlot", number, parent, layout);
+    GenericPlot* plot = makePlot("intensityPlot", stage, parent, layout);
     dressTimePlot(*plot, "azure", QwtPlot::xBottom, QwtPlot::xTop);
     plot->setAxisScale(QwtPlot::yLeft, StagePlots::intensityMinV, StagePlots::intensityMaxV);
     plot->setAxisMaxMinor(QwtPlot::yLeft, maxMinorTicks);
@@ -64,10 +64,10 @@ GenericPlot* makeIntensityPlot(int number, QWidget& parent, QBoxLayout& layout)
 
 } // namespace
 
-StagePlots::StagePlots(int number, QWidget& parent, const Layouts& layouts)
-    : pointingPlot(makePointingPlot(number, parent, layouts.pointing))
-    , positionPlot(makePlot("positionPlot", number, parent, layouts.position))
-    , intensityPlot(makeIntensityPlot(number, parent, layouts.intensity))
+StagePlots::StagePlots(Stage stage, QWidget& parent, const Layouts& layouts)
+    : pointingPlot(makePointingPlot(stage, parent, layouts.pointing))
+    , positionPlot(makePlot("positionPlot", stage, parent, layouts.position))
+    , intensityPlot(makeIntensityPlot(stage, parent, layouts.intensity))
 {
     dressPositionPlot();
 }

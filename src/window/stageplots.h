@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/stage.h"
+
 #include <QPointF>
 #include <QtGlobal>
 
@@ -29,9 +31,9 @@ public:
     static constexpr double intensityMinV = 0.0;
     static constexpr double intensityMaxV = 8.0;
 
-    /// `number` is 1 or 2 and ends the plots' object names. The plots belong to `parent`, which has
-    /// to live longer than this.
-    StagePlots(int number, QWidget& parent, const Layouts& layouts);
+    /// The stage's number ends the plots' object names. The plots belong to `parent`, which has to
+    /// live longer than this.
+    StagePlots(Stage stage, QWidget& parent, const Layouts& layouts);
     StagePlots(const StagePlots&) = delete;
     StagePlots& operator=(const StagePlots&) = delete;
 

@@ -21,12 +21,12 @@ void dress(QLCDNumber& number)
     number.setSegmentStyle(QLCDNumber::Flat);
 }
 
-ThermoSlider& makeBar(const char* name, int stageNumber, QHBoxLayout& layout, QWidget& parent)
+ThermoSlider& makeBar(const char* name, Stage stage, QHBoxLayout& layout, QWidget& parent)
 {
     auto* strip = new ColorScalesFrame(&parent);
     strip->setFixedWidth(stripWidthPx);
     auto* bar = new ThermoSlider(&parent);
-    bar->setObjectName(QLatin1String(name) + QString::number(stageNumber));
+    bar->setObjectName(QLatin1String(name) + QString::number(numberOf(stage)));
     layout.addWidget(strip);
     layout.addWidget(bar);
     return *bar;
@@ -39,11 +39,11 @@ void display(QLCDNumber& number, double value, int decimals)
 
 } // namespace
 
-StageReadouts::StageReadouts(int stageNumber, const Numbers& lcds, const BarLayouts& layouts,
+StageReadouts::StageReadouts(Stage stage, const Numbers& lcds, const BarLayouts& layouts,
                              QWidget& parent)
     : numbers(lcds)
-    , barX(makeBar("thermoRX", stageNumber, layouts.x, parent))
-    , barY(makeBar("thermoRY", stageNumber, layouts.y, parent))
+    , barX(makeBar("thermoRX", stage, layouts.x, parent))
+    , barY(makeBar("thermoRY", stage, layouts.y, parent))
 {
     for (QLCDNumber* number : {&numbers.x, &numbers.y, &numbers.intensity})
         dress(*number);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/stage.h"
 #include "window/readoutaverage.h"
 #include "window/stagevalues.h"
 
@@ -25,10 +26,9 @@ public:
         QHBoxLayout& y;
     };
 
-    /// Dresses the numbers and makes the bars, which belong to `parent`. `stageNumber` ends their
-    /// object names. All widgets have to live longer than this.
-    StageReadouts(int stageNumber, const Numbers& numbers, const BarLayouts& layouts,
-                  QWidget& parent);
+    /// Dresses the numbers and makes the bars, which belong to `parent`. The stage's number ends
+    /// their object names. All widgets have to live longer than this.
+    StageReadouts(Stage stage, const Numbers& numbers, const BarLayouts& layouts, QWidget& parent);
     StageReadouts(const StageReadouts&) = delete;
     StageReadouts& operator=(const StageReadouts&) = delete;
 

@@ -17,13 +17,13 @@ void setTextColor(QLabel& label, const QColor& color)
 
 } // namespace
 
-StageView::StageView(int number, QWidget& parent, const Widgets& formWidgets)
-    : stageNumber(number)
+StageView::StageView(Stage stage, QWidget& parent, const Widgets& formWidgets)
+    : ownStage(stage)
     , widgets(formWidgets)
-    , stagePlots(number, parent, widgets.plots)
-    , stageReadouts(number, widgets.numbers, widgets.bars, parent)
+    , stagePlots(stage, parent, widgets.plots)
+    , stageReadouts(stage, widgets.numbers, widgets.bars, parent)
     , stageSwitch(widgets.stabilisation, widgets.activeIcon, widgets.activeText)
-    , overlay(number, stagePlots.pointing(), widgets.statisticsBox)
+    , overlay(stage, stagePlots.pointing(), widgets.statisticsBox)
 {}
 
 QString StageView::unitText() const

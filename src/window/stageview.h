@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/stage.h"
 #include "window/stageplots.h"
 #include "window/stagereadouts.h"
 #include "window/stageswitch.h"
@@ -39,13 +40,12 @@ public:
         QList<QWidget*> singleSystemWidgets;
     };
 
-    /// `number` is 1 or 2. Plots and bars are made as children of `parent`.
-    StageView(int number, QWidget& parent, const Widgets& widgets);
+    /// Plots and bars are made as children of `parent`.
+    StageView(Stage stage, QWidget& parent, const Widgets& widgets);
     StageView(const StageView&) = delete;
     StageView& operator=(const StageView&) = delete;
 
-    /// 1 or 2, as the controller counts.
-    int number() const { return stageNumber; }
+    Stage stage() const { return ownStage; }
     StagePlots& plots() { return stagePlots; }
     const StagePlots& plots() const { return stagePlots; }
     StageReadouts& readouts() { return stageReadouts; }
@@ -65,7 +65,7 @@ public:
     void setAxisColors(const QColor& x, const QColor& y, const QColor& intensity);
 
 private:
-    int stageNumber;
+    Stage ownStage;
     Widgets widgets;
     StagePlots stagePlots;
     StageReadouts stageReadouts;

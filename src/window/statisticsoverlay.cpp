@@ -9,19 +9,19 @@ namespace {
 constexpr int textSizePt = 8;
 constexpr double crossWidth = 2.0;
 
-QString crossName(int stageNumber)
+QString crossName(Stage stage)
 {
-    return stageNumber == 1 ? QStringLiteral("Zielkreuz mit Varianz-Kreis")
-                            : QStringLiteral("Zielkreuz2 mit Varianz-Kreis");
+    return stage == Stage::One ? QStringLiteral("Zielkreuz mit Varianz-Kreis")
+                               : QStringLiteral("Zielkreuz2 mit Varianz-Kreis");
 }
 
 } // namespace
 
-StatisticsOverlay::StatisticsOverlay(int stageNumber, GenericPlot& pointingPlot,
+StatisticsOverlay::StatisticsOverlay(Stage stage, GenericPlot& pointingPlot,
                                      QCheckBox& statisticsBox)
     : plot(pointingPlot)
     , box(statisticsBox)
-    , cross(crossName(stageNumber))
+    , cross(crossName(stage))
 {
     text.setFont(QFont(QStringLiteral("Sans Serif"), textSizePt));
     text.setColor(Qt::red);

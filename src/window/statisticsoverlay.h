@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/stage.h"
 #include "window/statisticssums.h"
 
 #include <qwt_plot_shapeitem.h>
@@ -14,8 +15,8 @@ class QCheckBox;
 class StatisticsOverlay final
 {
 public:
-    /// `stageNumber` is 1 or 2. Plot and box have to live longer than this.
-    StatisticsOverlay(int stageNumber, GenericPlot& plot, QCheckBox& box);
+    /// Plot and box have to live longer than this.
+    StatisticsOverlay(Stage stage, GenericPlot& plot, QCheckBox& box);
     ~StatisticsOverlay();
     StatisticsOverlay(const StatisticsOverlay&) = delete;
     StatisticsOverlay& operator=(const StatisticsOverlay&) = delete;

@@ -35,11 +35,11 @@ void takeSample(ConnectionStatus& status, const MeasureSample& sample)
     status.statusValid = true;
 }
 
-void noteSwitch(ConnectionStatus& status, int stage, bool on)
+void noteSwitch(ConnectionStatus& status, Stage stage, bool on)
 {
-    (stage == 1 ? status.stabilised1 : status.stabilised2) = on;
+    (stage == Stage::One ? status.stabilised1 : status.stabilised2) = on;
     if (!on)
-        (stage == 1 ? status.active1 : status.active2) = false;
+        (stage == Stage::One ? status.active1 : status.active2) = false;
 }
 
 void forget(ConnectionStatus& status)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/measuresample.h"
+#include "model/stage.h"
 
 #include <QByteArray>
 
@@ -15,9 +16,9 @@ namespace statusflags {
 void takeReply(ConnectionStatus& status, const QByteArray& reply);
 /// Takes the flags of a packet from a firmware that sends them.
 void takeSample(ConnectionStatus& status, const MeasureSample& sample);
-/// Notes what an accepted switch of stage 1 or 2 says, until the controller says more: a stage
+/// Notes what an accepted switch of a stage says, until the controller says more: a stage
 /// that is switched off can not be active.
-void noteSwitch(ConnectionStatus& status, int stage, bool on);
+void noteSwitch(ConnectionStatus& status, Stage stage, bool on);
 /// Forgets all flags.
 void forget(ConnectionStatus& status);
 

@@ -33,18 +33,20 @@ void TestCommandFrame::argumentsAreRawBytes_data()
     QTest::addColumn<QByteArray>("hex");
 
     QTest::newRow("P-factor 1.5 V of stage 2")
-        << command::frame("SPF", command::stageValueArgument(2, 1500), 2).message
+        << command::frame("SPF", command::stageValueArgument(Stage::Two, 1500), 2).message
         << QByteArray("5350460205dc3b");
     QTest::newRow("adjust-in -1000 mV of stage 1, y")
-        << command::frame("SAI", command::stageAxisValueArgument(1, 'y', -1000), 2).message
+        << command::frame("SAI", command::stageAxisValueArgument(Stage::One, BeamAxis::Y, -1000), 2)
+               .message
         << QByteArray("5341490179fc183b");
     QTest::newRow("rate 500") << command::streamArgument(500) << QByteArray("000001f43b");
     QTest::newRow("rate 430") << command::streamArgument(430) << QByteArray("000001ae3b");
     QTest::newRow("rate 1000") << command::streamArgument(1000) << QByteArray("000003e83b");
-    QTest::newRow("stage") << command::stageArgument(1) << QByteArray("013b");
-    QTest::newRow("stage and axis") << command::stageAxisArgument(2, 'x') << QByteArray("02783b");
+    QTest::newRow("stage") << command::stageArgument(Stage::One) << QByteArray("013b");
+    QTest::newRow("stage and axis")
+        << command::stageAxisArgument(Stage::Two, BeamAxis::X) << QByteArray("02783b");
     QTest::newRow("argument byte that is a semicolon")
-        << command::stageValueArgument(1, 0x3b3b) << QByteArray("013b3b3b");
+        << command::stageValueArgument(Stage::One, 0x3b3b) << QByteArray("013b3b3b");
     QTest::newRow("115200 baud") << command::baudRateArgument(115200) << QByteArray("013b");
     QTest::newRow("460800 baud") << command::baudRateArgument(460800) << QByteArray("043b");
     QTest::newRow("921600 baud") << command::baudRateArgument(921600) << QByteArray("093b");

@@ -90,7 +90,8 @@ struct StageBench
     bool pictures = (initImages(), true);
     QWidget parent;
     std::array<StageForm, 2> forms;
-    Stages stages{{{1, parent, forms[0].widgets()}, {2, parent, forms[1].widgets()}}};
+    Stages stages{
+        {{Stage::One, parent, forms[0].widgets()}, {Stage::Two, parent, forms[1].widgets()}}};
 };
 
 /// The points of a curve, oldest first.

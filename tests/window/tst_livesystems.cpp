@@ -105,7 +105,7 @@ void TestLiveSystems::eachGraphHasItsColour()
 {
     QFETCH(int, graph);
     bench->add();
-    systems().setColor(connection(0), Qt::red, graph);
+    systems().setColor(connection(0), Qt::red, Graph(graph));
     const ConnectionStatus& status = systems().at(0).status;
     QCOMPARE(status.colorX == QColor(Qt::red), graph == 0);
     QCOMPARE(status.colorY == QColor(Qt::red), graph == 1);
@@ -116,8 +116,8 @@ void TestLiveSystems::otherGraphsHaveNone()
 {
     bench->add();
     const QSignalSpy colored(&systems(), &LiveSystems::colored);
-    systems().setColor(connection(0), Qt::red, 3);
-    systems().setColor(connection(0), Qt::red, -1);
+    systems().setColor(connection(0), Qt::red, Graph(3));
+    systems().setColor(connection(0), Qt::red, Graph(-1));
     QCOMPARE(colored.count(), 0);
 }
 

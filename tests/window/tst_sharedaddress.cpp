@@ -116,7 +116,7 @@ void TestSharedAddress::colourReachesOnlyTheMeantSystem()
     QFETCH(int, meant);
     addPair();
     const QSignalSpy colored(&systems(), &LiveSystems::colored);
-    systems().setColor(connection(meant), Qt::red, 0);
+    systems().setColor(connection(meant), Qt::red, Graph::X);
     QCOMPARE(systems().at(meant).status.colorX, QColor(Qt::red));
     QVERIFY(systems().at(1 - meant).status.colorX != QColor(Qt::red));
     QCOMPARE(indicesOf(colored), QList<int>{meant});
@@ -144,7 +144,7 @@ void TestSharedAddress::unknownConnectionDoesNothing()
          {static_cast<const Connection*>(&stranger), static_cast<const Connection*>(nullptr)}) {
         QCOMPARE(systems().indexOf(unknown), -1);
         systems().show(unknown, false);
-        systems().setColor(unknown, Qt::red, 0);
+        systems().setColor(unknown, Qt::red, Graph::X);
         systems().setGroup(unknown, 3);
         systems().relabel(unknown, QStringLiteral("north"));
         QVERIFY(!systems().close(unknown));

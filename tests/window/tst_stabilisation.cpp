@@ -159,7 +159,7 @@ void TestStabilisation::switchStageReachesOnlyTheMeantSystem()
 {
     ScriptedConnection& first = bench->add(Link::Running);
     ScriptedConnection& second = bench->add(Link::Running);
-    stabilisation().switchStage(&second, 2, false);
+    stabilisation().switchStage(&second, Stage::Two, false);
     QCOMPARE(second.controller().messages(), QList<QByteArray>{QByteArray("CEA\x02;", 5)});
     QCOMPARE(first.controller().messages(), QList<QByteArray>());
 }
@@ -168,7 +168,7 @@ void TestStabilisation::switchStageTouchesNoWidget()
 {
     ScriptedConnection& connection = bench->add(Link::Running);
     connection.controller().answer("SEA", refusal);
-    stabilisation().switchStage(&connection, 1, true);
+    stabilisation().switchStage(&connection, Stage::One, true);
     QCOMPARE(connection.controller().mnemonics(), Mnemonics{"SEA"});
     QCOMPARE(bench->forms[0].stabilisation.text(), QStringLiteral("OFF"));
     QVERIFY(!bench->forms[0].stabilisation.isChecked());
@@ -178,8 +178,8 @@ void TestStabilisation::systemThatIsDownIsNotSwitched()
 {
     ScriptedConnection& connection = bench->add(Link::Running);
     connection.disconnectController();
-    stabilisation().switchStage(&connection, 1, true);
-    stabilisation().switchStage(nullptr, 1, true);
+    stabilisation().switchStage(&connection, Stage::One, true);
+    stabilisation().switchStage(nullptr, Stage::One, true);
     QCOMPARE(connection.controller().messages(), QList<QByteArray>());
 }
 

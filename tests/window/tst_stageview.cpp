@@ -161,8 +161,8 @@ void TestStageView::axisNamesHaveTheirColours()
 
 void TestStageView::stagesAreCountedFromOne()
 {
-    QCOMPARE(bench->stages[0].number(), 1);
-    QCOMPARE(bench->stages[1].number(), 2);
+    QCOMPARE(bench->stages[0].stage(), Stage::One);
+    QCOMPARE(bench->stages[1].stage(), Stage::Two);
 }
 
 QTEST_MAIN(TestStageView)

@@ -5,6 +5,8 @@
 
 #include <QtTest>
 
+Q_DECLARE_METATYPE(Stage)
+
 namespace {
 
 /// "1 2 active1 active2 valid", without what is not set.
@@ -141,20 +143,20 @@ void TestStatusFlags::eachFlagOfASampleIsTaken()
 void TestStatusFlags::anAcceptedSwitchIsNoted_data()
 {
     QTest::addColumn<bool>("before");
-    QTest::addColumn<int>("stage");
+    QTest::addColumn<Stage>("stage");
     QTest::addColumn<bool>("on");
     QTest::addColumn<QString>("status");
-    QTest::newRow("1 on") << false << 1 << true << "1";
-    QTest::newRow("2 on") << false << 2 << true << "2";
-    QTest::newRow("1 off") << true << 1 << false << "2 active2 valid";
-    QTest::newRow("2 off") << true << 2 << false << "1 active1 valid";
-    QTest::newRow("1 on again leaves the light") << true << 1 << true << shown(allSet());
+    QTest::newRow("1 on") << false << Stage::One << true << "1";
+    QTest::newRow("2 on") << false << Stage::Two << true << "2";
+    QTest::newRow("1 off") << true << Stage::One << false << "2 active2 valid";
+    QTest::newRow("2 off") << true << Stage::Two << false << "1 active1 valid";
+    QTest::newRow("1 on again leaves the light") << true << Stage::One << true << shown(allSet());
 }
 
 void TestStatusFlags::anAcceptedSwitchIsNoted()
 {
     QFETCH(bool, before);
-    QFETCH(int, stage);
+    QFETCH(Stage, stage);
     QFETCH(bool, on);
     ConnectionStatus status = before ? allSet() : ConnectionStatus();
     statusflags::noteSwitch(status, stage, on);

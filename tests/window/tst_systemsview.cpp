@@ -165,7 +165,7 @@ void TestSystemsView::hiddenSystemLosesItsPoints()
 void TestSystemsView::newColourGoesToCurvesAndAxisNames()
 {
     bench->add();
-    bench->systems.setColor(&bench->connection(0), Qt::magenta, 0);
+    bench->systems.setColor(&bench->connection(0), Qt::magenta, Graph::X);
     QCOMPARE(bench->stages[1].plots().position().curveColor(0), QColor(Qt::magenta));
     QCOMPARE(axisColor(), QColor(Qt::magenta));
 }
@@ -174,7 +174,7 @@ void TestSystemsView::colourOfOneOfTwoGoesToItsCurvesOnly()
 {
     bench->add();
     bench->add();
-    bench->systems.setColor(&bench->connection(1), Qt::magenta, 0);
+    bench->systems.setColor(&bench->connection(1), Qt::magenta, Graph::X);
     QCOMPARE(bench->stages[0].plots().position().curveColor(2), QColor(Qt::magenta));
     QVERIFY(bench->stages[0].plots().position().curveColor(0) != QColor(Qt::magenta));
     QVERIFY(axisColor() != QColor(Qt::magenta));
@@ -185,7 +185,7 @@ void TestSystemsView::colourOfTheOnlyDisplayedOneGoesToTheAxisNames()
     bench->add();
     bench->add();
     bench->systems.show(&bench->connection(0), false);
-    bench->systems.setColor(&bench->connection(1), Qt::magenta, 0);
+    bench->systems.setColor(&bench->connection(1), Qt::magenta, Graph::X);
     QCOMPARE(axisColor(), QColor(Qt::magenta));
 }
 
