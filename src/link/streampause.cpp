@@ -1,6 +1,7 @@
 #include "link/streampause.h"
 
 #include "link/connection.h"
+#include "link/replyforms.h"
 
 StreamPause::StreamPause(Connection& paused)
     : connection(paused)

@@ -2,6 +2,7 @@
 
 #include "link/connection.h"
 #include "link/packet.h"
+#include "link/replyforms.h"
 #include "link/streampause.h"
 #include "setup/waitcursor.h"
 #include "window/livesystems.h"

@@ -1,6 +1,7 @@
 // A connection over a serial line, against emulated controllers behind pseudo terminals.
 
 #include "driverwatch.h"
+#include "link/replyforms.h"
 #include "link/streampause.h"
 #include "seriallink.h"
 #include "support/emulatedlink.h"
