@@ -39,17 +39,27 @@ Ready readyFrom(const QString& line)
 
 volatile std::sig_atomic_t signalsReceived = 0;
 
-/// The key by which the controller at that place identifies itself; empty if none answers.
-QString keyAt(const Ready& place)
+/// The reply of the controller at that place; empty if none answers.
+QByteArray replyAt(const Ready& place, const QByteArray& command, int replyBytes)
 {
-    constexpr int replyBytes = 50;
     QTcpSocket socket;
     socket.connectToHost(place.address, place.port);
     if (!socket.waitForConnected(limitMs))
         return {};
-    socket.write("GID;");
+    socket.write(command);
     while (socket.bytesAvailable() < replyBytes && socket.waitForReadyRead(limitMs)) {}
-    return QString::fromLatin1(socket.read(replyBytes).mid(16, 11));
+    return socket.read(replyBytes);
+}
+
+/// How the controller at that place identifies itself.
+QByteArray idAt(const Ready& place)
+{
+    return replyAt(place, "GID;", 50);
+}
+
+QString keyAt(const Ready& place)
+{
+    return QString::fromLatin1(idAt(place).mid(16, 11));
 }
 
 CommandLine readArguments(const QStringList& arguments)
@@ -66,6 +76,7 @@ class TestProgram final : public QObject
 private slots:
     void readyLineTellsPlaceAndKey();
     void everyControllerAnswersAtItsOwnAddress();
+    void everyControllerHasOptionsOfItsOwn();
     void runsRepeat();
     void signalEndsItInOrder_data();
     void signalEndsItInOrder();
@@ -112,6 +123,19 @@ void TestProgram::everyControllerAnswersAtItsOwnAddress()
     QCOMPARE(controllers[1].address, QString("127.0.0.2"));
     QCOMPARE(controllers[2].address, QString("127.0.0.1"));
     QVERIFY(controllers[0].port != controllers[2].port);
+}
+
+void TestProgram::everyControllerHasOptionsOfItsOwn()
+{
+    Program program({"--tcp", "127.0.0.1:0,firmware=10", "--tcp", "127.0.0.1:0,vm,refuse=GID",
+                     "--tcp", "127.0.0.1:0,vm", "--firmware", "31"});
+    std::vector<Ready> controllers;
+    for (int i = 0; i < 3; ++i)
+        controllers.push_back(readyFrom(program.readLine()));
+
+    QVERIFY(idAt(controllers[0]).contains("-V10-"));
+    QCOMPARE(replyAt(controllers[1], "GID;", 2), refused());
+    QVERIFY(idAt(controllers[2]).contains("-VM31-"));
 }
 
 void TestProgram::runsRepeat()
@@ -268,17 +292,18 @@ void TestProgram::optionsReachTheController()
                        "--preset", "noisy", "--detector", "quadrant", "--quiet"});
 
     QCOMPARE(line.wish, CommandLine::Wish::Run);
-    QCOMPARE(line.places.size(), 2);
-    QCOMPARE(line.places[0].address, QHostAddress("127.0.0.3"));
-    QCOMPARE(line.places[0].port, quint16(2000));
-    QCOMPARE(line.places[1].address, QHostAddress("::1"));
-    QCOMPARE(line.options.firmware, 12);
-    QVERIFY(line.options.vm);
-    QVERIFY(line.options.triggerCapable);
-    QCOMPARE(line.options.triggerRateHz, 2.5);
-    QCOMPARE(line.options.seed, std::numeric_limits<quint64>::max());
-    QCOMPARE(line.options.preset, Preset::Noisy);
-    QCOMPARE(line.options.detector, DetectorKind::Quadrant);
+    QCOMPARE(line.placements.size(), 2);
+    QCOMPARE(line.placements[0].tcp->address, QHostAddress("127.0.0.3"));
+    QCOMPARE(line.placements[0].tcp->port, quint16(2000));
+    QCOMPARE(line.placements[1].tcp->address, QHostAddress("::1"));
+    const ControllerOptions& options = line.placements[0].options;
+    QCOMPARE(options.firmware, 12);
+    QVERIFY(options.vm);
+    QVERIFY(options.triggerCapable);
+    QCOMPARE(options.triggerRateHz, 2.5);
+    QCOMPARE(options.seed, std::numeric_limits<quint64>::max());
+    QCOMPARE(options.preset, Preset::Noisy);
+    QCOMPARE(options.detector, DetectorKind::Quadrant);
     QVERIFY(line.quiet);
 }
 
@@ -313,7 +338,7 @@ void TestProgram::faultsReachTheController()
                                             "6"});
 
     QCOMPARE(line.wish, CommandLine::Wish::Run);
-    const Faults& faults = line.options.faults;
+    const Faults& faults = line.placements[0].options.faults;
     QCOMPARE(faults.refuse, QByteArrayList({"SEA", "CEA"}));
     QCOMPARE(faults.silent, QByteArrayList({"GSF"}));
     QCOMPARE(faults.lateMs.value("GID"), 800);

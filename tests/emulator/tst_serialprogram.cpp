@@ -190,9 +190,13 @@ void TestSerialProgram::serialOptionsReachTheController()
         readCommandLine(QStringList({"lumetra-emulator", "--pty", "a", "--pty", "b"}) + arguments);
 
     QCOMPARE(line.wish, CommandLine::Wish::Run);
-    QCOMPARE(line.links, QStringList({"a", "b"}));
-    QTEST(line.options.baudRate, "baudRate");
-    QTEST(line.options.hardwareFlowControl, "flowControl");
+    QCOMPARE(line.placements.size(), 2);
+    QCOMPARE(line.placements[0].link, QString("a"));
+    QCOMPARE(line.placements[1].link, QString("b"));
+    for (const Placement& placement : line.placements) {
+        QTEST(placement.options.baudRate, "baudRate");
+        QTEST(placement.options.hardwareFlowControl, "flowControl");
+    }
 }
 
 void TestSerialProgram::openingAndClosingAPortIsTold()
