@@ -61,6 +61,8 @@ public:
     /// The rate at which the controller sends and receives. A new one applies after the reply to
     /// SBR.
     int baudRate() const { return lineBaudRate; }
+    /// Undoes SBR.
+    void resetBaudRate();
     /// Packets sent since the controller was made, those with faults included.
     qint64 packetsSent() const { return packetCount; }
     /// Packets that were due while they could not be sent, and packets that were skipped after the

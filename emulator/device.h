@@ -70,6 +70,9 @@ public:
     QByteArray id() const;
     QByteArray label() const { return storedLabel; }
     int baudRate() const { return serialBaudRate; }
+    /// The rate before SBR changed it.
+    int initialBaudRate() const { return options.baudRate; }
+    void resetBaudRate() { serialBaudRate = options.baudRate; }
     bool hasFlowControl() const { return options.hardwareFlowControl; }
     bool stageOn(int stage) const;
     void setStage(int stage, bool on);
