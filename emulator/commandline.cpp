@@ -251,9 +251,11 @@ ControllerOptions readOptions(const QCommandLineParser& parser, OptionReader& re
     options.preset = reader.choice<Preset>(
         "preset",
         {{"quiet", Preset::Quiet}, {"typical", Preset::Typical}, {"noisy", Preset::Noisy}});
-    options.detector =
+    const auto detector =
         reader.choice<DetectorKind>("detector", {{"lateral", DetectorKind::LateralEffect},
                                                  {"quadrant", DetectorKind::Quadrant}});
+    for (StageOptions& stage : options.stages)
+        stage.detector = detector;
     options.baudRate =
         reader.choice<int>("baud", {{"115200", 115200}, {"460800", 460800}, {"921600", 921600}});
     options.hardwareFlowControl = !parser.isSet("no-flow-control");

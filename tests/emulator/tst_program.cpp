@@ -278,7 +278,8 @@ void TestProgram::optionsReachTheController()
     QCOMPARE(line.options.triggerRateHz, 2.5);
     QCOMPARE(line.options.seed, std::numeric_limits<quint64>::max());
     QCOMPARE(line.options.preset, Preset::Noisy);
-    QCOMPARE(line.options.detector, DetectorKind::Quadrant);
+    QCOMPARE(line.options.stages[0].detector, DetectorKind::Quadrant);
+    QCOMPARE(line.options.stages[1].detector, DetectorKind::Quadrant);
     QVERIFY(line.quiet);
 }
 
