@@ -24,7 +24,7 @@ constexpr int beamStepsPerCommand = beamStepsPerSecond / 100;
 
 StageModel stageModel(const ControllerOptions& options, quint64 stage, double intensityMv)
 {
-    return StageModel(beamPreset(options.preset), options.detector, intensityMv,
+    return StageModel(beamPreset(options.preset), options.stages[stage - 1].detector, intensityMv,
                       derivedSeed(options.seed, stage));
 }
 
@@ -83,12 +83,12 @@ Device::Device(const ControllerOptions& chosen, const QByteArray& key)
     , deviceKey(key)
     , models{stageModel(chosen, 1, stage1IntensityMv), stageModel(chosen, 2, stage2IntensityMv)}
     , source(chosen.script, chosen.scriptRepeats, chosen.replay)
-    , storedLabel(labelLength, ' ')
-    , multiplex{chosen.multiplex1, chosen.multiplex2}
+    , storedLabel(chosen.label.leftJustified(labelLength, ' ', true))
+    , multiplex{chosen.stages[0].multiplexed, chosen.stages[1].multiplexed}
     , serialBaudRate(chosen.baudRate)
 {
     for (StageModel& model : models)
-        model.setPFactor(StageModel::nominalPFactorMv);
+        model.setPFactor(chosen.pFactorMv);
 }
 
 Answer Device::execute(const Command& command)

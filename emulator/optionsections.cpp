@@ -158,9 +158,11 @@ ControllerOptions readControllerOptions(OptionReader& reader, const ControllerOp
     reader.choice<Preset>(
         "preset", options.preset,
         {{"quiet", Preset::Quiet}, {"typical", Preset::Typical}, {"noisy", Preset::Noisy}});
-    reader.choice<DetectorKind>(
-        "detector", options.detector,
-        {{"lateral", DetectorKind::LateralEffect}, {"quadrant", DetectorKind::Quadrant}});
+    for (StageOptions& stage : options.stages) {
+        reader.choice<DetectorKind>(
+            "detector", stage.detector,
+            {{"lateral", DetectorKind::LateralEffect}, {"quadrant", DetectorKind::Quadrant}});
+    }
     readReplay(reader, options.replay);
     options.faults = readFaults(reader, options.faults);
     return options;

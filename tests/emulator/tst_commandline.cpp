@@ -73,9 +73,9 @@ void TestCommandLine::ownOptionsWinOverCommonOnes()
 
     QCOMPARE(line.text, QString());
     QCOMPARE(line.placements[0].options.firmware, 10);
-    QCOMPARE(line.placements[0].options.detector, DetectorKind::Quadrant);
+    QCOMPARE(line.placements[0].options.stages[0].detector, DetectorKind::Quadrant);
     QCOMPARE(line.placements[1].options.firmware, 31);
-    QCOMPARE(line.placements[1].options.detector, DetectorKind::Quadrant);
+    QCOMPARE(line.placements[1].options.stages[0].detector, DetectorKind::Quadrant);
 }
 
 void TestCommandLine::ownFaultsStandBeforeCommonOnes()

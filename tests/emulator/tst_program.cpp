@@ -303,7 +303,8 @@ void TestProgram::optionsReachTheController()
     QCOMPARE(options.triggerRateHz, 2.5);
     QCOMPARE(options.seed, std::numeric_limits<quint64>::max());
     QCOMPARE(options.preset, Preset::Noisy);
-    QCOMPARE(options.detector, DetectorKind::Quadrant);
+    QCOMPARE(options.stages[0].detector, DetectorKind::Quadrant);
+    QCOMPARE(options.stages[1].detector, DetectorKind::Quadrant);
     QVERIFY(line.quiet);
 }
 
