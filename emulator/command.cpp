@@ -9,7 +9,6 @@ namespace emulator {
 
 namespace {
 
-constexpr int mnemonicLength = 3;
 constexpr int bareReply = 2;
 /// A broken command without a terminator is dropped when it has this many bytes.
 constexpr int longestBadFrame = 64;
