@@ -112,6 +112,7 @@ void StageModel::setSensitivity(int millivolts)
 void StageModel::setAdjustIn(Axis axis, int millivolts)
 {
     adjustInMv[axis] = millivolts;
+    held = false;
 }
 
 void StageModel::setHold()
@@ -119,6 +120,7 @@ void StageModel::setHold()
     for (const Axis axis : {X, Y})
         ofAxis(axis).heldMv = reading.sampledMv(axis);
     held = true;
+    setOn(true);
 }
 
 void StageModel::driveActuator(Axis axis, int millivolts)

@@ -49,12 +49,15 @@ public:
     int pFactor() const { return pFactorMv; }
     void setSensitivity(int millivolts);
     int sensitivity() const { return sensitivityMv; }
-    /// Target of an axis, unless Set & Hold is on. 0 selects the external input, which stands at
-    /// 0 V.
+    /// Target of an axis. 0 selects the external input, which stands at 0 V. It is a newer target
+    /// than that of a hold, which ends.
     void setAdjustIn(Axis axis, int millivolts);
     int adjustIn(Axis axis) const { return adjustInMv[axis]; }
-    /// Makes the present position the target.
+    /// Makes the present position the target of both axes and switches the stage on. The target
+    /// stays when the stage is switched off, and counts again when it is switched on, until it is
+    /// cleared, adjust-in is set or the power is cut.
     void setHold();
+    /// Goes back to adjust-in.
     void clearHold() { held = false; }
     bool isHeld() const { return held; }
     /// Drives an actuator to `millivolts` from its middle. A loop that is on continues from there.
