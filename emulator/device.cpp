@@ -24,7 +24,7 @@ constexpr int beamStepsPerCommand = beamStepsPerSecond / 100;
 
 StageModel stageModel(const ControllerOptions& options, quint64 stage, double intensityMv)
 {
-    return StageModel(beamPreset(options.preset), options.stages[stage - 1].detector, intensityMv,
+    return StageModel(beamPreset(options.preset), options.stages[stage - 1], intensityMv,
                       derivedSeed(options.seed, stage));
 }
 

@@ -9,14 +9,8 @@ namespace emulator {
 
 namespace {
 
-constexpr double pi = 3.14159265358979323846;
-/// Corner of the low pass in front of the sampler. It keeps the detector's noise above the
-/// stream's rates out of the samples.
-constexpr double samplerCornerHz = 200.0;
 /// Corner of the intensity's noise.
 constexpr double lightCornerHz = 20.0;
-/// The loop does not work below this share of the full intensity.
-constexpr double leastLightShare = 0.1;
 constexpr double dipDepth = 0.3;
 constexpr double leastInterruptionSeconds = 0.1;
 constexpr double greatestInterruptionSeconds = 5.0;
@@ -25,26 +19,22 @@ constexpr double secondsPerHour = 3600.0;
 /// Numbers of the random streams of a stage.
 enum SeedStream : quint64 { XBeam, XNoise, YBeam, YNoise, Light };
 
-double smoothingFor(double cornerHz)
-{
-    return 1.0 - portable::exponential(-2.0 * pi * cornerHz / beamStepsPerSecond);
-}
-
-double samplerSmoothing()
-{
-    static const double smoothing = smoothingFor(samplerCornerHz);
-    return smoothing;
-}
-
 double lightSmoothing()
 {
-    static const double smoothing = smoothingFor(lightCornerHz);
+    static const double smoothing = lowPassSmoothing(lightCornerHz);
     return smoothing;
 }
 
 qint16 wholeMillivolts(double value, double least, double greatest)
 {
     return static_cast<qint16>(std::lround(std::clamp(value, least, greatest)));
+}
+
+StageOptions optionsOf(DetectorKind kind)
+{
+    StageOptions options;
+    options.detector = kind;
+    return options;
 }
 
 } // namespace
@@ -54,12 +44,13 @@ StageModel::AxisState::AxisState(const BeamPreset& preset, BeamAxis axis, quint6
     , detectorNoise(derivedSeed(seed, axis == BeamAxis::Horizontal ? XNoise : YNoise))
 {}
 
-StageModel::StageModel(const BeamPreset& disturbances, DetectorKind kind, double intensity,
-                       quint64 seed)
+StageModel::StageModel(const BeamPreset& disturbances, const StageOptions& options,
+                       double intensity, quint64 seed)
     : preset(disturbances)
-    , detector(kind)
+    , undisturbed{options.offsetXUm, options.offsetYUm}
     , fullIntensityMv(intensity)
     , whiteMicrometres(preset.whiteDensity * std::sqrt(beamStepsPerSecond / 2.0))
+    , reading(DetectorModel(options.detector, options.spotDiameterUm, intensity), PerAxis{})
     , lightNoise(derivedSeed(seed, Light))
     , axisStates{AxisState(preset, BeamAxis::Horizontal, seed),
                  AxisState(preset, BeamAxis::Vertical, seed)}
@@ -68,6 +59,11 @@ StageModel::StageModel(const BeamPreset& disturbances, DetectorKind kind, double
     // Long enough for the sampler's low pass to settle on the beam.
     advance(beamStepsPerSecond / eventDrawsPerSecond);
 }
+
+StageModel::StageModel(const BeamPreset& disturbances, DetectorKind kind, double intensity,
+                       quint64 seed)
+    : StageModel(disturbances, optionsOf(kind), intensity, seed)
+{}
 
 void StageModel::advance(int steps)
 {
@@ -98,7 +94,7 @@ bool StageModel::isActive() const
 {
     const bool inRange = std::none_of(axisStates.begin(), axisStates.end(),
                                       [](const auto& state) { return state.loop.atEndOfTravel(); });
-    return on && inRange && enoughLight();
+    return on && inRange && reading.hasEnoughLight();
 }
 
 void StageModel::setPFactor(int millivolts)
@@ -116,13 +112,15 @@ void StageModel::setSensitivity(int millivolts)
 void StageModel::setAdjustIn(Axis axis, int millivolts)
 {
     adjustInMv[axis] = millivolts;
+    held = false;
 }
 
 void StageModel::setHold()
 {
-    for (AxisState& state : axisStates)
-        state.heldMv = state.sampledMv;
+    for (const Axis axis : {X, Y})
+        ofAxis(axis).heldMv = reading.sampledMv(axis);
     held = true;
+    setOn(true);
 }
 
 void StageModel::driveActuator(Axis axis, int millivolts)
@@ -132,12 +130,12 @@ void StageModel::driveActuator(Axis axis, int millivolts)
 
 qint16 StageModel::positionMv(Axis axis) const
 {
-    return wholeMillivolts(ofAxis(axis).sampledMv, -positionRangeMv, positionRangeMv);
+    return wholeMillivolts(reading.sampledMv(axis), -positionRangeMv, positionRangeMv);
 }
 
 quint16 StageModel::intensityMv() const
 {
-    return static_cast<quint16>(wholeMillivolts(lightMv * gain(), 0.0, intensityRangeMv));
+    return static_cast<quint16>(wholeMillivolts(reading.intensityMv(), 0.0, intensityRangeMv));
 }
 
 qint16 StageModel::actuatorMv(Axis axis) const
@@ -153,6 +151,7 @@ double StageModel::gain() const
 
 void StageModel::updateBandwidth()
 {
+    reading.setGain(gain());
     const double pFactorVolts = (pFactorMv == 0 ? nominalPFactorMv : pFactorMv) * 0.001;
     for (AxisState& state : axisStates)
         state.loop.setBandwidth(StabilisationLoop::bandwidthPerVoltHz * pFactorVolts * gain());
@@ -160,30 +159,28 @@ void StageModel::updateBandwidth()
 
 void StageModel::step()
 {
+    // Too little light stops the loops one step later.
+    const bool loopsWork = on && reading.hasEnoughLight();
     stepLight();
-    const double light = lightPassing;
-    stepAxis(X, light);
-    stepAxis(Y, light);
-    lightMv = fullIntensityMv * lightPassing * (1.0 + lightFluctuation)
-              * lightOnDetector(ofAxis(X).beam) * lightOnDetector(ofAxis(Y).beam);
+    PerAxis noise;
+    for (const Axis axis : {X, Y}) {
+        AxisState& state = ofAxis(axis);
+        beam[axis] = state.disturbance.next() + undisturbed[axis] + state.loop.correction();
+        noise[axis] = whiteMicrometres * state.detectorNoise.gaussian();
+    }
+    reading.step(beam, noise, fullIntensityMv * lightPassing * (1.0 + lightFluctuation));
+    if (loopsWork)
+        stepLoops();
 }
 
-void StageModel::stepAxis(Axis axis, double light)
+void StageModel::stepLoops()
 {
-    AxisState& state = ofAxis(axis);
-    state.beam = state.disturbance.next() + state.loop.correction();
-    const double noise = whiteMicrometres * state.detectorNoise.gaussian();
-    // The controller divides by the intensity, so that a weaker beam shows no smaller signal;
-    // without light nothing but noise is left.
-    const double seen = light > 0.0 ? state.beam : 0.0;
-    const double signal = positionSignalMv(detector, seen, gain()) + centreSlopeMv(gain()) * noise;
-    state.signalMv = clippedToRange(signal);
-    state.sampledMv += samplerSmoothing() * (state.signalMv - state.sampledMv);
-    if (!on || !enoughLight())
-        return;
-    const double targetMv = held ? state.heldMv : adjustInMv[axis];
     // The bandwidth holds the gain already: the error is taken back to the beam's micrometres.
-    state.loop.step((targetMv - state.signalMv) / centreSlopeMv(gain()));
+    for (const Axis axis : {X, Y}) {
+        AxisState& state = ofAxis(axis);
+        const double targetMv = held ? state.heldMv : adjustInMv[axis];
+        state.loop.step(reading.errorMicrometres(axis, targetMv));
+    }
 }
 
 void StageModel::stepLight()
@@ -217,11 +214,6 @@ double StageModel::interruption()
         + (greatestInterruptionSeconds - leastInterruptionSeconds) * lightNoise.uniform();
     stepsOfInterruption = static_cast<int>(seconds * beamStepsPerSecond);
     return draw < preset.blocksPerHour ? 0.0 : 1.0 - dipDepth;
-}
-
-bool StageModel::enoughLight() const
-{
-    return lightMv >= leastLightShare * fullIntensityMv;
 }
 
 } // namespace emulator

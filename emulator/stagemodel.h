@@ -1,10 +1,11 @@
 #pragma once
 
 #include "emulator/beampreset.h"
-#include "emulator/detectormodel.h"
+#include "emulator/detectorreading.h"
 #include "emulator/disturbance.h"
 #include "emulator/noisesource.h"
 #include "emulator/stabilisationloop.h"
+#include "emulator/stageoptions.h"
 
 #include <QtGlobal>
 
@@ -26,6 +27,10 @@ public:
     /// Middle of the actuators' range of 0 to 10 V.
     static constexpr int actuatorMiddleMv = 5000;
 
+    /// `intensityMv` is the intensity signal of the undimmed, centred beam.
+    StageModel(const BeamPreset& disturbances, const StageOptions& options, double intensityMv,
+               quint64 seed);
+    /// A stage with default options but for the kind of its detector.
     StageModel(const BeamPreset& disturbances, DetectorKind detector, double intensityMv,
                quint64 seed);
 
@@ -44,12 +49,15 @@ public:
     int pFactor() const { return pFactorMv; }
     void setSensitivity(int millivolts);
     int sensitivity() const { return sensitivityMv; }
-    /// Target of an axis, unless Set & Hold is on. 0 selects the external input, which stands at
-    /// 0 V.
+    /// Target of an axis. 0 selects the external input, which stands at 0 V. It is a newer target
+    /// than that of a hold, which ends.
     void setAdjustIn(Axis axis, int millivolts);
     int adjustIn(Axis axis) const { return adjustInMv[axis]; }
-    /// Makes the present position the target.
+    /// Makes the present position the target of both axes and switches the stage on. The target
+    /// stays when the stage is switched off, and counts again when it is switched on, until it is
+    /// cleared, adjust-in is set or the power is cut.
     void setHold();
+    /// Goes back to adjust-in.
     void clearHold() { held = false; }
     bool isHeld() const { return held; }
     /// Drives an actuator to `millivolts` from its middle. A loop that is on continues from there.
@@ -62,7 +70,9 @@ public:
     qint16 actuatorMv(Axis axis) const;
 
     /// Position signal before the low pass that stands in front of the sampler, mV.
-    double rawPositionMv(Axis axis) const { return ofAxis(axis).signalMv; }
+    double rawPositionMv(Axis axis) const { return reading.signalMv(axis); }
+    /// Where the beam really is, micrometres from the detector's centre.
+    double beamMicrometres(Axis axis) const { return beam[axis]; }
 
 private:
     struct AxisState
@@ -72,9 +82,6 @@ private:
         Disturbance disturbance;
         NoiseSource detectorNoise;
         StabilisationLoop loop;
-        double beam = 0.0;
-        double signalMv = 0.0;
-        double sampledMv = 0.0;
         double heldMv = 0.0;
     };
 
@@ -83,15 +90,15 @@ private:
     double gain() const;
     void updateBandwidth();
     void step();
-    void stepAxis(Axis axis, double light);
     void stepLight();
+    void stepLoops();
     double interruption();
-    bool enoughLight() const;
 
     BeamPreset preset;
-    DetectorKind detector;
+    PerAxis undisturbed;
     double fullIntensityMv;
     double whiteMicrometres;
+    DetectorReading reading;
     NoiseSource lightNoise;
     std::array<AxisState, axes> axisStates;
     bool on = false;
@@ -99,9 +106,9 @@ private:
     int pFactorMv = nominalPFactorMv;
     int sensitivityMv = 0;
     std::array<int, axes> adjustInMv{};
+    PerAxis beam{};
     double lightFluctuation = 0.0;
     double lightPassing = 1.0;
-    double lightMv = 0.0;
     int stepsToEventDraw = 0;
     int stepsOfInterruption = 0;
 };
