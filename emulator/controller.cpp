@@ -1,7 +1,6 @@
 #include "emulator/controller.h"
 
 #include "emulator/identity.h"
-#include "emulator/reply.h"
 #include "emulator/wirelog.h"
 
 #include <algorithm>
@@ -205,7 +204,7 @@ bool Controller::closesLinkOn(const QByteArray& mnemonic)
 void Controller::answer(const Command& command)
 {
     const Answer given = controlled->execute(command);
-    if (isRefusal(given.reply))
+    if (given.isRefused())
         emit refused(command.mnemonic);
     switch (given.stream) {
     case Answer::Stream::Unchanged:
