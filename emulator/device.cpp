@@ -120,6 +120,39 @@ void Device::setStage(int stage, bool on)
         models[static_cast<std::size_t>(stage - 1)].setOn(on);
 }
 
+StageState Device::stageState(int stage) const
+{
+    StageState state;
+    if (stage < 1 || stage > stages)
+        return state;
+    const auto index = static_cast<std::size_t>(stage - 1);
+    const StageModel& model = models[index];
+    state.on = model.isOn();
+    state.active = model.isActive();
+    state.held = model.isHeld();
+    state.multiplexed = multiplex[index];
+    state.frozen = frozen[index];
+    state.pFactorMv = model.pFactor();
+    state.sensitivityMv = model.sensitivity();
+    state.adjustInXMv = model.adjustIn(StageModel::X);
+    state.adjustInYMv = model.adjustIn(StageModel::Y);
+    const PacketValues values = measured();
+    state.actuatorXMv = index == 0 ? values.rx1 : values.rx2;
+    state.actuatorYMv = index == 0 ? values.ry1 : values.ry2;
+    state.positionXMv = index == 0 ? values.x1 : values.x2;
+    state.positionYMv = index == 0 ? values.y1 : values.y2;
+    state.intensityMv = index == 0 ? values.i1 : values.i2;
+    state.beamXUm = model.beamMicrometres(StageModel::X);
+    state.beamYUm = model.beamMicrometres(StageModel::Y);
+    return state;
+}
+
+void Device::setMultiplexed(int stage, bool on)
+{
+    if (stage >= 1 && stage <= stages)
+        multiplex[static_cast<std::size_t>(stage - 1)] = on;
+}
+
 void Device::setScript(const QVector<PacketValues>& script, bool repeats)
 {
     source = SampleSource(script, repeats, options.replay);

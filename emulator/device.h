@@ -6,6 +6,7 @@
 #include "emulator/operation.h"
 #include "emulator/samplesource.h"
 #include "emulator/stagemodel.h"
+#include "emulator/stagestate.h"
 
 #include <QByteArray>
 
@@ -57,6 +58,9 @@ public:
     bool hasFlowControl() const { return options.hardwareFlowControl; }
     bool stageOn(int stage) const;
     void setStage(int stage, bool on);
+    /// Everything about stage 1 or 2; a stage that is off in all respects for other numbers.
+    StageState stageState(int stage) const;
+    void setMultiplexed(int stage, bool on);
     void setScript(const QVector<PacketValues>& script, bool repeats);
 
 private:

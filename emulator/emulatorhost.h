@@ -1,6 +1,7 @@
 #pragma once
 
 #include "emulator/controlleroptions.h"
+#include "emulator/stagestate.h"
 #include "emulator/wirelog.h"
 
 #include <QByteArrayList>
@@ -89,8 +90,16 @@ public:
     bool stageOn(int stage) const;
     /// Switches a stage without a command, as somebody at the controller would.
     void setStage(int stage, bool on);
-    /// The 25 bytes that SLA stored; blanks at first.
+    /// The 25 bytes that SLA stored; blanks at first, unless the options say otherwise.
     QByteArray label() const;
+
+    /// Everything about stage 1 or 2, without a command.
+    StageState stage(int stage) const;
+    /// Leads a stage to the common detector or back, without a command.
+    void setMultiplexed(int stage, bool on);
+    /// How many commands since the last `clearWire` begin with these bytes, such as "GSF" or
+    /// "SPF\1".
+    int count(const QByteArray& prefix) const;
 
 private:
     friend class EmulatorHost;
