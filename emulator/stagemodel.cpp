@@ -30,6 +30,12 @@ qint16 wholeMillivolts(double value, double least, double greatest)
     return static_cast<qint16>(std::lround(std::clamp(value, least, greatest)));
 }
 
+/// What counts: the setting by software, or the external input while that is 0.
+int inForce(int bySoftwareMv, int inputMv)
+{
+    return bySoftwareMv == 0 ? inputMv : bySoftwareMv;
+}
+
 StageOptions optionsOf(DetectorKind kind)
 {
     StageOptions options;
@@ -54,8 +60,10 @@ StageModel::StageModel(const BeamPreset& disturbances, const StageOptions& optio
     , lightNoise(derivedSeed(seed, Light))
     , axisStates{AxisState(preset, BeamAxis::Horizontal, seed),
                  AxisState(preset, BeamAxis::Vertical, seed)}
+    , external(options.inputs)
 {
-    updateBandwidth();
+    updateGain();
+    updateTargets();
     // Long enough for the sampler's low pass to settle on the beam.
     advance(beamStepsPerSecond / eventDrawsPerSecond);
 }
@@ -74,7 +82,7 @@ void StageModel::advance(int steps)
 void StageModel::restart()
 {
     on = false;
-    held = false;
+    clearHold();
     for (AxisState& state : axisStates)
         state.loop.park(0.0);
 }
@@ -97,22 +105,29 @@ bool StageModel::isActive() const
     return on && inRange && reading.hasEnoughLight();
 }
 
+void StageModel::setInputs(const ExternalInputs& moved)
+{
+    external = moved;
+    updateGain();
+    updateTargets();
+}
+
 void StageModel::setPFactor(int millivolts)
 {
     pFactorMv = millivolts;
-    updateBandwidth();
+    updateGain();
 }
 
 void StageModel::setSensitivity(int millivolts)
 {
     sensitivityMv = millivolts;
-    updateBandwidth();
+    updateGain();
 }
 
 void StageModel::setAdjustIn(Axis axis, int millivolts)
 {
     adjustInMv[axis] = millivolts;
-    held = false;
+    clearHold();
 }
 
 void StageModel::setHold()
@@ -120,7 +135,14 @@ void StageModel::setHold()
     for (const Axis axis : {X, Y})
         ofAxis(axis).heldMv = reading.sampledMv(axis);
     held = true;
+    updateTargets();
     setOn(true);
+}
+
+void StageModel::clearHold()
+{
+    held = false;
+    updateTargets();
 }
 
 void StageModel::driveActuator(Axis axis, int millivolts)
@@ -144,17 +166,23 @@ qint16 StageModel::actuatorMv(Axis axis) const
     return wholeMillivolts(actuatorMiddleMv * (1.0 + share), 0.0, 2.0 * actuatorMiddleMv);
 }
 
-double StageModel::gain() const
+void StageModel::updateGain()
 {
-    return sensitivityMv == 0 ? 1.0 : static_cast<double>(sensitivityMv) / nominalSensitivityMv;
+    const double gain =
+        static_cast<double>(inForce(sensitivityMv, external.sensitivityMv)) / nominalSensitivityMv;
+    reading.setGain(gain);
+    const double pFactorVolts = inForce(pFactorMv, external.pFactorMv) * 0.001;
+    for (AxisState& state : axisStates)
+        state.loop.setBandwidth(StabilisationLoop::bandwidthPerVoltHz * pFactorVolts * gain);
 }
 
-void StageModel::updateBandwidth()
+void StageModel::updateTargets()
 {
-    reading.setGain(gain());
-    const double pFactorVolts = (pFactorMv == 0 ? nominalPFactorMv : pFactorMv) * 0.001;
-    for (AxisState& state : axisStates)
-        state.loop.setBandwidth(StabilisationLoop::bandwidthPerVoltHz * pFactorVolts * gain());
+    const std::array<int, axes> inputMv{external.adjustInXMv, external.adjustInYMv};
+    for (const Axis axis : {X, Y}) {
+        AxisState& state = ofAxis(axis);
+        state.targetMv = held ? state.heldMv : inForce(adjustInMv[axis], inputMv[axis]);
+    }
 }
 
 void StageModel::step()
@@ -176,11 +204,8 @@ void StageModel::step()
 void StageModel::stepLoops()
 {
     // The bandwidth holds the gain already: the error is taken back to the beam's micrometres.
-    for (const Axis axis : {X, Y}) {
-        AxisState& state = ofAxis(axis);
-        const double targetMv = held ? state.heldMv : adjustInMv[axis];
-        state.loop.step(reading.errorMicrometres(axis, targetMv));
-    }
+    for (const Axis axis : {X, Y})
+        ofAxis(axis).loop.step(reading.errorMicrometres(axis, ofAxis(axis).targetMv));
 }
 
 void StageModel::stepLight()

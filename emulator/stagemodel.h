@@ -44,13 +44,16 @@ public:
     /// On, every actuator within its travel, and enough light.
     bool isActive() const;
 
-    /// 0 selects the external input, which stands at the nominal value.
+    /// Moves the external inputs.
+    void setInputs(const ExternalInputs& inputs);
+    const ExternalInputs& inputs() const { return external; }
+    /// Settings by software. 0 selects the external input.
     void setPFactor(int millivolts);
     int pFactor() const { return pFactorMv; }
     void setSensitivity(int millivolts);
     int sensitivity() const { return sensitivityMv; }
-    /// Target of an axis. 0 selects the external input, which stands at 0 V. It is a newer target
-    /// than that of a hold, which ends.
+    /// Target of an axis; 0 selects the external input. It is a newer target than that of a hold,
+    /// which ends.
     void setAdjustIn(Axis axis, int millivolts);
     int adjustIn(Axis axis) const { return adjustInMv[axis]; }
     /// Makes the present position the target of both axes and switches the stage on. The target
@@ -58,7 +61,7 @@ public:
     /// cleared, adjust-in is set or the power is cut.
     void setHold();
     /// Goes back to adjust-in.
-    void clearHold() { held = false; }
+    void clearHold();
     bool isHeld() const { return held; }
     /// Drives an actuator to `millivolts` from its middle. A loop that is on continues from there.
     void driveActuator(Axis axis, int millivolts);
@@ -83,12 +86,13 @@ private:
         NoiseSource detectorNoise;
         StabilisationLoop loop;
         double heldMv = 0.0;
+        double targetMv = 0.0;
     };
 
     AxisState& ofAxis(Axis axis) { return axisStates[axis]; }
     const AxisState& ofAxis(Axis axis) const { return axisStates[axis]; }
-    double gain() const;
-    void updateBandwidth();
+    void updateGain();
+    void updateTargets();
     void step();
     void stepLight();
     void stepLoops();
@@ -105,6 +109,7 @@ private:
     bool held = false;
     int pFactorMv = nominalPFactorMv;
     int sensitivityMv = 0;
+    ExternalInputs external;
     std::array<int, axes> adjustInMv{};
     PerAxis beam{};
     double lightFluctuation = 0.0;
