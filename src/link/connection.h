@@ -94,6 +94,9 @@ public:
     bool isStreaming() const { return condition.streaming; }
     LinkState linkState() const { return condition.link; }
     bool isConnected() const { return linkState() == LinkState::Connected; }
+    /// Whether the port is open. A connected link without one was lost, and is not disconnected
+    /// yet.
+    bool hasPort() const { return condition.portOpen; }
     int firmwareVersion() const { return condition.firmwareVersion; }
     void setFirmwareVersion(int version) { condition.firmwareVersion = version; }
     bool vmFirmware() const { return condition.vmFirmware; }

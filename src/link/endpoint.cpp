@@ -42,8 +42,11 @@ bool Endpoint::isWritable(const CommandFrame& frame) const
 
 void Endpoint::write(const CommandFrame& frame)
 {
+    const bool dropUnread = condition.dropUnread.exchange(false);
     if (!isWritable(frame))
         return;
+    if (dropUnread)
+        takeRest();
     answerLength = frame.answerLength;
     condition.replies.expect();
     restartDeadline();

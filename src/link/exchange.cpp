@@ -19,14 +19,15 @@ Exchange::Exchange(LinkCondition& linkCondition, SendQueue& sendQueue)
 void Exchange::send(const CommandFrame& frame)
 {
     settlePoll();
-    post(frame);
+    post(frame, Unread::Kept);
     if (frame.isStop())
         delivery->waitUntil(deadline);
     QThread::msleep(pollMs);
 }
 
-void Exchange::post(const CommandFrame& frame)
+void Exchange::post(const CommandFrame& frame, Unread unread)
 {
+    condition.dropUnread = unread == Unread::Dropped;
     deadline.setRemainingTime(callerTimeoutFactor * condition.timeoutMs, Qt::PreciseTimer);
     delivery = queue.post(frame);
 }
@@ -73,7 +74,7 @@ void Exchange::poll(const CommandFrame& frame)
     // What an earlier command has left behind must not be taken for the reply of the poll.
     QByteArray ignored;
     awaitReply(ignored);
-    post(frame);
+    post(frame, Unread::Dropped);
     isPolling = true;
 }
 

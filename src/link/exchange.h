@@ -26,7 +26,8 @@ public:
     /// or nothing came in time.
     bool fetchReply(QByteArray& out);
 
-    /// Sends a command without waiting, unless the last command or poll is not settled yet.
+    /// Sends a command without waiting, unless the last command or poll is not settled yet. It
+    /// meets an empty line: replies that came too late for others do not shift those of the polls.
     void poll(const CommandFrame& frame);
     /// Appends the reply of the last poll to `out` without waiting. False if it is not there. A
     /// poll whose time is over is given up here.
@@ -36,7 +37,8 @@ public:
     void forget();
 
 private:
-    void post(const CommandFrame& frame);
+    enum class Unread { Kept, Dropped };
+    void post(const CommandFrame& frame, Unread unread);
     bool awaitReply(QByteArray& out);
     bool isSettled() const;
     void settlePoll();

@@ -35,6 +35,9 @@ struct LinkCondition
     std::atomic<bool> streaming{false};
     std::atomic<StreamState> stream{StreamState::None};
     ReplyBox replies;
+    /// What lies unread at the port is no part of the reply to the next command: it is dropped
+    /// before that is written.
+    std::atomic<bool> dropUnread{false};
 
     std::atomic<int> timeoutMs{defaultTimeoutMs};
     std::atomic<int> baudRate{-1};

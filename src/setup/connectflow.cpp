@@ -99,7 +99,6 @@ std::optional<ConnectOutcome> ConnectFlow::changeRate(const FoundInterface& devi
         unchangedLinks.push_back(std::move(connection));
         return ConnectOutcome::RateNotChanged;
     }
-    // The end of the link takes events, which must find the rate that the controller has now.
     parts.devices.setBaudRate(device.id, baudRate);
     connection->disconnectController();
     if (parts.registry.isLeaving())

@@ -75,6 +75,8 @@ void LoadFlow::makeSystem(ConnectionSettings record)
     std::unique_ptr<Connection> connection =
         parts.makeTransport(overNetwork ? ConnectionType::Tcp : ConnectionType::Serial);
     connection->setLabel(record.label.text());
+    // Also of a system that is down: it can be reconnected later.
+    connection->setTriggerMode(record.pulsedLaser);
     logMessage().info() << (overNetwork ? "Creating TCP connection" : "Creating serial connection")
                         << record.label.text();
     const bool usable = connection->init(record.name.text(), record.baudRateOrPort);
@@ -115,6 +117,5 @@ bool LoadFlow::connectSystem(Connection& connection, const ConnectionSettings& r
         connection.disconnectController();
         return false;
     }
-    connection.setTriggerMode(record.pulsedLaser);
     return true;
 }

@@ -15,7 +15,8 @@ std::optional<QByteArray> read(const QString& path, QString& reason);
 
 /// Replaces the file; false, with the reason and the old file in place, if that failed.
 ///
-/// Where the directory takes no new file, the old one is overwritten in place. Its bytes are copied
+/// A file that is a mount point of its own can not be replaced, and is refused. Where the directory
+/// takes no new file, the old one is overwritten in place. Its bytes are copied
 /// first, beside it or else to the configuration or the temporary directory, and put back if the
 /// overwriting fails. Only if that fails, too, the copy stays, and the reason tells where.
 /// `pauseMs` lie between writing and closing.

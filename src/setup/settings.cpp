@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <optional>
@@ -29,6 +30,15 @@ QString pathToRead(const QString& path)
 QString pathToWrite(const QString& path)
 {
     return setupfile::withEnding(pathToRead(path));
+}
+
+/// Whatever way leads to it.
+bool isDefaultFile(const QString& path)
+{
+    const QString defaultFile = pathToWrite(QString());
+    const QString canonical = QFileInfo(path).canonicalFilePath();
+    return path == defaultFile
+           || (!canonical.isEmpty() && canonical == QFileInfo(defaultFile).canonicalFilePath());
 }
 
 void copyDetectors(const ConnectionSettings& from, ConnectionSettings& to)
@@ -149,7 +159,7 @@ bool Settings::replaceFile(const QString& file, const QByteArray& content,
         logUnreadableRecords(file);
         return false;
     }
-    if (file == pathToWrite(QString()) && !keepUnreadable(file))
+    if (isDefaultFile(file) && !keepUnreadable(file))
         return false;
     QString reason;
     if (safefile::replace(file, content, pauseMs, reason))

@@ -41,7 +41,7 @@ void SystemLines::watchLine(const ConnectionWidget& line, const Connection& conn
     const QPointer<const Connection> owner(&connection);
     connect(&line, &ConnectionWidget::labelChanged, this,
             [this, owner](const QString& address, const QString& label) {
-                registry.relabelConnection(owner, label);
+                relabel(owner, label);
                 emit labelEdited(address, label);
             });
     connect(&line, &ConnectionWidget::autoConnectChanged, this,
@@ -54,10 +54,17 @@ void SystemLines::watchLine(const ConnectionWidget& line, const Connection& conn
             [this, owner] { emit removalWanted(owner); });
 }
 
+void SystemLines::relabel(const Connection* connection, const QString& label)
+{
+    const WaitCursor waiting;
+    registry.relabelConnection(connection, label);
+}
+
 /// Record and connection come together, so that the records stay in step with the registry
 /// whatever happens between two connections.
 void SystemLines::registerSystem(std::unique_ptr<Connection> connection, ConnectionSettings record)
 {
+    const WaitCursor waiting;
     record.position = systems.size();
     systems.append({record, connection.get()});
     registry.newConnection(std::move(connection), record);

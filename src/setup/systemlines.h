@@ -14,8 +14,8 @@
 /// order in which the registry got its connections. Whatever a line asks for goes by its
 /// connection. GUI thread only.
 ///
-/// The work of the registry takes events, which can remove systems. Pointers that are passed in
-/// have to name an existing connection or to be null; nothing happens for one without a line,
+/// A registry may take events at its work, and these may remove systems. Pointers that are passed
+/// in have to name an existing connection or to be null; nothing happens for one without a line,
 /// except where a function says otherwise.
 class SystemLines final : public QObject
 {
@@ -64,6 +64,7 @@ signals:
     void removalWanted(const Connection* connection);
 
 private:
+    void relabel(const Connection* connection, const QString& label);
     struct System
     {
         ConnectionSettings record;

@@ -104,21 +104,18 @@ void LiveSystems::add(std::unique_ptr<Connection> connection, const ConnectionSe
 void LiveSystems::watch(Connection& connection)
 {
     const QPointer<Connection> watched(&connection);
-    const auto tell = [this, watched] { onLinkLost(watched); };
-    const auto tellIfEnded = [this, watched] {
-        if (watched && !watched->isRunning())
-            onLinkLost(watched);
-    };
-    connect(&connection, &Connection::hostDisconnected, this, tell);
-    connect(&connection, &QThread::finished, this, tellIfEnded);
+    const auto tellIfLost = [this, watched] { tellLoss(watched); };
+    connect(&connection, &Connection::hostDisconnected, this, tellIfLost);
+    connect(&connection, &QThread::finished, this, tellIfLost);
     if (!connection.isRunning())
-        QMetaObject::invokeMethod(this, tellIfEnded, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, tellIfLost, Qt::QueuedConnection);
 }
 
-/// Ignored if the connection was closed or disconnected before this call was delivered.
-void LiveSystems::onLinkLost(const Connection* connection)
+/// Ignored if the connection was closed, disconnected or brought up anew before this call was
+/// delivered.
+void LiveSystems::tellLoss(const Connection* connection)
 {
-    if (connection && indexOf(connection) >= 0 && connection->isConnected())
+    if (indexOf(connection) >= 0 && connection->isConnected() && !connection->hasPort())
         emit lost(connection);
 }
 
@@ -214,7 +211,8 @@ ReconnectResult LiveSystems::reconnect(const Connection* connection, QString& ex
     if (index < 0)
         return fail(ReconnectResult::NoController);
     Connection& link = connectionAt(index);
-    if (link.isRunning())
+    // A link that was lost has no thread and still counts as connected.
+    if (link.isRunning() || link.isConnected())
         disconnectLink(connection);
 
     if (!bringUp(link, reconnectWait)) {

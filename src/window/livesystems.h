@@ -86,7 +86,7 @@ signals:
 
 private:
     void watch(Connection& connection);
-    void onLinkLost(const Connection* connection);
+    void tellLoss(const Connection* connection);
     void display(int index);
     void hide(int index);
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/commandframe.h"
+
 /// What the field of the sampling rate shows.
 struct RateField
 {
@@ -14,7 +16,7 @@ class RateLimits final
 {
 public:
     static constexpr int slowLineMaxHz = 430;
-    static constexpr int fastLineMaxHz = 500;
+    static constexpr int fastLineMaxHz = command::maxSamplingRateHz;
     static constexpr int pulsedHz = 1000;
     /// A controller on a line of this baud rate can not send faster than `slowLineMaxHz`.
     static constexpr int slowBaudRate = 115200;

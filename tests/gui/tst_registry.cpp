@@ -19,6 +19,9 @@
 
 namespace {
 
+/// For a thread that ends by itself.
+constexpr unsigned long endOfThreadMs = 10000;
+
 const char* const singleSystemWidgets[] = {
     "stage1Frame_2", "frame_rightTop", "stage2Frame", "frame_rightBottom",
     "label_42",      "lcd1x",          "label_44",    "lcd1y",
@@ -89,6 +92,7 @@ private slots:
     void unknownAddressesDoNothing();
     void reconnectRejectsWhoIsNoController();
     void reconnectFailsWithoutAController();
+    void reconnectTakesALinkWhoseLossIsNotToldYet();
     void lostLinkTakesTheSystemOffThePlots();
     void unconnectedSystemIsRegisteredButNotShown();
     void savedRecordsTakeOverTheLiveState();
@@ -332,6 +336,23 @@ void TestRegistry::reconnectFailsWithoutAController()
     fixture.controller().listenAgain();
     QVERIFY(fixture.window().reconnectConnection(address, id));
     QCOMPARE(id, fixture.controller().id());
+    QCOMPARE(fixture.window().shownConnections(), QList<int>{0});
+}
+
+void TestRegistry::reconnectTakesALinkWhoseLossIsNotToldYet()
+{
+    WindowFixture fixture(1);
+    QVERIFY(fixture.openWithSystems());
+    fixture.controller().closeConnection();
+    // Without events, which would tell the loss.
+    QVERIFY(fixture.connection().wait(endOfThreadMs));
+    QVERIFY(fixture.connection().isConnected());
+
+    QString id = fixture.controller().id();
+    QVERIFY(fixture.window().reconnectConnection(fixture.connection().address(), id));
+    QCoreApplication::processEvents();
+    QVERIFY(fixture.connection().isConnected());
+    QVERIFY(fixture.connection().isRunning());
     QCOMPARE(fixture.window().shownConnections(), QList<int>{0});
 }
 

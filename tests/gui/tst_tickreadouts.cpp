@@ -335,7 +335,10 @@ void TestTickReadouts::withTwoDisplayedSystemsItDoesNot()
     QVERIFY(fixture.openWithSystems());
     fixture.controller(0).setStage(1, true);
     fixture.controller(1).setStage(2, true);
-    fixture.tick();
+    QVERIFY(fixture.tickUntil([&] {
+        const QList<ConnectionStatus> statuses = fixture.window().liveStatuses();
+        return statuses.at(0).stabilised1 && statuses.at(1).stabilised2;
+    }));
     QCOMPARE(switchState(fixture, "push_Stab1"), QString("OFF unchecked lightcoral"));
     QCOMPARE(switchState(fixture, "push_Stab2"), QString("OFF unchecked lightcoral"));
 

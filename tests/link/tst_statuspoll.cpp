@@ -1,7 +1,10 @@
 #include "busythread.h"
+#include "link/packet.h"
 #include "support/emulatedlink.h"
 
 #include <QtTest>
+
+#include <optional>
 
 namespace {
 
@@ -49,6 +52,17 @@ bool pollAgain(EmulatedLink& link)
     });
 }
 
+/// What the next poll says of stage 1; nothing without a reply.
+std::optional<bool> polledStage1(EmulatedLink& link)
+{
+    link.client.pollStatus();
+    QByteArray reply;
+    if (!QTest::qWaitFor([&] { return link.client.takePolledStatus(reply) && !reply.isEmpty(); }))
+        return std::nullopt;
+    constexpr int flagsOffset = 2;
+    return (uchar(reply.at(flagsOffset)) & statusflag::stabilised1) != 0;
+}
+
 } // namespace
 
 class TestStatusPoll : public QObject
@@ -69,6 +83,8 @@ private slots:
     void streamingConnectionIsNotPolled();
     void unconnectedConnectionIsNotPolled();
     void lateReplyOfAnAbandonedPollIsNobodys();
+    void twoRepliesAtOnceDoNotShiftThoseOfThePolls();
+    void replyOfARepeatedCommandIsNoStatus();
     void disconnectForgetsThePoll();
     void pollOfALostLinkIsSettledAtOnce();
     void pollOfABusyThreadIsGivenUpAndNeverSent();
@@ -249,6 +265,41 @@ void TestStatusPoll::lateReplyOfAnAbandonedPollIsNobodys()
     link.client.pollStatus();
     QVERIFY(awaitStatus(link));
     QCOMPARE(link.controller.commands(), QByteArrayList({"GSF;", "GSF;", "GID;", "GSF;"}));
+}
+
+void TestStatusPoll::twoRepliesAtOnceDoNotShiftThoseOfThePolls()
+{
+    EmulatedLink link(silentController());
+    QVERIFY(link.connect());
+    link.client.pollStatus();
+    QTRY_COMPARE(link.controller.commands(), QByteArrayList{"GSF;"});
+    const QByteArray stage1On("\0;\x08;", statusReplyBytes);
+    link.controller.sendRaw(stage1On + stage1On);
+    QVERIFY(awaitStatus(link));
+
+    link.controller.setFaults({});
+    QVERIFY(polledStage1(link) == false);
+}
+
+void TestStatusPoll::replyOfARepeatedCommandIsNoStatus()
+{
+    EmulatedLink link;
+    QVERIFY(link.connect());
+    link.controller.pause(true);
+    const auto switchOn = [&link] {
+        link.client.switchStabilisationOn(command::stageArgument(Stage::One));
+        QByteArray reply;
+        return link.client.fetchReply(reply);
+    };
+    QVERIFY(!switchOn());
+    link.client.switchStabilisationOn(command::stageArgument(Stage::One));
+    // Both are at the controller before it reads again, and it answers them in one go.
+    QTest::qWait(EmulatedLink::shortTimeoutMs / 2);
+    link.controller.pause(false);
+    QByteArray reply;
+    QVERIFY(link.client.fetchReply(reply));
+    QCOMPARE(link.controller.commands().size(), 2);
+    QVERIFY(polledStage1(link) == true);
 }
 
 void TestStatusPoll::disconnectForgetsThePoll()

@@ -3,13 +3,21 @@
 #include "link/connection.h"
 #include "setup/connectionregistry.h"
 
-#include <QCoreApplication>
+#include <QCursor>
+#include <QGuiApplication>
 #include <QStringList>
 
 #include <algorithm>
 #include <functional>
 #include <memory>
 #include <vector>
+
+/// Whether the user is told to wait.
+inline bool showsWaitPointer()
+{
+    const QCursor* pointer = QGuiApplication::overrideCursor();
+    return pointer && pointer->shape() == Qt::WaitCursor;
+}
 
 /// A registry that keeps what it is given, notes every call, and answers as it is told.
 class FakeRegistry final : public ConnectionRegistry
@@ -22,7 +30,7 @@ public:
     {
         calls.append("new " + connection->address());
         if (whenNew)
-            whenNew();
+            whenNew(*connection);
         records.append(settings);
         statesWhenNew.append(connection->linkState());
         runningWhenNew.append(connection->isRunning());
@@ -53,6 +61,8 @@ public:
         const auto found = find(connection);
         if (found == connections.end())
             return;
+        if (whenRelabelled)
+            whenRelabelled();
         (*found)->setLabel(label);
         relabelled.append(int(found - connections.begin()));
     }
@@ -96,7 +106,9 @@ public:
     std::vector<std::unique_ptr<Connection>> connections;
 
     /// Called with every new connection.
-    std::function<void()> whenNew;
+    std::function<void(const Connection&)> whenNew;
+    /// Called before a connection gets another label.
+    std::function<void()> whenRelabelled;
     /// Called before a connection is closed.
     std::function<void()> whenClosing;
     /// Called before a link is ended.

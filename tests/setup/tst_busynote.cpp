@@ -88,8 +88,7 @@ std::function<void()> TestBusyNote::look(const PaintedTexts& paint, Seen& seen) 
 {
     return [&paint, &seen] {
         seen.painted = paint.texts;
-        const QCursor* cursor = QGuiApplication::overrideCursor();
-        seen.isWaitPointer = cursor && cursor->shape() == Qt::WaitCursor;
+        seen.isWaitPointer = showsWaitPointer();
     };
 }
 

@@ -384,7 +384,7 @@ void TestFlows::loadingSaysWhomItConnects()
     bench->put(bench->path("s.xml"), file({stored(controller, "left")}));
     QString said;
     bool waits = false;
-    bench->registry.whenNew = [&] { said = bench->tcpInfo(); };
+    bench->registry.whenNew = [&](const Connection&) { said = bench->tcpInfo(); };
     connect(&bench->dialog, &SettingsDialog::connectingTo, &bench->dialog, [&] {
         const QCursor* pointer = QGuiApplication::overrideCursor();
         waits = pointer && pointer->shape() == Qt::WaitCursor;

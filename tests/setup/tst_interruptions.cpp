@@ -261,8 +261,8 @@ void TestInterruptions::aLinkLostBeforeItsRegistrationShowsInTheLine()
     QFETCH(bool, isStored);
     const ControllerHandle controller = host->addTcp();
     // The registry finds the link dead when it gets it, and says so with the next events.
-    bench->registry.whenNew = [&] {
-        const auto tell = [&] { bench->dialog.on_WidgetDisconnect(controller.address()); };
+    bench->registry.whenNew = [&](const Connection& lost) {
+        const auto tell = [this, &lost] { bench->dialog.onLinkLost(&lost); };
         QMetaObject::invokeMethod(&bench->dialog, tell, Qt::QueuedConnection);
     };
     if (isStored) {

@@ -21,6 +21,8 @@ private slots:
     void aMarkedSystemIsConnectedAndKept();
     void anUnmarkedSystemIsOnlyListed();
     void aSystemThatDoesNotAnswerIsListedAndDown();
+    void aSystemThatIsDownFollowsItsLaserWhenItComesUp();
+    void thePointerTellsToWaitWhileASystemIsRegistered();
     void aSerialSystemIsFoundAtThePortWhereItIsNow();
     void aSystemWithALineIsSkipped();
     void afterAReadThatFailsThePresentRecordsAreGoneThrough();
@@ -81,6 +83,26 @@ void TestLoadFlow::aSystemThatDoesNotAnswerIsListedAndDown()
     QVERIFY(load({marked("arm")}));
     QCOMPARE(bench->registry.statesWhenNew, QList<LinkState>{LinkState::Disconnected});
     QCOMPARE(bench->tcpList.count(), 1);
+}
+
+void TestLoadFlow::aSystemThatIsDownFollowsItsLaserWhenItComesUp()
+{
+    bench->outcome = LinkOutcome::NoLink;
+    ConnectionSettings unmarked = quietTcp("CD000000002", "127.0.0.6", "b");
+    unmarked.pulsedLaser = true;
+    QVERIFY(load({marked("a"), unmarked, quietTcp("EF000000003", "127.0.0.7", "c")}));
+    QVERIFY(bench->connection(0).triggerMode());
+    QVERIFY(bench->connection(1).triggerMode());
+    QVERIFY(!bench->connection(2).triggerMode());
+}
+
+void TestLoadFlow::thePointerTellsToWaitWhileASystemIsRegistered()
+{
+    bool waits = false;
+    bench->registry.whenNew = [&waits](const Connection&) { waits = showsWaitPointer(); };
+    QVERIFY(load({marked("a")}));
+    QVERIFY(waits);
+    QVERIFY(!showsWaitPointer());
 }
 
 void TestLoadFlow::aSerialSystemIsFoundAtThePortWhereItIsNow()

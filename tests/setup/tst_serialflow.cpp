@@ -716,7 +716,7 @@ void TestSerialFlow::theEndOfAnAdapterIsTold()
     connectAs("a");
     Connection& connection = *bench->registry.connections.front();
     connect(&connection, &Connection::hostDisconnected, &bench->dialog,
-            &SettingsDialog::on_WidgetDisconnect);
+            [&] { bench->dialog.onLinkLost(&connection); });
     bench->registry.calls.clear();
     controller.unplug();
     QTRY_COMPARE(buttonOf(*bench->serialLines().first()), QStringLiteral("Reconnect"));

@@ -28,6 +28,7 @@ private slots:
     void aMissingFileIsNoWarning();
     void anUnreadableDefaultFileIsKeptBeside_data();
     void anUnreadableDefaultFileIsKeptBeside();
+    void theDefaultFileIsKnownByAnyWayToIt();
     void onlyAnUnreadableDefaultFileIsKept_data();
     void onlyAnUnreadableDefaultFileIsKept();
     void anUnreadableFileThatCanNotBeKeptIsNotReplaced();
@@ -133,6 +134,18 @@ void TestSettingsFailures::anUnreadableDefaultFileIsKeptBeside()
     QVERIFY(settings.save(QString()));
     QCOMPARE(contentOf(path("ConnectionSetup.xml.unreadable")), content);
     QCOMPARE(records::labelsIn(contentOf(path("ConnectionSetup.xml"))), QStringList{"new"});
+}
+
+void TestSettingsFailures::theDefaultFileIsKnownByAnyWayToIt()
+{
+    put(path("ConnectionSetup.xml"), "hello");
+    QVERIFY(QFile::link(directory->path(), path("way")));
+    Settings settings;
+    settings.setList({records::tcp("CD000000002", "new")});
+    QVERIFY(settings.save(path("way/ConnectionSetup.xml")));
+    QCOMPARE(records::labelsIn(contentOf(path("ConnectionSetup.xml"))), QStringList{"new"});
+    const QString kept = path("way/ConnectionSetup.xml.unreadable");
+    QCOMPARE(contentOf(kept), QByteArray("hello"));
 }
 
 void TestSettingsFailures::onlyAnUnreadableDefaultFileIsKept_data()

@@ -48,6 +48,7 @@ private slots:
 
     // Lines.
     void aLabelIsPassedOn();
+    void thePointerTellsToWaitWhileALabelIsSent();
     void reconnectingMarksTheLine();
     void aReconnectThatFailsSaysSo();
     void anotherControllerIsRejectedOnReconnect();
@@ -341,6 +342,16 @@ void TestStoredSystems::aLabelIsPassedOn()
     QCOMPARE(bench->registry.connections.front()->label(), QStringLiteral("ab"));
     QCOMPARE(spy.size(), 1);
     QCOMPARE(spy.first(), QList<QVariant>({"127.0.0.77", "ab"}));
+}
+
+void TestStoredSystems::thePointerTellsToWaitWhileALabelIsSent()
+{
+    load({quietTcp("AB000000001", "127.0.0.77", "a")});
+    bool waits = false;
+    bench->registry.whenRelabelled = [&waits] { waits = showsWaitPointer(); };
+    QTest::keyClicks(&named<QLineEdit>(*bench->tcpLines().first(), "lineEdit"), "b");
+    QVERIFY(waits);
+    QVERIFY(!showsWaitPointer());
 }
 
 void TestStoredSystems::reconnectingMarksTheLine()
