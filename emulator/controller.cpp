@@ -1,7 +1,6 @@
 #include "emulator/controller.h"
 
 #include "emulator/identity.h"
-#include "emulator/reply.h"
 #include "emulator/wirelog.h"
 
 #include <algorithm>
@@ -27,22 +26,12 @@ QByteArray keyFor(const ControllerOptions& options)
     return options.key.isEmpty() ? derivedKey(options.seed, controllers.fetch_add(1)) : options.key;
 }
 
-/// Bytes that can not be mistaken for the marks of a packet or a reply.
-QByteArray strayBytes(NoiseSource& noise, int count)
-{
-    constexpr int strayBit = 0x80;
-    QByteArray bytes;
-    for (int i = 0; i < count; ++i)
-        bytes.append(static_cast<char>(strayBit | static_cast<int>(noise.word() & 0x7F)));
-    return bytes;
-}
-
 } // namespace
 
 Controller::Controller(const ControllerOptions& options, Link& port, WireLog* log)
     : link(port)
     , wireLog(log)
-    , faultNoise(options.seed)
+    , packetFaults(options.seed)
 {
     lateTimer.setSingleShot(true);
     unfinishedTimer.setSingleShot(true);
@@ -64,7 +53,7 @@ void Controller::setIdentity(const ControllerOptions& options)
 {
     controlled = std::make_unique<Device>(options, keyFor(options));
     lineBaudRate = controlled->baudRate();
-    faultNoise = NoiseSource(options.seed);
+    packetFaults = PacketFaults(options.seed);
     setFaults(options.faults);
     linkClosed();
 }
@@ -72,7 +61,7 @@ void Controller::setIdentity(const ControllerOptions& options)
 void Controller::setFaults(const Faults& wanted)
 {
     faults = wanted;
-    faultyBytePlace = 0;
+    packetFaults.set(wanted);
 }
 
 void Controller::linkOpened()
@@ -178,7 +167,7 @@ void Controller::carryOut(const Command& command)
     if (closesLinkOn(mnemonic) || faults.silent.contains(mnemonic))
         return;
     if (faults.garbageReplies) {
-        write(strayBytes(faultNoise, replyLength(mnemonic)));
+        write(packetFaults.strayBytes(replyLength(mnemonic)));
         return;
     }
     if (faults.refuse.contains(mnemonic)) {
@@ -205,7 +194,7 @@ bool Controller::closesLinkOn(const QByteArray& mnemonic)
 void Controller::answer(const Command& command)
 {
     const Answer given = controlled->execute(command);
-    if (isRefusal(given.reply))
+    if (given.isRefused())
         emit refused(command.mnemonic);
     switch (given.stream) {
     case Answer::Stream::Unchanged:
@@ -304,24 +293,9 @@ void Controller::sendPacket(const QByteArray& packet)
     }
     ++packetCount;
     ++streamPackets;
-    write(withFaults(packet), true);
+    write(packetFaults.applyTo(packet, streamPackets), true);
     if (streamPackets == faults.closeAfterPackets)
         link.close();
-}
-
-QByteArray Controller::withFaults(QByteArray packet)
-{
-    constexpr char allBits = '\xFF';
-    const auto isTurn = [this](int every) { return every > 0 && streamPackets % every == 0; };
-    if (isTurn(faults.corruptByteEvery) && !packet.isEmpty()) {
-        const int place = static_cast<int>(faultyBytePlace++ % packet.size());
-        packet[place] = static_cast<char>(packet[place] ^ allBits);
-    }
-    if (isTurn(faults.dropByteEvery) && !packet.isEmpty())
-        packet.remove(static_cast<int>(faultyBytePlace++ % packet.size()), 1);
-    if (isTurn(faults.insertBytesEvery))
-        packet.prepend(strayBytes(faultNoise, faults.insertCount));
-    return packet;
 }
 
 void Controller::write(const QByteArray& bytes, bool isPacket)

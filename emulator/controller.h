@@ -1,6 +1,7 @@
 #pragma once
 
 #include "emulator/device.h"
+#include "emulator/packetfaults.h"
 
 #include <QByteArray>
 #include <QElapsedTimer>
@@ -86,7 +87,6 @@ private:
     void sendDuePackets();
     void sendNextPacket();
     void sendPacket(const QByteArray& packet);
-    QByteArray withFaults(QByteArray packet);
     qint64 packetsDue() const;
     void forgetBacklog();
     void write(const QByteArray& bytes, bool isPacket = false);
@@ -95,7 +95,7 @@ private:
     WireLog* const wireLog;
     std::unique_ptr<Device> controlled;
     Faults faults;
-    NoiseSource faultNoise;
+    PacketFaults packetFaults;
     QByteArray input;
     QTimer lateTimer;
     QTimer unfinishedTimer;
@@ -105,7 +105,6 @@ private:
     /// Number of packets of the running stream that were due so far.
     qint64 paced = 0;
     qint64 streamPackets = 0;
-    qint64 faultyBytePlace = 0;
     qint64 packetCount = 0;
     qint64 lostPackets = 0;
     int lineBaudRate = 0;

@@ -2,6 +2,7 @@
 
 #include "emulator/beampreset.h"
 #include "emulator/packet.h"
+#include "emulator/rule.h"
 #include "emulator/stageoptions.h"
 
 #include <QByteArray>
@@ -16,9 +17,15 @@ namespace emulator {
 
 class Replay;
 
-/// Faults that a controller makes. All are off by default. Commands are named by their mnemonic.
+/// Faults that a controller makes. All are off by default.
 struct Faults
 {
+    /// Tried one after the other with each command, before the lists below; see `RuleBook`.
+    QVector<Rule> rules;
+
+    // Shorthand for rules that always act. Commands are named by their mnemonic, and those of one
+    // mnemonic act together.
+
     /// Answered with 0x01 ';'.
     QByteArrayList refuse;
     /// Ignored: no effect and no answer.

@@ -50,9 +50,22 @@ QVector<PacketValues> deepCopy(const QVector<PacketValues>& samples)
     return copy;
 }
 
+QVector<Rule> deepCopy(const QVector<Rule>& rules)
+{
+    QVector<Rule> copy;
+    copy.reserve(rules.size());
+    for (Rule rule : rules) {
+        rule.prefix = deepCopy(rule.prefix);
+        rule.reply = deepCopy(rule.reply);
+        copy.append(rule);
+    }
+    return copy;
+}
+
 Faults deepCopy(const Faults& faults)
 {
     Faults copy = faults;
+    copy.rules = deepCopy(faults.rules);
     copy.refuse = deepCopy(faults.refuse);
     copy.silent = deepCopy(faults.silent);
     copy.lateMs = deepCopy(faults.lateMs);

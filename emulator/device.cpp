@@ -4,9 +4,6 @@
 #include "emulator/noisesource.h"
 #include "emulator/reply.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace emulator {
 
 namespace {
@@ -30,54 +27,6 @@ StageModel stageModel(const ControllerOptions& options, quint64 stage, double in
 
 } // namespace
 
-struct Device::Operation
-{
-    const char* mnemonic;
-    Handler handler;
-};
-
-const Device::Operation* Device::operationOf(const QByteArray& mnemonic)
-{
-    static constexpr Operation operations[] = {
-        {"GID", &Device::identify},
-        {"SLA", &Device::storeLabel},
-        {"GLA", &Device::tellLabel},
-        {"SBR", &Device::setBaudRate},
-        {"S1S", &Device::singleSample},
-        {"GSF", &Device::tellStatus},
-        {"GAS", &Device::tellActive},
-        {"GIN", &Device::tellIntensity},
-        {"SEA", &Device::switchOn},
-        {"CEA", &Device::switchOff},
-        {"SSH", &Device::hold},
-        {"CSH", &Device::clearHold},
-        {"SHS", &Device::acknowledge},
-        {"CHS", &Device::acknowledge},
-        {"STF", &Device::freeze},
-        {"CTF", &Device::clearFreeze},
-        {"SPF", &Device::setPFactor},
-        {"GPF", &Device::tellPFactor},
-        {"SAI", &Device::setAdjustIn},
-        {"GAI", &Device::tellAdjustIn},
-        {"SDS", &Device::setSensitivity},
-        {"GDS", &Device::tellSensitivity},
-        {"SDA", &Device::driveActuator},
-        {"GDA", &Device::tellActuators},
-        {"SMD", &Device::multiplexOn},
-        {"CMD", &Device::multiplexOff},
-        // A subsystem that is locked leaves the path of the common detector.
-        {"SSE", &Device::multiplexOff},
-        {"GMF", &Device::tellMultiplex},
-        {"GCA", &Device::tellPositions},
-        {"GER", &Device::tellError},
-        {"RFR", &Device::tellMemory},
-    };
-    const auto found =
-        std::find_if(std::begin(operations), std::end(operations),
-                     [&](const Operation& operation) { return mnemonic == operation.mnemonic; });
-    return found == std::end(operations) ? nullptr : found;
-}
-
 Device::Device(const ControllerOptions& chosen, const QByteArray& key)
     : options(chosen)
     , deviceKey(key)
@@ -93,82 +42,34 @@ Device::Device(const ControllerOptions& chosen, const QByteArray& key)
 
 Answer Device::execute(const Command& command)
 {
-    current = command.mnemonic;
     if (!isStreaming()) {
         for (StageModel& model : models)
             model.advance(beamStepsPerCommand);
     }
-    if (command.mnemonic == "SLS" || command.mnemonic == "SGS")
-        return startStream(command);
-    if (command.mnemonic == "SPS")
-        return startTriggeredStream();
-    if (command.mnemonic == "CLS")
-        return stopStream();
-    const Operation* operation = operationOf(command.mnemonic);
-    Answer answer;
-    answer.reply = operation ? (this->*operation->handler)(command.arguments)
-                             : refused(RefusalCode::UnknownCommand);
+    Answer answer = answerTo(command);
+    if (answer.isRefused())
+        refuse(command.mnemonic, answer.reason);
     return answer;
+}
+
+Answer Device::answerTo(const Command& command)
+{
+    const Operation* operation = operationOf(command.mnemonic);
+    if (!operation)
+        return RefusalCode::UnknownCommand;
+    if (operation->supported && !(this->*operation->supported)())
+        return RefusalCode::NotSupported;
+    const auto read = readRequest(*operation, command.arguments);
+    if (const auto* reason = std::get_if<RefusalCode>(&read))
+        return *reason;
+    return (this->*operation->handler)(std::get<Request>(read));
 }
 
 QByteArray Device::refuse(const QByteArray& mnemonic, RefusalCode code)
 {
-    current = mnemonic;
-    return refused(code);
-}
-
-QByteArray Device::refused(RefusalCode code)
-{
-    failedMnemonic = current;
+    failedMnemonic = mnemonic;
     failure = code;
     return refusal();
-}
-
-Answer Device::startStream(const Command& command)
-{
-    Answer answer;
-    const bool startOfVm = command.mnemonic == "SGS";
-    const int wanted = unsignedWordAt(command.arguments, 2);
-    if (startOfVm != options.vm) {
-        answer.reply = refused(RefusalCode::NotSupported);
-    } else if (wanted < leastRate || wanted > greatestRate) {
-        answer.reply = refused(RefusalCode::ValueOutOfRange);
-    } else {
-        streaming = true;
-        streamRate = wanted;
-        source.rewind(streamRate);
-        answer.reply = nextPacket();
-        answer.stream = Answer::Stream::Started;
-    }
-    return answer;
-}
-
-Answer Device::startTriggeredStream()
-{
-    Answer answer;
-    if (!options.triggerCapable) {
-        answer.reply = refused(RefusalCode::NotSupported);
-        return answer;
-    }
-    streaming = true;
-    streamRate = options.triggerRateHz;
-    source.rewind(streamRate);
-    answer.reply = acceptance();
-    answer.stream = Answer::Stream::StartedByTrigger;
-    return answer;
-}
-
-Answer Device::stopStream()
-{
-    Answer answer;
-    answer.reply = acceptance();
-    answer.stream = Answer::Stream::Stopped;
-    if (streaming && hasStreamFlags()) {
-        moveBeam();
-        answer.lastPacket = packetOf(measured(), LastPacket);
-    }
-    endStream();
-    return answer;
 }
 
 QByteArray Device::nextPacket()
