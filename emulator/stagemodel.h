@@ -10,11 +10,13 @@
 #include <QtGlobal>
 
 #include <array>
+#include <optional>
 
 namespace emulator {
 
-/// One stage of a controller: the beam on its detector in two axes, and the loop that holds it.
-/// Voltages are millivolts, as on the wire. Not thread safe.
+/// One stage of a controller: the beam on its detector in two axes, and the loop that holds it. A
+/// stage of a group has the group's common detector as well. Voltages are millivolts, as on the
+/// wire. Not thread safe.
 class StageModel final
 {
 public:
@@ -27,9 +29,14 @@ public:
     /// Middle of the actuators' range of 0 to 10 V.
     static constexpr int actuatorMiddleMv = 5000;
 
+    /// Detectors that a stage can be read from. A stage alone has only its own, which then takes
+    /// the place of the common one.
+    enum class View { Own, Common };
+    enum class Company { Alone, InGroup };
+
     /// `intensityMv` is the intensity signal of the undimmed, centred beam.
     StageModel(const BeamPreset& disturbances, const StageOptions& options, double intensityMv,
-               quint64 seed);
+               quint64 seed, Company company = Company::Alone);
     /// A stage with default options but for the kind of its detector.
     StageModel(const BeamPreset& disturbances, DetectorKind detector, double intensityMv,
                quint64 seed);
@@ -63,18 +70,22 @@ public:
     /// Goes back to adjust-in.
     void clearHold();
     bool isHeld() const { return held; }
+    /// A stage of a group that is multiplexed holds its beam on the common detector, any other one
+    /// on its own. Targets keep their millivolts.
+    void setMultiplexed(bool multiplexed) { onCommonPath = multiplexed; }
+    bool isMultiplexed() const { return onCommonPath; }
     /// Drives an actuator to `millivolts` from its middle. A loop that is on continues from there.
     void driveActuator(Axis axis, int millivolts);
 
     /// Position signal, -5000 to 5000.
-    qint16 positionMv(Axis axis) const;
-    quint16 intensityMv() const;
+    qint16 positionMv(Axis axis, View view = View::Own) const;
+    quint16 intensityMv(View view = View::Own) const;
     /// Actuator signal, 0 to 10000.
     qint16 actuatorMv(Axis axis) const;
 
     /// Position signal before the low pass that stands in front of the sampler, mV.
-    double rawPositionMv(Axis axis) const { return reading.signalMv(axis); }
-    /// Where the beam really is, micrometres from the detector's centre.
+    double rawPositionMv(Axis axis) const { return own.signalMv(axis); }
+    /// Where the beam really is, micrometres from the centre of its own detector.
     double beamMicrometres(Axis axis) const { return beam[axis]; }
 
 private:
@@ -91,6 +102,9 @@ private:
 
     AxisState& ofAxis(Axis axis) { return axisStates[axis]; }
     const AxisState& ofAxis(Axis axis) const { return axisStates[axis]; }
+    const DetectorReading& seen(View view) const;
+    /// What the loops work with.
+    const DetectorReading& watched() const { return seen(onCommonPath ? View::Common : View::Own); }
     void updateGain();
     void updateTargets();
     void step();
@@ -102,11 +116,13 @@ private:
     PerAxis undisturbed;
     double fullIntensityMv;
     double whiteMicrometres;
-    DetectorReading reading;
+    DetectorReading own;
+    std::optional<DetectorReading> common;
     NoiseSource lightNoise;
     std::array<AxisState, axes> axisStates;
     bool on = false;
     bool held = false;
+    bool onCommonPath;
     int pFactorMv = nominalPFactorMv;
     int sensitivityMv = 0;
     ExternalInputs external;
