@@ -42,7 +42,7 @@ void DetectorReading::step(const PerAxis& beamUm, const PerAxis& noiseUm, double
 
 bool DetectorReading::hasEnoughLight() const
 {
-    return lightMv >= leastLightShare * model.fullIntensityMv();
+    return lightMv >= leastLightShare * model.fullIntensityMv() && model.gain() > 0.0;
 }
 
 } // namespace emulator

@@ -30,10 +30,10 @@ public:
     /// The same behind the low pass.
     double sampledMv(std::size_t axis) const { return lowPassedMv[axis]; }
     double intensityMv() const { return lightMv * model.gain(); }
-    /// Whether there is enough light for a loop to work with.
+    /// Whether there is enough light for a loop to work with, and a gain that shows it.
     bool hasEnoughLight() const;
     /// How far the beam is from where it would give the signal `targetMv`, micrometres, by the
-    /// slope at the centre.
+    /// slope at the centre. The gain must not be 0.
     double errorMicrometres(std::size_t axis, double targetMv) const
     {
         return (targetMv - rawMv[axis]) / model.centreSlopeMv();

@@ -22,7 +22,9 @@ constexpr int beamStepsPerCommand = beamStepsPerSecond / 100;
 StageModel stageModel(const ControllerOptions& options, quint64 stage, double intensityMv)
 {
     return StageModel(beamPreset(options.preset), options.stages[stage - 1], intensityMv,
-                      derivedSeed(options.seed, stage));
+                      derivedSeed(options.seed, stage),
+                      options.group > 0 ? StageModel::Company::InGroup
+                                        : StageModel::Company::Alone);
 }
 
 } // namespace
@@ -33,7 +35,6 @@ Device::Device(const ControllerOptions& chosen, const QByteArray& key)
     , models{stageModel(chosen, 1, stage1IntensityMv), stageModel(chosen, 2, stage2IntensityMv)}
     , source(chosen.script, chosen.scriptRepeats, chosen.replay)
     , storedLabel(chosen.label.leftJustified(labelLength, ' ', true))
-    , multiplex{chosen.stages[0].multiplexed, chosen.stages[1].multiplexed}
     , serialBaudRate(chosen.baudRate)
 {
     for (StageModel& model : models)
@@ -76,7 +77,7 @@ QByteArray Device::nextPacket()
 {
     moveBeam();
     const bool silent = source.kind() == SampleSource::Kind::Script && !source.sample();
-    QByteArray packet = silent ? QByteArray() : packetOf(measured(), 0);
+    QByteArray packet = silent ? QByteArray() : streamPacket(0);
     source.advance();
     return packet;
 }
@@ -130,7 +131,7 @@ StageState Device::stageState(int stage) const
     state.on = model.isOn();
     state.active = model.isActive();
     state.held = model.isHeld();
-    state.multiplexed = multiplex[index];
+    state.multiplexed = model.isMultiplexed();
     state.frozen = frozen[index];
     state.pFactorMv = model.pFactor();
     state.sensitivityMv = model.sensitivity();
@@ -150,7 +151,7 @@ StageState Device::stageState(int stage) const
 void Device::setMultiplexed(int stage, bool on)
 {
     if (stage >= 1 && stage <= stages)
-        multiplex[static_cast<std::size_t>(stage - 1)] = on;
+        models[static_cast<std::size_t>(stage - 1)].setMultiplexed(on);
 }
 
 void Device::setScript(const QVector<PacketValues>& script, bool repeats)
@@ -179,30 +180,52 @@ quint8 Device::stageFlags() const
     return static_cast<quint8>(flags);
 }
 
-QByteArray Device::packetOf(const PacketValues& values, quint8 extraFlags) const
+QByteArray Device::packetOf(const PacketValues& values, quint8 extraFlagsA,
+                            quint8 extraFlagsB) const
 {
     if (!hasStreamFlags())
         return encodePacket(values, bytesAtRest, bytesAtRest);
     int flagsB = 0;
-    flagsB |= multiplex[0] ? Multiplex1 : 0;
-    flagsB |= multiplex[1] ? Multiplex2 : 0;
+    flagsB |= models[0].isMultiplexed() ? Multiplex1 : 0;
+    flagsB |= models[1].isMultiplexed() ? Multiplex2 : 0;
     flagsB |= options.flagBBit2 ? NotToBeStored : 0;
-    return encodePacket(values, static_cast<quint8>(stageFlags() | extraFlags),
-                        static_cast<quint8>(flagsB));
+    return encodePacket(values, static_cast<quint8>(stageFlags() | extraFlagsA),
+                        static_cast<quint8>(flagsB | extraFlagsB));
+}
+
+/// The packet of a stream that is due.
+QByteArray Device::streamPacket(quint8 extraFlagsA) const
+{
+    if (!showsCommonDetector())
+        return packetOf(measured(), extraFlagsA, 0);
+    const auto view = [](const StageModel& model) {
+        return model.isMultiplexed() ? StageModel::View::Common : StageModel::View::Own;
+    };
+    return packetOf(measured({view(models[0]), view(models[1])}), extraFlagsA, NotToBeStored);
+}
+
+/// Firmware of the kind VM tells of the common detector in every second packet while a stage is
+/// multiplexed. Only the flags tell such a packet from the others.
+bool Device::showsCommonDetector() const
+{
+    const bool isMultiplexed = models[0].isMultiplexed() || models[1].isMultiplexed();
+    const bool isItsTurn = source.packetNumber() % 2 == 1;
+    return options.vm && options.group > 0 && hasStreamFlags() && isMultiplexed && isItsTurn
+           && source.kind() == SampleSource::Kind::Beam;
 }
 
 /// What the controller measures at this moment.
-PacketValues Device::measured() const
+PacketValues Device::measured(const Views& views) const
 {
     if (source.kind() != SampleSource::Kind::Beam)
         return source.lastSample();
     PacketValues values;
-    values.x1 = models[0].positionMv(StageModel::X);
-    values.y1 = models[0].positionMv(StageModel::Y);
-    values.i1 = models[0].intensityMv();
-    values.x2 = models[1].positionMv(StageModel::X);
-    values.y2 = models[1].positionMv(StageModel::Y);
-    values.i2 = models[1].intensityMv();
+    values.x1 = models[0].positionMv(StageModel::X, views[0]);
+    values.y1 = models[0].positionMv(StageModel::Y, views[0]);
+    values.i1 = models[0].intensityMv(views[0]);
+    values.x2 = models[1].positionMv(StageModel::X, views[1]);
+    values.y2 = models[1].positionMv(StageModel::Y, views[1]);
+    values.i2 = models[1].intensityMv(views[1]);
     values.rx1 = models[0].actuatorMv(StageModel::X);
     values.ry1 = models[0].actuatorMv(StageModel::Y);
     values.rx2 = models[1].actuatorMv(StageModel::X);

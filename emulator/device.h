@@ -107,8 +107,12 @@ private:
     bool hasSensitivity() const;
     bool hasStreamFlags() const;
     quint8 stageFlags() const;
-    QByteArray packetOf(const PacketValues& values, quint8 extraFlags) const;
-    PacketValues measured() const;
+    QByteArray packetOf(const PacketValues& values, quint8 extraFlagsA, quint8 extraFlagsB) const;
+    QByteArray streamPacket(quint8 extraFlagsA) const;
+    bool showsCommonDetector() const;
+    using Views = std::array<StageModel::View, stages>;
+    PacketValues measured(const Views& views = {StageModel::View::Own,
+                                                StageModel::View::Own}) const;
     void moveBeam();
     QByteArray memoryImage() const;
 
@@ -117,7 +121,6 @@ private:
     std::array<StageModel, stages> models;
     SampleSource source;
     QByteArray storedLabel;
-    std::array<bool, stages> multiplex{};
     /// Trigger Freeze only shows in the memory image; the emulated loops do not react to triggers.
     std::array<bool, stages> frozen{};
     int serialBaudRate;

@@ -17,7 +17,11 @@ constexpr double greatestInterruptionSeconds = 5.0;
 constexpr int eventDrawsPerSecond = 100;
 constexpr double secondsPerHour = 3600.0;
 /// Numbers of the random streams of a stage.
-enum SeedStream : quint64 { XBeam, XNoise, YBeam, YNoise, Light };
+enum SeedStream : quint64 { XBeam, XNoise, YBeam, YNoise, Light, CommonPlace };
+
+// How far the centre of a common detector is from where a beam meets its own detector's centre.
+constexpr double leastCommonOffsetUm = 10.0;
+constexpr double greatestCommonOffsetUm = 20.0;
 
 double lightSmoothing()
 {
@@ -28,6 +32,27 @@ double lightSmoothing()
 qint16 wholeMillivolts(double value, double least, double greatest)
 {
     return static_cast<qint16>(std::lround(std::clamp(value, least, greatest)));
+}
+
+/// What counts: the setting by software, or the external input while that is 0.
+int inForce(int bySoftwareMv, int inputMv)
+{
+    return bySoftwareMv == 0 ? inputMv : bySoftwareMv;
+}
+
+/// Where a group's common detector is for a stage. No two stages agree on that, so that the beams
+/// of a group do not lie on each other.
+PerAxis commonCentreUm(quint64 seed)
+{
+    NoiseSource places(derivedSeed(seed, CommonPlace));
+    PerAxis centre;
+    for (double& place : centre) {
+        const double side = places.uniform() < 0.5 ? -1.0 : 1.0;
+        place = side
+                * (leastCommonOffsetUm
+                   + (greatestCommonOffsetUm - leastCommonOffsetUm) * places.uniform());
+    }
+    return centre;
 }
 
 StageOptions optionsOf(DetectorKind kind)
@@ -45,17 +70,24 @@ StageModel::AxisState::AxisState(const BeamPreset& preset, BeamAxis axis, quint6
 {}
 
 StageModel::StageModel(const BeamPreset& disturbances, const StageOptions& options,
-                       double intensity, quint64 seed)
+                       double intensity, quint64 seed, Company company)
     : preset(disturbances)
     , undisturbed{options.offsetXUm, options.offsetYUm}
     , fullIntensityMv(intensity)
     , whiteMicrometres(preset.whiteDensity * std::sqrt(beamStepsPerSecond / 2.0))
-    , reading(DetectorModel(options.detector, options.spotDiameterUm, intensity), PerAxis{})
+    , own(DetectorModel(options.detector, options.spotDiameterUm, intensity), PerAxis{})
     , lightNoise(derivedSeed(seed, Light))
     , axisStates{AxisState(preset, BeamAxis::Horizontal, seed),
                  AxisState(preset, BeamAxis::Vertical, seed)}
+    , onCommonPath(options.multiplexed)
+    , external(options.inputs)
 {
-    updateBandwidth();
+    if (company == Company::InGroup) {
+        common.emplace(DetectorModel(options.detector, options.spotDiameterUm, intensity),
+                       commonCentreUm(seed));
+    }
+    updateGain();
+    updateTargets();
     // Long enough for the sampler's low pass to settle on the beam.
     advance(beamStepsPerSecond / eventDrawsPerSecond);
 }
@@ -74,7 +106,7 @@ void StageModel::advance(int steps)
 void StageModel::restart()
 {
     on = false;
-    held = false;
+    clearHold();
     for (AxisState& state : axisStates)
         state.loop.park(0.0);
 }
@@ -94,33 +126,47 @@ bool StageModel::isActive() const
 {
     const bool inRange = std::none_of(axisStates.begin(), axisStates.end(),
                                       [](const auto& state) { return state.loop.atEndOfTravel(); });
-    return on && inRange && reading.hasEnoughLight();
+    return on && inRange && watched().hasEnoughLight();
+}
+
+void StageModel::setInputs(const ExternalInputs& moved)
+{
+    external = moved;
+    updateGain();
+    updateTargets();
 }
 
 void StageModel::setPFactor(int millivolts)
 {
     pFactorMv = millivolts;
-    updateBandwidth();
+    updateGain();
 }
 
 void StageModel::setSensitivity(int millivolts)
 {
     sensitivityMv = millivolts;
-    updateBandwidth();
+    updateGain();
 }
 
 void StageModel::setAdjustIn(Axis axis, int millivolts)
 {
     adjustInMv[axis] = millivolts;
-    held = false;
+    clearHold();
 }
 
 void StageModel::setHold()
 {
     for (const Axis axis : {X, Y})
-        ofAxis(axis).heldMv = reading.sampledMv(axis);
+        ofAxis(axis).heldMv = watched().sampledMv(axis);
     held = true;
+    updateTargets();
     setOn(true);
+}
+
+void StageModel::clearHold()
+{
+    held = false;
+    updateTargets();
 }
 
 void StageModel::driveActuator(Axis axis, int millivolts)
@@ -128,14 +174,19 @@ void StageModel::driveActuator(Axis axis, int millivolts)
     ofAxis(axis).loop.park(StabilisationLoop::travelMicrometres * millivolts / actuatorMiddleMv);
 }
 
-qint16 StageModel::positionMv(Axis axis) const
+const DetectorReading& StageModel::seen(View view) const
 {
-    return wholeMillivolts(reading.sampledMv(axis), -positionRangeMv, positionRangeMv);
+    return view == View::Common && common ? *common : own;
 }
 
-quint16 StageModel::intensityMv() const
+qint16 StageModel::positionMv(Axis axis, View view) const
 {
-    return static_cast<quint16>(wholeMillivolts(reading.intensityMv(), 0.0, intensityRangeMv));
+    return wholeMillivolts(seen(view).sampledMv(axis), -positionRangeMv, positionRangeMv);
+}
+
+quint16 StageModel::intensityMv(View view) const
+{
+    return static_cast<quint16>(wholeMillivolts(seen(view).intensityMv(), 0.0, intensityRangeMv));
 }
 
 qint16 StageModel::actuatorMv(Axis axis) const
@@ -144,23 +195,31 @@ qint16 StageModel::actuatorMv(Axis axis) const
     return wholeMillivolts(actuatorMiddleMv * (1.0 + share), 0.0, 2.0 * actuatorMiddleMv);
 }
 
-double StageModel::gain() const
+void StageModel::updateGain()
 {
-    return sensitivityMv == 0 ? 1.0 : static_cast<double>(sensitivityMv) / nominalSensitivityMv;
+    const double gain =
+        static_cast<double>(inForce(sensitivityMv, external.sensitivityMv)) / nominalSensitivityMv;
+    own.setGain(gain);
+    if (common)
+        common->setGain(gain);
+    const double pFactorVolts = inForce(pFactorMv, external.pFactorMv) * 0.001;
+    for (AxisState& state : axisStates)
+        state.loop.setBandwidth(StabilisationLoop::bandwidthPerVoltHz * pFactorVolts * gain);
 }
 
-void StageModel::updateBandwidth()
+void StageModel::updateTargets()
 {
-    reading.setGain(gain());
-    const double pFactorVolts = (pFactorMv == 0 ? nominalPFactorMv : pFactorMv) * 0.001;
-    for (AxisState& state : axisStates)
-        state.loop.setBandwidth(StabilisationLoop::bandwidthPerVoltHz * pFactorVolts * gain());
+    const std::array<int, axes> inputMv{external.adjustInXMv, external.adjustInYMv};
+    for (const Axis axis : {X, Y}) {
+        AxisState& state = ofAxis(axis);
+        state.targetMv = held ? state.heldMv : inForce(adjustInMv[axis], inputMv[axis]);
+    }
 }
 
 void StageModel::step()
 {
     // Too little light stops the loops one step later.
-    const bool loopsWork = on && reading.hasEnoughLight();
+    const bool loopsWork = on && watched().hasEnoughLight();
     stepLight();
     PerAxis noise;
     for (const Axis axis : {X, Y}) {
@@ -168,7 +227,10 @@ void StageModel::step()
         beam[axis] = state.disturbance.next() + undisturbed[axis] + state.loop.correction();
         noise[axis] = whiteMicrometres * state.detectorNoise.gaussian();
     }
-    reading.step(beam, noise, fullIntensityMv * lightPassing * (1.0 + lightFluctuation));
+    const double arrivingMv = fullIntensityMv * lightPassing * (1.0 + lightFluctuation);
+    own.step(beam, noise, arrivingMv);
+    if (common)
+        common->step(beam, noise, arrivingMv);
     if (loopsWork)
         stepLoops();
 }
@@ -176,11 +238,8 @@ void StageModel::step()
 void StageModel::stepLoops()
 {
     // The bandwidth holds the gain already: the error is taken back to the beam's micrometres.
-    for (const Axis axis : {X, Y}) {
-        AxisState& state = ofAxis(axis);
-        const double targetMv = held ? state.heldMv : adjustInMv[axis];
-        state.loop.step(reading.errorMicrometres(axis, targetMv));
-    }
+    for (const Axis axis : {X, Y})
+        ofAxis(axis).loop.step(watched().errorMicrometres(axis, ofAxis(axis).targetMv));
 }
 
 void StageModel::stepLight()

@@ -8,8 +8,10 @@ namespace emulator {
 /// is 0.
 struct ExternalInputs
 {
+    /// 0 to 5000, as the sensitivity.
     int pFactorMv = 1000;
     int sensitivityMv = 1000;
+    /// -5000 to 5000, as the other axis.
     int adjustInXMv = 0;
     int adjustInYMv = 0;
 };

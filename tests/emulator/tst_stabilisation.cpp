@@ -56,6 +56,7 @@ private slots:
     void loopHoldsTheBeamAlikeOnEveryDetector_data();
     void loopHoldsTheBeamAlikeOnEveryDetector();
     void offsetMovesTheUndisturbedBeam();
+    void inputsCanBeMovedWhileTheLoopWorks();
 };
 
 void TestStabilisation::loopSuppressesInProportionToFrequency()
@@ -371,6 +372,26 @@ void TestStabilisation::offsetMovesTheUndisturbedBeam()
     QCOMPARE(stage.positionMv(StageModel::X), qint16(0));
     // 20 micrometres are a quarter of the travel.
     QCOMPARE(stage.actuatorMv(StageModel::X), qint16(3750));
+}
+
+void TestStabilisation::inputsCanBeMovedWhileTheLoopWorks()
+{
+    StageModel stage = calmStage();
+    stage.setOn(true);
+    stage.advance(beamStepsPerSecond);
+    QCOMPARE(stage.positionMv(StageModel::X), qint16(0));
+
+    ExternalInputs inputs;
+    inputs.adjustInXMv = 700;
+    inputs.adjustInYMv = -200;
+    inputs.sensitivityMv = 2000;
+    stage.setInputs(inputs);
+    stage.advance(beamStepsPerSecond);
+
+    QCOMPARE(stage.positionMv(StageModel::X), qint16(700));
+    QCOMPARE(stage.positionMv(StageModel::Y), qint16(-200));
+    // At twice the sensitivity a micrometre is 100 mV.
+    QVERIFY(std::fabs(stage.beamMicrometres(StageModel::X) - 7.0) < 0.001);
 }
 
 QTEST_GUILESS_MAIN(TestStabilisation)

@@ -96,11 +96,22 @@ ControllerOptions beamAside(Preset preset)
     return options;
 }
 
+/// A still beam, and external inputs of stage 1 that do not stand where they usually do.
+ControllerOptions withInputsMoved()
+{
+    ControllerOptions options;
+    options.preset = Preset::Still;
+    options.stages[0].inputs.pFactorMv = 700;
+    options.stages[0].inputs.adjustInXMv = 600;
+    options.stages[0].inputs.adjustInYMv = -400;
+    return options;
+}
+
 /// What the packets of a stream at a P-factor have left of the beam's unrest around 12 Hz, where a
 /// mount swings.
-double unrest(const QByteArrayList& orders)
+double unrest(const QByteArrayList& orders, const ControllerOptions& options = {})
 {
-    Device device({}, "KEY");
+    Device device(options, "KEY");
     for (const QByteArray& order : orders)
         device.execute(parseCommand(order).command);
     // A fast stream folds less of the detector's noise over the band that is looked at.
@@ -130,6 +141,14 @@ private slots:
     void pFactorSetsTheBandwidth_data();
     void pFactorSetsTheBandwidth();
     void sameSeedGivesTheSameBytes();
+    void externalAdjustInIsTheTargetOfAnAxisWithoutOneOfItsOwn();
+    void clearedHoldGoesBackToTheExternalAdjustIn();
+    void externalPFactorSetsTheBandwidth();
+    void externalSensitivityScalesTheSignals();
+    void loopRestsWithoutSensitivity();
+    void settingsOfExternalSourcesAreToldAsZero();
+    void statusTellsTheSources_data();
+    void statusTellsTheSources();
 };
 
 void TestTargets::heldBeamRestsWhereItWas_data()
@@ -305,6 +324,113 @@ void TestTargets::sameSeedGivesTheSameBytes()
 
     QCOMPARE(streamed(seed), first);
     QVERIFY(streamed(seed + 1) != first);
+}
+
+void TestTargets::externalAdjustInIsTheTargetOfAnAxisWithoutOneOfItsOwn()
+{
+    Table table(withInputsMoved());
+    table.order(setAdjustIn(1, 'y', 100));
+    table.order("SEA" + hex("03 3b"));
+
+    const QByteArrayList packets = table.stream(0.1);
+
+    QVERIFY(meanIsNear(packets, X1, 600.0, 1.0));
+    QVERIFY(meanIsNear(packets, Y1, 100.0, 1.0));
+    QVERIFY(meanIsNear(packets, X2, 0.0, 1.0));
+    table.order(setAdjustIn(1, 'y', 0));
+    QVERIFY(meanIsNear(table.stream(0.1), Y1, -400.0, 1.0));
+}
+
+void TestTargets::clearedHoldGoesBackToTheExternalAdjustIn()
+{
+    Table table(withInputsMoved());
+    table.order("SSH" + stage1);
+    QVERIFY(meanIsNear(table.stream(0.1), X1, 0.0, 1.0));
+
+    table.order("CSH" + stage1);
+
+    QVERIFY(meanIsNear(table.stream(0.1), X1, 600.0, 1.0));
+}
+
+void TestTargets::externalPFactorSetsTheBandwidth()
+{
+    ControllerOptions options;
+    options.stages[0].inputs.pFactorMv = 500;
+    const QByteArray switchOn = "SEA" + stage1;
+    const QByteArray external = "SPF" + hex("01 0000 3b");
+
+    const double left = unrest({external, switchOn}, options) / unrest({});
+
+    QVERIFY2(isWithin(left, 0.12, 0.1), qPrintable(QString("%1 of it is left").arg(left)));
+    QCOMPARE(unrest({switchOn}, options), unrest({switchOn}));
+}
+
+void TestTargets::externalSensitivityScalesTheSignals()
+{
+    ControllerOptions options = beamAside(Preset::Still);
+    options.stages[0].inputs.sensitivityMv = 2500;
+    Table table(options);
+    const auto intensity = [&] { return wordAt(table.ask("GIN" + stage1, 5), 2); };
+    QCOMPARE(table.position(X1), 2500);
+    const int amplified = intensity();
+
+    table.order("SDS" + hex("01 03e8 3b"));
+    QCOMPARE(table.position(X1), 1000);
+    QVERIFY(std::abs(amplified - 2.5 * intensity()) <= 2.0);
+    table.order("SDS" + hex("01 0000 3b"));
+    QCOMPARE(table.position(X1), 2500);
+}
+
+void TestTargets::loopRestsWithoutSensitivity()
+{
+    ControllerOptions options = beamAside(Preset::Still);
+    options.stages[0].inputs.sensitivityMv = 0;
+    Table table(options);
+    table.order("SEA" + stage1);
+    QCOMPARE(table.position(X1), 0);
+    QCOMPARE(table.ask("GDA;", 11), hex("00 3b 1388 1388 1388 1388 3b"));
+
+    table.order("SDS" + hex("01 03e8 3b"));
+
+    QVERIFY(meanIsNear(table.stream(0.1), X1, 0.0, 1.0));
+    QCOMPARE(table.ask("GDA;", 11), hex("00 3b 0ea6 1732 1388 1388 3b"));
+}
+
+void TestTargets::settingsOfExternalSourcesAreToldAsZero()
+{
+    Table table(withInputsMoved());
+    table.order("SPF" + hex("01 0000 3b"));
+
+    QCOMPARE(table.ask("GPF" + stage1, 5), hex("00 3b 0000 3b"));
+    QCOMPARE(table.ask("GDS" + stage1, 5), hex("00 3b 0000 3b"));
+    QCOMPARE(table.ask("GAI" + hex("01 78 3b"), 5), hex("00 3b 0000 3b"));
+    QCOMPARE(table.ask("GAI" + hex("01 79 3b"), 5), hex("00 3b 0000 3b"));
+}
+
+void TestTargets::statusTellsTheSources_data()
+{
+    QTest::addColumn<QByteArrayList>("orders");
+    QTest::addColumn<QByteArray>("flags");
+
+    QTest::newRow("as it starts") << QByteArrayList() << hex("01");
+    QTest::newRow("P-factor of one stage external")
+        << QByteArrayList{"SPF" + hex("02 0000 3b")} << hex("00");
+    QTest::newRow("adjust-in of stage 1") << QByteArrayList{setAdjustIn(1, 'y', 100)} << hex("03");
+    QTest::newRow("adjust-in of stage 2") << QByteArrayList{setAdjustIn(2, 'x', 1)} << hex("05");
+    QTest::newRow("adjust-in back to external")
+        << QByteArrayList{setAdjustIn(2, 'x', 1), setAdjustIn(2, 'x', 0)} << hex("01");
+}
+
+void TestTargets::statusTellsTheSources()
+{
+    QFETCH(QByteArrayList, orders);
+    QFETCH(QByteArray, flags);
+    Table table(withInputsMoved());
+
+    for (const QByteArray& order : orders)
+        table.order(order);
+
+    QCOMPARE(table.ask("GSF;", 4), hex("00 3b") + flags + ';');
 }
 
 QTEST_GUILESS_MAIN(TestTargets)
