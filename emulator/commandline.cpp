@@ -1,7 +1,9 @@
 #include "emulator/commandline.h"
 
+#include "emulator/helptext.h"
 #include "emulator/optionreader.h"
 #include "emulator/optionsections.h"
+#include "emulator/optionsfile.h"
 #include "emulator/placementreader.h"
 
 #include <QCommandLineParser>
@@ -54,9 +56,58 @@ QVector<Placement> readPlacements(const QCommandLineParser& parser, const Contro
     return placements;
 }
 
-QString helpText(const QCommandLineParser& parser)
+/// Puts what the files of options hold in front of the arguments, so that what the command line
+/// says wins. False on failure, with the reason in `error`.
+bool addFiles(QStringList& arguments, const QStringList& files, QString& error)
 {
-    return parser.helpText();
+    // Behind the program's name.
+    int place = 1;
+    for (const QString& file : files) {
+        const std::optional<QStringList> added = readOptionsFile(file, error);
+        if (!added) {
+            error.prepend("--options: ");
+            return false;
+        }
+        for (const QString& argument : *added)
+            arguments.insert(place++, argument);
+    }
+    return true;
+}
+
+/// Reads the arguments and the files that they name. False on failure, with the reason in `error`.
+bool parse(QCommandLineParser& parser, QStringList arguments, QString& error)
+{
+    if (!parser.parse(arguments)) {
+        error = parser.errorText();
+        return false;
+    }
+    const QStringList files = parser.values("options");
+    if (!addFiles(arguments, files, error))
+        return false;
+    if (!parser.parse(arguments)) {
+        error = parser.errorText();
+    } else if (parser.values("options") != files) {
+        error = tr("--options: a file of options can not name another one");
+    } else if (!parser.positionalArguments().isEmpty()) {
+        error = tr("what is \"%1\"?").arg(parser.positionalArguments().first());
+    }
+    return error.isEmpty();
+}
+
+QString wholeHelp()
+{
+    const QString usage = tr("Usage: lumetra-emulator OPTION...");
+    const QString purpose =
+        tr("Emulates controllers for laser-beam position stabilisation. For each controller that "
+           "is ready a line \"tcp ADDRESS:PORT KEY\" or \"pty LINK KEY\" is printed.");
+    const QString manner =
+        tr("What describes a controller holds for all where it stands alone. Behind a "
+           "controller's place it holds for that one only, and wins:");
+    const QString example = QStringLiteral("  lumetra-emulator --firmware 31 "
+                                           "--tcp 127.0.0.11:2000,firmware=10,vm");
+    return QStringList{usage + '\n', wrapped(purpose), wrapped(manner) + example + '\n',
+                       helpText(QVector<OptionSection>{programSection()} + controllerSections())}
+        .join('\n');
 }
 
 } // namespace
@@ -64,29 +115,24 @@ QString helpText(const QCommandLineParser& parser)
 CommandLine readCommandLine(const QStringList& arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        tr("Emulates controllers for laser-beam position stabilisation.\n\n"
-           "For each controller that is ready a line \"tcp ADDRESS:PORT KEY\" or "
-           "\"pty LINK KEY\" is printed."));
     addOptions(parser);
 
     CommandLine line;
-    if (!parser.parse(arguments))
-        return failed(parser.errorText());
+    QString error;
+    if (!parse(parser, arguments, error))
+        return failed(error);
     if (parser.isSet("help")) {
         line.wish = CommandLine::Wish::ShowHelp;
-        line.text = helpText(parser);
+        line.text = wholeHelp();
         return line;
     }
     if (parser.isSet("version")) {
         line.wish = CommandLine::Wish::ShowVersion;
         return line;
     }
-    if (!parser.positionalArguments().isEmpty())
-        return failed(tr("what is \"%1\"?").arg(parser.positionalArguments().first()));
     OptionReader reader(parser, "--");
     const ControllerOptions common = readControllerOptions(reader, {});
-    QString error = reader.complaint();
+    error = reader.complaint();
     if (error.isEmpty())
         line.placements = readPlacements(parser, common, error);
     line.quiet = parser.isSet("quiet");

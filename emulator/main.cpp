@@ -87,6 +87,16 @@ void announce(const Faces& faces)
     }
 }
 
+void tellUnplayedRules(const Faces& faces)
+{
+    for (const auto& face : faces) {
+        for (const QString& rule : face->controller().unplayedRules()) {
+            say(stderr, QCoreApplication::translate("Program", "%1: %2 never acted")
+                            .arg(face->place(), rule));
+        }
+    }
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -115,5 +125,8 @@ int main(int argc, char* argv[])
         return failure;
     quitSignals.watch();
     announce(faces);
-    return QCoreApplication::exec();
+    const int result = QCoreApplication::exec();
+    if (!line.quiet)
+        tellUnplayedRules(faces);
+    return result;
 }

@@ -1,7 +1,5 @@
 #include "emulator/optionreader.h"
 
-#include "emulator/command.h"
-
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
@@ -66,6 +64,55 @@ int OptionReader::numberIn(const QString& option, const QString& text, int least
     return number;
 }
 
+void OptionReader::decimal(const QString& option, double& value, double least, double greatest)
+{
+    if (isGiven(option))
+        value = decimalIn(option, text(option), least, greatest);
+}
+
+double OptionReader::decimalIn(const QString& option, const QString& text, double least,
+                               double greatest)
+{
+    bool ok = false;
+    const double number = text.toDouble(&ok);
+    const bool inRange = number >= least && number <= greatest;
+    if (!ok || !inRange)
+        complain(option,
+                 tr("\"%1\" is not a number from %2 to %3").arg(text).arg(least).arg(greatest));
+    return number;
+}
+
+/// The two texts of a pair; empty if the option is not given or no pair.
+QStringList OptionReader::pairIn(const QString& option)
+{
+    if (!isGiven(option))
+        return {};
+    const QStringList pair = text(option).split(':');
+    if (pair.size() == 2)
+        return pair;
+    complain(option, tr("\"%1\" is not two numbers, as in 20:-5").arg(text(option)));
+    return {};
+}
+
+void OptionReader::numbers(const QString& option, int& first, int& second, int least, int greatest)
+{
+    const QStringList pair = pairIn(option);
+    if (pair.isEmpty())
+        return;
+    first = numberIn(option, pair[0], least, greatest);
+    second = numberIn(option, pair[1], least, greatest);
+}
+
+void OptionReader::decimals(const QString& option, double& first, double& second, double least,
+                            double greatest)
+{
+    const QStringList pair = pairIn(option);
+    if (pair.isEmpty())
+        return;
+    first = decimalIn(option, pair[0], least, greatest);
+    second = decimalIn(option, pair[1], least, greatest);
+}
+
 void OptionReader::seed(const QString& option, quint64& value)
 {
     if (!isGiven(option))
@@ -100,34 +147,21 @@ bool OptionReader::isOneOf(const QString& option, const QStringList& choices)
     return false;
 }
 
-QByteArray OptionReader::mnemonicIn(const QString& option, const QString& text)
+QVector<Rule> OptionReader::rules(const QStringList& options)
 {
-    QByteArray mnemonic = text.toLatin1().toUpper();
-    if (argumentLength(mnemonic) < 0)
-        complain(option, tr("there is no command \"%1\"").arg(text));
-    return mnemonic;
-}
-
-void OptionReader::mnemonics(const QString& option, QByteArrayList& list)
-{
-    QByteArrayList given;
-    for (const QString& text : texts(option))
-        given.append(mnemonicIn(option, text));
-    list = given + list;
-}
-
-void OptionReader::numbersByMnemonic(const QString& option, QMap<QByteArray, int>& map,
-                                     int greatest)
-{
-    for (const QString& text : texts(option)) {
-        const int sign = text.indexOf('=');
-        if (sign < 0) {
-            complain(option, tr("\"%1\" lacks \"=\" and a number").arg(text));
+    QVector<Rule> rules;
+    QMap<QString, int> taken;
+    // One name for each time that an option is given, in that order.
+    for (const QString& option : parser.optionNames()) {
+        if (!options.contains(option))
             continue;
-        }
-        map.insert(mnemonicIn(option, text.left(sign)),
-                   numberIn(option, text.mid(sign + 1), 0, greatest));
+        const ParsedRule parsed = parseRule(option, texts(option).at(taken[option]++));
+        if (parsed.rule)
+            rules.append(*parsed.rule);
+        else
+            complain(option, parsed.error);
     }
+    return rules;
 }
 
 } // namespace emulator

@@ -1,9 +1,11 @@
 #pragma once
 
-#include <QByteArrayList>
+#include "emulator/rule.h"
+
 #include <QMap>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 class QCommandLineParser;
 
@@ -24,6 +26,11 @@ public:
 
     void flag(const QString& option, bool& value, bool meaning = true) const;
     void number(const QString& option, int& value, int least, int greatest);
+    void decimal(const QString& option, double& value, double least, double greatest);
+    /// Two numbers with ":" between them.
+    void numbers(const QString& option, int& first, int& second, int least, int greatest);
+    void decimals(const QString& option, double& first, double& second, double least,
+                  double greatest);
     void seed(const QString& option, quint64& value);
     /// 0, or a rate in the range.
     void rate(const QString& option, double& value, double least, double greatest);
@@ -33,10 +40,8 @@ public:
         if (isGiven(option) && isOneOf(option, choices.keys()))
             value = choices.value(text(option));
     }
-    /// In front of what the list holds already.
-    void mnemonics(const QString& option, QByteArrayList& list);
-    /// A command that the map holds already gets the new number.
-    void numbersByMnemonic(const QString& option, QMap<QByteArray, int>& map, int greatest);
+    /// The rules that these options make, in the order in which they are given.
+    QVector<Rule> rules(const QStringList& options);
 
     bool isGiven(const QString& option) const;
     QString text(const QString& option) const;
@@ -45,7 +50,8 @@ public:
 private:
     bool isOneOf(const QString& option, const QStringList& choices);
     int numberIn(const QString& option, const QString& text, int least, int greatest);
-    QByteArray mnemonicIn(const QString& option, const QString& text);
+    double decimalIn(const QString& option, const QString& text, double least, double greatest);
+    QStringList pairIn(const QString& option);
 
     const QCommandLineParser& parser;
     QString place;

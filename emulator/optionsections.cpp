@@ -1,19 +1,20 @@
 #include "emulator/optionsections.h"
 
+#include "emulator/beamoptions.h"
+#include "emulator/device.h"
+#include "emulator/faultoptions.h"
+#include "emulator/identity.h"
 #include "emulator/optionreader.h"
-#include "emulator/replay.h"
 
 #include <QCoreApplication>
+#include <QRegularExpression>
 
 namespace emulator {
 
 namespace {
 
 constexpr int greatestFirmware = 999;
-constexpr int greatestCount = 1000000000;
-/// Stray bytes before one packet.
-constexpr int greatestInsertCount = 16384;
-constexpr int greatestLatenessMs = 3600000;
+constexpr int greatestGroup = 99;
 /// The beam is computed from pulse to pulse; slower pulses would need too many steps at once.
 constexpr double leastTriggerRateHz = 0.01;
 constexpr double greatestTriggerRateHz = 1000.0;
@@ -27,7 +28,14 @@ OptionSection identitySection()
 {
     return {
         tr("What a controller is"),
+        {},
         {
+            {"label", tr("Label that it has stored, up to 25 characters."), "TEXT"},
+            {"key", tr("The 11 capital letters and digits by which it is known."), "KEY"},
+            {"group",
+             tr("Controllers of one group, 1 to 99, share a common detector. 0, unless told, "
+                "is no group."),
+             "N"},
             {"firmware",
              tr("Firmware number, 40 unless told: 10 and below, above 10 and above 30 differ."),
              "N"},
@@ -36,117 +44,41 @@ OptionSection identitySection()
             {"trigger-rate",
              tr("Trigger pulses per second, 0.01 to 1000, or 0 for none; 10 unless told."), "HZ"},
             {"baud",
-             tr("Baud rate of the serial port until SBR changes it: 115200 (unless told), "
+             tr("Baud rate of its serial line until SBR changes it: 115200 (unless told), "
                 "460800 or 921600."),
              "RATE"},
-            {"no-flow-control", tr("A serial port without hardware flow control.")},
+            {"no-flow-control", tr("Its serial port has no hardware flow control.")},
         }};
 }
 
-OptionSection beamSection()
+void readKey(OptionReader& reader, QByteArray& key)
 {
-    return {
-        tr("Its beams"),
-        {
-            {"seed",
-             tr("Seed of the beams, 1 unless told. The first controller takes N, the next "
-                "N + 1, and so on."),
-             "N"},
-            {"preset", tr("Restlessness of the beams: quiet, typical (unless told) or noisy."),
-             "NAME"},
-            {"detector", tr("Detectors of both stages: lateral (unless told) or quadrant."),
-             "NAME"},
-            {"replay", tr("Stream the samples of a recording file in place of the beams."), "FILE"},
-        }};
-}
-
-OptionSection commandFaultSection()
-{
-    return {
-        tr("Faults of commands, which may be repeated"),
-        {
-            {"refuse", tr("Refuse this command."), "MNEMONIC"},
-            {"silent", tr("Do not answer this command, nor carry it out."), "MNEMONIC"},
-            {"late", tr("Carry out and answer this command only after MS milliseconds."),
-             "MNEMONIC=MS"},
-            {"short", tr("Send only the first N bytes of the reply to this command."),
-             "MNEMONIC=N"},
-            {"close-on", tr("Close the connection when this command comes."), "MNEMONIC"},
-            {"half-close-on", tr("Close the sending side when this command comes."), "MNEMONIC"},
-            {"garbage", tr("Answer every command with noise.")},
-        }};
-}
-
-OptionSection streamFaultSection()
-{
-    return {
-        tr("Faults of streams"),
-        {
-            {"drop-every", tr("Leave out a byte of every Nth packet of a stream."), "N"},
-            {"insert-every", tr("Insert stray bytes before every Nth packet."), "N"},
-            {"insert-count",
-             tr("Number of bytes that --insert-every inserts, 0 to 16384; 1 unless told."), "N"},
-            {"corrupt-every", tr("Invert a byte of every Nth packet."), "N"},
-            {"close-after", tr("Close the connection behind the Nth packet of a stream."), "N"},
-        }};
-}
-
-Faults readFaults(OptionReader& reader, const Faults& base)
-{
-    Faults faults = base;
-    reader.mnemonics("refuse", faults.refuse);
-    reader.mnemonics("silent", faults.silent);
-    reader.numbersByMnemonic("late", faults.lateMs, greatestLatenessMs);
-    reader.numbersByMnemonic("short", faults.shortBytes, greatestCount);
-    reader.mnemonics("close-on", faults.closeOn);
-    reader.mnemonics("half-close-on", faults.halfCloseOn);
-    reader.flag("garbage", faults.garbageReplies);
-    reader.number("drop-every", faults.dropByteEvery, 0, greatestCount);
-    reader.number("insert-every", faults.insertBytesEvery, 0, greatestCount);
-    reader.number("insert-count", faults.insertCount, 0, greatestInsertCount);
-    reader.number("corrupt-every", faults.corruptByteEvery, 0, greatestCount);
-    reader.number("close-after", faults.closeAfterPackets, 0, greatestCount);
-    return faults;
-}
-
-void readReplay(OptionReader& reader, std::shared_ptr<const Replay>& replay)
-{
-    if (!reader.isGiven("replay"))
+    if (!reader.isGiven("key"))
         return;
-    QString error;
-    replay = Replay::load(reader.text("replay"), error);
-    if (!replay)
-        reader.complain("replay", error);
+    static const QRegularExpression form(QStringLiteral("^[A-Z0-9]{%1}$").arg(keyLength));
+    const QString text = reader.text("key");
+    if (!form.match(text).hasMatch())
+        reader.complain("key",
+                        tr("\"%1\" is not %2 capital letters and digits").arg(text).arg(keyLength));
+    key = text.toLatin1();
 }
 
-} // namespace
-
-OptionSection programSection()
+void readLabel(OptionReader& reader, QByteArray& label)
 {
-    return {tr("What to do"),
-            {
-                {"tcp",
-                 tr("Put a controller at this numeric address. May be repeated, one controller "
-                    "each. Port 0 picks a free port."),
-                 "ADDRESS:PORT[,OPTION...]"},
-                {"pty",
-                 tr("Put a controller on a pseudo terminal that is found under this link, as under "
-                    "/dev/ttyUSB77. May be repeated, one controller each."),
-                 "LINK[,OPTION...]"},
-                {"quiet", tr("Say nothing of connections and refused commands.")},
-                {{"h", "help"}, tr("Show this help.")},
-                {{"v", "version"}, tr("Show the version.")},
-            }};
+    if (!reader.isGiven("label"))
+        return;
+    const QString text = reader.text("label");
+    label = text.toLocal8Bit();
+    if (label.size() > Device::labelLength)
+        reader.complain("label",
+                        tr("\"%1\" is longer than %2 bytes").arg(text).arg(Device::labelLength));
 }
 
-QVector<OptionSection> controllerSections()
+void readIdentity(OptionReader& reader, ControllerOptions& options)
 {
-    return {identitySection(), beamSection(), commandFaultSection(), streamFaultSection()};
-}
-
-ControllerOptions readControllerOptions(OptionReader& reader, const ControllerOptions& base)
-{
-    ControllerOptions options = base;
+    readLabel(reader, options.label);
+    readKey(reader, options.key);
+    reader.number("group", options.group, 0, greatestGroup);
     reader.number("firmware", options.firmware, 0, greatestFirmware);
     reader.flag("vm", options.vm);
     reader.flag("trigger", options.triggerCapable);
@@ -154,16 +86,44 @@ ControllerOptions readControllerOptions(OptionReader& reader, const ControllerOp
     reader.choice<int>("baud", options.baudRate,
                        {{"115200", 115200}, {"460800", 460800}, {"921600", 921600}});
     reader.flag("no-flow-control", options.hardwareFlowControl, false);
-    reader.seed("seed", options.seed);
-    reader.choice<Preset>(
-        "preset", options.preset,
-        {{"quiet", Preset::Quiet}, {"typical", Preset::Typical}, {"noisy", Preset::Noisy}});
-    for (StageOptions& stage : options.stages) {
-        reader.choice<DetectorKind>(
-            "detector", stage.detector,
-            {{"lateral", DetectorKind::LateralEffect}, {"quadrant", DetectorKind::Quadrant}});
-    }
-    readReplay(reader, options.replay);
+}
+
+} // namespace
+
+OptionSection programSection()
+{
+    return {tr("What to do"),
+            {},
+            {
+                {"tcp",
+                 tr("Put a controller at this numeric address. Port 0 picks a free port. May be "
+                    "repeated, one controller each."),
+                 "ADDRESS:PORT[,OPTION...]"},
+                {"pty",
+                 tr("Put a controller on a pseudo terminal that is found under this link, as under "
+                    "/dev/ttyUSB77. May be repeated, one controller each."),
+                 "LINK[,OPTION...]"},
+                {"options",
+                 tr("Read further options from a file, as they would stand on the command line. "
+                    "Lines that begin with # are comments. May be repeated."),
+                 "FILE"},
+                {"quiet",
+                 tr("Say nothing of connections, refused commands and rules that no command met.")},
+                {{"h", "help"}, tr("Show this help.")},
+                {{"v", "version"}, tr("Show the version.")},
+            }};
+}
+
+QVector<OptionSection> controllerSections()
+{
+    return QVector<OptionSection>{identitySection()} + beamSections() + faultSections();
+}
+
+ControllerOptions readControllerOptions(OptionReader& reader, const ControllerOptions& base)
+{
+    ControllerOptions options = base;
+    readIdentity(reader, options);
+    readBeamOptions(reader, options);
     options.faults = readFaults(reader, options.faults);
     return options;
 }

@@ -1,21 +1,13 @@
 #pragma once
 
 #include "emulator/controlleroptions.h"
+#include "emulator/optionsection.h"
 
-#include <QCommandLineOption>
-#include <QString>
 #include <QVector>
 
 namespace emulator {
 
 class OptionReader;
-
-/// Options that belong together, under a heading.
-struct OptionSection
-{
-    QString title;
-    QList<QCommandLineOption> options;
-};
 
 /// What the program is to do.
 OptionSection programSection();

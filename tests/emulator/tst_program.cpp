@@ -15,13 +15,49 @@ using namespace wiretools;
 
 namespace {
 
-constexpr const char* allOptions[] = {
-    "--tcp",           "--firmware",       "--vm",         "--trigger",       "--trigger-rate",
-    "--seed",          "--preset",         "--detector",   "--refuse",        "--silent",
-    "--late",          "--short",          "--drop-every", "--insert-every",  "--insert-count",
-    "--corrupt-every", "--close-after",    "--close-on",   "--half-close-on", "--garbage",
-    "--replay",        "--quiet",          "--help",       "--version",       "--pty",
-    "--baud",          "--no-flow-control"};
+constexpr const char* allOptions[] = {"--tcp",
+                                      "--firmware",
+                                      "--vm",
+                                      "--trigger",
+                                      "--trigger-rate",
+                                      "--seed",
+                                      "--preset",
+                                      "--detector",
+                                      "--refuse",
+                                      "--silent",
+                                      "--late",
+                                      "--short",
+                                      "--drop-every",
+                                      "--insert-every",
+                                      "--insert-count",
+                                      "--corrupt-every",
+                                      "--close-after",
+                                      "--reply",
+                                      "--close-on",
+                                      "--half-close-on",
+                                      "--garbage",
+                                      "--replay",
+                                      "--quiet",
+                                      "--help",
+                                      "--version",
+                                      "--pty",
+                                      "--baud",
+                                      "--no-flow-control",
+                                      "--options",
+                                      "--label",
+                                      "--key",
+                                      "--group",
+                                      "--detector1",
+                                      "--detector2",
+                                      "--diameter1",
+                                      "--diameter2",
+                                      "--offset1",
+                                      "--offset2",
+                                      "--pfactor",
+                                      "--pfactor-input",
+                                      "--sensitivity-input",
+                                      "--adjust-input1",
+                                      "--adjust-input2"};
 
 struct Ready
 {
@@ -62,6 +98,14 @@ QString keyAt(const Ready& place)
     return QString::fromLatin1(idAt(place).mid(16, 11));
 }
 
+QStringList described(const QVector<Rule>& rules)
+{
+    QStringList texts;
+    for (const Rule& rule : rules)
+        texts.append(describe(rule));
+    return texts;
+}
+
 CommandLine readArguments(const QStringList& arguments)
 {
     return readCommandLine(QStringList("lumetra-emulator") + arguments);
@@ -88,6 +132,9 @@ private slots:
     void takenPortIsNamed();
     void optionsReachTheController();
     void faultsReachTheController();
+    void ruleActsAsOftenAsTold();
+    void ruleThatNeverActedIsToldUnlessQuiet();
+    void exampleStartsFourSystemsThatDiffer();
     void recordingIsStreamed();
     void connectionsAreToldUnlessQuiet();
     void signalToAProgramThatHasEndedReachesNobody();
@@ -202,7 +249,7 @@ void TestProgram::manPageNamesEveryOptionOfTheHelp()
     QVERIFY(page.open(QIODevice::ReadOnly));
     const QString manual = QString::fromUtf8(page.readAll().replace("\\-", "-"));
     const QString help = readArguments({"--help"}).text;
-    QRegularExpressionMatchIterator options = QRegularExpression("--[a-z-]+").globalMatch(help);
+    QRegularExpressionMatchIterator options = QRegularExpression("--[a-z0-9-]+").globalMatch(help);
     int count = 0;
     for (; options.hasNext(); ++count) {
         const QString option = options.next().captured();
@@ -251,6 +298,8 @@ void TestProgram::wrongOptionIsNamed_data()
     row({"--late", "GSF"}, "GSF");
     row({"--late", "GSF=soon"}, "soon");
     row({"--short", "XYZ=2"}, "XYZ");
+    row({"--refuse", "SPF:0"}, "\"0\"");
+    row({"--reply", "GSF"}, "--reply");
     row({"--drop-every", "-1"}, "--drop-every");
     row({"--insert-count", "16385"}, "from 0 to 16384");
     row({"--insert-count", "1000000000"}, "from 0 to 16384");
@@ -340,18 +389,77 @@ void TestProgram::faultsReachTheController()
 
     QCOMPARE(line.wish, CommandLine::Wish::Run);
     const Faults& faults = line.placements[0].options.faults;
-    QCOMPARE(faults.refuse, QByteArrayList({"SEA", "CEA"}));
-    QCOMPARE(faults.silent, QByteArrayList({"GSF"}));
-    QCOMPARE(faults.lateMs.value("GID"), 800);
-    QCOMPARE(faults.shortBytes.value("GPF"), 3);
-    QCOMPARE(faults.closeOn, QByteArrayList({"SMD"}));
-    QCOMPARE(faults.halfCloseOn, QByteArrayList({"CMD"}));
+    QCOMPARE(described(faults.rules),
+             QStringList({"close-on SMD", "half-close-on CMD", "silent GSF", "refuse SEA",
+                          "refuse CEA", "late GID=800", "short GPF=3"}));
     QVERIFY(faults.garbageReplies);
     QCOMPARE(faults.dropByteEvery, 2);
     QCOMPARE(faults.insertBytesEvery, 3);
     QCOMPARE(faults.insertCount, 4);
     QCOMPARE(faults.corruptByteEvery, 5);
     QCOMPARE(faults.closeAfterPackets, 6);
+}
+
+void TestProgram::ruleActsAsOftenAsTold()
+{
+    Program program({"--tcp", "127.0.0.1:0,refuse=GSF:skip=1:times=1", "--reply", "GSF=003b7f3b"});
+    const Ready ready = readyFrom(program.readLine());
+
+    QCOMPARE(replyAt(ready, "GSF;GSF;GSF;", 10), hex("003b7f3b 013b 003b7f3b"));
+}
+
+void TestProgram::ruleThatNeverActedIsToldUnlessQuiet()
+{
+    for (const bool quiet : {false, true}) {
+        QStringList arguments{"--tcp", "127.0.0.1:0", "--refuse", "SPF:01", "--silent", "GID"};
+        if (quiet)
+            arguments.append("--quiet");
+        Program program(arguments);
+        const Ready ready = readyFrom(program.readLine());
+        // The first command is not answered.
+        QCOMPARE(replyAt(ready, "GID;GSF;", 4), hex("003b013b"));
+        QVERIFY(program.sendSignal(SIGTERM));
+        QVERIFY(program.process.waitForFinished(limitMs));
+
+        const QByteArray told = program.process.readAllStandardError();
+        const QString place = QString("127.0.0.1:%1").arg(ready.port);
+        QCOMPARE(told.contains((place + ": refuse SPF:01 never acted\n").toUtf8()), !quiet);
+        QVERIFY(!told.contains("silent GID"));
+        QCOMPARE(told.isEmpty(), quiet);
+    }
+}
+
+void TestProgram::exampleStartsFourSystemsThatDiffer()
+{
+    QFile example(LUMETRA_FOUR_SYSTEMS);
+    QVERIFY(example.open(QIODevice::ReadOnly));
+    // Other programs may have its ports.
+    QByteArray text = example.readAll();
+    QCOMPARE(text.count(":2000,"), 4);
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("four.options"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(text.replace(":2000,", ":0,"));
+    file.close();
+    Program program({"--options", file.fileName()});
+    std::vector<Ready> systems;
+    for (int i = 0; i < 4; ++i)
+        systems.push_back(readyFrom(program.readLine()));
+
+    QByteArrayList labels;
+    for (const Ready& system : systems) {
+        QCOMPARE(keyAt(system), system.key);
+        labels.append(replyAt(system, "GLA;", 29).mid(2, 25).trimmed());
+    }
+    QCOMPARE(labels, QByteArrayList({"Old bench", "Pump laser", "Probe laser", "Pulsed laser"}));
+    QVERIFY(idAt(systems[0]).contains("-V10-"));
+    QVERIFY(idAt(systems[1]).contains("-VM40-"));
+    QVERIFY(idAt(systems[2]).contains("-VM40-"));
+    QVERIFY(idAt(systems[3]).contains("-A-"));
+    QVERIFY(idAt(systems[3]).contains("-V40-"));
+    // The P-factor of the last one comes from its external input.
+    QCOMPARE(replyAt(systems[2], "GPF" + hex("01 3b"), 5), hex("003b03e83b"));
+    QCOMPARE(replyAt(systems[3], "GPF" + hex("01 3b"), 5), hex("003b00003b"));
 }
 
 void TestProgram::recordingIsStreamed()
