@@ -111,12 +111,6 @@ void Controller::restart()
     controlled->restart();
 }
 
-void Controller::resetBaudRate()
-{
-    controlled->resetBaudRate();
-    lineBaudRate = controlled->baudRate();
-}
-
 void Controller::setPaused(bool wanted)
 {
     if (paused == wanted)

@@ -73,7 +73,11 @@ public:
     /// SBR.
     int baudRate() const { return lineBaudRate; }
     /// Undoes SBR.
-    void resetBaudRate();
+    void resetBaudRate()
+    {
+        controlled->resetBaudRate();
+        lineBaudRate = controlled->baudRate();
+    }
     /// Packets sent since the controller was made, those with faults included.
     qint64 packetsSent() const { return packetCount; }
     /// Packets that were due while they could not be sent, and packets that were skipped after the

@@ -137,6 +137,7 @@ StageState Device::stageState(int stage) const
     state.sensitivityMv = model.sensitivity();
     state.adjustInXMv = model.adjustIn(StageModel::X);
     state.adjustInYMv = model.adjustIn(StageModel::Y);
+    state.inputs = model.inputs();
     const PacketValues values = measured();
     state.actuatorXMv = index == 0 ? values.rx1 : values.rx2;
     state.actuatorYMv = index == 0 ? values.ry1 : values.ry2;
@@ -146,6 +147,12 @@ StageState Device::stageState(int stage) const
     state.beamXUm = model.beamMicrometres(StageModel::X);
     state.beamYUm = model.beamMicrometres(StageModel::Y);
     return state;
+}
+
+void Device::setInputs(int stage, const ExternalInputs& inputs)
+{
+    if (stage >= 1 && stage <= stages)
+        models[static_cast<std::size_t>(stage - 1)].setInputs(inputs);
 }
 
 void Device::setMultiplexed(int stage, bool on)

@@ -60,6 +60,7 @@ public:
     void setStage(int stage, bool on);
     /// Everything about stage 1 or 2; a stage that is off in all respects for other numbers.
     StageState stageState(int stage) const;
+    void setInputs(int stage, const ExternalInputs& inputs);
     void setMultiplexed(int stage, bool on);
     void setScript(const QVector<PacketValues>& script, bool repeats);
 

@@ -214,6 +214,11 @@ StageState ControllerHandle::stage(int stage) const
         [=](Face& face) { return face.controller().device().stageState(stage); });
 }
 
+void ControllerHandle::setInputs(int stage, const ExternalInputs& inputs)
+{
+    order([&](Face& face) { face.controller().device().setInputs(stage, inputs); });
+}
+
 void ControllerHandle::setMultiplexed(int stage, bool on)
 {
     order([=](Face& face) { face.controller().device().setMultiplexed(stage, on); });

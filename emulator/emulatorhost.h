@@ -105,6 +105,8 @@ public:
 
     /// Everything about stage 1 or 2, without a command.
     StageState stage(int stage) const;
+    /// What stands at the external inputs of a stage from now on.
+    void setInputs(int stage, const ExternalInputs& inputs);
     /// Leads a stage to the common detector or back, without a command.
     void setMultiplexed(int stage, bool on);
     /// How many commands since the last `clearWire` begin with these bytes, such as "GSF" or

@@ -39,6 +39,8 @@ private slots:
     void stageThatCanNotReachItsTargetIsNotActive();
     void noOtherStageTellsAnything();
     void multiplexingIsSwitchedAtTheController();
+    void inputsAreTurnedAtTheController();
+    void inputDoesNotCountBesideASetting();
     void commandsAreCountedByTheirBeginning();
 };
 
@@ -183,6 +185,49 @@ void TestHandle::multiplexingIsSwitchedAtTheController()
 
     controller.setMultiplexed(2, false);
     QCOMPARE(client.exchange("GMF;", 4), hex("00 3b 00 3b"));
+}
+
+void TestHandle::inputsAreTurnedAtTheController()
+{
+    EmulatorHost host;
+    ControllerHandle controller = host.addTcp(stillOptions());
+    HostClient client(controller);
+    controller.setStage(2, true);
+    ExternalInputs inputs;
+    inputs.pFactorMv = 1200;
+    inputs.sensitivityMv = 1100;
+    inputs.adjustInXMv = 300;
+    inputs.adjustInYMv = -200;
+
+    controller.setInputs(2, inputs);
+
+    // The beam moves with each command.
+    QTRY_VERIFY(client.exchange("GSF;", 4).size() == 4 && controller.stage(2).positionXMv == 300
+                && controller.stage(2).positionYMv == -200);
+    const StageState state = controller.stage(2);
+    QCOMPARE(state.adjustInXMv, 0);
+    QCOMPARE(state.inputs.pFactorMv, 1200);
+    QCOMPARE(state.inputs.sensitivityMv, 1100);
+    QCOMPARE(state.inputs.adjustInXMv, 300);
+    QCOMPARE(state.inputs.adjustInYMv, -200);
+    QCOMPARE(controller.stage(1).inputs.adjustInXMv, 0);
+}
+
+void TestHandle::inputDoesNotCountBesideASetting()
+{
+    EmulatorHost host;
+    ControllerHandle controller = host.addTcp(stillOptions());
+    HostClient client(controller);
+    order(client, {"SAI" + hex("01 78 0064 3b"), "SEA" + hex("01 3b")});
+    ExternalInputs inputs;
+    inputs.adjustInXMv = 300;
+
+    controller.setInputs(1, inputs);
+
+    constexpr int commandsToSettle = 50;
+    for (int i = 0; i < commandsToSettle; ++i)
+        client.exchange("GSF;", 4);
+    QCOMPARE(controller.stage(1).positionXMv, 100);
 }
 
 void TestHandle::commandsAreCountedByTheirBeginning()
