@@ -67,7 +67,7 @@ public:
     void setIdentity(const ControllerOptions& options);
 
     /// Power off: the host is disconnected, the stages are switched off, settings are kept. A
-    /// pseudo terminal is removed together with its link.
+    /// pseudo terminal is removed together with its link; a controller behind TCP forgets SBR.
     void stopListening();
     /// Power on at the same port, or under the same link.
     void listenAgain();
