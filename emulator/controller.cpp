@@ -3,22 +3,14 @@
 #include "emulator/identity.h"
 #include "emulator/wirelog.h"
 
-#include <algorithm>
 #include <atomic>
-#include <chrono>
 
 namespace emulator {
 
 namespace {
 
-constexpr qint64 nsPerMs = 1000000;
-constexpr double nsPerSecond = 1e9;
 /// An incomplete command is dropped if no further byte comes within this time.
 constexpr int unfinishedCommandMs = 1000;
-/// Controllers wake on a common grid, so that many of them share a wake-up.
-constexpr qint64 wakeGridNs = 2 * nsPerMs;
-/// After a stall at most this much of the stream is sent late; the rest is skipped.
-constexpr double greatestBacklogSeconds = 0.5;
 
 QByteArray keyFor(const ControllerOptions& options)
 {
@@ -121,7 +113,8 @@ void Controller::setPaused(bool wanted)
         return;
     }
     // Packets that were due during the pause are not sent later.
-    forgetBacklog();
+    if (controlled->isStreaming())
+        pacing.skipAll();
     processInput();
     scheduleNextPacket();
 }
@@ -273,50 +266,25 @@ void Controller::carryOut(const Rule& rule, const Command& command)
 
 void Controller::startPacing()
 {
-    streamClock.start();
-    paced = 0;
+    pacing.start(controlled->rate());
     scheduleNextPacket();
-}
-
-/// Packets that should have been sent since the stream's time zero. The packet that answers the
-/// start is due at time zero and not counted; a triggered stream has no pulse at time zero.
-qint64 Controller::packetsDue() const
-{
-    const double elapsed = static_cast<double>(streamClock.nsecsElapsed()) / nsPerSecond;
-    return static_cast<qint64>(elapsed * controlled->rate());
 }
 
 void Controller::scheduleNextPacket()
 {
-    const double rate = controlled->rate();
-    if (paused || !controlled->isStreaming() || rate <= 0.0)
+    if (paused || !controlled->isStreaming())
         return;
-    const auto dueNs = static_cast<qint64>(static_cast<double>(paced + 1) * nsPerSecond / rate);
-    const qint64 nowNs =
-        std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
-    const qint64 wakeNs = nowNs + std::max<qint64>(0, dueNs - streamClock.nsecsElapsed());
-    const qint64 onGridNs = (wakeNs / wakeGridNs + 1) * wakeGridNs;
-    paceTimer.start(static_cast<int>((onGridNs - nowNs + nsPerMs - 1) / nsPerMs));
+    if (const std::optional<int> waitMs = pacing.msToNext())
+        paceTimer.start(*waitMs);
 }
 
 void Controller::sendDuePackets()
 {
-    const qint64 due = packetsDue();
-    const auto most = static_cast<qint64>(controlled->rate() * greatestBacklogSeconds) + 1;
-    const qint64 leftOut = std::max<qint64>(0, due - most - paced);
-    lostPackets += leftOut;
-    paced += leftOut;
-    while (paced < due && controlled->isStreaming()) {
-        ++paced;
+    const qint64 due = pacing.due();
+    lostPackets += pacing.skipBacklog(due);
+    while (controlled->isStreaming() && pacing.takeOne(due))
         sendNextPacket();
-    }
     scheduleNextPacket();
-}
-
-void Controller::forgetBacklog()
-{
-    if (controlled->isStreaming())
-        paced = packetsDue();
 }
 
 void Controller::sendNextPacket()

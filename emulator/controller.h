@@ -1,11 +1,11 @@
 #pragma once
 
 #include "emulator/device.h"
+#include "emulator/pacing.h"
 #include "emulator/packetfaults.h"
 #include "emulator/rulebook.h"
 
 #include <QByteArray>
-#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
@@ -107,8 +107,6 @@ private:
     void sendDuePackets();
     void sendNextPacket();
     void sendPacket(const QByteArray& packet);
-    qint64 packetsDue() const;
-    void forgetBacklog();
     void write(const QByteArray& bytes, bool isPacket = false);
 
     Link& link;
@@ -124,10 +122,7 @@ private:
     QTimer lateTimer;
     QTimer unfinishedTimer;
     QTimer paceTimer;
-    /// Runs since the stream's time zero.
-    QElapsedTimer streamClock;
-    /// Number of packets of the running stream that were due so far.
-    qint64 paced = 0;
+    Pacing pacing;
     qint64 streamPackets = 0;
     qint64 packetCount = 0;
     qint64 lostPackets = 0;

@@ -101,6 +101,7 @@ private slots:
     void noiseLeavesRepliesOfRulesAlone();
     void unplayedRulesAreNamed();
     void unplayedRuleIsToldWhenRulesAreReplaced();
+    void unplayedRuleIsToldWhenTheControllerEnds_data() { addPorts(); }
     void unplayedRuleIsToldWhenTheControllerEnds();
     void playedRulesAreNotTold();
 };
@@ -153,11 +154,12 @@ void TestRulesOnTheWire::replyIsCut()
     QFETCH(Port, port);
     Wire wire(port);
     QCOMPARE(wire.exchange(setPFactor1 + setPFactor2, 4), accepted() + accepted());
-    wire.controller.setRules({on("GPF\1").cutTo(3), on("GPF\2").cutTo(0)});
+    wire.controller.setRules(
+        {on("GPF\1").cutTo(3), on("GPF\2").cutTo(0), on("GAS").cutTo(2).reply("abcd")});
 
-    // What is cut off would stand before the status.
-    QCOMPARE(wire.exchange(getPFactor1 + getPFactor2 + "GSF;", 3 + statusAtRest.size()),
-             good1500.left(3) + statusAtRest);
+    // What is cut off would stand before the next reply.
+    QCOMPARE(wire.exchange(getPFactor1 + getPFactor2 + "GAS;GSF;", 3 + 2 + statusAtRest.size()),
+             good1500.left(3) + "ab" + statusAtRest);
 }
 
 void TestRulesOnTheWire::replyIsExactlyTheseBytes()
@@ -385,6 +387,7 @@ void TestRulesOnTheWire::noiseLeavesRepliesOfRulesAlone()
     const QByteArray noise = wire.exchange("GAS;SHS;", 2);
     QCOMPARE(noise.size(), 2);
     QVERIFY(noise != refused());
+    QCOMPARE(wire.exchange("ABC;", 2), refused());
 }
 
 void TestRulesOnTheWire::unplayedRulesAreNamed()
@@ -419,12 +422,13 @@ void TestRulesOnTheWire::unplayedRuleIsToldWhenRulesAreReplaced()
 
 void TestRulesOnTheWire::unplayedRuleIsToldWhenTheControllerEnds()
 {
+    QFETCH(Port, port);
     Faults faults;
     faults.rules = {on("SPF\1").refuse(), on("GSF").refuse()};
     faults.lateMs = {{"SEA", 500}};
     ControllerOptions options;
     options.faults = faults;
-    auto wire = std::make_unique<Wire>(Port::Tcp, options);
+    auto wire = std::make_unique<Wire>(port, options);
     QCOMPARE(wire->exchange("GSF;", 2), refused());
 
     QTest::ignoreMessage(QtWarningMsg, "emulator: refuse SPF:01 never acted");
