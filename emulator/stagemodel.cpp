@@ -75,6 +75,7 @@ StageModel::StageModel(const BeamPreset& disturbances, const StageOptions& optio
     , undisturbed{options.offsetXUm, options.offsetYUm}
     , fullIntensityMv(intensity)
     , whiteMicrometres(preset.whiteDensity * std::sqrt(beamStepsPerSecond / 2.0))
+    , lightDrive(preset.intensityRms * std::sqrt(lightSmoothing() * (2.0 - lightSmoothing())))
     , own(DetectorModel(options.detector, options.spotDiameterUm, intensity), PerAxis{})
     , lightNoise(derivedSeed(seed, Light))
     , axisStates{AxisState(preset, BeamAxis::Horizontal, seed),
@@ -245,10 +246,8 @@ void StageModel::stepLoops()
 void StageModel::stepLight()
 {
     constexpr double sqrt3 = 1.73205080756887729353;
-    const double smoothing = lightSmoothing();
     const double drive = sqrt3 * (2.0 * lightNoise.uniform() - 1.0);
-    const double driveGain = preset.intensityRms * std::sqrt(smoothing * (2.0 - smoothing));
-    lightFluctuation += driveGain * drive - smoothing * lightFluctuation;
+    lightFluctuation += lightDrive * drive - lightSmoothing() * lightFluctuation;
 
     if (stepsOfInterruption > 0 && --stepsOfInterruption == 0)
         lightPassing = 1.0;

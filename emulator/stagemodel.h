@@ -116,6 +116,8 @@ private:
     PerAxis undisturbed;
     double fullIntensityMv;
     double whiteMicrometres;
+    /// What a drive of variance 1 adds to the fluctuation of the light.
+    double lightDrive;
     DetectorReading own;
     std::optional<DetectorReading> common;
     NoiseSource lightNoise;

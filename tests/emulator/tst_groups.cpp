@@ -128,6 +128,8 @@ private slots:
     void lastPacketTakesItsTurn();
     void multiplexingAloneChangesOnlyTheFlags();
     void quadrantTypeIsReadWithTheLightOfTheCommonDetector();
+    void sensitivityScalesTheCommonDetector();
+    void stageIsNotActiveBesideTheCommonDetector();
 };
 
 void TestGroups::appliedPositionsBringOneBeamOntoTheOther_data()
@@ -363,6 +365,36 @@ void TestGroups::quadrantTypeIsReadWithTheLightOfTheCommonDetector()
     QVERIFY(share >= std::erf(std::sqrt(2.0) * 10.0 / 25.0) - 0.001);
     QVERIFY(share <= std::erf(std::sqrt(2.0) * 20.0 / 25.0) + 0.001);
     QVERIFY(wordAt(packet, I1) < 4000);
+}
+
+void TestGroups::sensitivityScalesTheCommonDetector()
+{
+    Device device(memberOfGroup(Preset::Still), "KEY");
+    const Positions nominal = positionsIn(answerTo(device, "GCA;"));
+
+    answerTo(device, "SDS" + hex("01 07d0 3b"));
+
+    const Positions scaled = positionsIn(answerTo(device, "GCA;"));
+    QVERIFY(std::fabs(scaled[0] - 2.0 * nominal[0]) <= 1.0);
+    QVERIFY(std::fabs(scaled[1] - 2.0 * nominal[1]) <= 1.0);
+    QCOMPARE(scaled[2], nominal[2]);
+}
+
+void TestGroups::stageIsNotActiveBesideTheCommonDetector()
+{
+    ControllerOptions options = memberOfGroup(Preset::Still);
+    options.stages[0].detector = DetectorKind::FourQuadrant;
+    // A common detector of 15 micrometres, 10 or more beside the beam, gets none of its light.
+    options.stages[0].spotDiameterUm = 5.0;
+    Device device(options, "KEY");
+    answerTo(device, "SEA" + hex("01 3b"));
+    QCOMPARE(answerTo(device, "GAS;"), hex("00 3b 01 00 3b"));
+
+    answerTo(device, "SMD" + hex("01 3b"));
+
+    QCOMPARE(answerTo(device, "GAS;"), hex("00 3b 00 00 3b"));
+    QCOMPARE(answerTo(device, "GDA;"), hex("00 3b 1388 1388 1388 1388 3b"));
+    QCOMPARE(answerTo(device, "GSF;")[2] & Stage1On, int(Stage1On));
 }
 
 QTEST_GUILESS_MAIN(TestGroups)
