@@ -135,6 +135,7 @@ private slots:
     void ruleActsAsOftenAsTold();
     void ruleThatNeverActedIsToldUnlessQuiet();
     void exampleStartsFourSystemsThatDiffer();
+    void beamStandsWhereItIsPut();
     void recordingIsStreamed();
     void connectionsAreToldUnlessQuiet();
     void signalToAProgramThatHasEndedReachesNobody();
@@ -460,6 +461,21 @@ void TestProgram::exampleStartsFourSystemsThatDiffer()
     // The P-factor of the last one comes from its external input.
     QCOMPARE(replyAt(systems[2], "GPF" + hex("01 3b"), 5), hex("003b03e83b"));
     QCOMPARE(replyAt(systems[3], "GPF" + hex("01 3b"), 5), hex("003b00003b"));
+}
+
+void TestProgram::beamStandsWhereItIsPut()
+{
+    Program program({"--tcp", "127.0.0.1:0,offset1=200:-100,detector1=psd,offset2=20:0",
+                     "--detector2", "uvpsd4", "--preset", "still"});
+    const Ready ready = readyFrom(program.readLine());
+
+    const QByteArray packet = replyAt(ready, "S1S;", packetBytes);
+
+    // 1.2 V per mm at stage 1, 2.9 V per mm at stage 2.
+    QCOMPARE(wordAt(packet, 4), 240);
+    QCOMPARE(wordAt(packet, 6), -120);
+    QCOMPARE(wordAt(packet, 10), 58);
+    QCOMPARE(wordAt(packet, 12), 0);
 }
 
 void TestProgram::recordingIsStreamed()

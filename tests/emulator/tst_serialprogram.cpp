@@ -28,6 +28,7 @@ private slots:
     void initTestCase();
     void readyLineOfASerialControllerTellsLinkAndKey();
     void serialControllersStandBesideOthers();
+    void serialControllersHaveOptionsOfTheirOwn();
     void signalTakesTheLinksAway_data();
     void signalTakesTheLinksAway();
     void linkOfAKilledRunIsReplaced();
@@ -77,6 +78,22 @@ void TestSerialProgram::serialControllersStandBesideOthers()
     QCOMPARE(QSet<QString>({tcp[2], first[2], second[2]}).size(), 3);
     SerialClient client(two, 921600);
     QVERIFY(client.exchange("GID;", 50).contains(second[2].toLatin1()));
+}
+
+void TestSerialProgram::serialControllersHaveOptionsOfTheirOwn()
+{
+    const QTemporaryDir folder;
+    const QString one = folder.filePath("one");
+    const QString two = folder.filePath("two");
+    Program program({"--pty", one + ",baud=921600,refuse=SEA:02", "--pty", two, "--quiet"});
+    program.readLine();
+    program.readLine();
+
+    SerialClient fast(one, 921600);
+    QCOMPARE(fast.exchange("SEA" + hex("02 3b"), 2), refused());
+    QCOMPARE(fast.exchange("SEA" + hex("01 3b"), 2), accepted());
+    SerialClient usual(two);
+    QCOMPARE(usual.exchange("SEA" + hex("02 3b"), 2), accepted());
 }
 
 void TestSerialProgram::signalTakesTheLinksAway_data()
