@@ -56,42 +56,46 @@ QVector<Placement> readPlacements(const QCommandLineParser& parser, const Contro
     return placements;
 }
 
-/// Puts what the files of options hold in front of the arguments, so that what the command line
-/// says wins. False on failure, with the reason in `error`.
-bool addFiles(QStringList& arguments, const QStringList& files, QString& error)
+/// What is wrong with the arguments of a file, read for themselves: a value that is missing at the
+/// end of a file must not be taken from what follows. Empty if nothing is.
+QString fileError(const QStringList& arguments)
 {
-    // Behind the program's name.
-    int place = 1;
+    QCommandLineParser parser;
+    addOptions(parser);
+    // The parser passes over the program's name.
+    if (!parser.parse(QStringList{QString()} + arguments))
+        return parser.errorText();
+    return parser.isSet("options") ? tr("a file of options can not name another one") : QString();
+}
+
+/// The arguments in the files, one file after the other. Empty on failure, with the reason in
+/// `error`.
+QStringList argumentsOfFiles(const QStringList& files, QString& error)
+{
+    QStringList arguments;
     for (const QString& file : files) {
-        const std::optional<QStringList> added = readOptionsFile(file, error);
-        if (!added) {
-            error.prepend("--options: ");
-            return false;
+        const std::optional<QStringList> read = readOptionsFile(file, error);
+        if (read)
+            error = fileError(*read);
+        if (!error.isEmpty()) {
+            error = QStringLiteral("--options: %1: %2").arg(file, error);
+            return {};
         }
-        for (const QString& argument : *added)
-            arguments.insert(place++, argument);
+        arguments += *read;
     }
-    return true;
+    return arguments;
 }
 
 /// Reads the arguments and the files that they name. False on failure, with the reason in `error`.
-bool parse(QCommandLineParser& parser, QStringList arguments, QString& error)
+bool parse(QCommandLineParser& parser, const QStringList& arguments, QString& error)
 {
     if (!parser.parse(arguments)) {
         error = parser.errorText();
         return false;
     }
-    const QStringList files = parser.values("options");
-    if (!addFiles(arguments, files, error))
-        return false;
-    if (!parser.parse(arguments)) {
-        error = parser.errorText();
-    } else if (parser.values("options") != files) {
-        error = tr("--options: a file of options can not name another one");
-    } else if (!parser.positionalArguments().isEmpty()) {
-        error = tr("what is \"%1\"?").arg(parser.positionalArguments().first());
-    }
-    return error.isEmpty();
+    const QStringList added = argumentsOfFiles(parser.values("options"), error);
+    // In front of the other arguments, so that what the command line says wins.
+    return error.isEmpty() && parser.parse(arguments.mid(0, 1) + added + arguments.mid(1));
 }
 
 QString wholeHelp()
@@ -130,6 +134,8 @@ CommandLine readCommandLine(const QStringList& arguments)
         line.wish = CommandLine::Wish::ShowVersion;
         return line;
     }
+    if (!parser.positionalArguments().isEmpty())
+        return failed(tr("what is \"%1\"?").arg(parser.positionalArguments().first()));
     OptionReader reader(parser, "--");
     const ControllerOptions common = readControllerOptions(reader, {});
     error = reader.complaint();

@@ -19,7 +19,7 @@ std::optional<QStringList> readOptionsFile(const QString& path, QString& error)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        error = QStringLiteral("%1: %2").arg(path, file.errorString());
+        error = file.errorString();
         return std::nullopt;
     }
     return argumentsIn(QString::fromUtf8(file.readAll()));

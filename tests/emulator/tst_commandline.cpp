@@ -62,10 +62,12 @@ private slots:
     void fileHoldsFurtherOptions();
     void commandLineWinsOverAFile();
     void wrongFileIsNamed();
-    void fileCanNotNameAnotherOne();
+    void wrongOptionsOfAFileAreNamedWithIt_data();
+    void wrongOptionsOfAFileAreNamedWithIt();
     void textOfAFileBecomesArguments_data();
     void textOfAFileBecomesArguments();
     void exampleDescribesFourSystemsThatDiffer();
+    void helpIsShownWhateverElseIsAsked();
     void helpFitsATerminal();
     void longTextIsWrapped_data();
     void longTextIsWrapped();
@@ -411,16 +413,35 @@ void TestCommandLine::wrongFileIsNamed()
     QVERIFY2(line.text.startsWith("--options: /nowhere/none.options: "), qPrintable(line.text));
 }
 
-void TestCommandLine::fileCanNotNameAnotherOne()
+void TestCommandLine::wrongOptionsOfAFileAreNamedWithIt_data()
 {
-    const QTemporaryDir folder;
-    const QString inner = written(folder, "inner", "--vm");
-    const QString outer = written(folder, "outer", "--tcp 127.0.0.1:0 --options " + inner);
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("what");
 
-    const CommandLine line = readArguments({"--options", outer});
+    QTest::newRow("another file") << "--options other"
+                                  << "a file of options can not name another one";
+    QTest::newRow("unknown option") << "--nonsense"
+                                    << "Unknown option 'nonsense'.";
+    QTest::newRow("value missing at the end") << "--vm --label"
+                                              << "Missing value after '--label'.";
+}
+
+void TestCommandLine::wrongOptionsOfAFileAreNamedWithIt()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, what);
+    const QTemporaryDir folder;
+    const QString file = written(folder, "file", text);
+
+    const CommandLine line = readArguments({"--options", file, "--tcp", "127.0.0.1:0"});
 
     QCOMPARE(line.wish, CommandLine::Wish::ShowError);
-    QCOMPARE(line.text, QString("--options: a file of options can not name another one"));
+    QCOMPARE(line.text, "--options: " + file + ": " + what);
+}
+
+void TestCommandLine::helpIsShownWhateverElseIsAsked()
+{
+    QCOMPARE(readArguments({"stray", "--help"}).wish, CommandLine::Wish::ShowHelp);
 }
 
 void TestCommandLine::textOfAFileBecomesArguments_data()
