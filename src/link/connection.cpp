@@ -45,12 +45,12 @@ void Connection::setLabel(const QString& label)
 
 int Connection::takeLiveSample(MeasureSample& out)
 {
-    return liveStore.sampleCount() == 0 ? 0 : liveStore.takeSample(out);
+    return liveStore.takeSample(out);
 }
 
 int Connection::takeCommonSample(MeasureSample& out)
 {
-    return commonStore.sampleCount() == 0 ? 0 : commonStore.takeSample(out);
+    return commonStore.takeSample(out);
 }
 
 bool Connection::fetchReply(QByteArray& out)

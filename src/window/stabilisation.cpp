@@ -71,7 +71,7 @@ void Stabilisation::switchAsClicked(StageView& stage)
     }
     readStatusAfterSwitch(*system);
 
-    if (!pause.resume(toolBar.samplingRateHz()))
+    if (hasFailed(pause.resume(toolBar.samplingRateHz())))
         emit streamFailed();
     button.setEnabled(true);
     // Disabled, it lost the keyboard to its neighbour.
@@ -89,7 +89,7 @@ void Stabilisation::switchStage(const Connection* connection, Stage stage, bool 
     StreamPause pause(*system.connection);
     sendSwitch(*system.connection, stage, on);
     readStatusAfterSwitch(system);
-    if (!pause.resume(toolBar.samplingRateHz()))
+    if (hasFailed(pause.resume(toolBar.samplingRateHz())))
         emit streamFailed();
 }
 

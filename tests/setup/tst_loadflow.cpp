@@ -5,6 +5,7 @@
 #include "setup/connectionwidget.h"
 #include "setup/loadflow.h"
 
+#include <QCheckBox>
 #include <QtTest>
 
 using records::file;
@@ -43,6 +44,14 @@ private:
         return record;
     }
 
+    /// Whether the line of a system has its box checked.
+    bool isMarked(int system) const
+    {
+        const ConnectionWidget* line =
+            bench->systems.lines(ConnectionType::Tcp).lineOf(&bench->connection(system));
+        return line->findChild<QCheckBox*>("checkBoxAutoConnect")->isChecked();
+    }
+
     std::unique_ptr<FlowBench> bench;
     std::unique_ptr<LoadFlow> flow;
     QStringList told;
@@ -67,6 +76,7 @@ void TestLoadFlow::aMarkedSystemIsConnectedAndKept()
     QCOMPARE(bench->registry.statesWhenNew, QList<LinkState>{LinkState::Connected});
     QVERIFY(bench->connection(0).triggerMode());
     QCOMPARE(bench->connection(0).label(), QStringLiteral("arm"));
+    QVERIFY(isMarked(0));
 }
 
 void TestLoadFlow::anUnmarkedSystemIsOnlyListed()
@@ -74,7 +84,7 @@ void TestLoadFlow::anUnmarkedSystemIsOnlyListed()
     QVERIFY(load({quietTcp("AB000000001", "127.0.0.5", "arm")}));
     QVERIFY(bench->waits.isEmpty());
     QCOMPARE(bench->registry.statesWhenNew, QList<LinkState>{LinkState::NotConnected});
-    QVERIFY(bench->systems.lines(ConnectionType::Tcp).lineOf(&bench->connection(0)));
+    QVERIFY(!isMarked(0));
 }
 
 void TestLoadFlow::aSystemThatDoesNotAnswerIsListedAndDown()

@@ -159,7 +159,7 @@ void TestSetupWriting::aFullDocumentComesBackAsItWas()
 void TestSetupWriting::detectorsOfAnEmptyFileMakeARootAndAllDevices()
 {
     const auto xml = setupdocument::withDetectors(
-        {}, {records::tcp("AB000000001", "a"), records::serial("CD000000002", "b")});
+        "", {records::tcp("AB000000001", "a"), records::serial("CD000000002", "b")});
     QVERIFY(xml);
     QDomDocument document;
     QVERIFY(document.setContent(*xml));
