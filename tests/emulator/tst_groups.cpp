@@ -125,6 +125,7 @@ private slots:
     void onlyTheMultiplexedStageIsShownOnTheCommonDetector();
     void packetsShowOnlyTheOwnDetectorOtherwise_data();
     void packetsShowOnlyTheOwnDetectorOtherwise();
+    void scriptedPacketsStayAsTheyAre();
     void lastPacketTakesItsTurn();
     void multiplexingAloneChangesOnlyTheFlags();
     void quadrantTypeIsReadWithTheLightOfTheCommonDetector();
@@ -318,6 +319,19 @@ void TestGroups::packetsShowOnlyTheOwnDetectorOtherwise()
     }
 }
 
+void TestGroups::scriptedPacketsStayAsTheyAre()
+{
+    ControllerOptions options = vmMember();
+    options.script = countingScript(3);
+
+    const QByteArrayList packets = packetsOf(options, {"SMD" + bothStages}, 3);
+
+    for (int i = 0; i < packets.size(); ++i) {
+        QCOMPARE(packets[i][secondFlagByte], '\x03');
+        QCOMPARE(wordAt(packets[i], X1), i + 1);
+    }
+}
+
 void TestGroups::lastPacketTakesItsTurn()
 {
     for (const int packets : {4, 5}) {
@@ -391,6 +405,7 @@ void TestGroups::stageIsNotActiveBesideTheCommonDetector()
     QCOMPARE(answerTo(device, "GAS;"), hex("00 3b 01 00 3b"));
 
     answerTo(device, "SMD" + hex("01 3b"));
+    answerTo(device, "SAI" + hex("01 78 03e8 3b"));
 
     QCOMPARE(answerTo(device, "GAS;"), hex("00 3b 00 00 3b"));
     QCOMPARE(answerTo(device, "GDA;"), hex("00 3b 1388 1388 1388 1388 3b"));

@@ -53,6 +53,7 @@ private slots:
     void stageTakesOverADrivenActuator();
     void intensityFollowsTheBeam();
     void stageWithoutLightIsNotActive();
+    void blockedBeamIsReadAsNothing();
     void loopHoldsTheBeamAlikeOnEveryDetector_data();
     void loopHoldsTheBeamAlikeOnEveryDetector();
     void offsetMovesTheUndisturbedBeam();
@@ -320,6 +321,23 @@ void TestStabilisation::stageWithoutLightIsNotActive()
     blocked.advance(10);
     QCOMPARE(blocked.intensityMv(), quint16(0));
     QVERIFY(!blocked.isActive());
+}
+
+void TestStabilisation::blockedBeamIsReadAsNothing()
+{
+    BeamPreset dark;
+    dark.blocksPerHour = 1e9;
+    StageOptions options;
+    options.offsetXUm = 30.0;
+    for (const DetectorKind kind :
+         {DetectorKind::LateralEffect, DetectorKind::Quadrant, DetectorKind::Psd}) {
+        options.detector = kind;
+        StageModel stage(dark, options, 4000.0, seed);
+        stage.advance(beamStepsPerSecond / 10);
+
+        QCOMPARE(stage.positionMv(StageModel::X), qint16(0));
+        QCOMPARE(stage.beamMicrometres(StageModel::X), 30.0);
+    }
 }
 
 void TestStabilisation::loopHoldsTheBeamAlikeOnEveryDetector_data()
