@@ -6,6 +6,7 @@ namespace emulator {
 
 /// Ends every command and every reply, and stands behind a reply's status byte.
 constexpr char terminator = ';';
+constexpr int mnemonicLength = 3;
 
 /// One command as it came over the wire.
 struct Command

@@ -50,9 +50,27 @@ QVector<PacketValues> deepCopy(const QVector<PacketValues>& samples)
     return copy;
 }
 
+Rule deepCopy(const Rule& rule)
+{
+    Rule copy = rule;
+    copy.prefix = deepCopy(rule.prefix);
+    copy.reply = deepCopy(rule.reply);
+    return copy;
+}
+
+QVector<Rule> deepCopy(const QVector<Rule>& rules)
+{
+    QVector<Rule> copy;
+    copy.reserve(rules.size());
+    for (const Rule& rule : rules)
+        copy.append(deepCopy(rule));
+    return copy;
+}
+
 Faults deepCopy(const Faults& faults)
 {
     Faults copy = faults;
+    copy.rules = deepCopy(faults.rules);
     copy.refuse = deepCopy(faults.refuse);
     copy.silent = deepCopy(faults.silent);
     copy.lateMs = deepCopy(faults.lateMs);
@@ -67,6 +85,7 @@ ControllerOptions deepCopy(const ControllerOptions& options)
     ControllerOptions copy = options;
     copy.key = deepCopy(options.key);
     copy.maker = deepCopy(options.maker);
+    copy.label = deepCopy(options.label);
     copy.faults = deepCopy(options.faults);
     copy.script = deepCopy(options.script);
     return copy;

@@ -1,39 +1,18 @@
 #pragma once
 
+#include "emulator/answer.h"
 #include "emulator/command.h"
 #include "emulator/controlleroptions.h"
+#include "emulator/operation.h"
 #include "emulator/samplesource.h"
 #include "emulator/stagemodel.h"
+#include "emulator/stagestate.h"
 
 #include <QByteArray>
 
 #include <array>
-#include <memory>
-#include <optional>
 
 namespace emulator {
-
-/// Why a command was refused; the code that GER tells.
-enum class RefusalCode : qint8 {
-    None = 0,
-    UnknownCommand = 1,
-    NoSuchStage = 2,
-    NoSuchAxis = 3,
-    ValueOutOfRange = 4,
-    NotSupported = 5,
-    Rejected = 6,
-};
-
-/// What a controller answers to a command.
-struct Answer
-{
-    enum class Stream { Unchanged, Started, StartedByTrigger, Stopped };
-
-    QByteArray reply;
-    /// Packet that goes out ahead of the reply to CLS.
-    QByteArray lastPacket;
-    Stream stream = Stream::Unchanged;
-};
 
 /// The controller itself: its settings, its two stages and what it answers, without any port or
 /// clock. The beam moves by the steps of the stream, and by a fixed number of steps with each
@@ -46,6 +25,9 @@ public:
     static constexpr int labelLength = 25;
     static constexpr int leastRate = 1;
     static constexpr int greatestRate = 1000;
+
+    /// The row of a command in the table of commands; null for an unknown one.
+    static const Operation* operationOf(const QByteArray& mnemonic);
 
     /// `key` is used as given.
     Device(const ControllerOptions& options, const QByteArray& key);
@@ -70,60 +52,68 @@ public:
     QByteArray id() const;
     QByteArray label() const { return storedLabel; }
     int baudRate() const { return serialBaudRate; }
+    /// The rate before SBR changed it.
+    int initialBaudRate() const { return options.baudRate; }
+    void resetBaudRate() { serialBaudRate = options.baudRate; }
     bool hasFlowControl() const { return options.hardwareFlowControl; }
     bool stageOn(int stage) const;
     void setStage(int stage, bool on);
+    /// Everything about stage 1 or 2; a stage that is off in all respects for other numbers.
+    StageState stageState(int stage) const;
+    void setInputs(int stage, const ExternalInputs& inputs);
+    void setMultiplexed(int stage, bool on);
     void setScript(const QVector<PacketValues>& script, bool repeats);
 
 private:
-    using Handler = QByteArray (Device::*)(const QByteArray& arguments);
-    struct Operation;
-    static const Operation* operationOf(const QByteArray& mnemonic);
+    Answer answerTo(const Command& command);
 
-    QByteArray identify(const QByteArray&);
-    QByteArray storeLabel(const QByteArray& arguments);
-    QByteArray tellLabel(const QByteArray&);
-    QByteArray setBaudRate(const QByteArray& arguments);
-    QByteArray singleSample(const QByteArray&);
-    QByteArray tellStatus(const QByteArray&);
-    QByteArray tellActive(const QByteArray&);
-    QByteArray tellIntensity(const QByteArray& arguments);
-    QByteArray switchOn(const QByteArray& arguments);
-    QByteArray switchOff(const QByteArray& arguments);
-    QByteArray hold(const QByteArray& arguments);
-    QByteArray clearHold(const QByteArray& arguments);
-    QByteArray freeze(const QByteArray& arguments);
-    QByteArray clearFreeze(const QByteArray& arguments);
-    QByteArray setPFactor(const QByteArray& arguments);
-    QByteArray tellPFactor(const QByteArray& arguments);
-    QByteArray setAdjustIn(const QByteArray& arguments);
-    QByteArray tellAdjustIn(const QByteArray& arguments);
-    QByteArray setSensitivity(const QByteArray& arguments);
-    QByteArray tellSensitivity(const QByteArray& arguments);
-    QByteArray driveActuator(const QByteArray& arguments);
-    QByteArray tellActuators(const QByteArray&);
-    QByteArray multiplexOn(const QByteArray& arguments);
-    QByteArray multiplexOff(const QByteArray& arguments);
-    QByteArray tellMultiplex(const QByteArray&);
-    QByteArray tellPositions(const QByteArray&);
-    QByteArray tellError(const QByteArray&);
-    QByteArray tellMemory(const QByteArray& arguments);
-    QByteArray acknowledge(const QByteArray&);
+    Answer identify(const Request&);
+    Answer storeLabel(const Request& request);
+    Answer tellLabel(const Request&);
+    Answer setBaudRate(const Request& request);
+    Answer singleSample(const Request&);
+    Answer startStream(const Request& request);
+    Answer startTriggeredStream(const Request&);
+    Answer stopStream(const Request&);
+    Answer tellStatus(const Request&);
+    Answer tellActive(const Request&);
+    Answer tellIntensity(const Request& request);
+    Answer switchOn(const Request& request);
+    Answer switchOff(const Request& request);
+    Answer hold(const Request& request);
+    Answer clearHold(const Request& request);
+    Answer freeze(const Request& request);
+    Answer clearFreeze(const Request& request);
+    Answer setPFactor(const Request& request);
+    Answer tellPFactor(const Request& request);
+    Answer setAdjustIn(const Request& request);
+    Answer tellAdjustIn(const Request& request);
+    Answer setSensitivity(const Request& request);
+    Answer tellSensitivity(const Request& request);
+    Answer driveActuator(const Request& request);
+    Answer tellActuators(const Request&);
+    Answer multiplexOn(const Request& request);
+    Answer multiplexOff(const Request& request);
+    Answer tellMultiplex(const Request&);
+    Answer tellPositions(const Request&);
+    Answer tellError(const Request&);
+    Answer tellMemory(const Request& request);
+    Answer acknowledge(const Request&);
 
-    Answer startStream(const Command& command);
-    Answer startTriggeredStream();
-    Answer stopStream();
-
-    QByteArray refused(RefusalCode code);
     template <typename Change>
-    QByteArray changeStages(char stageByte, Change change);
-    std::optional<int> singleStage(char stageByte);
-    std::optional<StageModel::Axis> axisOf(char axisByte);
+    Answer changeStages(const Request& request, Change change);
+    bool startsBySls() const { return !options.vm; }
+    bool startsBySgs() const { return options.vm; }
+    bool startsByTrigger() const { return options.triggerCapable; }
     bool hasSensitivity() const;
     bool hasStreamFlags() const;
     quint8 stageFlags() const;
-    QByteArray packetOf(const PacketValues& values, quint8 extraFlags) const;
-    PacketValues measured() const;
+    QByteArray packetOf(const PacketValues& values, quint8 extraFlagsA, quint8 extraFlagsB) const;
+    QByteArray streamPacket(quint8 extraFlagsA) const;
+    bool showsCommonDetector() const;
+    using Views = std::array<StageModel::View, stages>;
+    PacketValues measured(const Views& views = {StageModel::View::Own,
+                                                StageModel::View::Own}) const;
     void moveBeam();
     QByteArray memoryImage() const;
 
@@ -132,13 +122,11 @@ private:
     std::array<StageModel, stages> models;
     SampleSource source;
     QByteArray storedLabel;
-    std::array<bool, stages> multiplex{};
     /// Trigger Freeze only shows in the memory image; the emulated loops do not react to triggers.
     std::array<bool, stages> frozen{};
     int serialBaudRate;
     QByteArray failedMnemonic;
     RefusalCode failure = RefusalCode::None;
-    QByteArray current;
     bool streaming = false;
     double streamRate = 0;
 };

@@ -8,12 +8,7 @@ namespace emulator {
 
 namespace {
 
-constexpr int bothStages = 3;
 constexpr int memoryBytes = 255;
-constexpr int greatestPFactorMv = 5000;
-constexpr int greatestSensitivityMv = 5000;
-constexpr int greatestAdjustInMv = 5000;
-constexpr int greatestDriveMv = 5000;
 
 /// Baud rate of a code of SBR, 0 for an unknown code.
 int baudRateOf(int code)
@@ -30,75 +25,82 @@ int baudRateOf(int code)
     }
 }
 
-bool namesStages(char stageByte)
-{
-    return stageByte >= 1 && stageByte <= bothStages;
-}
-
 } // namespace
 
 template <typename Change>
-QByteArray Device::changeStages(char stageByte, Change change)
+Answer Device::changeStages(const Request& request, Change change)
 {
-    if (!namesStages(stageByte))
-        return refused(RefusalCode::NoSuchStage);
     for (std::size_t i = 0; i < models.size(); ++i) {
-        if (stageByte == bothStages || stageByte == static_cast<int>(i) + 1)
+        if (request.names(i))
             change(i);
     }
     return acceptance();
 }
 
-std::optional<int> Device::singleStage(char stageByte)
-{
-    if (stageByte == 1 || stageByte == 2)
-        return stageByte - 1;
-    refused(RefusalCode::NoSuchStage);
-    return std::nullopt;
-}
-
-std::optional<StageModel::Axis> Device::axisOf(char axisByte)
-{
-    if (axisByte == 'x')
-        return StageModel::X;
-    if (axisByte == 'y')
-        return StageModel::Y;
-    refused(RefusalCode::NoSuchAxis);
-    return std::nullopt;
-}
-
-QByteArray Device::identify(const QByteArray&)
+Answer Device::identify(const Request&)
 {
     return payload(id());
 }
 
-QByteArray Device::storeLabel(const QByteArray& arguments)
+Answer Device::storeLabel(const Request& request)
 {
-    storedLabel = arguments;
+    storedLabel = request.arguments;
     return acceptance();
 }
 
-QByteArray Device::tellLabel(const QByteArray&)
+Answer Device::tellLabel(const Request&)
 {
     // The memory holds the label with a terminating zero byte, and GLA answers with both.
     return payload(storedLabel + '\0');
 }
 
-QByteArray Device::setBaudRate(const QByteArray& arguments)
+Answer Device::setBaudRate(const Request& request)
 {
-    const int wanted = baudRateOf(byteAt(arguments, 0));
+    const int wanted = baudRateOf(byteAt(request.arguments, 0));
     if (wanted == 0)
-        return refused(RefusalCode::ValueOutOfRange);
+        return RefusalCode::ValueOutOfRange;
     serialBaudRate = wanted;
     return acceptance();
 }
 
-QByteArray Device::singleSample(const QByteArray&)
+Answer Device::singleSample(const Request&)
 {
-    return packetOf(measured(), 0);
+    return packetOf(measured(), 0, 0);
 }
 
-QByteArray Device::tellStatus(const QByteArray&)
+Answer Device::startStream(const Request& request)
+{
+    streaming = true;
+    streamRate = request.value;
+    source.rewind(streamRate);
+    Answer answer = nextPacket();
+    answer.stream = Answer::Stream::Started;
+    return answer;
+}
+
+Answer Device::startTriggeredStream(const Request&)
+{
+    streaming = true;
+    streamRate = options.triggerRateHz;
+    source.rewind(streamRate);
+    Answer answer = acceptance();
+    answer.stream = Answer::Stream::StartedByTrigger;
+    return answer;
+}
+
+Answer Device::stopStream(const Request&)
+{
+    Answer answer = acceptance();
+    answer.stream = Answer::Stream::Stopped;
+    if (streaming && hasStreamFlags()) {
+        moveBeam();
+        answer.lastPacket = streamPacket(LastPacket);
+    }
+    endStream();
+    return answer;
+}
+
+Answer Device::tellStatus(const Request&)
 {
     const auto adjusted = [](const StageModel& model) {
         return model.adjustIn(StageModel::X) != 0 || model.adjustIn(StageModel::Y) != 0;
@@ -110,7 +112,7 @@ QByteArray Device::tellStatus(const QByteArray&)
     return payload(QByteArray(1, static_cast<char>(flags)));
 }
 
-QByteArray Device::tellActive(const QByteArray&)
+Answer Device::tellActive(const Request&)
 {
     QByteArray bytes;
     for (const StageModel& model : models)
@@ -118,161 +120,125 @@ QByteArray Device::tellActive(const QByteArray&)
     return payload(bytes);
 }
 
-QByteArray Device::tellIntensity(const QByteArray& arguments)
+Answer Device::tellIntensity(const Request& request)
 {
-    const std::optional<int> stage = singleStage(arguments[0]);
-    if (!stage)
-        return refusal();
     const PacketValues values = measured();
-    return words({*stage == 0 ? values.i1 : values.i2});
+    return words({request.stage == 0 ? values.i1 : values.i2});
 }
 
-QByteArray Device::switchOn(const QByteArray& arguments)
+Answer Device::switchOn(const Request& request)
 {
-    return changeStages(arguments[0], [this](std::size_t i) { models[i].setOn(true); });
+    return changeStages(request, [this](std::size_t i) { models[i].setOn(true); });
 }
 
-QByteArray Device::switchOff(const QByteArray& arguments)
+Answer Device::switchOff(const Request& request)
 {
-    return changeStages(arguments[0], [this](std::size_t i) { models[i].setOn(false); });
+    return changeStages(request, [this](std::size_t i) { models[i].setOn(false); });
 }
 
-QByteArray Device::hold(const QByteArray& arguments)
+Answer Device::hold(const Request& request)
 {
-    return changeStages(arguments[0], [this](std::size_t i) { models[i].setHold(); });
+    return changeStages(request, [this](std::size_t i) { models[i].setHold(); });
 }
 
-QByteArray Device::clearHold(const QByteArray& arguments)
+Answer Device::clearHold(const Request& request)
 {
-    return changeStages(arguments[0], [this](std::size_t i) { models[i].clearHold(); });
+    return changeStages(request, [this](std::size_t i) { models[i].clearHold(); });
 }
 
-QByteArray Device::freeze(const QByteArray& arguments)
+Answer Device::freeze(const Request& request)
 {
-    return changeStages(arguments[0], [this](std::size_t i) { frozen[i] = true; });
+    return changeStages(request, [this](std::size_t i) { frozen[i] = true; });
 }
 
-QByteArray Device::clearFreeze(const QByteArray& arguments)
+Answer Device::clearFreeze(const Request& request)
 {
-    return changeStages(arguments[0], [this](std::size_t i) { frozen[i] = false; });
+    return changeStages(request, [this](std::size_t i) { frozen[i] = false; });
 }
 
-QByteArray Device::setPFactor(const QByteArray& arguments)
+Answer Device::setPFactor(const Request& request)
 {
-    // A stage that does not exist is reported before any other error in the arguments.
-    if (!namesStages(arguments[0]))
-        return refused(RefusalCode::NoSuchStage);
-    const int millivolts = signedWordAt(arguments, 1);
-    if (millivolts < 0 || millivolts > greatestPFactorMv)
-        return refused(RefusalCode::ValueOutOfRange);
-    return changeStages(arguments[0], [&](std::size_t i) { models[i].setPFactor(millivolts); });
+    return changeStages(request, [&](std::size_t i) { models[i].setPFactor(request.value); });
 }
 
-QByteArray Device::tellPFactor(const QByteArray& arguments)
+Answer Device::tellPFactor(const Request& request)
 {
-    const std::optional<int> stage = singleStage(arguments[0]);
-    return stage ? words({models[static_cast<std::size_t>(*stage)].pFactor()}) : refusal();
+    return words({models[request.stage].pFactor()});
 }
 
-QByteArray Device::setAdjustIn(const QByteArray& arguments)
+Answer Device::setAdjustIn(const Request& request)
 {
-    if (!namesStages(arguments[0]))
-        return refused(RefusalCode::NoSuchStage);
-    const std::optional<StageModel::Axis> axis = axisOf(arguments[1]);
-    if (!axis)
-        return refusal();
-    const int millivolts = signedWordAt(arguments, 2);
-    if (millivolts < -greatestAdjustInMv || millivolts > greatestAdjustInMv)
-        return refused(RefusalCode::ValueOutOfRange);
-    return changeStages(arguments[0],
-                        [&](std::size_t i) { models[i].setAdjustIn(*axis, millivolts); });
+    return changeStages(request,
+                        [&](std::size_t i) { models[i].setAdjustIn(request.axis, request.value); });
 }
 
-QByteArray Device::tellAdjustIn(const QByteArray& arguments)
+Answer Device::tellAdjustIn(const Request& request)
 {
-    const std::optional<int> stage = singleStage(arguments[0]);
-    if (!stage)
-        return refusal();
-    const std::optional<StageModel::Axis> axis = axisOf(arguments[1]);
-    return axis ? words({models[static_cast<std::size_t>(*stage)].adjustIn(*axis)}) : refusal();
+    return words({models[request.stage].adjustIn(request.axis)});
 }
 
-QByteArray Device::setSensitivity(const QByteArray& arguments)
+Answer Device::setSensitivity(const Request& request)
 {
-    if (!hasSensitivity())
-        return refused(RefusalCode::NotSupported);
-    if (!namesStages(arguments[0]))
-        return refused(RefusalCode::NoSuchStage);
-    const int millivolts = signedWordAt(arguments, 1);
-    if (millivolts < 0 || millivolts > greatestSensitivityMv)
-        return refused(RefusalCode::ValueOutOfRange);
-    return changeStages(arguments[0], [&](std::size_t i) { models[i].setSensitivity(millivolts); });
+    return changeStages(request, [&](std::size_t i) { models[i].setSensitivity(request.value); });
 }
 
-QByteArray Device::tellSensitivity(const QByteArray& arguments)
+Answer Device::tellSensitivity(const Request& request)
 {
-    if (!hasSensitivity())
-        return refused(RefusalCode::NotSupported);
-    const std::optional<int> stage = singleStage(arguments[0]);
-    return stage ? words({models[static_cast<std::size_t>(*stage)].sensitivity()}) : refusal();
+    return words({models[request.stage].sensitivity()});
 }
 
-QByteArray Device::driveActuator(const QByteArray& arguments)
+Answer Device::driveActuator(const Request& request)
 {
-    if (!namesStages(arguments[0]))
-        return refused(RefusalCode::NoSuchStage);
-    const std::optional<StageModel::Axis> axis = axisOf(arguments[1]);
-    if (!axis)
-        return refusal();
-    const int millivolts = signedWordAt(arguments, 2);
-    if (millivolts < -greatestDriveMv || millivolts > greatestDriveMv)
-        return refused(RefusalCode::ValueOutOfRange);
-    return changeStages(arguments[0],
-                        [&](std::size_t i) { models[i].driveActuator(*axis, millivolts); });
+    return changeStages(
+        request, [&](std::size_t i) { models[i].driveActuator(request.axis, request.value); });
 }
 
-QByteArray Device::tellActuators(const QByteArray&)
+Answer Device::tellActuators(const Request&)
 {
     const PacketValues values = measured();
     return words({values.rx1, values.ry1, values.rx2, values.ry2});
 }
 
-QByteArray Device::multiplexOn(const QByteArray& arguments)
+Answer Device::multiplexOn(const Request& request)
 {
-    return changeStages(arguments[0], [this](std::size_t i) { multiplex[i] = true; });
+    return changeStages(request, [this](std::size_t i) { models[i].setMultiplexed(true); });
 }
 
-QByteArray Device::multiplexOff(const QByteArray& arguments)
+Answer Device::multiplexOff(const Request& request)
 {
-    return changeStages(arguments[0], [this](std::size_t i) { multiplex[i] = false; });
+    return changeStages(request, [this](std::size_t i) { models[i].setMultiplexed(false); });
 }
 
-QByteArray Device::tellMultiplex(const QByteArray&)
+Answer Device::tellMultiplex(const Request&)
 {
-    const int flags = (multiplex[0] ? Multiplex1 : 0) | (multiplex[1] ? Multiplex2 : 0);
+    const int flags =
+        (models[0].isMultiplexed() ? Multiplex1 : 0) | (models[1].isMultiplexed() ? Multiplex2 : 0);
     return payload(QByteArray(1, static_cast<char>(flags)));
 }
 
-QByteArray Device::tellPositions(const QByteArray&)
+Answer Device::tellPositions(const Request&)
 {
-    const PacketValues values = measured();
+    const PacketValues values = measured({StageModel::View::Common, StageModel::View::Common});
     return words({values.x1, values.y1, values.x2, values.y2});
 }
 
-QByteArray Device::tellError(const QByteArray&)
+Answer Device::tellError(const Request&)
 {
     QByteArray bytes = failedMnemonic.leftJustified(3, '-', true);
     bytes.append(static_cast<char>(failure));
     return payload(bytes);
 }
 
-QByteArray Device::tellMemory(const QByteArray& arguments)
+Answer Device::tellMemory(const Request& request)
 {
-    const bool whole = unsignedWordAt(arguments, 0) == 0 && byteAt(arguments, 2) == memoryBytes;
-    return whole ? payload(memoryImage()) : refused(RefusalCode::ValueOutOfRange);
+    const bool whole =
+        unsignedWordAt(request.arguments, 0) == 0 && byteAt(request.arguments, 2) == memoryBytes;
+    if (!whole)
+        return RefusalCode::ValueOutOfRange;
+    return payload(memoryImage());
 }
 
-QByteArray Device::acknowledge(const QByteArray&)
+Answer Device::acknowledge(const Request&)
 {
     return acceptance();
 }
@@ -290,7 +256,7 @@ QByteArray Device::memoryImage() const
     const auto flags = [](const std::array<bool, stages>& set) {
         return static_cast<char>((set[0] ? 1 : 0) | (set[1] ? 2 : 0));
     };
-    image.append(flags(multiplex));
+    image.append(flags({models[0].isMultiplexed(), models[1].isMultiplexed()}));
     image.append(flags(frozen));
     for (quint64 unused = 0; image.size() < memoryBytes; ++unused)
         image.append(static_cast<char>(derivedSeed(options.seed, unused) & 0xFF));

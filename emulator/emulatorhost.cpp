@@ -7,6 +7,8 @@
 #include "emulator/reply.h"
 #include "emulator/tcpface.h"
 
+#include <algorithm>
+
 namespace emulator {
 
 template <typename Result>
@@ -88,6 +90,22 @@ void ControllerHandle::clearWire()
 void ControllerHandle::setFaults(const Faults& faults)
 {
     order([&](Face& face) { face.controller().setFaults(deepCopy(faults)); });
+}
+
+void ControllerHandle::setRules(const QVector<Rule>& rules)
+{
+    order([&](Face& face) { face.controller().setRules(deepCopy(rules)); });
+}
+
+void ControllerHandle::addRule(const Rule& rule)
+{
+    order([&](Face& face) { face.controller().addRule(deepCopy(rule)); });
+}
+
+QStringList ControllerHandle::unplayedRules() const
+{
+    // Made anew for this call, so that the controller shares no data with it.
+    return ask<QStringList>([](Face& face) { return face.controller().unplayedRules(); });
 }
 
 void ControllerHandle::setScript(const QVector<PacketValues>& script, bool repeats)
@@ -190,6 +208,43 @@ QByteArray ControllerHandle::label() const
     return ask<QByteArray>([](Face& face) { return deepCopy(face.controller().device().label()); });
 }
 
+StageState ControllerHandle::stage(int stage) const
+{
+    return ask<StageState>(
+        [=](Face& face) { return face.controller().device().stageState(stage); });
+}
+
+void ControllerHandle::setInputs(int stage, const ExternalInputs& inputs)
+{
+    order([&](Face& face) { face.controller().device().setInputs(stage, inputs); });
+}
+
+void ControllerHandle::setMultiplexed(int stage, bool on)
+{
+    order([=](Face& face) { face.controller().device().setMultiplexed(stage, on); });
+}
+
+int ControllerHandle::count(const QByteArray& prefix) const
+{
+    return ask<int>([&](Face& face) {
+        const QByteArrayList& commands = face.wireLog().commands();
+        return static_cast<int>(
+            std::count_if(commands.begin(), commands.end(),
+                          [&](const QByteArray& command) { return command.startsWith(prefix); }));
+    });
+}
+
+namespace {
+
+void warnOfUnplayedRules(const Face& face)
+{
+    QObject::connect(&face.controller(), &Controller::ruleUnplayed, [](const QString& rule) {
+        qWarning("emulator: %s never acted", qPrintable(rule));
+    });
+}
+
+} // namespace
+
 EmulatorHost::EmulatorHost()
     : thread(std::make_unique<HostThread>())
 {}
@@ -206,6 +261,7 @@ ControllerHandle EmulatorHost::addTcp(const ControllerOptions& options, const QS
             qWarning("emulator: can not listen: %s", qPrintable(face->errorString()));
             return;
         }
+        warnOfUnplayedRules(*face);
         added = face.get();
         thread->own(std::move(face));
     });
@@ -222,6 +278,7 @@ ControllerHandle EmulatorHost::addPty(const ControllerOptions& options, const QS
                      qPrintable(face->errorString()));
             return;
         }
+        warnOfUnplayedRules(*face);
         added = face.get();
         thread->own(std::move(face));
     });

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "emulator/controlleroptions.h"
+#include "emulator/stagestate.h"
 #include "emulator/wirelog.h"
 
 #include <QByteArrayList>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <functional>
@@ -48,7 +50,16 @@ public:
     QVector<WireEvent> wire() const;
     void clearWire();
 
+    /// Replaces all faults, the rules among them. A rule that is replaced before it has acted is
+    /// told by a warning, as is one that has not acted when the controller ends.
     void setFaults(const Faults& faults);
+    /// Replaces `Faults::rules` and leaves the other faults as they are. A command that is already
+    /// waiting to be late keeps its rule.
+    void setRules(const QVector<Rule>& rules);
+    /// Puts a rule behind those of `Faults::rules`.
+    void addRule(const Rule& rule);
+    /// Rules and lists that have not acted so far, in the words of `describe`.
+    QStringList unplayedRules() const;
     /// See `ControllerOptions::script`. A running stream continues with the first sample of it.
     void setScript(const QVector<PacketValues>& script, bool repeats = false);
     /// Replaces the controller at this address by another one, with a new key unless one is given.
@@ -56,7 +67,7 @@ public:
     void setIdentity(const ControllerOptions& options);
 
     /// Power off: the host is disconnected, the stages are switched off, settings are kept. A
-    /// pseudo terminal is removed together with its link.
+    /// pseudo terminal is removed together with its link; a controller behind TCP forgets SBR.
     void stopListening();
     /// Power on at the same port, or under the same link.
     void listenAgain();
@@ -89,8 +100,18 @@ public:
     bool stageOn(int stage) const;
     /// Switches a stage without a command, as somebody at the controller would.
     void setStage(int stage, bool on);
-    /// The 25 bytes that SLA stored; blanks at first.
+    /// The 25 bytes that SLA stored; blanks at first, unless the options say otherwise.
     QByteArray label() const;
+
+    /// Everything about stage 1 or 2, without a command.
+    StageState stage(int stage) const;
+    /// What stands at the external inputs of a stage from now on.
+    void setInputs(int stage, const ExternalInputs& inputs);
+    /// Leads a stage to the common detector or back, without a command.
+    void setMultiplexed(int stage, bool on);
+    /// How many commands since the last `clearWire` begin with these bytes, such as "GSF" or
+    /// "SPF\1".
+    int count(const QByteArray& prefix) const;
 
 private:
     friend class EmulatorHost;

@@ -30,11 +30,6 @@ QByteArray refusal()
     return bareReply(refusedStatus);
 }
 
-bool isRefusal(const QByteArray& reply)
-{
-    return reply.startsWith(refusedStatus);
-}
-
 QByteArray payload(const QByteArray& bytes)
 {
     return acceptance() + bytes + terminator;

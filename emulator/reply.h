@@ -9,8 +9,6 @@ namespace emulator {
 /// A reply without payload: accepted, or refused.
 QByteArray acceptance();
 QByteArray refusal();
-/// True for replies that begin as a refusal does.
-bool isRefusal(const QByteArray& reply);
 
 /// A good reply with these bytes, or with these values of 16 bits, high byte first.
 QByteArray payload(const QByteArray& bytes);

@@ -6,6 +6,8 @@
 using namespace emulator;
 using namespace wiretools;
 
+Q_DECLARE_METATYPE(emulator::ControllerOptions)
+
 namespace {
 
 /// Every value differs from the others in both bytes.
@@ -87,6 +89,14 @@ private slots:
     void holdKeepsTheNamedStageWhereItIs();
     void clearedHoldLetsTheBeamGoBack();
     void restartLeavesNothingDrivenOrHeld();
+    void labelOfTheOptionsIsStoredAtTheStart_data();
+    void labelOfTheOptionsIsStoredAtTheStart();
+    void pFactorOfTheOptionsIsStoredAtTheStart();
+    void stagesOfTheOptionsAreMultiplexedAtTheStart();
+    void stillBeamNeverMoves();
+    void firstOfSeveralErrorsIsTold_data();
+    void firstOfSeveralErrorsIsTold();
+    void errorStaysUntilTheNextOne();
 };
 
 void TestAnswers::sampleIsToldInItsOrder_data()
@@ -240,6 +250,116 @@ void TestAnswers::restartLeavesNothingDrivenOrHeld()
     answerTo(device, stageOneOn);
     settle(device);
     QVERIFY(isNear(told(device, "GCA;", X1), 0));
+}
+
+void TestAnswers::labelOfTheOptionsIsStoredAtTheStart_data()
+{
+    QTest::addColumn<QByteArray>("label");
+    QTest::addColumn<QByteArray>("stored");
+
+    QTest::newRow("none") << QByteArray() << QByteArray(25, ' ');
+    QTest::newRow("short") << QByteArray("Pump") << "Pump" + QByteArray(21, ' ');
+    QTest::newRow("too long") << QByteArray(30, 'a') << QByteArray(25, 'a');
+}
+
+void TestAnswers::labelOfTheOptionsIsStoredAtTheStart()
+{
+    QFETCH(QByteArray, label);
+    QFETCH(QByteArray, stored);
+    ControllerOptions options;
+    options.label = label;
+    Device device = deviceOf(options);
+
+    QCOMPARE(answerTo(device, "GLA;").mid(2, 25), stored);
+}
+
+void TestAnswers::pFactorOfTheOptionsIsStoredAtTheStart()
+{
+    ControllerOptions options;
+    options.pFactorMv = 1500;
+    Device device = deviceOf(options);
+
+    QCOMPARE(told(device, "GPF" + hex("01 3b")), 1500);
+    QCOMPARE(told(device, "GPF" + hex("02 3b")), 1500);
+}
+
+void TestAnswers::stagesOfTheOptionsAreMultiplexedAtTheStart()
+{
+    ControllerOptions options;
+    options.stages[1].multiplexed = true;
+    Device device = deviceOf(options);
+
+    QCOMPARE(answerTo(device, "GMF;"), hex("00 3b 02 3b"));
+}
+
+void TestAnswers::stillBeamNeverMoves()
+{
+    ControllerOptions options;
+    options.preset = Preset::Still;
+    Device device = deviceOf(options);
+
+    for (int i = 0; i < 100; ++i) {
+        QCOMPARE(answerTo(device, "S1S;").mid(4, 12), hex("0000 0000 0fa0 0000 0000 0dac"));
+    }
+}
+
+void TestAnswers::firstOfSeveralErrorsIsTold_data()
+{
+    QTest::addColumn<ControllerOptions>("options");
+    QTest::addColumn<QByteArray>("command");
+    QTest::addColumn<int>("code");
+
+    ControllerOptions usual;
+    ControllerOptions old;
+    old.firmware = 30;
+    ControllerOptions vm;
+    vm.vm = true;
+    const auto row = [](const char* name, const ControllerOptions& options,
+                        const QByteArray& command,
+                        int code) { QTest::newRow(name) << options << command << code; };
+    row("stage, axis and value", usual, "SAI" + hex("04 7a 1389 3b"), 2);
+    row("axis and value", usual, "SAI" + hex("03 7a 1389 3b"), 3);
+    row("value", usual, "SAI" + hex("03 79 ec77 3b"), 4);
+    row("stage, axis and value of a drive", usual, "SDA" + hex("00 58 1389 3b"), 2);
+    row("axis and value of a drive", usual, "SDA" + hex("01 58 1389 3b"), 3);
+    row("stage and axis to be told", usual, "GAI" + hex("03 7a 3b"), 2);
+    row("axis to be told", usual, "GAI" + hex("02 7a 3b"), 3);
+    row("stage and value", usual, "SPF" + hex("04 ffff 3b"), 2);
+    row("both stages at once", usual, "GPF" + hex("03 3b"), 2);
+    row("stage and value of the sensitivity", usual, "SDS" + hex("00 1389 3b"), 2);
+    row("value of the sensitivity", usual, "SDS" + hex("02 1389 3b"), 4);
+    row("sensitivity of old firmware", old, "SDS" + hex("00 1389 3b"), 5);
+    row("sensitivity of old firmware to be told", old, "GDS" + hex("03 3b"), 5);
+    row("start and rate of the other kind", vm, startAt(0), 5);
+    row("rate", vm, startAt(0, "SGS"), 4);
+    row("rate far above all", usual, startAt(0xFFFF), 4);
+    row("start of the other kind", usual, startAt(10, "SGS"), 5);
+    row("start by pulses", usual, "SPS" + hex("0000 3b"), 5);
+}
+
+void TestAnswers::firstOfSeveralErrorsIsTold()
+{
+    QFETCH(ControllerOptions, options);
+    QFETCH(QByteArray, command);
+    QFETCH(int, code);
+    Device device = deviceOf(options);
+
+    QCOMPARE(answerTo(device, command), refused());
+
+    const QByteArray error = accepted() + command.left(3) + static_cast<char>(code) + ';';
+    QCOMPARE(answerTo(device, "GER;"), error);
+    QVERIFY(!device.isStreaming());
+}
+
+void TestAnswers::errorStaysUntilTheNextOne()
+{
+    Device device = quietDevice();
+    QCOMPARE(answerTo(device, "GER;"), QByteArray(accepted() + "---" + hex("00 3b")));
+
+    answerTo(device, "SEA" + hex("09 3b"));
+    QCOMPARE(answerTo(device, stageOneOn), accepted());
+
+    QCOMPARE(answerTo(device, "GER;"), QByteArray(accepted() + "SEA" + hex("02 3b")));
 }
 
 QTEST_GUILESS_MAIN(TestAnswers)

@@ -1,0 +1,315 @@
+#include "emulator/rule.h"
+
+#include "emulator/command.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <algorithm>
+#include <iterator>
+#include <limits>
+
+namespace emulator {
+
+namespace {
+
+constexpr int greatestCount = 1000000000;
+constexpr int greatestLatenessMs = 3600000;
+/// Place of an axis in a frame: behind the mnemonic and the stage.
+constexpr int axisPlace = 4;
+constexpr QLatin1String skipKey("skip=");
+constexpr QLatin1String timesKey("times=");
+
+/// What stands behind the last "=" of an option's value.
+enum class Extra { None, ReplyBytes, Milliseconds, ByteCount };
+
+struct Option
+{
+    const char* name;
+    Deed deed;
+    Extra extra;
+};
+
+constexpr Option options[] = {
+    {"refuse", Deed::Refuse, Extra::None},       {"silent", Deed::Ignore, Extra::None},
+    {"close-on", Deed::Close, Extra::None},      {"half-close-on", Deed::HalfClose, Extra::None},
+    {"reply", Deed::Reply, Extra::ReplyBytes},   {"late", Deed::CarryOut, Extra::Milliseconds},
+    {"short", Deed::CarryOut, Extra::ByteCount},
+};
+
+template <typename Condition>
+const Option* optionWith(Condition condition)
+{
+    const auto found = std::find_if(std::begin(options), std::end(options), condition);
+    return found == std::end(options) ? nullptr : found;
+}
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("Rule", text);
+}
+
+QString hexDigits(const QByteArray& bytes)
+{
+    return QString::fromLatin1(bytes.toHex());
+}
+
+bool isAxis(QChar letter)
+{
+    return letter == 'x' || letter == 'y';
+}
+
+/// The prefix as it is written on the command line, such as "SAI:01x".
+QString prefixText(const QByteArray& prefix)
+{
+    const QByteArray mnemonic = prefix.left(mnemonicLength);
+    QString arguments;
+    for (int place = mnemonicLength; place < prefix.size(); ++place) {
+        const QChar letter = QLatin1Char(prefix[place]);
+        arguments += place == axisPlace && isAxis(letter) ? QString(letter)
+                                                          : hexDigits(prefix.mid(place, 1));
+    }
+    const QString name = QString::fromLatin1(mnemonic);
+    return arguments.isEmpty() ? name : name + ':' + arguments;
+}
+
+/// Everything that stands before the last "=" of an option's value.
+QString patternText(const Rule& rule)
+{
+    QString text = prefixText(rule.prefix);
+    if (rule.skip > 0)
+        text += ':' + skipKey + QString::number(rule.skip);
+    if (rule.times > 0)
+        text += ':' + timesKey + QString::number(rule.times);
+    return text;
+}
+
+bool isHexPair(const QString& text)
+{
+    static const QString digits = QStringLiteral("0123456789abcdefABCDEF");
+    return text.size() == 2 && digits.contains(text[0]) && digits.contains(text[1]);
+}
+
+/// Bytes of pairs of hexadecimal digits and of letters of axes; nothing if the text holds others.
+std::optional<QByteArray> bytesOf(const QString& text)
+{
+    QByteArray bytes;
+    int place = 0;
+    while (place < text.size()) {
+        const QString pair = text.mid(place, 2);
+        if (isAxis(text[place])) {
+            bytes.append(text[place].toLatin1());
+            ++place;
+        } else if (isHexPair(pair)) {
+            bytes.append(QByteArray::fromHex(pair.toLatin1()));
+            place += pair.size();
+        } else {
+            return std::nullopt;
+        }
+    }
+    return bytes;
+}
+
+/// Reads the parts of one rule, and keeps the first error message.
+class RuleReader final
+{
+public:
+    const QString& complaint() const { return firstComplaint; }
+
+    Rule read(const Option& option, const QString& value);
+
+private:
+    void complain(const QString& text);
+    int number(const QString& text, int least, int greatest);
+    void readPattern(const QString& text);
+    void readMnemonic(const QString& text);
+    void readArguments(const QString& text);
+    void readExtra(Extra extra, const QString& text);
+
+    Rule rule;
+    QString firstComplaint;
+};
+
+void RuleReader::complain(const QString& text)
+{
+    if (firstComplaint.isEmpty())
+        firstComplaint = text;
+}
+
+int RuleReader::number(const QString& text, int least, int greatest)
+{
+    bool ok = false;
+    const int number = text.toInt(&ok);
+    if (!ok || number < least || number > greatest) {
+        complain(
+            tr("\"%1\" is not a whole number from %2 to %3").arg(text).arg(least).arg(greatest));
+    }
+    return number;
+}
+
+Rule RuleReader::read(const Option& option, const QString& value)
+{
+    rule.deed = option.deed;
+    if (option.extra == Extra::None) {
+        readPattern(value);
+        return rule;
+    }
+    const int sign = value.lastIndexOf('=');
+    if (sign < 0) {
+        complain(option.extra == Extra::ReplyBytes
+                     ? tr("\"%1\" lacks \"=\" and the bytes of the reply").arg(value)
+                     : tr("\"%1\" lacks \"=\" and a number").arg(value));
+        return rule;
+    }
+    readPattern(value.left(sign));
+    readExtra(option.extra, value.mid(sign + 1));
+    return rule;
+}
+
+void RuleReader::readPattern(const QString& text)
+{
+    QStringList parts = text.split(':');
+    readMnemonic(parts.takeFirst());
+    for (const QString& part : parts) {
+        if (part.startsWith(skipKey))
+            rule.skip = number(part.mid(skipKey.size()), 0, greatestCount);
+        else if (part.startsWith(timesKey))
+            rule.times = number(part.mid(timesKey.size()), 1, greatestCount);
+        else
+            readArguments(part);
+    }
+}
+
+void RuleReader::readMnemonic(const QString& text)
+{
+    rule.prefix = text.toLatin1().toUpper();
+    if (argumentLength(rule.prefix) < 0)
+        complain(tr("there is no command \"%1\"").arg(text));
+}
+
+void RuleReader::readArguments(const QString& text)
+{
+    const std::optional<QByteArray> bytes = bytesOf(text);
+    if (!bytes || bytes->isEmpty()) {
+        complain(tr("\"%1\" is none of bytes, as in 01x, skip=N and times=N").arg(text));
+        return;
+    }
+    const QByteArray mnemonic = rule.prefix.left(mnemonicLength);
+    rule.prefix += *bytes;
+    if (rule.prefix.size() - mnemonicLength > argumentLength(mnemonic))
+        complain(tr("\"%1\" is more than the arguments of %2").arg(text, QString(mnemonic)));
+}
+
+void RuleReader::readExtra(Extra extra, const QString& text)
+{
+    switch (extra) {
+    case Extra::None:
+        break;
+    case Extra::ReplyBytes: {
+        const std::optional<QByteArray> bytes = bytesOf(text);
+        rule.reply = bytes.value_or(QByteArray());
+        if (rule.reply.isEmpty())
+            complain(tr("\"%1\" is not the bytes of a reply, as in 003b013b").arg(text));
+        break;
+    }
+    case Extra::Milliseconds:
+        rule.lateMs = number(text, 0, greatestLatenessMs);
+        break;
+    case Extra::ByteCount:
+        rule.shortBytes = number(text, 0, greatestCount);
+        break;
+    }
+}
+
+} // namespace
+
+QByteArray Rule::cut(const QByteArray& bytes) const
+{
+    return shortBytes == wholeReply ? bytes : bytes.left(shortBytes);
+}
+
+bool operator==(const Rule& left, const Rule& right)
+{
+    return left.prefix == right.prefix && left.skip == right.skip && left.times == right.times
+           && left.deed == right.deed && left.lateMs == right.lateMs
+           && left.shortBytes == right.shortBytes && left.reply == right.reply;
+}
+
+RuleDraft on(const QByteArray& prefix)
+{
+    Q_ASSERT(prefix.size() >= mnemonicLength);
+    return RuleDraft(prefix);
+}
+
+RuleDraft& RuleDraft::after(int skippedCommands)
+{
+    rule.skip = skippedCommands;
+    return *this;
+}
+
+RuleDraft& RuleDraft::times(int count)
+{
+    rule.times = count;
+    return *this;
+}
+
+RuleDraft& RuleDraft::late(int milliseconds)
+{
+    rule.lateMs = milliseconds;
+    return *this;
+}
+
+RuleDraft& RuleDraft::cutTo(int bytes)
+{
+    rule.shortBytes = bytes;
+    return *this;
+}
+
+RuleDraft& RuleDraft::reply(const QByteArray& bytes)
+{
+    rule.reply = bytes;
+    return act(Deed::Reply);
+}
+
+RuleDraft& RuleDraft::act(Deed deed)
+{
+    rule.deed = deed;
+    return *this;
+}
+
+QString describe(const Rule& rule)
+{
+    const QString pattern = patternText(rule);
+    QStringList made;
+    if (rule.deed != Deed::CarryOut) {
+        const Option* option =
+            optionWith([&](const Option& each) { return each.deed == rule.deed; });
+        made.append(QString::fromLatin1(option->name) + ' ' + pattern);
+    }
+    if (rule.deed == Deed::Reply)
+        made.last() += '=' + hexDigits(rule.reply);
+    if (rule.shortBytes != Rule::wholeReply)
+        made.append(QStringLiteral("short %1=%2").arg(pattern).arg(rule.shortBytes));
+    // A rule that only lets commands pass is one that makes them late by nothing.
+    if (rule.lateMs > 0 || made.isEmpty())
+        made.append(QStringLiteral("late %1=%2").arg(pattern).arg(rule.lateMs));
+    return made.join(QStringLiteral(", "));
+}
+
+ParsedRule parseRule(const QString& option, const QString& value)
+{
+    ParsedRule parsed;
+    const Option* known = optionWith([&](const Option& each) { return option == each.name; });
+    if (!known) {
+        parsed.error = tr("there is no rule \"%1\"").arg(option);
+        return parsed;
+    }
+    RuleReader reader;
+    const Rule rule = reader.read(*known, value);
+    parsed.error = reader.complaint();
+    if (parsed.error.isEmpty())
+        parsed.rule = rule;
+    return parsed;
+}
+
+} // namespace emulator

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+namespace emulator {
+
+/// What a controller does with a command.
+enum class Deed {
+    CarryOut,  ///< What the command says, as without a rule.
+    Refuse,    ///< Answers 0x01 ';'. The command has no effect.
+    Ignore,    ///< No answer and no effect.
+    Close,     ///< Closes the link. No answer and no effect.
+    HalfClose, ///< As `Close`, but only the controller's side of the link is closed.
+    Reply,     ///< Answers the bytes of the rule. The command has no effect.
+};
+
+/// What a controller does with commands that begin with certain bytes. Rules stand in a
+/// `RuleBook`, which counts for them.
+struct Rule
+{
+    static constexpr int wholeReply = -1;
+
+    /// What is sent of these bytes.
+    QByteArray cut(const QByteArray& bytes) const;
+
+    /// The bytes with which a command's frame begins: at least its mnemonic.
+    QByteArray prefix;
+    /// So many commands pass before the rule acts for the first time.
+    int skip = 0;
+    /// The rule acts so often; 0 for always.
+    int times = 0;
+    Deed deed = Deed::CarryOut;
+    /// The deed is done this much later. Commands that arrive before that wait.
+    int lateMs = 0;
+    /// Only so many bytes of the reply are sent, or `wholeReply`.
+    int shortBytes = wholeReply;
+    /// Of `Deed::Reply`.
+    QByteArray reply;
+};
+
+bool operator==(const Rule& left, const Rule& right);
+
+/// A rule that is being written, in one line: `on("SPF\1").after(2).times(1).refuse()`. What is not
+/// told is as in a `Rule` that was just made: `on("GSF").late(500)` carries out every GSF late.
+class RuleDraft final
+{
+public:
+    explicit RuleDraft(const QByteArray& prefix) { rule.prefix = prefix; }
+    operator Rule() const { return rule; }
+
+    RuleDraft& after(int skippedCommands);
+    RuleDraft& times(int count);
+    RuleDraft& once() { return times(1); }
+    RuleDraft& late(int milliseconds);
+    RuleDraft& cutTo(int bytes);
+
+    RuleDraft& carryOut() { return act(Deed::CarryOut); }
+    RuleDraft& refuse() { return act(Deed::Refuse); }
+    RuleDraft& ignore() { return act(Deed::Ignore); }
+    RuleDraft& close() { return act(Deed::Close); }
+    RuleDraft& halfClose() { return act(Deed::HalfClose); }
+    /// Exactly these bytes.
+    RuleDraft& reply(const QByteArray& bytes);
+
+private:
+    RuleDraft& act(Deed deed);
+
+    Rule rule;
+};
+
+/// Begins a rule for commands whose frame begins with `prefix`, at least a mnemonic.
+RuleDraft on(const QByteArray& prefix);
+
+/// The rule as the option that makes it, such as "refuse SPF:01" or "late SAI:01x:times=1=500". A
+/// rule that several options make is the list of them: "refuse SEA, late SEA=500".
+QString describe(const Rule& rule);
+
+struct ParsedRule
+{
+    /// Empty if the text is no rule.
+    std::optional<Rule> rule;
+    /// Why it is none, in words for the user.
+    QString error;
+};
+
+/// Reads a rule from an option and its value. The option is one of refuse, silent, close-on,
+/// half-close-on, reply, late and short. The value is MNEMONIC[:ARGS][:skip=N][:times=N], where
+/// ARGS are pairs of hexadecimal digits, or the letter x or y for the byte of an axis. Behind it
+/// stands
+/// "=" and, for reply, its bytes written in the same way, for late, milliseconds, and for short,
+/// the number of bytes.
+ParsedRule parseRule(const QString& option, const QString& value);
+
+} // namespace emulator

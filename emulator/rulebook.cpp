@@ -1,0 +1,88 @@
+#include "emulator/rulebook.h"
+
+#include "emulator/controlleroptions.h"
+
+namespace emulator {
+
+namespace {
+
+Deed deedOfLists(const Faults& faults, const QByteArray& mnemonic)
+{
+    if (faults.closeOn.contains(mnemonic))
+        return Deed::Close;
+    if (faults.halfCloseOn.contains(mnemonic))
+        return Deed::HalfClose;
+    if (faults.silent.contains(mnemonic))
+        return Deed::Ignore;
+    if (faults.refuse.contains(mnemonic))
+        return Deed::Refuse;
+    return Deed::CarryOut;
+}
+
+QByteArrayList mnemonicsOfLists(const Faults& faults)
+{
+    QByteArrayList mnemonics = faults.closeOn + faults.halfCloseOn + faults.silent + faults.refuse
+                               + faults.lateMs.keys() + faults.shortBytes.keys();
+    QByteArrayList each;
+    for (const QByteArray& mnemonic : mnemonics) {
+        if (!each.contains(mnemonic))
+            each.append(mnemonic);
+    }
+    return each;
+}
+
+} // namespace
+
+RuleBook::RuleBook(const QVector<Rule>& rules)
+{
+    for (const Rule& rule : rules)
+        add(rule);
+}
+
+void RuleBook::add(const Rule& rule)
+{
+    Entry entry;
+    entry.rule = rule;
+    entries.append(entry);
+}
+
+std::optional<Rule> RuleBook::ruleFor(const QByteArray& frame)
+{
+    for (Entry& entry : entries) {
+        const Rule& rule = entry.rule;
+        if (!frame.startsWith(rule.prefix))
+            continue;
+        if (entry.skipped < rule.skip) {
+            ++entry.skipped;
+        } else if (rule.times == 0 || entry.acted < rule.times) {
+            ++entry.acted;
+            return rule;
+        }
+    }
+    return std::nullopt;
+}
+
+QStringList RuleBook::unplayed() const
+{
+    QStringList rules;
+    for (const Entry& entry : entries) {
+        if (entry.acted == 0)
+            rules.append(describe(entry.rule));
+    }
+    return rules;
+}
+
+QVector<Rule> rulesOfLists(const Faults& faults)
+{
+    QVector<Rule> rules;
+    for (const QByteArray& mnemonic : mnemonicsOfLists(faults)) {
+        Rule rule = on(mnemonic);
+        rule.deed = deedOfLists(faults, mnemonic);
+        rule.lateMs = faults.lateMs.value(mnemonic, 0);
+        rule.shortBytes = faults.shortBytes.value(mnemonic, Rule::wholeReply);
+        rules.append(rule);
+    }
+    return rules;
+}
+
+} // namespace emulator
