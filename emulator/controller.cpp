@@ -3,22 +3,14 @@
 #include "emulator/identity.h"
 #include "emulator/wirelog.h"
 
-#include <algorithm>
 #include <atomic>
-#include <chrono>
 
 namespace emulator {
 
 namespace {
 
-constexpr qint64 nsPerMs = 1000000;
-constexpr double nsPerSecond = 1e9;
 /// An incomplete command is dropped if no further byte comes within this time.
 constexpr int unfinishedCommandMs = 1000;
-/// Controllers wake on a common grid, so that many of them share a wake-up.
-constexpr qint64 wakeGridNs = 2 * nsPerMs;
-/// After a stall at most this much of the stream is sent late; the rest is skipped.
-constexpr double greatestBacklogSeconds = 0.5;
 
 QByteArray keyFor(const ControllerOptions& options)
 {
@@ -38,16 +30,17 @@ Controller::Controller(const ControllerOptions& options, Link& port, WireLog* lo
     unfinishedTimer.setInterval(unfinishedCommandMs);
     paceTimer.setSingleShot(true);
     paceTimer.setTimerType(Qt::PreciseTimer);
-    connect(&lateTimer, &QTimer::timeout, this, [this] {
-        lateCommandDue = true;
-        processInput();
-    });
+    connect(&lateTimer, &QTimer::timeout, this, &Controller::processInput);
     connect(&unfinishedTimer, &QTimer::timeout, this, &Controller::dropUnfinishedCommand);
     connect(&paceTimer, &QTimer::timeout, this, &Controller::sendDuePackets);
     setIdentity(options);
 }
 
-Controller::~Controller() = default;
+Controller::~Controller()
+{
+    tellUnplayed(rules);
+    tellUnplayed(rulesOfLists);
+}
 
 void Controller::setIdentity(const ControllerOptions& options)
 {
@@ -60,8 +53,33 @@ void Controller::setIdentity(const ControllerOptions& options)
 
 void Controller::setFaults(const Faults& wanted)
 {
+    tellUnplayed(rulesOfLists);
     faults = wanted;
+    rulesOfLists = RuleBook(emulator::rulesOfLists(wanted));
+    setRules(wanted.rules);
     packetFaults.set(wanted);
+}
+
+void Controller::setRules(const QVector<Rule>& wanted)
+{
+    tellUnplayed(rules);
+    rules = RuleBook(wanted);
+}
+
+void Controller::addRule(const Rule& rule)
+{
+    rules.add(rule);
+}
+
+QStringList Controller::unplayedRules() const
+{
+    return rules.unplayed() + rulesOfLists.unplayed();
+}
+
+void Controller::tellUnplayed(const RuleBook& book)
+{
+    for (const QString& rule : book.unplayed())
+        emit ruleUnplayed(rule);
 }
 
 void Controller::linkOpened()
@@ -75,7 +93,7 @@ void Controller::linkClosed()
     lateTimer.stop();
     unfinishedTimer.stop();
     paceTimer.stop();
-    lateCommandDue = false;
+    ruleOfNextCommand.reset();
     controlled->endStream();
 }
 
@@ -95,7 +113,8 @@ void Controller::setPaused(bool wanted)
         return;
     }
     // Packets that were due during the pause are not sent later.
-    forgetBacklog();
+    if (controlled->isStreaming())
+        pacing.skipAll();
     processInput();
     scheduleNextPacket();
 }
@@ -120,32 +139,29 @@ void Controller::processInput()
         unfinishedTimer.start();
 }
 
-/// Takes one command from the input. False if none is complete, or if an earlier one still waits.
+/// Takes one command, or noise, from the input. False if nothing is complete, or if it is late.
 bool Controller::takeCommand()
 {
     const ParseResult parsed = parseCommand(input);
     if (parsed.status == ParseStatus::Incomplete)
         return false;
-    const int lateMs = faults.lateMs.value(parsed.command.mnemonic, 0);
-    if (lateMs > 0 && !lateCommandDue) {
-        lateTimer.start(lateMs);
-        return false;
-    }
-    lateCommandDue = false;
-    input.remove(0, parsed.consumed);
-    if (wireLog)
-        wireLog->add(WireEvent::FromHost, parsed.command.frame, false);
-    if (parsed.command.mnemonic.isEmpty())
+    if (parsed.command.mnemonic.isEmpty()) {
+        dropInput(parsed.consumed);
         return true;
+    }
+    if (!ruleOfNextCommand) {
+        ruleOfNextCommand = ruleFor(parsed.command.frame);
+        if (ruleOfNextCommand->lateMs > 0) {
+            lateTimer.start(ruleOfNextCommand->lateMs);
+            return false;
+        }
+    }
+    const Rule rule = *ruleOfNextCommand;
+    ruleOfNextCommand.reset();
+    dropInput(parsed.consumed);
     if (wireLog)
         wireLog->addCommand(parsed.command.frame);
-    if (parsed.status == ParseStatus::Bad) {
-        sendReply(parsed.command.mnemonic,
-                  controlled->refuse(parsed.command.mnemonic, RefusalCode::UnknownCommand));
-        emit refused(parsed.command.mnemonic);
-        return true;
-    }
-    carryOut(parsed.command);
+    obey(rule, parsed);
     return true;
 }
 
@@ -153,129 +169,122 @@ void Controller::dropUnfinishedCommand()
 {
     if (paused || lateTimer.isActive())
         return;
+    ParseResult unfinished;
+    unfinished.status = ParseStatus::Bad;
+    unfinished.command.mnemonic = input.left(mnemonicLength);
+    unfinished.command.frame = input;
+    dropInput(input.size());
+    // It has waited for long enough: a rule does not make it later.
+    obey(ruleFor(unfinished.command.frame), unfinished);
+}
+
+void Controller::dropInput(int length)
+{
     if (wireLog)
-        wireLog->add(WireEvent::FromHost, input, false);
-    const QByteArray mnemonic = input.left(3);
-    input.clear();
-    sendReply(mnemonic, controlled->refuse(mnemonic, RefusalCode::UnknownCommand));
+        wireLog->add(WireEvent::FromHost, input.left(length), false);
+    input.remove(0, length);
+}
+
+/// Asks the rules. To be called once for each command, since they count.
+Rule Controller::ruleFor(const QByteArray& frame)
+{
+    if (const std::optional<Rule> rule = rules.ruleFor(frame))
+        return *rule;
+    return rulesOfLists.ruleFor(frame).value_or(Rule());
+}
+
+void Controller::obey(const Rule& rule, const ParseResult& parsed)
+{
+    switch (rule.deed) {
+    case Deed::CarryOut:
+    case Deed::Refuse:
+        answer(rule, parsed);
+        break;
+    case Deed::Ignore:
+        break;
+    case Deed::Close:
+        link.close();
+        break;
+    case Deed::HalfClose:
+        link.halfClose();
+        break;
+    case Deed::Reply:
+        write(rule.cut(rule.reply));
+        break;
+    }
+}
+
+void Controller::answer(const Rule& rule, const ParseResult& parsed)
+{
+    const QByteArray& mnemonic = parsed.command.mnemonic;
+    const bool isKnown = parsed.status == ParseStatus::Complete;
+    if (isKnown && faults.garbageReplies)
+        write(packetFaults.strayBytes(replyLength(mnemonic)));
+    else if (rule.deed == Deed::Refuse)
+        refuse(rule, mnemonic, RefusalCode::Rejected);
+    else if (!isKnown)
+        refuse(rule, mnemonic, RefusalCode::UnknownCommand);
+    else
+        carryOut(rule, parsed.command);
+}
+
+void Controller::refuse(const Rule& rule, const QByteArray& mnemonic, RefusalCode code)
+{
+    write(rule.cut(controlled->refuse(mnemonic, code)));
     emit refused(mnemonic);
 }
 
-void Controller::carryOut(const Command& command)
-{
-    const QByteArray& mnemonic = command.mnemonic;
-    if (closesLinkOn(mnemonic) || faults.silent.contains(mnemonic))
-        return;
-    if (faults.garbageReplies) {
-        write(packetFaults.strayBytes(replyLength(mnemonic)));
-        return;
-    }
-    if (faults.refuse.contains(mnemonic)) {
-        sendReply(mnemonic, controlled->refuse(mnemonic, RefusalCode::Rejected));
-        emit refused(mnemonic);
-        return;
-    }
-    answer(command);
-}
-
-bool Controller::closesLinkOn(const QByteArray& mnemonic)
-{
-    if (faults.closeOn.contains(mnemonic)) {
-        link.close();
-        return true;
-    }
-    if (faults.halfCloseOn.contains(mnemonic)) {
-        link.halfClose();
-        return true;
-    }
-    return false;
-}
-
-void Controller::answer(const Command& command)
+void Controller::carryOut(const Rule& rule, const Command& command)
 {
     const Answer given = controlled->execute(command);
+    const QByteArray reply = rule.cut(given.reply);
     if (given.isRefused())
         emit refused(command.mnemonic);
     switch (given.stream) {
     case Answer::Stream::Unchanged:
-        sendReply(command.mnemonic, given.reply);
+        write(reply);
         break;
     case Answer::Stream::Started:
         streamPackets = 0;
-        sendPacket(shortened(command.mnemonic, given.reply));
+        sendPacket(reply);
         startPacing();
         break;
     case Answer::Stream::StartedByTrigger:
         streamPackets = 0;
-        sendReply(command.mnemonic, given.reply);
+        write(reply);
         startPacing();
         break;
     case Answer::Stream::Stopped:
         paceTimer.stop();
         if (!given.lastPacket.isEmpty())
             sendPacket(given.lastPacket);
-        sendReply(command.mnemonic, given.reply);
+        write(reply);
         break;
     }
     lineBaudRate = controlled->baudRate();
 }
 
-void Controller::sendReply(const QByteArray& mnemonic, const QByteArray& reply)
-{
-    write(shortened(mnemonic, reply));
-}
-
-QByteArray Controller::shortened(const QByteArray& mnemonic, const QByteArray& reply) const
-{
-    return reply.left(faults.shortBytes.value(mnemonic, reply.size()));
-}
-
 void Controller::startPacing()
 {
-    streamClock.start();
-    paced = 0;
+    pacing.start(controlled->rate());
     scheduleNextPacket();
-}
-
-/// Packets that should have been sent since the stream's time zero. The packet that answers the
-/// start is due at time zero and not counted; a triggered stream has no pulse at time zero.
-qint64 Controller::packetsDue() const
-{
-    const double elapsed = static_cast<double>(streamClock.nsecsElapsed()) / nsPerSecond;
-    return static_cast<qint64>(elapsed * controlled->rate());
 }
 
 void Controller::scheduleNextPacket()
 {
-    const double rate = controlled->rate();
-    if (paused || !controlled->isStreaming() || rate <= 0.0)
+    if (paused || !controlled->isStreaming())
         return;
-    const auto dueNs = static_cast<qint64>(static_cast<double>(paced + 1) * nsPerSecond / rate);
-    const qint64 nowNs =
-        std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
-    const qint64 wakeNs = nowNs + std::max<qint64>(0, dueNs - streamClock.nsecsElapsed());
-    const qint64 onGridNs = (wakeNs / wakeGridNs + 1) * wakeGridNs;
-    paceTimer.start(static_cast<int>((onGridNs - nowNs + nsPerMs - 1) / nsPerMs));
+    if (const std::optional<int> waitMs = pacing.msToNext())
+        paceTimer.start(*waitMs);
 }
 
 void Controller::sendDuePackets()
 {
-    const qint64 due = packetsDue();
-    const auto most = static_cast<qint64>(controlled->rate() * greatestBacklogSeconds) + 1;
-    const qint64 leftOut = std::max<qint64>(0, due - most - paced);
-    lostPackets += leftOut;
-    paced += leftOut;
-    while (paced < due && controlled->isStreaming()) {
-        ++paced;
+    const qint64 due = pacing.due();
+    lostPackets += pacing.skipBacklog(due);
+    while (controlled->isStreaming() && pacing.takeOne(due))
         sendNextPacket();
-    }
     scheduleNextPacket();
-}
-
-void Controller::forgetBacklog()
-{
-    if (controlled->isStreaming())
-        paced = packetsDue();
 }
 
 void Controller::sendNextPacket()

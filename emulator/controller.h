@@ -1,14 +1,16 @@
 #pragma once
 
 #include "emulator/device.h"
+#include "emulator/pacing.h"
 #include "emulator/packetfaults.h"
+#include "emulator/rulebook.h"
 
 #include <QByteArray>
-#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
 #include <memory>
+#include <optional>
 
 namespace emulator {
 
@@ -29,9 +31,9 @@ public:
     virtual void halfClose() = 0;
 };
 
-/// A controller on a byte stream: finds commands in the received bytes, answers them, and sends the
-/// stream's packets at their times. The configured faults are made here. The caller owns the port;
-/// a serial line and a socket differ only in their `Link`. Lives in the thread that made it.
+/// A controller on a byte stream: finds commands in the received bytes, does with them what the
+/// rules say, and sends the stream's packets at their times, with their faults. The caller owns the
+/// port; a serial line and a socket differ only in their `Link`. Lives in the thread that made it.
 class Controller final : public QObject
 {
     Q_OBJECT
@@ -51,7 +53,15 @@ public:
 
     /// Another controller behind the same link. The link stays as it is, a stream ends.
     void setIdentity(const ControllerOptions& options);
+    /// Replaces all faults, the rules among them.
     void setFaults(const Faults& faults);
+    /// Replaces `Faults::rules` and leaves the other faults as they are. A command that is already
+    /// waiting to be late keeps its rule.
+    void setRules(const QVector<Rule>& rules);
+    /// Puts a rule behind those of `Faults::rules`.
+    void addRule(const Rule& rule);
+    /// Rules and lists that have not acted so far, see `RuleBook::unplayed`.
+    QStringList unplayedRules() const;
     /// A paused controller neither reads nor sends.
     void setPaused(bool paused);
     bool isPaused() const { return paused; }
@@ -70,46 +80,48 @@ public:
 
 signals:
     void refused(const QByteArray& mnemonic);
+    /// A rule is replaced, or the controller ends, before the rule has acted. A test that waits for
+    /// it plays nothing.
+    void ruleUnplayed(const QString& rule);
 
 private:
     void processInput();
     bool takeCommand();
-    void carryOut(const Command& command);
-    bool closesLinkOn(const QByteArray& mnemonic);
-    void answer(const Command& command);
-    void sendReply(const QByteArray& mnemonic, const QByteArray& reply);
     void dropUnfinishedCommand();
-
-    QByteArray shortened(const QByteArray& mnemonic, const QByteArray& reply) const;
+    void dropInput(int length);
+    Rule ruleFor(const QByteArray& frame);
+    void obey(const Rule& rule, const ParseResult& parsed);
+    void answer(const Rule& rule, const ParseResult& parsed);
+    void refuse(const Rule& rule, const QByteArray& mnemonic, RefusalCode code);
+    void carryOut(const Rule& rule, const Command& command);
+    void tellUnplayed(const RuleBook& book);
 
     void startPacing();
     void scheduleNextPacket();
     void sendDuePackets();
     void sendNextPacket();
     void sendPacket(const QByteArray& packet);
-    qint64 packetsDue() const;
-    void forgetBacklog();
     void write(const QByteArray& bytes, bool isPacket = false);
 
     Link& link;
     WireLog* const wireLog;
     std::unique_ptr<Device> controlled;
     Faults faults;
+    RuleBook rules;
+    RuleBook rulesOfLists;
+    /// Of the first command in the input, while that is late.
+    std::optional<Rule> ruleOfNextCommand;
     PacketFaults packetFaults;
     QByteArray input;
     QTimer lateTimer;
     QTimer unfinishedTimer;
     QTimer paceTimer;
-    /// Runs since the stream's time zero.
-    QElapsedTimer streamClock;
-    /// Number of packets of the running stream that were due so far.
-    qint64 paced = 0;
+    Pacing pacing;
     qint64 streamPackets = 0;
     qint64 packetCount = 0;
     qint64 lostPackets = 0;
     int lineBaudRate = 0;
     bool paused = false;
-    bool lateCommandDue = false;
 };
 
 } // namespace emulator

@@ -52,7 +52,8 @@ struct Faults
     /// The link is closed after this many packets.
     int closeAfterPackets = 0;
 
-    /// Every command is answered with noise of the reply's length, and has no effect.
+    /// Every command that would be answered is answered with noise of the reply's length, and has
+    /// no effect. The replies of rules are sent as they are.
     bool garbageReplies = false;
 };
 

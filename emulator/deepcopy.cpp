@@ -50,15 +50,20 @@ QVector<PacketValues> deepCopy(const QVector<PacketValues>& samples)
     return copy;
 }
 
+Rule deepCopy(const Rule& rule)
+{
+    Rule copy = rule;
+    copy.prefix = deepCopy(rule.prefix);
+    copy.reply = deepCopy(rule.reply);
+    return copy;
+}
+
 QVector<Rule> deepCopy(const QVector<Rule>& rules)
 {
     QVector<Rule> copy;
     copy.reserve(rules.size());
-    for (Rule rule : rules) {
-        rule.prefix = deepCopy(rule.prefix);
-        rule.reply = deepCopy(rule.reply);
-        copy.append(rule);
-    }
+    for (const Rule& rule : rules)
+        copy.append(deepCopy(rule));
     return copy;
 }
 

@@ -90,6 +90,22 @@ void ControllerHandle::setFaults(const Faults& faults)
     order([&](Face& face) { face.controller().setFaults(deepCopy(faults)); });
 }
 
+void ControllerHandle::setRules(const QVector<Rule>& rules)
+{
+    order([&](Face& face) { face.controller().setRules(deepCopy(rules)); });
+}
+
+void ControllerHandle::addRule(const Rule& rule)
+{
+    order([&](Face& face) { face.controller().addRule(deepCopy(rule)); });
+}
+
+QStringList ControllerHandle::unplayedRules() const
+{
+    // Made anew for this call, so that the controller shares no data with it.
+    return ask<QStringList>([](Face& face) { return face.controller().unplayedRules(); });
+}
+
 void ControllerHandle::setScript(const QVector<PacketValues>& script, bool repeats)
 {
     order([&](Face& face) { face.controller().device().setScript(deepCopy(script), repeats); });
@@ -190,6 +206,17 @@ QByteArray ControllerHandle::label() const
     return ask<QByteArray>([](Face& face) { return deepCopy(face.controller().device().label()); });
 }
 
+namespace {
+
+void warnOfUnplayedRules(const Face& face)
+{
+    QObject::connect(&face.controller(), &Controller::ruleUnplayed, [](const QString& rule) {
+        qWarning("emulator: %s never acted", qPrintable(rule));
+    });
+}
+
+} // namespace
+
 EmulatorHost::EmulatorHost()
     : thread(std::make_unique<HostThread>())
 {}
@@ -206,6 +233,7 @@ ControllerHandle EmulatorHost::addTcp(const ControllerOptions& options, const QS
             qWarning("emulator: can not listen: %s", qPrintable(face->errorString()));
             return;
         }
+        warnOfUnplayedRules(*face);
         added = face.get();
         thread->own(std::move(face));
     });
@@ -222,6 +250,7 @@ ControllerHandle EmulatorHost::addPty(const ControllerOptions& options, const QS
                      qPrintable(face->errorString()));
             return;
         }
+        warnOfUnplayedRules(*face);
         added = face.get();
         thread->own(std::move(face));
     });

@@ -5,6 +5,7 @@
 
 #include <QByteArrayList>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 #include <functional>
@@ -48,7 +49,16 @@ public:
     QVector<WireEvent> wire() const;
     void clearWire();
 
+    /// Replaces all faults, the rules among them. A rule that is replaced before it has acted is
+    /// told by a warning, as is one that has not acted when the controller ends.
     void setFaults(const Faults& faults);
+    /// Replaces `Faults::rules` and leaves the other faults as they are. A command that is already
+    /// waiting to be late keeps its rule.
+    void setRules(const QVector<Rule>& rules);
+    /// Puts a rule behind those of `Faults::rules`.
+    void addRule(const Rule& rule);
+    /// Rules and lists that have not acted so far, in the words of `describe`.
+    QStringList unplayedRules() const;
     /// See `ControllerOptions::script`. A running stream continues with the first sample of it.
     void setScript(const QVector<PacketValues>& script, bool repeats = false);
     /// Replaces the controller at this address by another one, with a new key unless one is given.

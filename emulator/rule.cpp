@@ -223,6 +223,11 @@ void RuleReader::readExtra(Extra extra, const QString& text)
 
 } // namespace
 
+QByteArray Rule::cut(const QByteArray& bytes) const
+{
+    return shortBytes == wholeReply ? bytes : bytes.left(shortBytes);
+}
+
 bool operator==(const Rule& left, const Rule& right)
 {
     return left.prefix == right.prefix && left.skip == right.skip && left.times == right.times

@@ -23,6 +23,9 @@ struct Rule
 {
     static constexpr int wholeReply = -1;
 
+    /// What is sent of these bytes.
+    QByteArray cut(const QByteArray& bytes) const;
+
     /// The bytes with which a command's frame begins: at least its mnemonic.
     QByteArray prefix;
     /// So many commands pass before the rule acts for the first time.

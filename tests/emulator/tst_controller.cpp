@@ -39,6 +39,7 @@ private slots:
     void refusalIsTold();
     void lostLinkForgetsHalfACommand();
     void lateCommandIsForgottenWithTheLink();
+    void ruleOfALateCommandIsForgottenWithTheLink();
     void longStreamDoesNotFillTheLog();
 };
 
@@ -140,6 +141,21 @@ void TestController::lateCommandIsForgottenWithTheLink()
     controller.linkClosed();
     controller.receive("GSF;");
     QTest::qWait(60);
+
+    QCOMPARE(link.writes, QByteArrayList({hex("00 3b 01 3b")}));
+}
+
+void TestController::ruleOfALateCommandIsForgottenWithTheLink()
+{
+    KeepingLink link;
+    ControllerOptions options;
+    options.faults.rules = {on("GAS").once().late(20).reply("late")};
+    Controller controller(options, link, nullptr);
+
+    controller.receive("GAS;");
+    controller.linkClosed();
+    controller.linkOpened();
+    controller.receive("GSF;");
 
     QCOMPARE(link.writes, QByteArrayList({hex("00 3b 01 3b")}));
 }

@@ -20,8 +20,6 @@
 #include <QSpinBox>
 #include <QtTest>
 
-#include <thread>
-
 Q_DECLARE_METATYPE(emulator::Faults)
 
 namespace {
@@ -86,8 +84,8 @@ bool readStatus(MainWindow& window)
     return good;
 }
 
-/// A status with stage 1 on but not active, and the other way round on stage 2.
-const QByteArray oneOnTwoActive("\0;\x48;", 4);
+/// Flags of a status with stage 1 on but not active, and the other way round on stage 2.
+constexpr char oneOnTwoActive = '\x48';
 
 /// Button and light of both stages.
 QStringList stagesShown(const WindowFixture& fixture)
@@ -98,23 +96,16 @@ QStringList stagesShown(const WindowFixture& fixture)
             fixture.find<QLabel>("label_ActiveText_2")->text()};
 }
 
-/// Answers the next status question with these bytes, in place of the silent controller.
-std::thread answerNextStatus(emulator::ControllerHandle controller, const QByteArray& reply)
-{
-    controller.clearWire();
-    return std::thread([controller, reply]() mutable {
-        while (!controller.commands().contains("GSF;"))
-            QThread::msleep(1);
-        controller.sendRaw(reply);
-    });
-}
-
 /// Status requests get no answer from now on.
 void silenceStatus(emulator::ControllerHandle controller)
 {
-    emulator::Faults faults;
-    faults.silent = {"GSF"};
-    controller.setFaults(faults);
+    controller.setRules({emulator::on("GSF").ignore()});
+}
+
+/// Status requests are answered with this byte of flags from now on.
+void answerStatus(emulator::ControllerHandle controller, char flags)
+{
+    controller.setRules({emulator::on("GSF").reply(QByteArray("\0;", 2) + flags + ';')});
 }
 
 } // namespace
@@ -174,6 +165,9 @@ void TestStabilisation::switchedStageIsGreenAndItsLightFollows()
     QCOMPARE(buttonColor(*button), QColor("lightgreen"));
     QVERIFY(button->isChecked());
     QVERIFY(button->isEnabled());
+    QCOMPARE(light->text(), QStringLiteral("Inactive"));
+    QVERIFY(fixture.tickUntil([&] { return fixture.controller().unplayedRules().isEmpty(); }));
+    QCOMPARE(button->text(), QStringLiteral("ON"));
     QCOMPARE(light->text(), QStringLiteral("Inactive"));
     fixture.controller().setFaults({});
     QTRY_COMPARE(light->text(), QStringLiteral("Active"));
@@ -451,10 +445,8 @@ void TestStabilisation::statusBitsBelongToTheirStagesAfterASwitch()
     // While it streams nobody else asks for the status.
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
-    silenceStatus(fixture.controller());
-    std::thread answer = answerNextStatus(fixture.controller(), oneOnTwoActive);
+    answerStatus(fixture.controller(), oneOnTwoActive);
     fixture.find<QPushButton>("push_Stab2")->click();
-    answer.join();
     fixture.tick();
     QCOMPARE(stagesShown(fixture), QStringList({"ON", "Inactive", "OFF", "Active"}));
 }
@@ -463,13 +455,10 @@ void TestStabilisation::statusBitsBelongToTheirStagesInAPoll()
 {
     WindowFixture fixture(1, withFirmware(40));
     QVERIFY(fixture.openWithSystems());
-    silenceStatus(fixture.controller());
-    std::thread answer = answerNextStatus(fixture.controller(), oneOnTwoActive);
-    // The reply to an earlier request is still awaited, and given up in its time.
+    answerStatus(fixture.controller(), oneOnTwoActive);
     QVERIFY(fixture.tickUntil([&] {
         return stagesShown(fixture) == QStringList({"ON", "Inactive", "OFF", "Active"});
     }));
-    answer.join();
 }
 
 void TestStabilisation::lostSystemHasNoStatus()
@@ -551,16 +540,14 @@ void TestStabilisation::statusWithBit7CountsAsFailure()
 {
     WindowFixture fixture(1, withFirmware(40));
     QVERIFY(fixture.openWithSystems());
-    silenceStatus(fixture.controller());
+    answerStatus(fixture.controller(), '\x88');
     const BoxAnswers answers;
-    std::thread answer = answerNextStatus(fixture.controller(), QByteArray("\0;\x88;", 4));
-    const bool good = readStatus(fixture.window());
-    answer.join();
-    QVERIFY(!good);
+    QVERIFY(!readStatus(fixture.window()));
     // Bit 3 of it says on, and is not believed.
     QCOMPARE(fixture.find<QPushButton>("push_Stab1")->text(), QStringLiteral("OFF"));
 
     // It was the first of four.
+    silenceStatus(fixture.controller());
     for (int failure = 2; failure <= 3; ++failure)
         QVERIFY(!readStatus(fixture.window()));
     QCOMPARE(answers.count(), 0);

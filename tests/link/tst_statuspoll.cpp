@@ -307,6 +307,7 @@ void TestStatusPoll::disconnectForgetsThePoll()
     EmulatedLink link(silentController(), longTimeoutMs);
     QVERIFY(link.connect());
     link.client.pollStatus();
+    QTRY_COMPARE(link.controller.commands(), QByteArrayList{"GSF;"});
     QCOMPARE(link.client.disconnectController(), 1);
     QVERIFY(!takeStatus(link));
 

@@ -53,7 +53,7 @@ inline std::vector<Failure> failures()
         all.push_back({name, {}, losesLink});
         return all.back().faults;
     };
-    add("silent").silent = {"CLS", "GID", "SLA"};
+    add("silent").silent = {"CLS", "GID"};
     add("silent when asked who it is").silent = {"GID"};
     add("garbage").garbageReplies = true;
     add("refuses to tell who it is").refuse = {"GID"};
