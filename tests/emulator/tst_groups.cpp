@@ -16,6 +16,7 @@ namespace {
 constexpr int gcaReplyBytes = 11;
 constexpr int bytesOfWord = 2;
 constexpr int valuesOfGca = 4;
+constexpr int firstFlagByte = 2;
 constexpr int secondFlagByte = 3;
 /// First bytes of the values of a packet.
 enum Place { X1 = 4, Y1 = 6, I1 = 8, X2 = 10, Y2 = 12, I2 = 14 };
@@ -122,6 +123,7 @@ private slots:
     void multiplexedStageHoldsItsBeamOnTheCommonDetector();
     void holdOfAMultiplexedStageKeepsItsPlaceOnTheCommonDetector();
     void everySecondPacketShowsTheCommonDetector();
+    void streamOverTcpAlternatesAsSoonAsAStageIsMultiplexed();
     void onlyTheMultiplexedStageIsShownOnTheCommonDetector();
     void packetsShowOnlyTheOwnDetectorOtherwise_data();
     void packetsShowOnlyTheOwnDetectorOtherwise();
@@ -274,6 +276,29 @@ void TestGroups::everySecondPacketShowsTheCommonDetector()
         QCOMPARE(double(wordAt(packets[i], X2)), isCommon ? common[2] : 0.0);
         QCOMPARE(double(wordAt(packets[i], Y2)), isCommon ? common[3] : 0.0);
     }
+}
+
+void TestGroups::streamOverTcpAlternatesAsSoonAsAStageIsMultiplexed()
+{
+    EmulatorHost host;
+    HostClient client(host.addTcp(vmMember()));
+    const auto flagsOfStream = [&] {
+        QByteArray flags =
+            client.exchange(startAt(1000, "SGS"), packetBytes).mid(secondFlagByte, 1);
+        for (int i = 0; i < 3; ++i)
+            flags += client.read(packetBytes).mid(secondFlagByte, 1);
+        client.send("CLS;");
+        QByteArray packet = client.read(packetBytes);
+        while (isFramed(packet) && !(packet[firstFlagByte] & LastPacket))
+            packet = client.read(packetBytes);
+        client.read(2);
+        return flags;
+    };
+    QCOMPARE(flagsOfStream(), hex("00 00 00 00"));
+
+    client.exchange("SMD" + bothStages, 2);
+
+    QCOMPARE(flagsOfStream(), hex("03 07 03 07"));
 }
 
 void TestGroups::onlyTheMultiplexedStageIsShownOnTheCommonDetector()
