@@ -1,5 +1,7 @@
 #pragma once
 
+#include "params/axisvalues.h"
+
 #include <QStringList>
 #include <QtGlobal>
 
@@ -7,13 +9,6 @@
 #include <optional>
 
 class Connection;
-
-/// Values of the two axes of a stage, millivolts.
-struct AxisValues
-{
-    int xMv = 0;
-    int yMv = 0;
-};
 
 /// What a controller tells of one stage. A value that could not be read is 0, as is one that comes
 /// from an external input.
