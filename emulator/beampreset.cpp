@@ -54,7 +54,7 @@ BeamPreset noisy()
 
 const BeamPreset& beamPreset(Preset preset)
 {
-    static const BeamPreset presets[] = {quiet(), typical(), noisy()};
+    static const BeamPreset presets[] = {BeamPreset(), quiet(), typical(), noisy()};
     return presets[static_cast<int>(preset)];
 }
 

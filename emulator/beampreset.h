@@ -3,7 +3,12 @@
 namespace emulator {
 
 /// How much the surroundings disturb the emulated beam.
-enum class Preset { Quiet, Typical, Noisy };
+enum class Preset {
+    Still, ///< Nothing moves and nothing makes noise: what is read is where the beam stands.
+    Quiet,
+    Typical,
+    Noisy
+};
 
 /// Design values of the disturbances of one axis. Angles are microradians of the beam; with the
 /// lever arm of 1 m one of them moves the beam by one micrometre on the detector.

@@ -1,20 +1,12 @@
 #pragma once
 
-#include "emulator/controlleroptions.h"
+#include "emulator/placement.h"
 
-#include <QHostAddress>
 #include <QString>
 #include <QStringList>
 #include <QVector>
 
 namespace emulator {
-
-/// Where one controller is to be reached.
-struct TcpPlace
-{
-    QHostAddress address;
-    quint16 port = 0;
-};
 
 /// What the command was asked to do.
 struct CommandLine
@@ -24,15 +16,13 @@ struct CommandLine
     Wish wish = Wish::Run;
     /// The help text, or the error message.
     QString text;
-    QVector<TcpPlace> places;
-    /// Paths of the links to pseudo terminals, one controller each.
-    QStringList links;
-    /// Common to all controllers; each adds its number to the seed, those behind TCP first.
-    ControllerOptions options;
+    /// The controllers, those behind TCP first. Each that has no seed of its own adds its number to
+    /// the common one.
+    QVector<Placement> placements;
     bool quiet = false;
 };
 
-/// Reads the arguments, the program's name first. Loads the recording that is to be replayed.
+/// Reads the arguments, the program's name first. Loads the recordings that are to be replayed.
 CommandLine readCommandLine(const QStringList& arguments);
 
 } // namespace emulator

@@ -72,6 +72,12 @@ public:
     /// The rate at which the controller sends and receives. A new one applies after the reply to
     /// SBR.
     int baudRate() const { return lineBaudRate; }
+    /// Undoes SBR.
+    void resetBaudRate()
+    {
+        controlled->resetBaudRate();
+        lineBaudRate = controlled->baudRate();
+    }
     /// Packets sent since the controller was made, those with faults included.
     qint64 packetsSent() const { return packetCount; }
     /// Packets that were due while they could not be sent, and packets that were skipped after the

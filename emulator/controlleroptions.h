@@ -1,9 +1,9 @@
 #pragma once
 
 #include "emulator/beampreset.h"
-#include "emulator/detectormodel.h"
 #include "emulator/packet.h"
 #include "emulator/rule.h"
+#include "emulator/stageoptions.h"
 
 #include <QByteArray>
 #include <QByteArrayList>
@@ -11,6 +11,7 @@
 #include <QMap>
 #include <QVector>
 
+#include <array>
 #include <memory>
 
 namespace emulator {
@@ -73,7 +74,14 @@ struct ControllerOptions
     /// The same seed gives the same beam.
     quint64 seed = 1;
     Preset preset = Preset::Typical;
-    DetectorKind detector = DetectorKind::LateralEffect;
+    /// Stage 1 and stage 2.
+    std::array<StageOptions, 2> stages;
+    /// P-factor that both stages have stored at the start, mV; 0 selects the external input.
+    int pFactorMv = 1000;
+    /// Label that is stored at the start, cut or padded to its length; blanks if empty.
+    QByteArray label;
+    /// Controllers of one group, above 0, share a common detector. 0: none.
+    int group = 0;
     /// The 11 characters by which a controller is known. Empty: one is made up.
     QByteArray key;
     /// First three letters of the ID text; others than "Zev" are no controller of this kind.
@@ -88,8 +96,6 @@ struct ControllerOptions
     std::shared_ptr<const Replay> replay;
     /// Pulses per second of the emulated trigger source.
     double triggerRateHz = 10;
-    bool multiplex1 = false;
-    bool multiplex2 = false;
     /// Sets bit 2 of the second flag byte in every packet.
     bool flagBBit2 = false;
 };

@@ -85,6 +85,7 @@ ControllerOptions deepCopy(const ControllerOptions& options)
     ControllerOptions copy = options;
     copy.key = deepCopy(options.key);
     copy.maker = deepCopy(options.maker);
+    copy.label = deepCopy(options.label);
     copy.faults = deepCopy(options.faults);
     copy.script = deepCopy(options.script);
     return copy;

@@ -21,8 +21,10 @@ constexpr int beamStepsPerCommand = beamStepsPerSecond / 100;
 
 StageModel stageModel(const ControllerOptions& options, quint64 stage, double intensityMv)
 {
-    return StageModel(beamPreset(options.preset), options.detector, intensityMv,
-                      derivedSeed(options.seed, stage));
+    return StageModel(beamPreset(options.preset), options.stages[stage - 1], intensityMv,
+                      derivedSeed(options.seed, stage),
+                      options.group > 0 ? StageModel::Company::InGroup
+                                        : StageModel::Company::Alone);
 }
 
 } // namespace
@@ -32,12 +34,11 @@ Device::Device(const ControllerOptions& chosen, const QByteArray& key)
     , deviceKey(key)
     , models{stageModel(chosen, 1, stage1IntensityMv), stageModel(chosen, 2, stage2IntensityMv)}
     , source(chosen.script, chosen.scriptRepeats, chosen.replay)
-    , storedLabel(labelLength, ' ')
-    , multiplex{chosen.multiplex1, chosen.multiplex2}
+    , storedLabel(chosen.label.leftJustified(labelLength, ' ', true))
     , serialBaudRate(chosen.baudRate)
 {
     for (StageModel& model : models)
-        model.setPFactor(StageModel::nominalPFactorMv);
+        model.setPFactor(chosen.pFactorMv);
 }
 
 Answer Device::execute(const Command& command)
@@ -76,7 +77,7 @@ QByteArray Device::nextPacket()
 {
     moveBeam();
     const bool silent = source.kind() == SampleSource::Kind::Script && !source.sample();
-    QByteArray packet = silent ? QByteArray() : packetOf(measured(), 0);
+    QByteArray packet = silent ? QByteArray() : streamPacket(0);
     source.advance();
     return packet;
 }
@@ -120,6 +121,46 @@ void Device::setStage(int stage, bool on)
         models[static_cast<std::size_t>(stage - 1)].setOn(on);
 }
 
+StageState Device::stageState(int stage) const
+{
+    StageState state;
+    if (stage < 1 || stage > stages)
+        return state;
+    const auto index = static_cast<std::size_t>(stage - 1);
+    const StageModel& model = models[index];
+    state.on = model.isOn();
+    state.active = model.isActive();
+    state.held = model.isHeld();
+    state.multiplexed = model.isMultiplexed();
+    state.frozen = frozen[index];
+    state.pFactorMv = model.pFactor();
+    state.sensitivityMv = model.sensitivity();
+    state.adjustInXMv = model.adjustIn(StageModel::X);
+    state.adjustInYMv = model.adjustIn(StageModel::Y);
+    state.inputs = model.inputs();
+    const PacketValues values = measured();
+    state.actuatorXMv = index == 0 ? values.rx1 : values.rx2;
+    state.actuatorYMv = index == 0 ? values.ry1 : values.ry2;
+    state.positionXMv = index == 0 ? values.x1 : values.x2;
+    state.positionYMv = index == 0 ? values.y1 : values.y2;
+    state.intensityMv = index == 0 ? values.i1 : values.i2;
+    state.beamXUm = model.beamMicrometres(StageModel::X);
+    state.beamYUm = model.beamMicrometres(StageModel::Y);
+    return state;
+}
+
+void Device::setInputs(int stage, const ExternalInputs& inputs)
+{
+    if (stage >= 1 && stage <= stages)
+        models[static_cast<std::size_t>(stage - 1)].setInputs(inputs);
+}
+
+void Device::setMultiplexed(int stage, bool on)
+{
+    if (stage >= 1 && stage <= stages)
+        models[static_cast<std::size_t>(stage - 1)].setMultiplexed(on);
+}
+
 void Device::setScript(const QVector<PacketValues>& script, bool repeats)
 {
     source = SampleSource(script, repeats, options.replay);
@@ -146,30 +187,52 @@ quint8 Device::stageFlags() const
     return static_cast<quint8>(flags);
 }
 
-QByteArray Device::packetOf(const PacketValues& values, quint8 extraFlags) const
+QByteArray Device::packetOf(const PacketValues& values, quint8 extraFlagsA,
+                            quint8 extraFlagsB) const
 {
     if (!hasStreamFlags())
         return encodePacket(values, bytesAtRest, bytesAtRest);
     int flagsB = 0;
-    flagsB |= multiplex[0] ? Multiplex1 : 0;
-    flagsB |= multiplex[1] ? Multiplex2 : 0;
+    flagsB |= models[0].isMultiplexed() ? Multiplex1 : 0;
+    flagsB |= models[1].isMultiplexed() ? Multiplex2 : 0;
     flagsB |= options.flagBBit2 ? NotToBeStored : 0;
-    return encodePacket(values, static_cast<quint8>(stageFlags() | extraFlags),
-                        static_cast<quint8>(flagsB));
+    return encodePacket(values, static_cast<quint8>(stageFlags() | extraFlagsA),
+                        static_cast<quint8>(flagsB | extraFlagsB));
+}
+
+/// The packet of a stream that is due.
+QByteArray Device::streamPacket(quint8 extraFlagsA) const
+{
+    if (!showsCommonDetector())
+        return packetOf(measured(), extraFlagsA, 0);
+    const auto view = [](const StageModel& model) {
+        return model.isMultiplexed() ? StageModel::View::Common : StageModel::View::Own;
+    };
+    return packetOf(measured({view(models[0]), view(models[1])}), extraFlagsA, NotToBeStored);
+}
+
+/// Firmware of the kind VM tells of the common detector in every second packet while a stage is
+/// multiplexed. Only the flags tell such a packet from the others.
+bool Device::showsCommonDetector() const
+{
+    const bool isMultiplexed = models[0].isMultiplexed() || models[1].isMultiplexed();
+    const bool isItsTurn = source.packetNumber() % 2 == 1;
+    return options.vm && options.group > 0 && hasStreamFlags() && isMultiplexed && isItsTurn
+           && source.kind() == SampleSource::Kind::Beam;
 }
 
 /// What the controller measures at this moment.
-PacketValues Device::measured() const
+PacketValues Device::measured(const Views& views) const
 {
     if (source.kind() != SampleSource::Kind::Beam)
         return source.lastSample();
     PacketValues values;
-    values.x1 = models[0].positionMv(StageModel::X);
-    values.y1 = models[0].positionMv(StageModel::Y);
-    values.i1 = models[0].intensityMv();
-    values.x2 = models[1].positionMv(StageModel::X);
-    values.y2 = models[1].positionMv(StageModel::Y);
-    values.i2 = models[1].intensityMv();
+    values.x1 = models[0].positionMv(StageModel::X, views[0]);
+    values.y1 = models[0].positionMv(StageModel::Y, views[0]);
+    values.i1 = models[0].intensityMv(views[0]);
+    values.x2 = models[1].positionMv(StageModel::X, views[1]);
+    values.y2 = models[1].positionMv(StageModel::Y, views[1]);
+    values.i2 = models[1].intensityMv(views[1]);
     values.rx1 = models[0].actuatorMv(StageModel::X);
     values.ry1 = models[0].actuatorMv(StageModel::Y);
     values.rx2 = models[1].actuatorMv(StageModel::X);

@@ -6,6 +6,7 @@
 #include "emulator/operation.h"
 #include "emulator/samplesource.h"
 #include "emulator/stagemodel.h"
+#include "emulator/stagestate.h"
 
 #include <QByteArray>
 
@@ -51,9 +52,16 @@ public:
     QByteArray id() const;
     QByteArray label() const { return storedLabel; }
     int baudRate() const { return serialBaudRate; }
+    /// The rate before SBR changed it.
+    int initialBaudRate() const { return options.baudRate; }
+    void resetBaudRate() { serialBaudRate = options.baudRate; }
     bool hasFlowControl() const { return options.hardwareFlowControl; }
     bool stageOn(int stage) const;
     void setStage(int stage, bool on);
+    /// Everything about stage 1 or 2; a stage that is off in all respects for other numbers.
+    StageState stageState(int stage) const;
+    void setInputs(int stage, const ExternalInputs& inputs);
+    void setMultiplexed(int stage, bool on);
     void setScript(const QVector<PacketValues>& script, bool repeats);
 
 private:
@@ -100,8 +108,12 @@ private:
     bool hasSensitivity() const;
     bool hasStreamFlags() const;
     quint8 stageFlags() const;
-    QByteArray packetOf(const PacketValues& values, quint8 extraFlags) const;
-    PacketValues measured() const;
+    QByteArray packetOf(const PacketValues& values, quint8 extraFlagsA, quint8 extraFlagsB) const;
+    QByteArray streamPacket(quint8 extraFlagsA) const;
+    bool showsCommonDetector() const;
+    using Views = std::array<StageModel::View, stages>;
+    PacketValues measured(const Views& views = {StageModel::View::Own,
+                                                StageModel::View::Own}) const;
     void moveBeam();
     QByteArray memoryImage() const;
 
@@ -110,7 +122,6 @@ private:
     std::array<StageModel, stages> models;
     SampleSource source;
     QByteArray storedLabel;
-    std::array<bool, stages> multiplex{};
     /// Trigger Freeze only shows in the memory image; the emulated loops do not react to triggers.
     std::array<bool, stages> frozen{};
     int serialBaudRate;

@@ -65,7 +65,7 @@ Answer Device::setBaudRate(const Request& request)
 
 Answer Device::singleSample(const Request&)
 {
-    return packetOf(measured(), 0);
+    return packetOf(measured(), 0, 0);
 }
 
 Answer Device::startStream(const Request& request)
@@ -94,7 +94,7 @@ Answer Device::stopStream(const Request&)
     answer.stream = Answer::Stream::Stopped;
     if (streaming && hasStreamFlags()) {
         moveBeam();
-        answer.lastPacket = packetOf(measured(), LastPacket);
+        answer.lastPacket = streamPacket(LastPacket);
     }
     endStream();
     return answer;
@@ -201,23 +201,24 @@ Answer Device::tellActuators(const Request&)
 
 Answer Device::multiplexOn(const Request& request)
 {
-    return changeStages(request, [this](std::size_t i) { multiplex[i] = true; });
+    return changeStages(request, [this](std::size_t i) { models[i].setMultiplexed(true); });
 }
 
 Answer Device::multiplexOff(const Request& request)
 {
-    return changeStages(request, [this](std::size_t i) { multiplex[i] = false; });
+    return changeStages(request, [this](std::size_t i) { models[i].setMultiplexed(false); });
 }
 
 Answer Device::tellMultiplex(const Request&)
 {
-    const int flags = (multiplex[0] ? Multiplex1 : 0) | (multiplex[1] ? Multiplex2 : 0);
+    const int flags =
+        (models[0].isMultiplexed() ? Multiplex1 : 0) | (models[1].isMultiplexed() ? Multiplex2 : 0);
     return payload(QByteArray(1, static_cast<char>(flags)));
 }
 
 Answer Device::tellPositions(const Request&)
 {
-    const PacketValues values = measured();
+    const PacketValues values = measured({StageModel::View::Common, StageModel::View::Common});
     return words({values.x1, values.y1, values.x2, values.y2});
 }
 
@@ -255,7 +256,7 @@ QByteArray Device::memoryImage() const
     const auto flags = [](const std::array<bool, stages>& set) {
         return static_cast<char>((set[0] ? 1 : 0) | (set[1] ? 2 : 0));
     };
-    image.append(flags(multiplex));
+    image.append(flags({models[0].isMultiplexed(), models[1].isMultiplexed()}));
     image.append(flags(frozen));
     for (quint64 unused = 0; image.size() < memoryBytes; ++unused)
         image.append(static_cast<char>(derivedSeed(options.seed, unused) & 0xFF));

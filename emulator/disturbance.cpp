@@ -76,6 +76,11 @@ std::array<double, AirMotion::corners> airVariances()
 
 } // namespace
 
+double lowPassSmoothing(double cornerHz)
+{
+    return 1.0 - portable::exponential(-2.0 * pi * cornerHz / beamStepsPerSecond);
+}
+
 LowPass::LowPass(double cornerHz, double start)
 {
     const double angle = 2.0 * pi * cornerHz / beamStepsPerSecond;

@@ -12,6 +12,9 @@ constexpr int beamStepsPerSecond = 5000;
 
 enum class BeamAxis { Horizontal, Vertical };
 
+/// Share of the way to its input that a first-order low pass goes in one step.
+double lowPassSmoothing(double cornerHz);
+
 /// Second-order low pass without resonance.
 class LowPass final
 {

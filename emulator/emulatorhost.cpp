@@ -7,6 +7,8 @@
 #include "emulator/reply.h"
 #include "emulator/tcpface.h"
 
+#include <algorithm>
+
 namespace emulator {
 
 template <typename Result>
@@ -204,6 +206,32 @@ void ControllerHandle::setStage(int stage, bool on)
 QByteArray ControllerHandle::label() const
 {
     return ask<QByteArray>([](Face& face) { return deepCopy(face.controller().device().label()); });
+}
+
+StageState ControllerHandle::stage(int stage) const
+{
+    return ask<StageState>(
+        [=](Face& face) { return face.controller().device().stageState(stage); });
+}
+
+void ControllerHandle::setInputs(int stage, const ExternalInputs& inputs)
+{
+    order([&](Face& face) { face.controller().device().setInputs(stage, inputs); });
+}
+
+void ControllerHandle::setMultiplexed(int stage, bool on)
+{
+    order([=](Face& face) { face.controller().device().setMultiplexed(stage, on); });
+}
+
+int ControllerHandle::count(const QByteArray& prefix) const
+{
+    return ask<int>([&](Face& face) {
+        const QByteArrayList& commands = face.wireLog().commands();
+        return static_cast<int>(
+            std::count_if(commands.begin(), commands.end(),
+                          [&](const QByteArray& command) { return command.startsWith(prefix); }));
+    });
 }
 
 namespace {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "emulator/controlleroptions.h"
+#include "emulator/stagestate.h"
 #include "emulator/wirelog.h"
 
 #include <QByteArrayList>
@@ -66,7 +67,7 @@ public:
     void setIdentity(const ControllerOptions& options);
 
     /// Power off: the host is disconnected, the stages are switched off, settings are kept. A
-    /// pseudo terminal is removed together with its link.
+    /// pseudo terminal is removed together with its link; a controller behind TCP forgets SBR.
     void stopListening();
     /// Power on at the same port, or under the same link.
     void listenAgain();
@@ -99,8 +100,18 @@ public:
     bool stageOn(int stage) const;
     /// Switches a stage without a command, as somebody at the controller would.
     void setStage(int stage, bool on);
-    /// The 25 bytes that SLA stored; blanks at first.
+    /// The 25 bytes that SLA stored; blanks at first, unless the options say otherwise.
     QByteArray label() const;
+
+    /// Everything about stage 1 or 2, without a command.
+    StageState stage(int stage) const;
+    /// What stands at the external inputs of a stage from now on.
+    void setInputs(int stage, const ExternalInputs& inputs);
+    /// Leads a stage to the common detector or back, without a command.
+    void setMultiplexed(int stage, bool on);
+    /// How many commands since the last `clearWire` begin with these bytes, such as "GSF" or
+    /// "SPF\1".
+    int count(const QByteArray& prefix) const;
 
 private:
     friend class EmulatorHost;

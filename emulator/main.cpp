@@ -44,35 +44,36 @@ void reportConnections(Face& face)
 
 using Faces = std::vector<std::unique_ptr<Face>>;
 
-/// Adds a controller whose port is set up by `open`; false if that fails.
-template <typename Kind, typename Open>
-bool add(Faces& faces, const CommandLine& line, Open open)
+/// The controller at its port, or null if that can not be had.
+std::unique_ptr<Face> setUp(const Placement& placement)
 {
-    ControllerOptions options = line.options;
-    options.seed += faces.size();
-    auto face = std::make_unique<Kind>(options);
-    if (!open(*face)) {
+    const auto kept = [](auto face, bool isOpen) -> std::unique_ptr<Face> {
+        if (isOpen)
+            return face;
         say(stderr,
             QStringLiteral("lumetra-emulator: %1: %2").arg(face->place(), face->errorString()));
-        return false;
+        return nullptr;
+    };
+    if (placement.tcp) {
+        auto face = std::make_unique<TcpFace>(placement.options);
+        const bool isOpen = face->listen(placement.tcp->address, placement.tcp->port);
+        return kept(std::move(face), isOpen);
     }
-    if (!line.quiet)
-        reportConnections(*face);
-    faces.push_back(std::move(face));
-    return true;
+    auto face = std::make_unique<PtyFace>(placement.options);
+    const bool isOpen = face->open(placement.link);
+    return kept(std::move(face), isOpen);
 }
 
 /// False if a controller's address or link can not be had.
 bool setUp(const CommandLine& line, Faces& faces)
 {
-    for (const TcpPlace& place : line.places) {
-        if (!add<TcpFace>(faces, line,
-                          [&](TcpFace& face) { return face.listen(place.address, place.port); }))
+    for (const Placement& placement : line.placements) {
+        std::unique_ptr<Face> face = setUp(placement);
+        if (!face)
             return false;
-    }
-    for (const QString& link : line.links) {
-        if (!add<PtyFace>(faces, line, [&](PtyFace& face) { return face.open(link); }))
-            return false;
+        if (!line.quiet)
+            reportConnections(*face);
+        faces.push_back(std::move(face));
     }
     return true;
 }
@@ -83,6 +84,16 @@ void announce(const Faces& faces)
         const QByteArray key = face->controller().device().id().mid(keyPosition, keyLength);
         say(stdout,
             QStringLiteral("%1 %2 %3").arg(face->kind(), face->place(), QString::fromLatin1(key)));
+    }
+}
+
+void tellUnplayedRules(const Faces& faces)
+{
+    for (const auto& face : faces) {
+        for (const QString& rule : face->controller().unplayedRules()) {
+            say(stderr, QCoreApplication::translate("Program", "%1: %2 never acted")
+                            .arg(face->place(), rule));
+        }
     }
 }
 
@@ -114,5 +125,8 @@ int main(int argc, char* argv[])
         return failure;
     quitSignals.watch();
     announce(faces);
-    return QCoreApplication::exec();
+    const int result = QCoreApplication::exec();
+    if (!line.quiet)
+        tellUnplayedRules(faces);
+    return result;
 }

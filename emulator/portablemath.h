@@ -12,5 +12,7 @@ double sine(double radians);
 double cosine(double radians);
 /// Error function, to 1.5e-7 (Abramowitz and Stegun, 7.1.26).
 double errorFunction(double x);
+/// The same to 1e-6, from a table that is made on the first call, several times faster.
+double tabulatedErrorFunction(double x);
 
 } // namespace emulator::portable

@@ -26,6 +26,8 @@ public:
     void rewind(double rate);
     /// Goes on by one packet.
     void advance();
+    /// Number of the packet that comes next; the first one of a stream is 0.
+    qint64 packetNumber() const { return packets; }
     /// Number of beam steps from the last packet to the next one. The numbers of all packets of a
     /// second add up to exactly the beam's steps per second. 0 at a rate of 0, where no packet
     /// comes.

@@ -9,42 +9,57 @@ namespace emulator {
 
 namespace {
 
-constexpr double pi = 3.14159265358979323846;
-/// Corner of the low pass in front of the sampler. It keeps the detector's noise above the
-/// stream's rates out of the samples.
-constexpr double samplerCornerHz = 200.0;
 /// Corner of the intensity's noise.
 constexpr double lightCornerHz = 20.0;
-/// The loop does not work below this share of the full intensity.
-constexpr double leastLightShare = 0.1;
 constexpr double dipDepth = 0.3;
 constexpr double leastInterruptionSeconds = 0.1;
 constexpr double greatestInterruptionSeconds = 5.0;
 constexpr int eventDrawsPerSecond = 100;
 constexpr double secondsPerHour = 3600.0;
 /// Numbers of the random streams of a stage.
-enum SeedStream : quint64 { XBeam, XNoise, YBeam, YNoise, Light };
+enum SeedStream : quint64 { XBeam, XNoise, YBeam, YNoise, Light, CommonPlace };
 
-double smoothingFor(double cornerHz)
-{
-    return 1.0 - portable::exponential(-2.0 * pi * cornerHz / beamStepsPerSecond);
-}
-
-double samplerSmoothing()
-{
-    static const double smoothing = smoothingFor(samplerCornerHz);
-    return smoothing;
-}
+// How far the centre of a common detector is from where a beam meets its own detector's centre.
+constexpr double leastCommonOffsetUm = 10.0;
+constexpr double greatestCommonOffsetUm = 20.0;
 
 double lightSmoothing()
 {
-    static const double smoothing = smoothingFor(lightCornerHz);
+    static const double smoothing = lowPassSmoothing(lightCornerHz);
     return smoothing;
 }
 
 qint16 wholeMillivolts(double value, double least, double greatest)
 {
     return static_cast<qint16>(std::lround(std::clamp(value, least, greatest)));
+}
+
+/// What counts: the setting by software, or the external input while that is 0.
+int inForce(int bySoftwareMv, int inputMv)
+{
+    return bySoftwareMv == 0 ? inputMv : bySoftwareMv;
+}
+
+/// Where a group's common detector is for a stage. No two stages agree on that, so that the beams
+/// of a group do not lie on each other.
+PerAxis commonCentreUm(quint64 seed)
+{
+    NoiseSource places(derivedSeed(seed, CommonPlace));
+    PerAxis centre;
+    for (double& place : centre) {
+        const double side = places.uniform() < 0.5 ? -1.0 : 1.0;
+        place = side
+                * (leastCommonOffsetUm
+                   + (greatestCommonOffsetUm - leastCommonOffsetUm) * places.uniform());
+    }
+    return centre;
+}
+
+StageOptions optionsOf(DetectorKind kind)
+{
+    StageOptions options;
+    options.detector = kind;
+    return options;
 }
 
 } // namespace
@@ -54,20 +69,34 @@ StageModel::AxisState::AxisState(const BeamPreset& preset, BeamAxis axis, quint6
     , detectorNoise(derivedSeed(seed, axis == BeamAxis::Horizontal ? XNoise : YNoise))
 {}
 
-StageModel::StageModel(const BeamPreset& disturbances, DetectorKind kind, double intensity,
-                       quint64 seed)
+StageModel::StageModel(const BeamPreset& disturbances, const StageOptions& options,
+                       double intensity, quint64 seed, Company company)
     : preset(disturbances)
-    , detector(kind)
+    , undisturbed{options.offsetXUm, options.offsetYUm}
     , fullIntensityMv(intensity)
     , whiteMicrometres(preset.whiteDensity * std::sqrt(beamStepsPerSecond / 2.0))
+    , lightDrive(preset.intensityRms * std::sqrt(lightSmoothing() * (2.0 - lightSmoothing())))
+    , own(DetectorModel(options.detector, options.spotDiameterUm, intensity), PerAxis{})
     , lightNoise(derivedSeed(seed, Light))
     , axisStates{AxisState(preset, BeamAxis::Horizontal, seed),
                  AxisState(preset, BeamAxis::Vertical, seed)}
+    , onCommonPath(options.multiplexed)
+    , external(options.inputs)
 {
-    updateBandwidth();
+    if (company == Company::InGroup) {
+        common.emplace(DetectorModel(options.detector, options.spotDiameterUm, intensity),
+                       commonCentreUm(seed));
+    }
+    updateGain();
+    updateTargets();
     // Long enough for the sampler's low pass to settle on the beam.
     advance(beamStepsPerSecond / eventDrawsPerSecond);
 }
+
+StageModel::StageModel(const BeamPreset& disturbances, DetectorKind kind, double intensity,
+                       quint64 seed)
+    : StageModel(disturbances, optionsOf(kind), intensity, seed)
+{}
 
 void StageModel::advance(int steps)
 {
@@ -78,7 +107,7 @@ void StageModel::advance(int steps)
 void StageModel::restart()
 {
     on = false;
-    held = false;
+    clearHold();
     for (AxisState& state : axisStates)
         state.loop.park(0.0);
 }
@@ -98,31 +127,47 @@ bool StageModel::isActive() const
 {
     const bool inRange = std::none_of(axisStates.begin(), axisStates.end(),
                                       [](const auto& state) { return state.loop.atEndOfTravel(); });
-    return on && inRange && enoughLight();
+    return on && inRange && watched().hasEnoughLight();
+}
+
+void StageModel::setInputs(const ExternalInputs& moved)
+{
+    external = moved;
+    updateGain();
+    updateTargets();
 }
 
 void StageModel::setPFactor(int millivolts)
 {
     pFactorMv = millivolts;
-    updateBandwidth();
+    updateGain();
 }
 
 void StageModel::setSensitivity(int millivolts)
 {
     sensitivityMv = millivolts;
-    updateBandwidth();
+    updateGain();
 }
 
 void StageModel::setAdjustIn(Axis axis, int millivolts)
 {
     adjustInMv[axis] = millivolts;
+    clearHold();
 }
 
 void StageModel::setHold()
 {
-    for (AxisState& state : axisStates)
-        state.heldMv = state.sampledMv;
+    for (const Axis axis : {X, Y})
+        ofAxis(axis).heldMv = watched().sampledMv(axis);
     held = true;
+    updateTargets();
+    setOn(true);
+}
+
+void StageModel::clearHold()
+{
+    held = false;
+    updateTargets();
 }
 
 void StageModel::driveActuator(Axis axis, int millivolts)
@@ -130,14 +175,19 @@ void StageModel::driveActuator(Axis axis, int millivolts)
     ofAxis(axis).loop.park(StabilisationLoop::travelMicrometres * millivolts / actuatorMiddleMv);
 }
 
-qint16 StageModel::positionMv(Axis axis) const
+const DetectorReading& StageModel::seen(View view) const
 {
-    return wholeMillivolts(ofAxis(axis).sampledMv, -positionRangeMv, positionRangeMv);
+    return view == View::Common && common ? *common : own;
 }
 
-quint16 StageModel::intensityMv() const
+qint16 StageModel::positionMv(Axis axis, View view) const
 {
-    return static_cast<quint16>(wholeMillivolts(lightMv * gain(), 0.0, intensityRangeMv));
+    return wholeMillivolts(seen(view).sampledMv(axis), -positionRangeMv, positionRangeMv);
+}
+
+quint16 StageModel::intensityMv(View view) const
+{
+    return static_cast<quint16>(wholeMillivolts(seen(view).intensityMv(), 0.0, intensityRangeMv));
 }
 
 qint16 StageModel::actuatorMv(Axis axis) const
@@ -146,53 +196,58 @@ qint16 StageModel::actuatorMv(Axis axis) const
     return wholeMillivolts(actuatorMiddleMv * (1.0 + share), 0.0, 2.0 * actuatorMiddleMv);
 }
 
-double StageModel::gain() const
+void StageModel::updateGain()
 {
-    return sensitivityMv == 0 ? 1.0 : static_cast<double>(sensitivityMv) / nominalSensitivityMv;
+    const double gain =
+        static_cast<double>(inForce(sensitivityMv, external.sensitivityMv)) / nominalSensitivityMv;
+    own.setGain(gain);
+    if (common)
+        common->setGain(gain);
+    const double pFactorVolts = inForce(pFactorMv, external.pFactorMv) * 0.001;
+    for (AxisState& state : axisStates)
+        state.loop.setBandwidth(StabilisationLoop::bandwidthPerVoltHz * pFactorVolts * gain);
 }
 
-void StageModel::updateBandwidth()
+void StageModel::updateTargets()
 {
-    const double pFactorVolts = (pFactorMv == 0 ? nominalPFactorMv : pFactorMv) * 0.001;
-    for (AxisState& state : axisStates)
-        state.loop.setBandwidth(StabilisationLoop::bandwidthPerVoltHz * pFactorVolts * gain());
+    const std::array<int, axes> inputMv{external.adjustInXMv, external.adjustInYMv};
+    for (const Axis axis : {X, Y}) {
+        AxisState& state = ofAxis(axis);
+        state.targetMv = held ? state.heldMv : inForce(adjustInMv[axis], inputMv[axis]);
+    }
 }
 
 void StageModel::step()
 {
+    // Too little light stops the loops one step later.
+    const bool loopsWork = on && watched().hasEnoughLight();
     stepLight();
-    const double light = lightPassing;
-    stepAxis(X, light);
-    stepAxis(Y, light);
-    lightMv = fullIntensityMv * lightPassing * (1.0 + lightFluctuation)
-              * lightOnDetector(ofAxis(X).beam) * lightOnDetector(ofAxis(Y).beam);
+    PerAxis noise;
+    for (const Axis axis : {X, Y}) {
+        AxisState& state = ofAxis(axis);
+        beam[axis] = state.disturbance.next() + undisturbed[axis] + state.loop.correction();
+        noise[axis] = whiteMicrometres * state.detectorNoise.gaussian();
+    }
+    const double arrivingMv = fullIntensityMv * lightPassing * (1.0 + lightFluctuation);
+    own.step(beam, noise, arrivingMv);
+    if (common)
+        common->step(beam, noise, arrivingMv);
+    if (loopsWork)
+        stepLoops();
 }
 
-void StageModel::stepAxis(Axis axis, double light)
+void StageModel::stepLoops()
 {
-    AxisState& state = ofAxis(axis);
-    state.beam = state.disturbance.next() + state.loop.correction();
-    const double noise = whiteMicrometres * state.detectorNoise.gaussian();
-    // The controller divides by the intensity, so that a weaker beam shows no smaller signal;
-    // without light nothing but noise is left.
-    const double seen = light > 0.0 ? state.beam : 0.0;
-    const double signal = positionSignalMv(detector, seen, gain()) + centreSlopeMv(gain()) * noise;
-    state.signalMv = clippedToRange(signal);
-    state.sampledMv += samplerSmoothing() * (state.signalMv - state.sampledMv);
-    if (!on || !enoughLight())
-        return;
-    const double targetMv = held ? state.heldMv : adjustInMv[axis];
     // The bandwidth holds the gain already: the error is taken back to the beam's micrometres.
-    state.loop.step((targetMv - state.signalMv) / centreSlopeMv(gain()));
+    for (const Axis axis : {X, Y})
+        ofAxis(axis).loop.step(watched().errorMicrometres(axis, ofAxis(axis).targetMv));
 }
 
 void StageModel::stepLight()
 {
     constexpr double sqrt3 = 1.73205080756887729353;
-    const double smoothing = lightSmoothing();
     const double drive = sqrt3 * (2.0 * lightNoise.uniform() - 1.0);
-    const double driveGain = preset.intensityRms * std::sqrt(smoothing * (2.0 - smoothing));
-    lightFluctuation += driveGain * drive - smoothing * lightFluctuation;
+    lightFluctuation += lightDrive * drive - lightSmoothing() * lightFluctuation;
 
     if (stepsOfInterruption > 0 && --stepsOfInterruption == 0)
         lightPassing = 1.0;
@@ -217,11 +272,6 @@ double StageModel::interruption()
         + (greatestInterruptionSeconds - leastInterruptionSeconds) * lightNoise.uniform();
     stepsOfInterruption = static_cast<int>(seconds * beamStepsPerSecond);
     return draw < preset.blocksPerHour ? 0.0 : 1.0 - dipDepth;
-}
-
-bool StageModel::enoughLight() const
-{
-    return lightMv >= leastLightShare * fullIntensityMv;
 }
 
 } // namespace emulator

@@ -1,19 +1,22 @@
 #pragma once
 
 #include "emulator/beampreset.h"
-#include "emulator/detectormodel.h"
+#include "emulator/detectorreading.h"
 #include "emulator/disturbance.h"
 #include "emulator/noisesource.h"
 #include "emulator/stabilisationloop.h"
+#include "emulator/stageoptions.h"
 
 #include <QtGlobal>
 
 #include <array>
+#include <optional>
 
 namespace emulator {
 
-/// One stage of a controller: the beam on its detector in two axes, and the loop that holds it.
-/// Voltages are millivolts, as on the wire. Not thread safe.
+/// One stage of a controller: the beam on its detector in two axes, and the loop that holds it. A
+/// stage of a group has the group's common detector as well. Voltages are millivolts, as on the
+/// wire. Not thread safe.
 class StageModel final
 {
 public:
@@ -26,6 +29,15 @@ public:
     /// Middle of the actuators' range of 0 to 10 V.
     static constexpr int actuatorMiddleMv = 5000;
 
+    /// Detectors that a stage can be read from. A stage alone has only its own, which then takes
+    /// the place of the common one.
+    enum class View { Own, Common };
+    enum class Company { Alone, InGroup };
+
+    /// `intensityMv` is the intensity signal of the undimmed, centred beam.
+    StageModel(const BeamPreset& disturbances, const StageOptions& options, double intensityMv,
+               quint64 seed, Company company = Company::Alone);
+    /// A stage with default options but for the kind of its detector.
     StageModel(const BeamPreset& disturbances, DetectorKind detector, double intensityMv,
                quint64 seed);
 
@@ -39,30 +51,42 @@ public:
     /// On, every actuator within its travel, and enough light.
     bool isActive() const;
 
-    /// 0 selects the external input, which stands at the nominal value.
+    /// Moves the external inputs.
+    void setInputs(const ExternalInputs& inputs);
+    const ExternalInputs& inputs() const { return external; }
+    /// Settings by software. 0 selects the external input.
     void setPFactor(int millivolts);
     int pFactor() const { return pFactorMv; }
     void setSensitivity(int millivolts);
     int sensitivity() const { return sensitivityMv; }
-    /// Target of an axis, unless Set & Hold is on. 0 selects the external input, which stands at
-    /// 0 V.
+    /// Target of an axis; 0 selects the external input. It is a newer target than that of a hold,
+    /// which ends.
     void setAdjustIn(Axis axis, int millivolts);
     int adjustIn(Axis axis) const { return adjustInMv[axis]; }
-    /// Makes the present position the target.
+    /// Makes the present position the target of both axes and switches the stage on. The target
+    /// stays when the stage is switched off, and counts again when it is switched on, until it is
+    /// cleared, adjust-in is set or the power is cut.
     void setHold();
-    void clearHold() { held = false; }
+    /// Goes back to adjust-in.
+    void clearHold();
     bool isHeld() const { return held; }
+    /// A stage of a group that is multiplexed holds its beam on the common detector, any other one
+    /// on its own. Targets keep their millivolts.
+    void setMultiplexed(bool multiplexed) { onCommonPath = multiplexed; }
+    bool isMultiplexed() const { return onCommonPath; }
     /// Drives an actuator to `millivolts` from its middle. A loop that is on continues from there.
     void driveActuator(Axis axis, int millivolts);
 
     /// Position signal, -5000 to 5000.
-    qint16 positionMv(Axis axis) const;
-    quint16 intensityMv() const;
+    qint16 positionMv(Axis axis, View view = View::Own) const;
+    quint16 intensityMv(View view = View::Own) const;
     /// Actuator signal, 0 to 10000.
     qint16 actuatorMv(Axis axis) const;
 
     /// Position signal before the low pass that stands in front of the sampler, mV.
-    double rawPositionMv(Axis axis) const { return ofAxis(axis).signalMv; }
+    double rawPositionMv(Axis axis) const { return own.signalMv(axis); }
+    /// Where the beam really is, micrometres from the centre of its own detector.
+    double beamMicrometres(Axis axis) const { return beam[axis]; }
 
 private:
     struct AxisState
@@ -72,36 +96,42 @@ private:
         Disturbance disturbance;
         NoiseSource detectorNoise;
         StabilisationLoop loop;
-        double beam = 0.0;
-        double signalMv = 0.0;
-        double sampledMv = 0.0;
         double heldMv = 0.0;
+        double targetMv = 0.0;
     };
 
     AxisState& ofAxis(Axis axis) { return axisStates[axis]; }
     const AxisState& ofAxis(Axis axis) const { return axisStates[axis]; }
-    double gain() const;
-    void updateBandwidth();
+    const DetectorReading& seen(View view) const;
+    /// What the loops work with.
+    const DetectorReading& watched() const { return seen(onCommonPath ? View::Common : View::Own); }
+    void updateGain();
+    void updateTargets();
     void step();
-    void stepAxis(Axis axis, double light);
     void stepLight();
+    void stepLoops();
     double interruption();
-    bool enoughLight() const;
 
     BeamPreset preset;
-    DetectorKind detector;
+    PerAxis undisturbed;
     double fullIntensityMv;
     double whiteMicrometres;
+    /// What a drive of variance 1 adds to the fluctuation of the light.
+    double lightDrive;
+    DetectorReading own;
+    std::optional<DetectorReading> common;
     NoiseSource lightNoise;
     std::array<AxisState, axes> axisStates;
     bool on = false;
     bool held = false;
+    bool onCommonPath;
     int pFactorMv = nominalPFactorMv;
     int sensitivityMv = 0;
+    ExternalInputs external;
     std::array<int, axes> adjustInMv{};
+    PerAxis beam{};
     double lightFluctuation = 0.0;
     double lightPassing = 1.0;
-    double lightMv = 0.0;
     int stepsToEventDraw = 0;
     int stepsOfInterruption = 0;
 };

@@ -1,5 +1,7 @@
 #include "emulator/tcpface.h"
 
+#include "emulator/serialline.h"
+
 #include <QTcpSocket>
 
 #include <poll.h>
@@ -63,6 +65,7 @@ void TcpFace::stopListening()
     server.close();
     dropSocket();
     controller().restart();
+    controller().resetBaudRate();
 }
 
 bool TcpFace::listenAgain()
@@ -79,7 +82,7 @@ void TcpFace::write(const QByteArray& bytes)
 {
     if (!isConnected() || halfClosed)
         return;
-    socket->write(bytes);
+    socket->write(heardAt(adapterBaudRate(), bytes, controller().baudRate()));
     socket->flush();
 }
 
@@ -152,8 +155,10 @@ void TcpFace::adopt(QTcpSocket* connection)
 
 void TcpFace::readInput()
 {
-    if (socket && !controller().isPaused() && socket->bytesAvailable() > 0)
-        controller().receive(socket->readAll());
+    if (!socket || controller().isPaused() || socket->bytesAvailable() == 0)
+        return;
+    const int hearingRate = controller().baudRate();
+    controller().receive(heardAt(hearingRate, socket->readAll(), adapterBaudRate()));
 }
 
 void TcpFace::dropSocket()

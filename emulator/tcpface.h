@@ -10,7 +10,12 @@ class QTcpSocket;
 
 namespace emulator {
 
-/// A controller behind a TCP port. One host at a time: a further connection is closed at once.
+/// A controller behind a TCP port, as behind an Ethernet adapter. One host at a time: a further
+/// connection is closed at once.
+///
+/// The adapter speaks to the controller at the rate that its options name, and does not learn of
+/// another one: after SBR each end is garbage to the other, until a restart brings the controller
+/// back to the adapter's rate.
 class TcpFace final : public Face
 {
     Q_OBJECT
@@ -37,6 +42,7 @@ private:
     void close() override;
     void halfClose() override;
 
+    int adapterBaudRate() const { return controller().device().initialBaudRate(); }
     void takeConnections();
     void adopt(QTcpSocket* socket);
     void readInput() override;

@@ -103,14 +103,4 @@ qint16 signedValueAt(const char* bytes, int offset)
     return static_cast<qint16>(high << 8 | low);
 }
 
-bool isAccepted(const QByteArray& reply)
-{
-    return reply.size() > 1 && reply.at(0) == '\0' && reply.at(1) == terminator;
-}
-
-bool isRefused(const QByteArray& reply)
-{
-    return !reply.isEmpty() && reply.at(0) == '\x01';
-}
-
 } // namespace command

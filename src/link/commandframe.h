@@ -33,6 +33,9 @@ constexpr int packetLength = 25;
 constexpr int labelLength = 25;
 constexpr int maxSamplingRateHz = 500;
 
+/// Firmware above this knows the detectors' sensitivity.
+constexpr int lastFirmwareWithoutSensitivity = 30;
+
 /// A command whose argument, if any, already ends in ';'.
 CommandFrame frame(const char* mnemonic, const QByteArray& argument, int answerLength);
 
@@ -56,10 +59,5 @@ QByteArray withoutRate(const QByteArray& streamArgument);
 
 /// Signed 16-bit value at `offset` of a reply or packet.
 qint16 signedValueAt(const char* bytes, int offset);
-
-/// Whether a reply says accepted: more than one byte, 0x00 and ';'.
-bool isAccepted(const QByteArray& reply);
-/// Whether a reply begins with the refusal byte 0x01.
-bool isRefused(const QByteArray& reply);
 
 } // namespace command

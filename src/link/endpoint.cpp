@@ -1,6 +1,7 @@
 #include "link/endpoint.h"
 
 #include "app/logging.h"
+#include "link/replyforms.h"
 
 #include <QCoreApplication>
 #include <QIODevice>

@@ -1,6 +1,7 @@
 #include "link/identification.h"
 
 #include "link/connection.h"
+#include "link/replyforms.h"
 
 namespace {
 

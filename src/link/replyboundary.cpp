@@ -1,6 +1,7 @@
 #include "link/replyboundary.h"
 
 #include "link/commandframe.h"
+#include "link/replyforms.h"
 
 #include <QByteArray>
 #include <QIODevice>

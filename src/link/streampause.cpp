@@ -1,6 +1,7 @@
 #include "link/streampause.h"
 
 #include "link/connection.h"
+#include "link/replyforms.h"
 
 StreamPause::StreamPause(Connection& paused)
     : connection(paused)
@@ -11,19 +12,23 @@ StreamPause::StreamPause(Connection& paused)
         connection.stopStream();
 }
 
-bool StreamPause::resume(int fallbackRateHz)
+StreamStart StreamPause::resume(int fallbackRateHz)
 {
     if (!wasStreaming)
-        return true;
+        return StreamStart::NotNeeded;
     const bool neverAccepted = rateHz < 1;
     const int rate = neverAccepted ? qMin(fallbackRateHz, command::maxSamplingRateHz) : rateHz;
     return startStreamAtRate(connection, rate);
 }
 
-bool startStreamAtRate(Connection& connection, int rateHz)
+StreamStart startStreamAtRate(Connection& connection, int rateHz)
 {
     connection.setSamplingRate(rateHz);
     connection.startStream(command::streamArgument(static_cast<quint16>(rateHz)));
     QByteArray reply;
-    return connection.fetchReply(reply) && !command::isRefused(reply);
+    if (!connection.fetchReply(reply))
+        return StreamStart::NoReply;
+    if (reply.isEmpty())
+        return StreamStart::EmptyReply;
+    return command::isRefused(reply) ? StreamStart::Refused : StreamStart::Runs;
 }

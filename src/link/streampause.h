@@ -2,6 +2,24 @@
 
 class Connection;
 
+/// What came of the start of a stream.
+enum class StreamStart {
+    /// There was no stream to start again.
+    NotNeeded,
+    /// The reply, whatever is in it, is no refusal.
+    Runs,
+    NoReply,
+    /// A reply came that is too short to be one.
+    EmptyReply,
+    Refused,
+};
+
+/// Whether the stream is to be told as failed. An empty reply is not: a stream can run behind it.
+constexpr bool hasFailed(StreamStart start)
+{
+    return start == StreamStart::NoReply || start == StreamStart::Refused;
+}
+
 /// "Stop the stream, talk, start it again": quiets a connection for an exchange and brings its
 /// stream back with the rate that it had. Without a running stream it does nothing.
 class StreamPause
@@ -11,9 +29,8 @@ public:
     explicit StreamPause(Connection& connection);
 
     /// Starts the stream again if it ran. A connection that never accepted a rate gets
-    /// `fallbackRateHz`, cut to what it accepts. False if the controller did not answer the start
-    /// or refused it.
-    bool resume(int fallbackRateHz);
+    /// `fallbackRateHz`, cut to what it accepts.
+    StreamStart resume(int fallbackRateHz);
 
 private:
     Connection& connection;
@@ -22,5 +39,5 @@ private:
 };
 
 /// Sets the rate, starts the stream and takes the reply. The command carries `rateHz` also where
-/// the connection refuses to store it. False if no reply came or it was a refusal.
-bool startStreamAtRate(Connection& connection, int rateHz);
+/// the connection refuses to store it.
+StreamStart startStreamAtRate(Connection& connection, int rateHz);

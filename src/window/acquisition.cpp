@@ -72,7 +72,7 @@ void Acquisition::joinIfRunning(int index)
 
 void Acquisition::startStream(int index)
 {
-    if (!startStreamAtRate(systems.connectionAt(index), toolBar.samplingRateHz()))
+    if (hasFailed(startStreamAtRate(systems.connectionAt(index), toolBar.samplingRateHz())))
         emit streamFailed();
 }
 

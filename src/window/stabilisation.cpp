@@ -2,6 +2,7 @@
 
 #include "link/connection.h"
 #include "link/packet.h"
+#include "link/replyforms.h"
 #include "link/streampause.h"
 #include "setup/waitcursor.h"
 #include "window/livesystems.h"
@@ -71,7 +72,7 @@ void Stabilisation::switchAsClicked(StageView& stage)
     }
     readStatusAfterSwitch(*system);
 
-    if (!pause.resume(toolBar.samplingRateHz()))
+    if (hasFailed(pause.resume(toolBar.samplingRateHz())))
         emit streamFailed();
     button.setEnabled(true);
     // Disabled, it lost the keyboard to its neighbour.
@@ -89,7 +90,7 @@ void Stabilisation::switchStage(const Connection* connection, Stage stage, bool 
     StreamPause pause(*system.connection);
     sendSwitch(*system.connection, stage, on);
     readStatusAfterSwitch(system);
-    if (!pause.resume(toolBar.samplingRateHz()))
+    if (hasFailed(pause.resume(toolBar.samplingRateHz())))
         emit streamFailed();
 }
 

@@ -89,6 +89,11 @@ private slots:
     void holdKeepsTheNamedStageWhereItIs();
     void clearedHoldLetsTheBeamGoBack();
     void restartLeavesNothingDrivenOrHeld();
+    void labelOfTheOptionsIsStoredAtTheStart_data();
+    void labelOfTheOptionsIsStoredAtTheStart();
+    void pFactorOfTheOptionsIsStoredAtTheStart();
+    void stagesOfTheOptionsAreMultiplexedAtTheStart();
+    void stillBeamNeverMoves();
     void firstOfSeveralErrorsIsTold_data();
     void firstOfSeveralErrorsIsTold();
     void errorStaysUntilTheNextOne();
@@ -245,6 +250,57 @@ void TestAnswers::restartLeavesNothingDrivenOrHeld()
     answerTo(device, stageOneOn);
     settle(device);
     QVERIFY(isNear(told(device, "GCA;", X1), 0));
+}
+
+void TestAnswers::labelOfTheOptionsIsStoredAtTheStart_data()
+{
+    QTest::addColumn<QByteArray>("label");
+    QTest::addColumn<QByteArray>("stored");
+
+    QTest::newRow("none") << QByteArray() << QByteArray(25, ' ');
+    QTest::newRow("short") << QByteArray("Pump") << "Pump" + QByteArray(21, ' ');
+    QTest::newRow("too long") << QByteArray(30, 'a') << QByteArray(25, 'a');
+}
+
+void TestAnswers::labelOfTheOptionsIsStoredAtTheStart()
+{
+    QFETCH(QByteArray, label);
+    QFETCH(QByteArray, stored);
+    ControllerOptions options;
+    options.label = label;
+    Device device = deviceOf(options);
+
+    QCOMPARE(answerTo(device, "GLA;").mid(2, 25), stored);
+}
+
+void TestAnswers::pFactorOfTheOptionsIsStoredAtTheStart()
+{
+    ControllerOptions options;
+    options.pFactorMv = 1500;
+    Device device = deviceOf(options);
+
+    QCOMPARE(told(device, "GPF" + hex("01 3b")), 1500);
+    QCOMPARE(told(device, "GPF" + hex("02 3b")), 1500);
+}
+
+void TestAnswers::stagesOfTheOptionsAreMultiplexedAtTheStart()
+{
+    ControllerOptions options;
+    options.stages[1].multiplexed = true;
+    Device device = deviceOf(options);
+
+    QCOMPARE(answerTo(device, "GMF;"), hex("00 3b 02 3b"));
+}
+
+void TestAnswers::stillBeamNeverMoves()
+{
+    ControllerOptions options;
+    options.preset = Preset::Still;
+    Device device = deviceOf(options);
+
+    for (int i = 0; i < 100; ++i) {
+        QCOMPARE(answerTo(device, "S1S;").mid(4, 12), hex("0000 0000 0fa0 0000 0000 0dac"));
+    }
 }
 
 void TestAnswers::firstOfSeveralErrorsIsTold_data()

@@ -49,7 +49,7 @@ void TestCommands::everyCommandIsAnsweredInItsForm_data()
     row("GID;", 50);
     row("SLA" + QByteArray(25, 'L') + ";", 2);
     row("GLA;", 29);
-    row("SBR" + hex("04 3b"), 2);
+    row("SBR" + hex("01 3b"), 2);
     row("S1S;", 25);
     row("CLS;", 2);
     row("GSF;", 4);

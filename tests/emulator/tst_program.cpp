@@ -15,13 +15,49 @@ using namespace wiretools;
 
 namespace {
 
-constexpr const char* allOptions[] = {
-    "--tcp",           "--firmware",       "--vm",         "--trigger",       "--trigger-rate",
-    "--seed",          "--preset",         "--detector",   "--refuse",        "--silent",
-    "--late",          "--short",          "--drop-every", "--insert-every",  "--insert-count",
-    "--corrupt-every", "--close-after",    "--close-on",   "--half-close-on", "--garbage",
-    "--replay",        "--quiet",          "--help",       "--version",       "--pty",
-    "--baud",          "--no-flow-control"};
+constexpr const char* allOptions[] = {"--tcp",
+                                      "--firmware",
+                                      "--vm",
+                                      "--trigger",
+                                      "--trigger-rate",
+                                      "--seed",
+                                      "--preset",
+                                      "--detector",
+                                      "--refuse",
+                                      "--silent",
+                                      "--late",
+                                      "--short",
+                                      "--drop-every",
+                                      "--insert-every",
+                                      "--insert-count",
+                                      "--corrupt-every",
+                                      "--close-after",
+                                      "--reply",
+                                      "--close-on",
+                                      "--half-close-on",
+                                      "--garbage",
+                                      "--replay",
+                                      "--quiet",
+                                      "--help",
+                                      "--version",
+                                      "--pty",
+                                      "--baud",
+                                      "--no-flow-control",
+                                      "--options",
+                                      "--label",
+                                      "--key",
+                                      "--group",
+                                      "--detector1",
+                                      "--detector2",
+                                      "--diameter1",
+                                      "--diameter2",
+                                      "--offset1",
+                                      "--offset2",
+                                      "--pfactor",
+                                      "--pfactor-input",
+                                      "--sensitivity-input",
+                                      "--adjust-input1",
+                                      "--adjust-input2"};
 
 struct Ready
 {
@@ -39,17 +75,35 @@ Ready readyFrom(const QString& line)
 
 volatile std::sig_atomic_t signalsReceived = 0;
 
-/// The key by which the controller at that place identifies itself; empty if none answers.
-QString keyAt(const Ready& place)
+/// The reply of the controller at that place; empty if none answers.
+QByteArray replyAt(const Ready& place, const QByteArray& command, int replyBytes)
 {
-    constexpr int replyBytes = 50;
     QTcpSocket socket;
     socket.connectToHost(place.address, place.port);
     if (!socket.waitForConnected(limitMs))
         return {};
-    socket.write("GID;");
+    socket.write(command);
     while (socket.bytesAvailable() < replyBytes && socket.waitForReadyRead(limitMs)) {}
-    return QString::fromLatin1(socket.read(replyBytes).mid(16, 11));
+    return socket.read(replyBytes);
+}
+
+/// How the controller at that place identifies itself.
+QByteArray idAt(const Ready& place)
+{
+    return replyAt(place, "GID;", 50);
+}
+
+QString keyAt(const Ready& place)
+{
+    return QString::fromLatin1(idAt(place).mid(16, 11));
+}
+
+QStringList described(const QList<Rule>& rules)
+{
+    QStringList texts;
+    for (const Rule& rule : rules)
+        texts.append(describe(rule));
+    return texts;
 }
 
 CommandLine readArguments(const QStringList& arguments)
@@ -66,6 +120,7 @@ class TestProgram final : public QObject
 private slots:
     void readyLineTellsPlaceAndKey();
     void everyControllerAnswersAtItsOwnAddress();
+    void everyControllerHasOptionsOfItsOwn();
     void runsRepeat();
     void signalEndsItInOrder_data();
     void signalEndsItInOrder();
@@ -77,6 +132,10 @@ private slots:
     void takenPortIsNamed();
     void optionsReachTheController();
     void faultsReachTheController();
+    void ruleActsAsOftenAsTold();
+    void ruleThatNeverActedIsToldUnlessQuiet();
+    void exampleStartsFourSystemsThatDiffer();
+    void beamStandsWhereItIsPut();
     void recordingIsStreamed();
     void connectionsAreToldUnlessQuiet();
     void signalToAProgramThatHasEndedReachesNobody();
@@ -112,6 +171,19 @@ void TestProgram::everyControllerAnswersAtItsOwnAddress()
     QCOMPARE(controllers[1].address, QString("127.0.0.2"));
     QCOMPARE(controllers[2].address, QString("127.0.0.1"));
     QVERIFY(controllers[0].port != controllers[2].port);
+}
+
+void TestProgram::everyControllerHasOptionsOfItsOwn()
+{
+    Program program({"--tcp", "127.0.0.1:0,firmware=10", "--tcp", "127.0.0.1:0,vm,refuse=GID",
+                     "--tcp", "127.0.0.1:0,vm", "--firmware", "31"});
+    std::vector<Ready> controllers;
+    for (int i = 0; i < 3; ++i)
+        controllers.push_back(readyFrom(program.readLine()));
+
+    QVERIFY(idAt(controllers[0]).contains("-V10-"));
+    QCOMPARE(replyAt(controllers[1], "GID;", 2), refused());
+    QVERIFY(idAt(controllers[2]).contains("-VM31-"));
 }
 
 void TestProgram::runsRepeat()
@@ -178,7 +250,7 @@ void TestProgram::manPageNamesEveryOptionOfTheHelp()
     QVERIFY(page.open(QIODevice::ReadOnly));
     const QString manual = QString::fromUtf8(page.readAll().replace("\\-", "-"));
     const QString help = readArguments({"--help"}).text;
-    QRegularExpressionMatchIterator options = QRegularExpression("--[a-z-]+").globalMatch(help);
+    QRegularExpressionMatchIterator options = QRegularExpression("--[a-z0-9-]+").globalMatch(help);
     int count = 0;
     for (; options.hasNext(); ++count) {
         const QString option = options.next().captured();
@@ -227,6 +299,8 @@ void TestProgram::wrongOptionIsNamed_data()
     row({"--late", "GSF"}, "GSF");
     row({"--late", "GSF=soon"}, "soon");
     row({"--short", "XYZ=2"}, "XYZ");
+    row({"--refuse", "SPF:0"}, "\"0\"");
+    row({"--reply", "GSF"}, "--reply");
     row({"--drop-every", "-1"}, "--drop-every");
     row({"--insert-count", "16385"}, "from 0 to 16384");
     row({"--insert-count", "1000000000"}, "from 0 to 16384");
@@ -268,17 +342,19 @@ void TestProgram::optionsReachTheController()
                        "--preset", "noisy", "--detector", "quadrant", "--quiet"});
 
     QCOMPARE(line.wish, CommandLine::Wish::Run);
-    QCOMPARE(line.places.size(), 2);
-    QCOMPARE(line.places[0].address, QHostAddress("127.0.0.3"));
-    QCOMPARE(line.places[0].port, quint16(2000));
-    QCOMPARE(line.places[1].address, QHostAddress("::1"));
-    QCOMPARE(line.options.firmware, 12);
-    QVERIFY(line.options.vm);
-    QVERIFY(line.options.triggerCapable);
-    QCOMPARE(line.options.triggerRateHz, 2.5);
-    QCOMPARE(line.options.seed, std::numeric_limits<quint64>::max());
-    QCOMPARE(line.options.preset, Preset::Noisy);
-    QCOMPARE(line.options.detector, DetectorKind::Quadrant);
+    QCOMPARE(line.placements.size(), 2);
+    QCOMPARE(line.placements[0].tcp->address, QHostAddress("127.0.0.3"));
+    QCOMPARE(line.placements[0].tcp->port, quint16(2000));
+    QCOMPARE(line.placements[1].tcp->address, QHostAddress("::1"));
+    const ControllerOptions& options = line.placements[0].options;
+    QCOMPARE(options.firmware, 12);
+    QVERIFY(options.vm);
+    QVERIFY(options.triggerCapable);
+    QCOMPARE(options.triggerRateHz, 2.5);
+    QCOMPARE(options.seed, std::numeric_limits<quint64>::max());
+    QCOMPARE(options.preset, Preset::Noisy);
+    QCOMPARE(options.stages[0].detector, DetectorKind::Quadrant);
+    QCOMPARE(options.stages[1].detector, DetectorKind::Quadrant);
     QVERIFY(line.quiet);
 }
 
@@ -313,19 +389,93 @@ void TestProgram::faultsReachTheController()
                                             "6"});
 
     QCOMPARE(line.wish, CommandLine::Wish::Run);
-    const Faults& faults = line.options.faults;
-    QCOMPARE(faults.refuse, QByteArrayList({"SEA", "CEA"}));
-    QCOMPARE(faults.silent, QByteArrayList({"GSF"}));
-    QCOMPARE(faults.lateMs.value("GID"), 800);
-    QCOMPARE(faults.shortBytes.value("GPF"), 3);
-    QCOMPARE(faults.closeOn, QByteArrayList({"SMD"}));
-    QCOMPARE(faults.halfCloseOn, QByteArrayList({"CMD"}));
+    const Faults& faults = line.placements[0].options.faults;
+    QCOMPARE(described(faults.rules),
+             QStringList({"close-on SMD", "half-close-on CMD", "silent GSF", "refuse SEA",
+                          "refuse CEA", "late GID=800", "short GPF=3"}));
     QVERIFY(faults.garbageReplies);
     QCOMPARE(faults.dropByteEvery, 2);
     QCOMPARE(faults.insertBytesEvery, 3);
     QCOMPARE(faults.insertCount, 4);
     QCOMPARE(faults.corruptByteEvery, 5);
     QCOMPARE(faults.closeAfterPackets, 6);
+}
+
+void TestProgram::ruleActsAsOftenAsTold()
+{
+    Program program({"--tcp", "127.0.0.1:0,refuse=GSF:skip=1:times=1", "--reply", "GSF=003b7f3b"});
+    const Ready ready = readyFrom(program.readLine());
+
+    QCOMPARE(replyAt(ready, "GSF;GSF;GSF;", 10), hex("003b7f3b 013b 003b7f3b"));
+}
+
+void TestProgram::ruleThatNeverActedIsToldUnlessQuiet()
+{
+    for (const bool quiet : {false, true}) {
+        QStringList arguments{"--tcp", "127.0.0.1:0", "--refuse", "SPF:01", "--silent", "GID"};
+        if (quiet)
+            arguments.append("--quiet");
+        Program program(arguments);
+        const Ready ready = readyFrom(program.readLine());
+        // The first command is not answered.
+        QCOMPARE(replyAt(ready, "GID;GSF;", 4), hex("003b013b"));
+        QVERIFY(program.sendSignal(SIGTERM));
+        QVERIFY(program.process.waitForFinished(limitMs));
+
+        const QByteArray told = program.process.readAllStandardError();
+        const QString place = QString("127.0.0.1:%1").arg(ready.port);
+        QCOMPARE(told.contains((place + ": refuse SPF:01 never acted\n").toUtf8()), !quiet);
+        QVERIFY(!told.contains("silent GID"));
+        QCOMPARE(told.isEmpty(), quiet);
+    }
+}
+
+void TestProgram::exampleStartsFourSystemsThatDiffer()
+{
+    QFile example(LUMETRA_FOUR_SYSTEMS);
+    QVERIFY(example.open(QIODevice::ReadOnly));
+    // Other programs may have its ports.
+    QByteArray text = example.readAll();
+    QCOMPARE(text.count(":2000,"), 4);
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("four.options"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(text.replace(":2000,", ":0,"));
+    file.close();
+    Program program({"--options", file.fileName()});
+    std::vector<Ready> systems;
+    for (int i = 0; i < 4; ++i)
+        systems.push_back(readyFrom(program.readLine()));
+
+    QByteArrayList labels;
+    for (const Ready& system : systems) {
+        QCOMPARE(keyAt(system), system.key);
+        labels.append(replyAt(system, "GLA;", 29).mid(2, 25).trimmed());
+    }
+    QCOMPARE(labels, QByteArrayList({"Old bench", "Pump laser", "Probe laser", "Pulsed laser"}));
+    QVERIFY(idAt(systems[0]).contains("-V10-"));
+    QVERIFY(idAt(systems[1]).contains("-VM40-"));
+    QVERIFY(idAt(systems[2]).contains("-VM40-"));
+    QVERIFY(idAt(systems[3]).contains("-A-"));
+    QVERIFY(idAt(systems[3]).contains("-V40-"));
+    // The P-factor of the last one comes from its external input.
+    QCOMPARE(replyAt(systems[2], "GPF" + hex("01 3b"), 5), hex("003b03e83b"));
+    QCOMPARE(replyAt(systems[3], "GPF" + hex("01 3b"), 5), hex("003b00003b"));
+}
+
+void TestProgram::beamStandsWhereItIsPut()
+{
+    Program program({"--tcp", "127.0.0.1:0,offset1=200:-100,detector1=psd,offset2=20:0",
+                     "--detector2", "uvpsd4", "--preset", "still"});
+    const Ready ready = readyFrom(program.readLine());
+
+    const QByteArray packet = replyAt(ready, "S1S;", packetBytes);
+
+    // 1.2 V per mm at stage 1, 2.9 V per mm at stage 2.
+    QCOMPARE(wordAt(packet, 4), 240);
+    QCOMPARE(wordAt(packet, 6), -120);
+    QCOMPARE(wordAt(packet, 10), 58);
+    QCOMPARE(wordAt(packet, 12), 0);
 }
 
 void TestProgram::recordingIsStreamed()

@@ -28,6 +28,7 @@ private slots:
     void initTestCase();
     void readyLineOfASerialControllerTellsLinkAndKey();
     void serialControllersStandBesideOthers();
+    void serialControllersHaveOptionsOfTheirOwn();
     void signalTakesTheLinksAway_data();
     void signalTakesTheLinksAway();
     void linkOfAKilledRunIsReplaced();
@@ -77,6 +78,22 @@ void TestSerialProgram::serialControllersStandBesideOthers()
     QCOMPARE(QSet<QString>({tcp[2], first[2], second[2]}).size(), 3);
     SerialClient client(two, 921600);
     QVERIFY(client.exchange("GID;", 50).contains(second[2].toLatin1()));
+}
+
+void TestSerialProgram::serialControllersHaveOptionsOfTheirOwn()
+{
+    const QTemporaryDir folder;
+    const QString one = folder.filePath("one");
+    const QString two = folder.filePath("two");
+    Program program({"--pty", one + ",baud=921600,refuse=SEA:02", "--pty", two, "--quiet"});
+    program.readLine();
+    program.readLine();
+
+    SerialClient fast(one, 921600);
+    QCOMPARE(fast.exchange("SEA" + hex("02 3b"), 2), refused());
+    QCOMPARE(fast.exchange("SEA" + hex("01 3b"), 2), accepted());
+    SerialClient usual(two);
+    QCOMPARE(usual.exchange("SEA" + hex("02 3b"), 2), accepted());
 }
 
 void TestSerialProgram::signalTakesTheLinksAway_data()
@@ -190,9 +207,13 @@ void TestSerialProgram::serialOptionsReachTheController()
         readCommandLine(QStringList({"lumetra-emulator", "--pty", "a", "--pty", "b"}) + arguments);
 
     QCOMPARE(line.wish, CommandLine::Wish::Run);
-    QCOMPARE(line.links, QStringList({"a", "b"}));
-    QTEST(line.options.baudRate, "baudRate");
-    QTEST(line.options.hardwareFlowControl, "flowControl");
+    QCOMPARE(line.placements.size(), 2);
+    QCOMPARE(line.placements[0].link, QString("a"));
+    QCOMPARE(line.placements[1].link, QString("b"));
+    for (const Placement& placement : line.placements) {
+        QTEST(placement.options.baudRate, "baudRate");
+        QTEST(placement.options.hardwareFlowControl, "flowControl");
+    }
 }
 
 void TestSerialProgram::openingAndClosingAPortIsTold()

@@ -10,6 +10,8 @@ using namespace beamtools;
 using namespace emulator;
 using namespace wiretools;
 
+Q_DECLARE_METATYPE(emulator::DetectorKind)
+
 namespace {
 
 /// What the loop leaves of a sine, as a share of it.
@@ -51,6 +53,11 @@ private slots:
     void stageTakesOverADrivenActuator();
     void intensityFollowsTheBeam();
     void stageWithoutLightIsNotActive();
+    void blockedBeamIsReadAsNothing();
+    void loopHoldsTheBeamAlikeOnEveryDetector_data();
+    void loopHoldsTheBeamAlikeOnEveryDetector();
+    void offsetMovesTheUndisturbedBeam();
+    void inputsCanBeMovedWhileTheLoopWorks();
 };
 
 void TestStabilisation::loopSuppressesInProportionToFrequency()
@@ -314,6 +321,95 @@ void TestStabilisation::stageWithoutLightIsNotActive()
     blocked.advance(10);
     QCOMPARE(blocked.intensityMv(), quint16(0));
     QVERIFY(!blocked.isActive());
+}
+
+void TestStabilisation::blockedBeamIsReadAsNothing()
+{
+    BeamPreset dark;
+    dark.blocksPerHour = 1e9;
+    StageOptions options;
+    options.offsetXUm = 30.0;
+    for (const DetectorKind kind :
+         {DetectorKind::LateralEffect, DetectorKind::Quadrant, DetectorKind::Psd}) {
+        options.detector = kind;
+        StageModel stage(dark, options, 4000.0, seed);
+        stage.advance(beamStepsPerSecond / 10);
+
+        QCOMPARE(stage.positionMv(StageModel::X), qint16(0));
+        QCOMPARE(stage.beamMicrometres(StageModel::X), 30.0);
+    }
+}
+
+void TestStabilisation::loopHoldsTheBeamAlikeOnEveryDetector_data()
+{
+    QTest::addColumn<DetectorKind>("kind");
+
+    QTest::newRow("quadrant") << DetectorKind::Quadrant;
+    QTest::newRow("4QD") << DetectorKind::FourQuadrant;
+    QTest::newRow("PSD") << DetectorKind::Psd;
+    QTest::newRow("WID") << DetectorKind::Wid;
+    QTest::newRow("UV PSD (4mm)") << DetectorKind::UvPsd4mm;
+    QTest::newRow("UV PSD (10mm)") << DetectorKind::UvPsd10mm;
+}
+
+void TestStabilisation::loopHoldsTheBeamAlikeOnEveryDetector()
+{
+    QFETCH(DetectorKind, kind);
+    // The millivolts of the types differ up to two hundred times, so that the beam itself is
+    // looked at.
+    const auto rmsOn = [](DetectorKind detector) {
+        StageModel stage(beamPreset(Preset::Typical), detector, 4000.0, seed);
+        stage.setOn(true);
+        stage.advance(beamStepsPerSecond);
+        std::vector<double> places;
+        for (int i = 0; i < 5000; ++i) {
+            stage.advance(10);
+            places.push_back(stage.beamMicrometres(StageModel::X));
+        }
+        return rmsOf(places);
+    };
+
+    const double expected = rmsOn(DetectorKind::LateralEffect);
+
+    QVERIFY(isWithin(rmsOn(kind), expected, 0.02));
+}
+
+void TestStabilisation::offsetMovesTheUndisturbedBeam()
+{
+    StageOptions options;
+    options.offsetXUm = 20.0;
+    options.offsetYUm = -10.0;
+    StageModel stage(BeamPreset(), options, 4000.0, seed);
+    QCOMPARE(stage.beamMicrometres(StageModel::X), 20.0);
+    QCOMPARE(stage.positionMv(StageModel::X), qint16(1000));
+    QCOMPARE(stage.positionMv(StageModel::Y), qint16(-500));
+
+    stage.setOn(true);
+    stage.advance(beamStepsPerSecond);
+
+    QCOMPARE(stage.positionMv(StageModel::X), qint16(0));
+    // 20 micrometres are a quarter of the travel.
+    QCOMPARE(stage.actuatorMv(StageModel::X), qint16(3750));
+}
+
+void TestStabilisation::inputsCanBeMovedWhileTheLoopWorks()
+{
+    StageModel stage = calmStage();
+    stage.setOn(true);
+    stage.advance(beamStepsPerSecond);
+    QCOMPARE(stage.positionMv(StageModel::X), qint16(0));
+
+    ExternalInputs inputs;
+    inputs.adjustInXMv = 700;
+    inputs.adjustInYMv = -200;
+    inputs.sensitivityMv = 2000;
+    stage.setInputs(inputs);
+    stage.advance(beamStepsPerSecond);
+
+    QCOMPARE(stage.positionMv(StageModel::X), qint16(700));
+    QCOMPARE(stage.positionMv(StageModel::Y), qint16(-200));
+    // At twice the sensitivity a micrometre is 100 mV.
+    QVERIFY(std::fabs(stage.beamMicrometres(StageModel::X) - 7.0) < 0.001);
 }
 
 QTEST_GUILESS_MAIN(TestStabilisation)

@@ -288,7 +288,7 @@ void TestStreaming::flagsOfScriptedPacketsFollowTheStages()
 void TestStreaming::secondFlagByteTellsMultiplexAndBit2()
 {
     ControllerOptions options;
-    options.multiplex2 = true;
+    options.stages[1].multiplexed = true;
     options.flagBBit2 = true;
     EmulatorHost host;
     HostClient client(host.addTcp(options));

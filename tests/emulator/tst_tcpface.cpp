@@ -1,6 +1,7 @@
 #include "barehost.h"
 #include "emulator/emulatorhost.h"
 #include "emulator/tcpface.h"
+#include "hostclient.h"
 #include "wiretools.h"
 
 #include <QSignalSpy>
@@ -14,6 +15,7 @@ namespace {
 /// More than the sockets of both ends keep.
 constexpr int floodBytes = 32 * 1024 * 1024;
 const QByteArray stageOneOn = "SEA" + hex("01 3b");
+const QByteArray fastestBaudRate = "SBR" + hex("09 3b");
 
 } // namespace
 
@@ -28,6 +30,11 @@ private slots:
     void halfClosedLinkStillListens();
     void halfCloseLeavesAStreamsLinkOpen();
     void halfCloseComesBehindWhatWasWritten();
+    void anotherBaudRateIsNotUnderstoodBehindTheAdapter();
+    void presentBaudRateIsUnderstoodOn();
+    void streamAtAnotherBaudRateIsGarbage();
+    void restartBringsTheBaudRateBack();
+    void anotherControllerSpeaksAtItsOwnBaudRate();
 };
 
 void TestTcpFace::hostThatDoesNotReadIsClosedAllTheSame()
@@ -138,6 +145,83 @@ void TestTcpFace::halfCloseComesBehindWhatWasWritten()
     QCOMPARE(host.read(floodBytes).size(), floodBytes);
     QVERIFY(host.readsToTheEnd());
     QVERIFY(controller.isConnected());
+}
+
+void TestTcpFace::anotherBaudRateIsNotUnderstoodBehindTheAdapter()
+{
+    EmulatorHost emulator;
+    ControllerHandle controller = emulator.addTcp();
+    HostClient host(controller);
+
+    QCOMPARE(host.exchange(fastestBaudRate, 2), accepted());
+    host.send(stageOneOn);
+    QTRY_VERIFY(controller.wire().size() > 2);
+    controller.sendRaw("GSF;");
+
+    QCOMPARE(controller.baudRate(), 921600);
+    QVERIFY(!controller.stageOn(1));
+    QVERIFY(!controller.commands().contains(stageOneOn));
+    const QByteArray heard = host.readUntilQuiet();
+    QVERIFY(heard.size() >= 4);
+    QVERIFY(std::all_of(heard.begin(), heard.end(), [](char byte) { return (byte & 0x80) != 0; }));
+}
+
+void TestTcpFace::presentBaudRateIsUnderstoodOn()
+{
+    ControllerOptions options;
+    options.baudRate = 921600;
+    EmulatorHost emulator;
+    const ControllerHandle controller = emulator.addTcp(options);
+    HostClient host(controller);
+
+    QCOMPARE(host.exchange(fastestBaudRate, 2), accepted());
+    QCOMPARE(host.exchange("GID;", 50), controller.idReply());
+}
+
+void TestTcpFace::streamAtAnotherBaudRateIsGarbage()
+{
+    EmulatorHost emulator;
+    const ControllerHandle controller = emulator.addTcp();
+    HostClient host(controller);
+    QVERIFY(isFramed(host.exchange(startAt(200), packetBytes)));
+
+    host.send(fastestBaudRate);
+
+    // Every packet and every reply that is understood has this mark.
+    QTRY_VERIFY(!host.read(packetBytes).contains(';'));
+    QVERIFY(!host.read(4 * packetBytes).contains(';'));
+    QVERIFY(controller.isStreaming());
+}
+
+void TestTcpFace::restartBringsTheBaudRateBack()
+{
+    EmulatorHost emulator;
+    ControllerHandle controller = emulator.addTcp();
+    {
+        HostClient host(controller);
+        QCOMPARE(host.exchange(fastestBaudRate, 2), accepted());
+    }
+
+    controller.stopListening();
+    controller.listenAgain();
+
+    QCOMPARE(controller.baudRate(), 115200);
+    HostClient host(controller);
+    QCOMPARE(host.exchange("GID;", 50), controller.idReply());
+}
+
+void TestTcpFace::anotherControllerSpeaksAtItsOwnBaudRate()
+{
+    ControllerOptions fast;
+    fast.baudRate = 921600;
+    EmulatorHost emulator;
+    ControllerHandle controller = emulator.addTcp();
+    HostClient host(controller);
+    QCOMPARE(host.exchange(fastestBaudRate, 2), accepted());
+
+    controller.setIdentity(fast);
+
+    QCOMPARE(host.exchange("GID;", 50), controller.idReply());
 }
 
 QTEST_GUILESS_MAIN(TestTcpFace)

@@ -15,8 +15,6 @@ private slots:
     void pulsedStartHasNoRate();
     void startsAndStopsAreKnown_data();
     void startsAndStopsAreKnown();
-    void acceptedRepliesHaveTwoBytesAtLeast_data();
-    void acceptedRepliesHaveTwoBytesAtLeast();
     void valuesAreSignedAndHighByteFirst();
 };
 
@@ -104,27 +102,6 @@ void TestCommandFrame::startsAndStopsAreKnown()
     const CommandFrame frame{message, 2};
     QTEST(frame.isStop(), "isStop");
     QTEST(frame.startsStream(), "startsStream");
-}
-
-void TestCommandFrame::acceptedRepliesHaveTwoBytesAtLeast_data()
-{
-    QTest::addColumn<QByteArray>("reply");
-    QTest::addColumn<bool>("accepted");
-    QTest::addColumn<bool>("refused");
-    QTest::newRow("two bytes") << QByteArray("\0;", 2) << true << false;
-    QTest::newRow("payload") << QByteArray("\0;\x48;", 4) << true << false;
-    QTest::newRow("one byte") << QByteArray("\0", 1) << false << false;
-    QTest::newRow("refusal") << QByteArray("\x01;") << false << true;
-    QTest::newRow("unknown status") << QByteArray("\x02;") << false << false;
-    QTest::newRow("nothing") << QByteArray() << false << false;
-    QTest::newRow("no separator") << QByteArray("\0\0", 2) << false << false;
-}
-
-void TestCommandFrame::acceptedRepliesHaveTwoBytesAtLeast()
-{
-    QFETCH(QByteArray, reply);
-    QTEST(command::isAccepted(reply), "accepted");
-    QTEST(command::isRefused(reply), "refused");
 }
 
 void TestCommandFrame::valuesAreSignedAndHighByteFirst()

@@ -1,6 +1,7 @@
 // A connection over a serial line, against emulated controllers behind pseudo terminals.
 
 #include "driverwatch.h"
+#include "link/replyforms.h"
 #include "link/streampause.h"
 #include "seriallink.h"
 #include "support/emulatedlink.h"
@@ -327,7 +328,7 @@ void TestSerialPort::aPortLostWhileStreamingIsToldOnce()
     options.script = numberedSamples(2000);
     EmulatedSerialLink one(options);
     QVERIFY(one.link.connectAndIdentify());
-    QVERIFY(startStreamAtRate(one.client, 500));
+    QCOMPARE(startStreamAtRate(one.client, 500), StreamStart::Runs);
     QTRY_VERIFY(one.client.samplesStored() > 100);
     const LogCapture log;
     one.controller.unplug();
@@ -362,7 +363,7 @@ void TestSerialPort::aPortLostDuringAStopEndsTheWait()
     options.firmware = firmware;
     EmulatedSerialLink one(options);
     QVERIFY(one.link.connectAndIdentify());
-    QVERIFY(startStreamAtRate(one.client, 100));
+    QCOMPARE(startStreamAtRate(one.client, 100), StreamStart::Runs);
     one.client.setTimeoutMs(5000);
     emulator::Faults faults;
     faults.closeOn = {"CLS"};
@@ -414,7 +415,7 @@ void TestSerialPort::aReplugLetsTheSameConnectionComeUpAgain()
 {
     EmulatedSerialLink one;
     QVERIFY(one.link.connectAndIdentify());
-    QVERIFY(startStreamAtRate(one.client, 200));
+    QCOMPARE(startStreamAtRate(one.client, 200), StreamStart::Runs);
     QTRY_VERIFY(one.client.samplesStored() > 10);
     one.controller.unplug();
     QVERIFY(one.client.wait(5000));
@@ -426,7 +427,7 @@ void TestSerialPort::aReplugLetsTheSameConnectionComeUpAgain()
     // The controller has gone on streaming, which the first stop ends.
     QVERIFY(one.link.connectAndIdentify());
     QVERIFY(!one.controller.isStreaming());
-    QVERIFY(startStreamAtRate(one.client, 200));
+    QCOMPARE(startStreamAtRate(one.client, 200), StreamStart::Runs);
 }
 
 int main(int argc, char** argv)

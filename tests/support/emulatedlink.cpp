@@ -46,7 +46,7 @@ bool EmulatedLink::connectAndIdentify()
 
 bool EmulatedLink::startStream(int rateHz)
 {
-    return startStreamAtRate(client, rateHz) && client.isStreaming();
+    return !hasFailed(startStreamAtRate(client, rateHz)) && client.isStreaming();
 }
 
 QByteArray EmulatedLink::exchange(void (Connection::*command)())

@@ -22,7 +22,7 @@ struct MonitorBench : SystemsBench, StageBench
     ScriptedConnection& addStreaming()
     {
         ScriptedConnection& connection = add(Link::Running);
-        if (!startStreamAtRate(connection, 100) || !connection.isStreaming())
+        if (hasFailed(startStreamAtRate(connection, 100)) || !connection.isStreaming())
             qFatal("The stream of a connection does not start");
         connection.controller().forgetMessages();
         return connection;

@@ -52,7 +52,7 @@ private:
 ScriptedConnection& TestLiveSystemsLinks::addStreaming()
 {
     ScriptedConnection& connection = bench->add(Link::Running);
-    if (!startStreamAtRate(connection, 100) || !connection.isStreaming())
+    if (hasFailed(startStreamAtRate(connection, 100)) || !connection.isStreaming())
         qWarning("The stream does not start");
     connection.controller().forgetMessages();
     return connection;

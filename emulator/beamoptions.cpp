@@ -1,0 +1,131 @@
+#include "emulator/beamoptions.h"
+
+#include "emulator/optionreader.h"
+#include "emulator/replay.h"
+
+#include <QCoreApplication>
+
+namespace emulator {
+
+namespace {
+
+constexpr double leastDiameterUm = 0.1;
+constexpr double greatestDiameterUm = 10000.0;
+constexpr double greatestOffsetUm = 10000.0;
+/// Of the connectors of the external inputs, and of what SPF, SDS and SAI store.
+constexpr int greatestInputMv = 5000;
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("BeamOptions", text);
+}
+
+QMap<QString, Preset> presets()
+{
+    return {{"still", Preset::Still},
+            {"quiet", Preset::Quiet},
+            {"typical", Preset::Typical},
+            {"noisy", Preset::Noisy}};
+}
+
+QMap<QString, DetectorKind> detectors()
+{
+    return {{"lateral", DetectorKind::LateralEffect},
+            {"quadrant", DetectorKind::Quadrant},
+            {"4qd", DetectorKind::FourQuadrant},
+            {"psd", DetectorKind::Psd},
+            {"wid", DetectorKind::Wid},
+            {"uvpsd4", DetectorKind::UvPsd4mm},
+            {"uvpsd10", DetectorKind::UvPsd10mm}};
+}
+
+OptionSection beamSection()
+{
+    return {
+        tr("Its beams and detectors"),
+        tr("1 and 2 at the end of a name stand for the stage."),
+        {
+            {"seed",
+             tr("Seed of the beams, 1 unless told. The first controller takes N, the next "
+                "N + 1, and so on."),
+             "N"},
+            {"preset",
+             tr("Restlessness of the beams: still, quiet, typical (unless told) or noisy."),
+             "NAME"},
+            {"detector",
+             tr("Detectors of both stages: lateral (unless told) or quadrant, with 50 mV per "
+                "micrometre, or 4qd, psd, wid, uvpsd4 or uvpsd10, with the volts of that type, "
+                "so that lengths are right on the screen."),
+             "NAME"},
+            {"detector1", tr("Detector of stage 1."), "NAME"},
+            {"detector2", tr("Detector of stage 2."), "NAME"},
+            {"diameter1",
+             tr("Diameter of the spot on the detector, 0.1 to 10000 micrometres; 50 unless "
+                "told."),
+             "UM"},
+            {"diameter2", tr("The same for stage 2."), "UM"},
+            {"offset1",
+             tr("Where the beam stands if nothing moves it, micrometres from the detector's "
+                "centre; 0:0 unless told."),
+             "X:Y"},
+            {"offset2", tr("The same for stage 2."), "X:Y"},
+            {"replay", tr("Stream the samples of a recording file in place of the beams."), "FILE"},
+        }};
+}
+
+OptionSection inputSection()
+{
+    return {
+        tr("Its P-factor and what stands at its external inputs"),
+        tr("All in mV. An input counts where the controller has stored 0."),
+        {
+            {"pfactor", tr("P-factor that it has stored, 0 to 5000; 1000 unless told."), "MV"},
+            {"pfactor-input", tr("At the input of the P-factor, 1000 unless told."), "MV"},
+            {"sensitivity-input", tr("At the input of the sensitivity, 1000 unless told."), "MV"},
+            {"adjust-input1", tr("At the inputs of adjust-in of stage 1, 0:0 unless told."), "X:Y"},
+            {"adjust-input2", tr("The same for stage 2."), "X:Y"},
+        }};
+}
+
+void readStage(OptionReader& reader, const QString& number, StageOptions& stage)
+{
+    reader.choice("detector", stage.detector, detectors());
+    reader.choice("detector" + number, stage.detector, detectors());
+    reader.decimal("diameter" + number, stage.spotDiameterUm, leastDiameterUm, greatestDiameterUm);
+    reader.decimals("offset" + number, stage.offsetXUm, stage.offsetYUm, -greatestOffsetUm,
+                    greatestOffsetUm);
+    ExternalInputs& inputs = stage.inputs;
+    reader.number("pfactor-input", inputs.pFactorMv, 0, greatestInputMv);
+    reader.number("sensitivity-input", inputs.sensitivityMv, 0, greatestInputMv);
+    reader.numbers("adjust-input" + number, inputs.adjustInXMv, inputs.adjustInYMv,
+                   -greatestInputMv, greatestInputMv);
+}
+
+void readReplay(OptionReader& reader, std::shared_ptr<const Replay>& replay)
+{
+    if (!reader.isGiven("replay"))
+        return;
+    QString error;
+    replay = Replay::load(reader.text("replay"), error);
+    if (!replay)
+        reader.complain("replay", error);
+}
+
+} // namespace
+
+QVector<OptionSection> beamSections()
+{
+    return {beamSection(), inputSection()};
+}
+
+void readBeamOptions(OptionReader& reader, ControllerOptions& options)
+{
+    reader.seed("seed", options.seed);
+    reader.choice("preset", options.preset, presets());
+    readStage(reader, "1", options.stages[0]);
+    readStage(reader, "2", options.stages[1]);
+    readReplay(reader, options.replay);
+    reader.number("pfactor", options.pFactorMv, 0, greatestInputMv);
+}
+
+} // namespace emulator

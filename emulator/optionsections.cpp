@@ -1,0 +1,131 @@
+#include "emulator/optionsections.h"
+
+#include "emulator/beamoptions.h"
+#include "emulator/device.h"
+#include "emulator/faultoptions.h"
+#include "emulator/identity.h"
+#include "emulator/optionreader.h"
+
+#include <QCoreApplication>
+#include <QRegularExpression>
+
+namespace emulator {
+
+namespace {
+
+constexpr int greatestFirmware = 999;
+constexpr int greatestGroup = 99;
+/// The beam is computed from pulse to pulse; slower pulses would need too many steps at once.
+constexpr double leastTriggerRateHz = 0.01;
+constexpr double greatestTriggerRateHz = 1000.0;
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("OptionSections", text);
+}
+
+OptionSection identitySection()
+{
+    return {
+        tr("What a controller is"),
+        {},
+        {
+            {"label", tr("Label that it has stored, up to 25 characters."), "TEXT"},
+            {"key", tr("The 11 capital letters and digits by which it is known."), "KEY"},
+            {"group",
+             tr("Controllers of one group, 1 to 99, share a common detector. 0, unless told, "
+                "is no group."),
+             "N"},
+            {"firmware",
+             tr("Firmware number, 40 unless told: 10 and below, above 10 and above 30 differ."),
+             "N"},
+            {"vm", tr("Firmware of the kind VM.")},
+            {"trigger", tr("Capable of packets by trigger pulses.")},
+            {"trigger-rate",
+             tr("Trigger pulses per second, 0.01 to 1000, or 0 for none; 10 unless told."), "HZ"},
+            {"baud",
+             tr("Baud rate of its serial line until SBR changes it: 115200 (unless told), "
+                "460800 or 921600."),
+             "RATE"},
+            {"no-flow-control", tr("Its serial port has no hardware flow control.")},
+        }};
+}
+
+void readKey(OptionReader& reader, QByteArray& key)
+{
+    if (!reader.isGiven("key"))
+        return;
+    static const QRegularExpression form(QStringLiteral("^[A-Z0-9]{%1}$").arg(keyLength));
+    const QString text = reader.text("key");
+    if (!form.match(text).hasMatch())
+        reader.complain("key",
+                        tr("\"%1\" is not %2 capital letters and digits").arg(text).arg(keyLength));
+    key = text.toLatin1();
+}
+
+void readLabel(OptionReader& reader, QByteArray& label)
+{
+    if (!reader.isGiven("label"))
+        return;
+    const QString text = reader.text("label");
+    label = text.toLocal8Bit();
+    if (label.size() > Device::labelLength)
+        reader.complain("label",
+                        tr("\"%1\" is longer than %2 bytes").arg(text).arg(Device::labelLength));
+}
+
+void readIdentity(OptionReader& reader, ControllerOptions& options)
+{
+    readLabel(reader, options.label);
+    readKey(reader, options.key);
+    reader.number("group", options.group, 0, greatestGroup);
+    reader.number("firmware", options.firmware, 0, greatestFirmware);
+    reader.flag("vm", options.vm);
+    reader.flag("trigger", options.triggerCapable);
+    reader.rate("trigger-rate", options.triggerRateHz, leastTriggerRateHz, greatestTriggerRateHz);
+    reader.choice<int>("baud", options.baudRate,
+                       {{"115200", 115200}, {"460800", 460800}, {"921600", 921600}});
+    reader.flag("no-flow-control", options.hardwareFlowControl, false);
+}
+
+} // namespace
+
+OptionSection programSection()
+{
+    return {tr("What to do"),
+            {},
+            {
+                {"tcp",
+                 tr("Put a controller at this numeric address. Port 0 picks a free port. May be "
+                    "repeated, one controller each."),
+                 "ADDRESS:PORT[,OPTION...]"},
+                {"pty",
+                 tr("Put a controller on a pseudo terminal that is found under this link, as under "
+                    "/dev/ttyUSB77. May be repeated, one controller each."),
+                 "LINK[,OPTION...]"},
+                {"options",
+                 tr("Read further options from a file, as they would stand on the command line. "
+                    "Lines that begin with # are comments. May be repeated."),
+                 "FILE"},
+                {"quiet",
+                 tr("Say nothing of connections, refused commands and rules that no command met.")},
+                {{"h", "help"}, tr("Show this help.")},
+                {{"v", "version"}, tr("Show the version.")},
+            }};
+}
+
+QVector<OptionSection> controllerSections()
+{
+    return QVector<OptionSection>{identitySection()} + beamSections() + faultSections();
+}
+
+ControllerOptions readControllerOptions(OptionReader& reader, const ControllerOptions& base)
+{
+    ControllerOptions options = base;
+    readIdentity(reader, options);
+    readBeamOptions(reader, options);
+    options.faults = readFaults(reader, options.faults);
+    return options;
+}
+
+} // namespace emulator

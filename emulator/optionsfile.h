@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace emulator {
+
+/// The arguments in the text of a file of options. A line holds one or several, with blanks between
+/// them; double quotes hold together what contains blanks. Lines that begin with # are comments.
+QStringList argumentsIn(const QString& text);
+
+/// The arguments in a file, whose text is UTF-8. Empty on failure, with the reason in `error`.
+std::optional<QStringList> readOptionsFile(const QString& path, QString& error);
+
+} // namespace emulator

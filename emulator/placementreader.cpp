@@ -1,0 +1,147 @@
+#include "emulator/placementreader.h"
+
+#include "emulator/optionreader.h"
+#include "emulator/optionsections.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <limits>
+
+namespace emulator {
+
+namespace {
+
+QString tr(const char* text)
+{
+    return QCoreApplication::translate("PlacementReader", text);
+}
+
+/// A place and the options behind it, each a name or NAME=VALUE.
+struct Pieces
+{
+    QString place;
+    QStringList options;
+};
+
+Pieces piecesOf(const QString& text)
+{
+    const QStringList pieces = text.split(',');
+    return {pieces.first(), pieces.mid(1)};
+}
+
+std::optional<TcpPlace> tcpPlace(const QString& text)
+{
+    const int colon = text.lastIndexOf(':');
+    QString address = text.left(colon);
+    // An IPv6 address stands in brackets, since it has colons of its own.
+    if (address.startsWith('[') && address.endsWith(']'))
+        address = address.mid(1, address.size() - 2);
+    bool isPort = false;
+    const int port = text.mid(colon + 1).toInt(&isPort);
+    TcpPlace place;
+    if (colon < 0 || !place.address.setAddress(address) || !isPort || port < 0
+        || port > std::numeric_limits<quint16>::max())
+        return std::nullopt;
+    place.port = static_cast<quint16>(port);
+    return place;
+}
+
+/// What is wrong with the form of an option, a NAME or NAME=VALUE; empty if it is right.
+QString formError(const QString& text, const QList<QCommandLineOption>& known)
+{
+    const QString name = text.section('=', 0, 0);
+    const auto option =
+        std::find_if(known.begin(), known.end(), [&](const QCommandLineOption& candidate) {
+            return candidate.names().contains(name);
+        });
+    if (option == known.end())
+        return tr("there is no option \"%1\"").arg(name);
+    const bool takesValue = !option->valueName().isEmpty();
+    const bool hasValue = text.contains('=');
+    if (takesValue && !hasValue)
+        return tr("%1: a value is missing").arg(name);
+    if (hasValue && !takesValue)
+        return tr("%1: takes no value").arg(name);
+    return {};
+}
+
+/// The options as they would stand alone on a command line. On failure `error` is set.
+QStringList argumentsOf(const QStringList& options, const QList<QCommandLineOption>& known,
+                        QString& error)
+{
+    // The parser passes over the program's name.
+    QStringList arguments{QString()};
+    for (const QString& option : options) {
+        error = formError(option, known);
+        if (!error.isEmpty())
+            return {};
+        arguments.append(QStringLiteral("--") + option);
+    }
+    return arguments;
+}
+
+std::optional<ControllerOptions> ownOptions(const QStringList& options, const QString& place,
+                                            const ControllerOptions& common, QString& error)
+{
+    QList<QCommandLineOption> known;
+    for (const OptionSection& section : controllerSections())
+        known += section.options;
+    const QStringList arguments = argumentsOf(options, known, error);
+    if (!error.isEmpty()) {
+        error.prepend(place);
+        return std::nullopt;
+    }
+    QCommandLineParser parser;
+    parser.addOptions(known);
+    parser.parse(arguments);
+    OptionReader reader(parser, place);
+    const ControllerOptions read = readControllerOptions(reader, common);
+    error = reader.complaint();
+    return error.isEmpty() ? std::make_optional(read) : std::nullopt;
+}
+
+/// Reads the options of a controller whose place is right.
+std::optional<Placement> withOptions(Placement placement, const QString& option,
+                                     const Pieces& pieces, const ControllerOptions& common,
+                                     QString& error)
+{
+    const QString place = QStringLiteral("--%1 %2: ").arg(option, pieces.place);
+    const std::optional<ControllerOptions> own = ownOptions(pieces.options, place, common, error);
+    if (!own)
+        return std::nullopt;
+    placement.options = *own;
+    return placement;
+}
+
+} // namespace
+
+std::optional<Placement> readTcpPlacement(const QString& text, const ControllerOptions& common,
+                                          QString& error)
+{
+    const Pieces pieces = piecesOf(text);
+    Placement placement;
+    placement.tcp = tcpPlace(pieces.place);
+    if (!placement.tcp) {
+        error = tr("--tcp: \"%1\" is not a numeric address and a port, as in 127.0.0.1:2000")
+                    .arg(pieces.place);
+        return std::nullopt;
+    }
+    return withOptions(placement, "tcp", pieces, common, error);
+}
+
+std::optional<Placement> readPtyPlacement(const QString& text, const ControllerOptions& common,
+                                          QString& error)
+{
+    const Pieces pieces = piecesOf(text);
+    Placement placement;
+    placement.link = pieces.place;
+    if (placement.link.isEmpty()) {
+        error = tr("--pty: the link has no name");
+        return std::nullopt;
+    }
+    return withOptions(placement, "pty", pieces, common, error);
+}
+
+} // namespace emulator

@@ -1,0 +1,128 @@
+#include "params/parameterreading.h"
+
+#include "link/connection.h"
+#include "link/replyforms.h"
+
+namespace {
+
+constexpr int flagsOffset = 2;
+constexpr int valueOffset = 2;
+constexpr int flagsEnd = flagsOffset + 1;
+constexpr int valueEnd = valueOffset + 2;
+/// Of x in a packet, by stage; y stands behind it.
+constexpr std::array<int, 2> positionOffsets{4, 10};
+constexpr int lastPacketByte = 24;
+
+/// Asks one question after the other and keeps account of the answers.
+class Questionnaire final
+{
+public:
+    explicit Questionnaire(Connection& asked)
+        : connection(asked)
+    {}
+
+    ParameterReading run();
+
+private:
+    using Question = void (Connection::*)();
+    using StageQuestion = void (Connection::*)(const QByteArray&);
+
+    QByteArray fetch();
+    void noteUnread(const QString& what) { reading.unread.append(what); }
+    void readFlags();
+    void readPositions();
+    int readValue(StageQuestion question, const QByteArray& argument, const QString& name);
+    void readAdjustIn();
+    void readOfBothStages(StageQuestion question, const char* name, int StageParameters::*value);
+
+    Connection& connection;
+    ParameterReading reading;
+};
+
+QByteArray Questionnaire::fetch()
+{
+    QByteArray reply;
+    connection.fetchReply(reply);
+    reading.isAnswered |= !reply.isEmpty();
+    return reply;
+}
+
+void Questionnaire::readFlags()
+{
+    connection.getStatusFlags();
+    const QByteArray reply = fetch();
+    if (command::isAccepted(reply, flagsEnd))
+        reading.statusFlags = static_cast<quint8>(reply.at(flagsOffset));
+    else
+        noteUnread(QStringLiteral("GSF"));
+}
+
+void Questionnaire::readPositions()
+{
+    connection.triggerOneShot();
+    const QByteArray packet = fetch();
+    if (!command::isLongerThan(packet, lastPacketByte)) {
+        noteUnread(QStringLiteral("S1S"));
+        return;
+    }
+    reading.positions.emplace();
+    for (std::size_t stage = 0; stage < bothStages.size(); ++stage) {
+        const int offset = positionOffsets[stage];
+        (*reading.positions)[stage] = {command::signedValueAt(packet.constData(), offset),
+                                       command::signedValueAt(packet.constData(), offset + 2)};
+    }
+}
+
+/// 0 if it can not be read.
+int Questionnaire::readValue(StageQuestion question, const QByteArray& argument,
+                             const QString& name)
+{
+    (connection.*question)(argument);
+    const QByteArray reply = fetch();
+    if (command::isAccepted(reply, valueEnd))
+        return command::signedValueAt(reply.constData(), valueOffset);
+    noteUnread(name);
+    return 0;
+}
+
+void Questionnaire::readAdjustIn()
+{
+    for (const Stage stage : bothStages) {
+        AxisValues& values = reading.stages[indexOf(stage)].adjustIn;
+        for (const BeamAxis axis : {BeamAxis::X, BeamAxis::Y}) {
+            const QString name =
+                QStringLiteral("GAI %1%2").arg(numberOf(stage)).arg(QLatin1Char(char(axis)));
+            (axis == BeamAxis::X ? values.xMv : values.yMv) =
+                readValue(&Connection::getAdjustIn, command::stageAxisArgument(stage, axis), name);
+        }
+    }
+}
+
+void Questionnaire::readOfBothStages(StageQuestion question, const char* name,
+                                     int StageParameters::*value)
+{
+    for (const Stage stage : bothStages) {
+        reading.stages[indexOf(stage)].*value =
+            readValue(question, command::stageArgument(stage),
+                      QStringLiteral("%1 %2").arg(QLatin1String(name)).arg(numberOf(stage)));
+    }
+}
+
+ParameterReading Questionnaire::run()
+{
+    readFlags();
+    readPositions();
+    readAdjustIn();
+    readOfBothStages(&Connection::getPFactor, "GPF", &StageParameters::pFactorMv);
+    if (connection.firmwareVersion() > command::lastFirmwareWithoutSensitivity)
+        readOfBothStages(&Connection::getDetectorSensitivity, "GDS",
+                         &StageParameters::sensitivityMv);
+    return reading;
+}
+
+} // namespace
+
+ParameterReading readParameters(Connection& connection)
+{
+    return Questionnaire(connection).run();
+}
