@@ -61,6 +61,9 @@ private slots:
     void controllersWithoutASeedCountOn();
     void fileHoldsFurtherOptions();
     void commandLineWinsOverAFile();
+    void laterFileWinsOverAnEarlierOne();
+    void ruleOfTheCommandLineStandsBeforeThoseOfAFile();
+    void keyOfAllIsRefusedWithSeveralControllers();
     void wrongFileIsNamed();
     void wrongOptionsOfAFileAreNamedWithIt_data();
     void wrongOptionsOfAFileAreNamedWithIt();
@@ -389,7 +392,7 @@ void TestCommandLine::fileHoldsFurtherOptions()
         QCOMPARE(int(line.placements[i].tcp->port), i + 1);
         QVERIFY(line.placements[i].options.vm);
         QCOMPARE(rulesOf(line.placements[i]),
-                 QStringList({"silent GSF:skip=1", "silent GID:skip=2", "silent GSF"}));
+                 QStringList({"silent GID:skip=2", "silent GSF", "silent GSF:skip=1"}));
     }
 }
 
@@ -402,6 +405,43 @@ void TestCommandLine::commandLineWinsOverAFile()
 
     QCOMPARE(line.text, QString());
     QCOMPARE(line.placements[0].options.firmware, 31);
+}
+
+void TestCommandLine::laterFileWinsOverAnEarlierOne()
+{
+    const QTemporaryDir folder;
+    const QString one = written(folder, "one", "--tcp 127.0.0.1:1 --firmware 10 --vm");
+    const QString two = written(folder, "two", "--firmware 31");
+
+    const CommandLine line = readArguments({"--options", one, "--options", two});
+
+    QCOMPARE(line.text, QString());
+    QCOMPARE(line.placements[0].options.firmware, 31);
+    QVERIFY(line.placements[0].options.vm);
+}
+
+void TestCommandLine::ruleOfTheCommandLineStandsBeforeThoseOfAFile()
+{
+    const QTemporaryDir folder;
+    const QString file =
+        written(folder, "file", "--tcp 127.0.0.1:1 --refuse SPF:01 --silent GSF:times=1");
+
+    const CommandLine line = readArguments({"--options", file, "--reply", "GSF:times=1=00"});
+
+    QCOMPARE(line.text, QString());
+    QCOMPARE(rulesOf(line.placements[0]),
+             QStringList({"reply GSF:times=1=00", "refuse SPF:01", "silent GSF:times=1"}));
+}
+
+void TestCommandLine::keyOfAllIsRefusedWithSeveralControllers()
+{
+    const QStringList key{"--key", "PUMP1234567"};
+
+    QCOMPARE(readArguments(key + QStringList{"--pty", "link"}).text, QString());
+    const CommandLine line = readArguments(key + QStringList{"--pty", "link", "--pty", "other"});
+
+    QCOMPARE(line.wish, CommandLine::Wish::ShowError);
+    QVERIFY2(line.text.startsWith("--key: "), qPrintable(line.text));
 }
 
 void TestCommandLine::wrongFileIsNamed()
@@ -424,6 +464,15 @@ void TestCommandLine::wrongOptionsOfAFileAreNamedWithIt_data()
                                     << "Unknown option 'nonsense'.";
     QTest::newRow("value missing at the end") << "--vm --label"
                                               << "Missing value after '--label'.";
+    QTest::newRow("stray word") << "--vm vm"
+                                << "unexpected argument \"vm\"";
+    QTest::newRow("wrong value") << "--seed 1\n--firmware x"
+                                 << "--firmware: \"x\" is not a whole number from 0 to 999";
+    QTest::newRow("wrong rule") << "--refuse ABC"
+                                << "--refuse: there is no command \"ABC\"";
+    QTest::newRow("wrong value of a controller")
+        << "--tcp 127.0.0.1:1,firmware=x"
+        << "--tcp 127.0.0.1:1: firmware: \"x\" is not a whole number from 0 to 999";
 }
 
 void TestCommandLine::wrongOptionsOfAFileAreNamedWithIt()
