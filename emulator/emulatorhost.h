@@ -46,7 +46,8 @@ public:
     /// included.
     QByteArrayList commands() const;
     /// Everything that passed since the last `clearWire`: one event per command from the host, one
-    /// per reply and per stream packet to it. Only the first 5000 packets are kept.
+    /// per reply and per stream packet to it. A command that is answered late stands at the time at
+    /// which it came. Only the first 5000 packets are kept.
     QVector<WireEvent> wire() const;
     void clearWire();
 

@@ -46,20 +46,39 @@ void RuleBook::add(const Rule& rule)
     entries.push_back(entry);
 }
 
-std::optional<Rule> RuleBook::ruleFor(const QByteArray& frame)
+std::optional<Rule> RuleBook::takeRuleFor(const QByteArray& frame)
 {
-    for (Entry& entry : entries) {
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const Entry& entry = entries[i];
         const Rule& rule = entry.rule;
         if (!frame.startsWith(rule.prefix))
             continue;
         if (entry.skipped < rule.skip) {
-            ++entry.skipped;
+            count(i, &Entry::skipped);
         } else if (rule.times == 0 || entry.acted < rule.times) {
-            ++entry.acted;
+            count(i, &Entry::acted);
             return rule;
         }
     }
     return std::nullopt;
+}
+
+void RuleBook::count(std::size_t entry, int Entry::*counter)
+{
+    ++(entries[entry].*counter);
+    unsettled.push_back({entry, counter});
+}
+
+void RuleBook::settle()
+{
+    unsettled.clear();
+}
+
+void RuleBook::giveBack()
+{
+    for (const Step& step : unsettled)
+        --(entries[step.entry].*step.counter);
+    unsettled.clear();
 }
 
 QStringList RuleBook::unplayed() const

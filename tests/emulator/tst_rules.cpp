@@ -25,7 +25,7 @@ QString deedsOf(RuleBook& book, const QByteArrayList& frames)
                                        {Deed::HalfClose, 'h'}, {Deed::Reply, 'a'}};
     QString deeds;
     for (const QByteArray& frame : frames) {
-        const std::optional<Rule> rule = book.ruleFor(frame);
+        const std::optional<Rule> rule = book.takeRuleFor(frame);
         deeds += rule ? letters.value(rule->deed) : QChar('.');
     }
     return deeds;
@@ -54,6 +54,8 @@ private slots:
     void rulesOfOnePrefixActInTheirOrder_data();
     void rulesOfOnePrefixActInTheirOrder();
     void aRuleThatWasTakenFromDoesNotCount();
+    void commandThatIsGivenBackDoesNotCount();
+    void settledCommandIsNotGivenBack();
     void unplayedRulesAreThoseThatNeverActed();
     void listsOfOneMnemonicActTogether_data();
     void listsOfOneMnemonicActTogether();
@@ -104,7 +106,7 @@ void TestRules::ruleMeetsItsPrefixOnly()
     QFETCH(bool, met);
     RuleBook book({on(prefix).refuse()});
 
-    QCOMPARE(book.ruleFor(frame).has_value(), met);
+    QCOMPARE(book.takeRuleFor(frame).has_value(), met);
     QCOMPARE(book.unplayed().isEmpty(), met);
 }
 
@@ -139,7 +141,7 @@ void TestRules::rulesOfOnePrefixActInTheirOrder_data()
         << QList<Rule>{on("GSF").refuse(), on("GSF").ignore()} << "rrrr";
     QTest::newRow("one after the other")
         << QList<Rule>{on("GSF").times(2).refuse(), on("GSF").once().close(),
-                         on("GSF").once().halfClose()}
+                       on("GSF").once().halfClose()}
         << "rrkh..";
     QTest::newRow("the second fills the gap")
         << QList<Rule>{on("GSF").after(2).once().refuse(), on("GSF").ignore()} << "iiriii";
@@ -165,6 +167,29 @@ void TestRules::aRuleThatWasTakenFromDoesNotCount()
 
     QCOMPARE(deedsOf(book, {setFirstPFactor, setSecondPFactor, setFirstPFactor, setFirstPFactor}),
              QStringLiteral("r.ri"));
+}
+
+void TestRules::commandThatIsGivenBackDoesNotCount()
+{
+    RuleBook book({on("GSF").after(1).once().refuse(), on("GSF").once().ignore()});
+
+    book.takeRuleFor("GSF;");
+    book.giveBack();
+
+    QCOMPARE(book.unplayed().size(), 2);
+    QCOMPARE(deedsOf(book, repeated("GSF;", 3)), QStringLiteral("ir."));
+}
+
+void TestRules::settledCommandIsNotGivenBack()
+{
+    RuleBook book({on("GSF").times(2).refuse()});
+
+    book.takeRuleFor("GSF;");
+    book.settle();
+    book.takeRuleFor("GSF;");
+    book.giveBack();
+
+    QCOMPARE(deedsOf(book, repeated("GSF;", 2)), QStringLiteral("r."));
 }
 
 void TestRules::unplayedRulesAreThoseThatNeverActed()
