@@ -219,9 +219,11 @@ void Controller::obey(const Rule& rule, const ParseResult& parsed)
     case Deed::Ignore:
         break;
     case Deed::Close:
+        input.clear();
         link.close();
         break;
     case Deed::HalfClose:
+        input.clear();
         link.halfClose();
         break;
     case Deed::Reply:

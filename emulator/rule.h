@@ -12,8 +12,9 @@ enum class Deed {
     CarryOut,  ///< What the command says, as without a rule.
     Refuse,    ///< Answers 0x01 ';'. The command has no effect.
     Ignore,    ///< No answer and no effect.
-    Close,     ///< Closes the link. No answer and no effect.
-    HalfClose, ///< As `Close`, but only the controller's side of the link is closed.
+    Close,     ///< Closes the link. No answer and no effect, also of commands that came with it.
+    HalfClose, ///< As `Close`, but only the controller's side of the link is closed. A host that
+               ///< goes on sending is obeyed, but not answered.
     Reply,     ///< Answers the bytes of the rule. The command has no effect.
 };
 

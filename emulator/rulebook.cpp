@@ -1,6 +1,9 @@
 #include "emulator/rulebook.h"
 
+#include "emulator/command.h"
 #include "emulator/controlleroptions.h"
+
+#include <QtGlobal>
 
 namespace emulator {
 
@@ -19,13 +22,23 @@ Deed deedOfLists(const Faults& faults, const QByteArray& mnemonic)
     return Deed::CarryOut;
 }
 
+bool isMnemonic(const QByteArray& text)
+{
+    if (text.size() == mnemonicLength)
+        return true;
+    qWarning("emulator: \"%s\" in a list of faults is no mnemonic", text.constData());
+    return false;
+}
+
+/// What stands in the lists, each once.
 QByteArrayList mnemonicsOfLists(const Faults& faults)
 {
-    QByteArrayList mnemonics = faults.closeOn + faults.halfCloseOn + faults.silent + faults.refuse
-                               + faults.lateMs.keys() + faults.shortBytes.keys();
+    const QByteArrayList mnemonics = faults.closeOn + faults.halfCloseOn + faults.silent
+                                     + faults.refuse + faults.lateMs.keys()
+                                     + faults.shortBytes.keys();
     QByteArrayList each;
     for (const QByteArray& mnemonic : mnemonics) {
-        if (!each.contains(mnemonic))
+        if (!each.contains(mnemonic) && isMnemonic(mnemonic))
             each.append(mnemonic);
     }
     return each;

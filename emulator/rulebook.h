@@ -58,7 +58,8 @@ private:
 };
 
 /// The lists of mnemonics in `Faults`, as rules: one for each mnemonic, with all that the lists say
-/// of it. Of several deeds the first of these is done: close, half-close, silent, refuse.
+/// of it. Of several deeds the first of these is done: close, half-close, silent, refuse. Warns of
+/// entries that are no mnemonic, and skips them.
 QList<Rule> rulesOfLists(const Faults& faults);
 
 } // namespace emulator

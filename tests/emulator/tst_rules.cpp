@@ -59,6 +59,7 @@ private slots:
     void unplayedRulesAreThoseThatNeverActed();
     void listsOfOneMnemonicActTogether_data();
     void listsOfOneMnemonicActTogether();
+    void listEntryThatIsNoMnemonicIsSkipped();
     void ruleIsDescribedAsItsOption_data();
     void ruleIsDescribedAsItsOption();
     void textBecomesARule_data();
@@ -253,6 +254,17 @@ void TestRules::listsOfOneMnemonicActTogether()
     QFETCH(QList<Rule>, rules);
 
     QCOMPARE(rulesOfLists(faults), rules);
+}
+
+void TestRules::listEntryThatIsNoMnemonicIsSkipped()
+{
+    Faults faults;
+    faults.refuse = {"SP", "GSF"};
+    faults.lateMs = {{"", 5}};
+
+    QTest::ignoreMessage(QtWarningMsg, "emulator: \"SP\" in a list of faults is no mnemonic");
+    QTest::ignoreMessage(QtWarningMsg, "emulator: \"\" in a list of faults is no mnemonic");
+    QCOMPARE(rulesOfLists(faults), QList<Rule>({on("GSF").refuse()}));
 }
 
 void TestRules::ruleIsDescribedAsItsOption_data()

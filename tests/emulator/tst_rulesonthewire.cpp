@@ -60,6 +60,7 @@ void addPorts()
 } // namespace
 
 Q_DECLARE_METATYPE(Port)
+Q_DECLARE_METATYPE(emulator::Rule)
 
 class TestRulesOnTheWire final : public QObject
 {
@@ -80,6 +81,8 @@ private slots:
     void linkClosesOnOneStage();
     void sendingSideClosesOnOneStage_data() { addPorts(); }
     void sendingSideClosesOnOneStage();
+    void commandsBehindTheClosingOneAreDropped_data();
+    void commandsBehindTheClosingOneAreDropped();
     void aRuleActsAsOftenAsTold_data() { addPorts(); }
     void aRuleActsAsOftenAsTold();
     void rulesOfOnePrefixFollowEachOther_data() { addPorts(); }
@@ -199,6 +202,32 @@ void TestRulesOnTheWire::sendingSideClosesOnOneStage()
 
     QTRY_VERIFY(!wire.controller.isConnected());
     QCOMPARE(wire.controller.unplayedRules(), QStringList());
+}
+
+void TestRulesOnTheWire::commandsBehindTheClosingOneAreDropped_data()
+{
+    QTest::addColumn<Port>("port");
+    QTest::addColumn<Rule>("rule");
+
+    QTest::newRow("tcp, close") << Port::Tcp << Rule(on("GSF").close());
+    QTest::newRow("tcp, half-close") << Port::Tcp << Rule(on("GSF").halfClose());
+    QTest::newRow("pty, close") << Port::Pty << Rule(on("GSF").close());
+    QTest::newRow("pty, half-close") << Port::Pty << Rule(on("GSF").halfClose());
+}
+
+void TestRulesOnTheWire::commandsBehindTheClosingOneAreDropped()
+{
+    QFETCH(Port, port);
+    QFETCH(Rule, rule);
+    Wire wire(port);
+    wire.controller.setRules({rule});
+
+    // A host whose input has ended closes its own side.
+    QCOMPARE(wire.exchange("GSF;SEA" + hex("01 3b"), 2), QByteArray());
+
+    QTRY_VERIFY(!wire.controller.isConnected());
+    QCOMPARE(wire.controller.commands(), QByteArrayList({"GSF;"}));
+    QVERIFY(!wire.controller.stageOn(1));
 }
 
 void TestRulesOnTheWire::aRuleActsAsOftenAsTold()
