@@ -24,6 +24,11 @@ class ControllerHandle final
 {
 public:
     ControllerHandle() = default;
+    /// Of a controller that lives in this thread, null if it could not be set up.
+    ControllerHandle(HostThread* hostThread, Face* hostFace)
+        : thread(hostThread)
+        , owner(hostFace)
+    {}
 
     /// False if the controller could not be set up, as with a port that is taken.
     bool isValid() const { return owner != nullptr; }
@@ -115,12 +120,6 @@ public:
     int count(const QByteArray& prefix) const;
 
 private:
-    friend class EmulatorHost;
-    ControllerHandle(HostThread* hostThread, Face* hostFace)
-        : thread(hostThread)
-        , owner(hostFace)
-    {}
-
     template <typename Result>
     Result ask(const std::function<Result(Face&)>& question) const;
     void order(const std::function<void(Face&)>& change) const;

@@ -1,8 +1,7 @@
 #include "emulator/faultoptions.h"
 
-#include "emulator/command.h"
 #include "emulator/optionreader.h"
-#include "emulator/rulebook.h"
+#include "emulator/wholenumber.h"
 
 #include <QCoreApplication>
 
@@ -10,7 +9,6 @@ namespace emulator {
 
 namespace {
 
-constexpr int greatestCount = 1000000000;
 /// Stray bytes before one packet.
 constexpr int greatestInsertCount = 16384;
 
@@ -54,39 +52,6 @@ OptionSection streamFaultSection()
             }};
 }
 
-/// True for a rule that says no more than one of the lists of `Faults` can.
-bool namesOnlyACommand(const Rule& rule)
-{
-    return rule.prefix.size() == mnemonicLength && rule.skip == 0 && rule.times == 0
-           && rule.deed != Deed::Reply;
-}
-
-void addToLists(Faults& lists, const Rule& rule)
-{
-    switch (rule.deed) {
-    case Deed::Refuse:
-        lists.refuse.append(rule.prefix);
-        break;
-    case Deed::Ignore:
-        lists.silent.append(rule.prefix);
-        break;
-    case Deed::Close:
-        lists.closeOn.append(rule.prefix);
-        break;
-    case Deed::HalfClose:
-        lists.halfCloseOn.append(rule.prefix);
-        break;
-    case Deed::CarryOut:
-        if (rule.shortBytes == Rule::wholeReply)
-            lists.lateMs.insert(rule.prefix, rule.lateMs);
-        else
-            lists.shortBytes.insert(rule.prefix, rule.shortBytes);
-        break;
-    case Deed::Reply:
-        break;
-    }
-}
-
 QStringList ruleOptions()
 {
     QStringList names;
@@ -96,19 +61,6 @@ QStringList ruleOptions()
             names += option.names();
     }
     return names;
-}
-
-QList<Rule> readRules(OptionReader& reader)
-{
-    QList<Rule> rules;
-    Faults lists;
-    for (const Rule& rule : reader.rules(ruleOptions())) {
-        if (namesOnlyACommand(rule))
-            addToLists(lists, rule);
-        else
-            rules.append(rule);
-    }
-    return rules + rulesOfLists(lists);
 }
 
 } // namespace
@@ -121,7 +73,7 @@ QVector<OptionSection> faultSections()
 Faults readFaults(OptionReader& reader, const Faults& base)
 {
     Faults faults = base;
-    faults.rules = readRules(reader) + base.rules;
+    faults.rules = reader.rules(ruleOptions()) + base.rules;
     reader.flag("garbage", faults.garbageReplies);
     reader.number("drop-every", faults.dropByteEvery, 0, greatestCount);
     reader.number("insert-every", faults.insertBytesEvery, 0, greatestCount);

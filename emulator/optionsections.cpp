@@ -55,11 +55,12 @@ void readKey(OptionReader& reader, QByteArray& key)
 {
     if (!reader.isGiven("key"))
         return;
-    static const QRegularExpression form(QStringLiteral("^[A-Z0-9]{%1}$").arg(keyLength));
+    static const QRegularExpression form(
+        QRegularExpression::anchoredPattern(QStringLiteral("[A-Z0-9]{%1}").arg(keyLength)));
     const QString text = reader.text("key");
     if (!form.match(text).hasMatch())
-        reader.complain("key",
-                        tr("\"%1\" is not %2 capital letters and digits").arg(text).arg(keyLength));
+        reader.complain("key", tr("\"%1\" is not %2 capital letters and digits")
+                                   .arg(text, QString::number(keyLength)));
     key = text.toLatin1();
 }
 
@@ -70,8 +71,9 @@ void readLabel(OptionReader& reader, QByteArray& label)
     const QString text = reader.text("label");
     label = text.toLocal8Bit();
     if (label.size() > Device::labelLength)
-        reader.complain("label",
-                        tr("\"%1\" is longer than %2 bytes").arg(text).arg(Device::labelLength));
+        reader.complain(
+            "label",
+            tr("\"%1\" is longer than %2 bytes").arg(text, QString::number(Device::labelLength)));
 }
 
 void readIdentity(OptionReader& reader, ControllerOptions& options)

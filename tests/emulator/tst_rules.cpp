@@ -277,6 +277,8 @@ void TestRules::ruleIsDescribedAsItsOption_data()
     QTest::newRow("axis") << Rule(on("SAI\1x").ignore()) << "silent SAI:01x";
     QTest::newRow("a value like an axis")
         << Rule(on("SAI\1y" + hex("7879")).close()) << "close-on SAI:01y7879";
+    QTest::newRow("a value like an axis where there is none")
+        << Rule(on("SPF\1x").refuse()) << "refuse SPF:0178";
     QTest::newRow("counts") << Rule(on("GSF").after(2).times(3).halfClose())
                             << "half-close-on GSF:skip=2:times=3";
     QTest::newRow("reply") << Rule(on("GSF").once().reply(hex("00 3b 01 3b")))
@@ -353,12 +355,13 @@ void TestRules::textThatIsNoRuleIsExplained_data()
     row("refuse", "", "there is no command \"\"");
     row("refuse", "SP", "there is no command \"SP\"");
     row("refuse", "ABC:01", "there is no command \"ABC\"");
-    row("refuse", "SPF:", "\"\" is none of bytes, as in 01x, skip=N and times=N");
-    row("refuse", "SPF:1", "\"1\" is none of bytes, as in 01x, skip=N and times=N");
-    row("refuse", "SPF:0g", "\"0g\" is none of bytes, as in 01x, skip=N and times=N");
-    row("refuse", "SPF:+1", "\"+1\" is none of bytes, as in 01x, skip=N and times=N");
-    row("refuse", "SPF:0 ", "\"0 \" is none of bytes, as in 01x, skip=N and times=N");
-    row("refuse", "SPF:01=5", "\"01=5\" is none of bytes, as in 01x, skip=N and times=N");
+    row("refuse", "SPF:", "\"\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SPF:1", "\"1\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SPF:0g", "\"0g\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SPF:+1", "\"+1\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SPF:0 ", "\"0 \" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SPF:01=5",
+        "\"01=5\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
     row("refuse", "SEA:0102", "\"0102\" is more than the arguments of SEA");
     row("refuse", "GSF:3b", "\"3b\" is more than the arguments of GSF");
     row("refuse", "GSF:times=0", "\"0\" is not a whole number from 1 to 1000000000");
@@ -366,8 +369,18 @@ void TestRules::textThatIsNoRuleIsExplained_data()
     row("refuse", "GSF:skip=x", "\"x\" is not a whole number from 0 to 1000000000");
     row("late", "GSF", "\"GSF\" lacks \"=\" and a number");
     row("late", "GSF=3600001", "\"3600001\" is not a whole number from 0 to 3600000");
-    row("late", "GSF:times=1", "\"times\" is none of bytes, as in 01x, skip=N and times=N");
+    row("late", "GSF:times=1",
+        "\"times\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
     row("short", "GSF=-1", "\"-1\" is not a whole number from 0 to 1000000000");
+    row("refuse", "SPF:01x", "\"01x\" names an axis, but SPF has none");
+    row("refuse", "SAI:x", "\"x\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SAI:0178x",
+        "\"0178x\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SAI:01:02", "\"SAI:01:02\" says the argument bytes more than once");
+    row("refuse", "SAI:skip=1:01:skip=1", "\"SAI:skip=1:01:skip=1\" says skip= more than once");
+    row("late", "GSF:times=1:times=2=5", "\"GSF:times=1:times=2\" says times= more than once");
+    row("refuse", "GSF:skip=%2", "\"%2\" is not a whole number from 0 to 1000000000");
+    row("reply", "GSF=00x", "\"00x\" is not the bytes of a reply, as in 003b013b");
     row("reply", "GSF", "\"GSF\" lacks \"=\" and the bytes of the reply");
     row("reply", "GSF=", "\"\" is not the bytes of a reply, as in 003b013b");
     row("reply", "GSF=003", "\"003\" is not the bytes of a reply, as in 003b013b");
