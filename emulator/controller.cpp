@@ -39,8 +39,8 @@ Controller::Controller(const ControllerOptions& options, Link& port, WireLog* lo
 Controller::~Controller()
 {
     forgetCommands();
-    tellUnplayed(rules);
-    tellUnplayed(rulesOfLists);
+    reportUnplayed(rules);
+    reportUnplayed(rulesOfLists);
 }
 
 void Controller::setIdentity(const ControllerOptions& options)
@@ -56,7 +56,7 @@ void Controller::setIdentity(const ControllerOptions& options)
 
 void Controller::setFaults(const Faults& wanted)
 {
-    tellUnplayed(rulesOfLists);
+    reportUnplayed(rulesOfLists);
     rulesOfLists = RuleBook(emulator::rulesOfLists(wanted));
     garbageReplies = wanted.garbageReplies;
     closeAfterPackets = wanted.closeAfterPackets;
@@ -66,7 +66,7 @@ void Controller::setFaults(const Faults& wanted)
 
 void Controller::setRules(const QList<Rule>& wanted)
 {
-    tellUnplayed(rules);
+    reportUnplayed(rules);
     rules = RuleBook(wanted);
 }
 
@@ -80,7 +80,7 @@ QStringList Controller::unplayedRules() const
     return rules.unplayed() + rulesOfLists.unplayed();
 }
 
-void Controller::tellUnplayed(const RuleBook& book)
+void Controller::reportUnplayed(const RuleBook& book)
 {
     for (const QString& rule : book.unplayed())
         emit ruleUnplayed(rule);

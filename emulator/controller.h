@@ -109,7 +109,7 @@ private:
     void answer(const Rule& rule, const ParseResult& parsed);
     void refuse(const Rule& rule, const QByteArray& mnemonic, RefusalCode code);
     void carryOut(const Rule& rule, const Command& command);
-    void tellUnplayed(const RuleBook& book);
+    void reportUnplayed(const RuleBook& book);
 
     void startPacing();
     void scheduleNextPacket();

@@ -56,8 +56,8 @@ public:
     QVector<WireEvent> wire() const;
     void clearWire();
 
-    /// Replaces all faults, the rules among them. A rule that is replaced before it has acted is
-    /// told by a warning, as is one that has not acted when the controller ends.
+    /// Replaces all faults, the rules among them. A warning names each rule that is
+    /// replaced before it has acted, and each that has not acted when the controller ends.
     void setFaults(const Faults& faults);
     /// Replaces `Faults::rules` and leaves the other faults as they are. A command that is already
     /// waiting to be late keeps its rule.

@@ -19,34 +19,36 @@ QString tr(const char* text)
 
 OptionSection ruleSection()
 {
-    return {tr("What it does wrong with commands"),
-            tr("RULE is MNEMONIC[:ARGS][:skip=N][:times=N], as SPF or SAI:01x:times=1: the "
-               "command, the first bytes of its arguments in hexadecimal digits or as x and y, how "
-               "many such commands pass first, and how often the rule acts. Of several rules the "
-               "first that fits a command acts. All may be repeated."),
-            {
-                {"refuse", tr("Refuse such commands."), "RULE"},
-                {"silent", tr("Do not answer them, nor carry them out."), "RULE"},
-                {"reply",
-                 tr("Answer exactly these bytes, as in GSF=003b013b, and do not carry "
-                    "them out."),
-                 "RULE=BYTES"},
-                {"late", tr("Carry out and answer them only after MS milliseconds."), "RULE=MS"},
-                {"short", tr("Send only the first N bytes of the reply."), "RULE=N"},
-                {"close-on", tr("Close the connection when one comes."), "RULE"},
-                {"half-close-on", tr("Close the sending side when one comes."), "RULE"},
-                {"garbage", tr("Answer every command with noise.")},
-            }};
+    return {
+        tr("Faults of commands"),
+        tr("RULE is MNEMONIC[:ARGS][:skip=N][:times=N], as SPF or SAI:01x:times=1: the "
+           "command, the first bytes of its arguments in hexadecimal digits, an axis as x or y, "
+           "how many such commands pass first, and how often the rule acts. Options with the "
+           "same RULE act together. Of several rules the first that fits a command acts. All "
+           "may be repeated."),
+        {
+            {"refuse", tr("Refuse such commands."), "RULE"},
+            {"silent", tr("Do not answer them, nor carry them out."), "RULE"},
+            {"reply",
+             tr("Answer exactly these bytes, as in GSF=003b013b, and do not carry "
+                "them out."),
+             "RULE=BYTES"},
+            {"late", tr("Carry out and answer them only after MS milliseconds."), "RULE=MS"},
+            {"short", tr("Send only the first N bytes of the reply."), "RULE=N"},
+            {"close-on", tr("Close the connection when one comes."), "RULE"},
+            {"half-close-on", tr("Close the sending side when one comes."), "RULE"},
+            {"garbage", tr("Answer every known command with noise.")},
+        }};
 }
 
 OptionSection streamFaultSection()
 {
-    return {tr("What it does wrong with streams"),
+    return {tr("Faults of streams"),
             {},
             {
                 {"drop-every", tr("Leave out a byte of every Nth packet."), "N"},
                 {"insert-every", tr("Insert stray bytes before every Nth packet."), "N"},
-                {"insert-count", tr("How many of them, 0 to 16384; 1 unless told."), "N"},
+                {"insert-count", tr("How many of them, 0 to 16384; default: 1."), "N"},
                 {"corrupt-every", tr("Invert a byte of every Nth packet."), "N"},
                 {"close-after", tr("Close the connection behind the Nth packet."), "N"},
             }};

@@ -95,6 +95,7 @@ private slots:
     void lateRefusalIsBothLateAndARefusal();
     void whatWasDecidedForALateCommandStays();
     void lateCommandKeepsItsRuleThroughAPause();
+    void lateCommandOfALostHostDoesNotCount();
     void startOfAStreamMayBeAnsweredByARule();
     void rulesOfTheOptionsStandBeforeTheLists();
     void newRulesLeaveTheListsAsTheyAre();
@@ -325,6 +326,29 @@ void TestRulesOnTheWire::lateCommandKeepsItsRuleThroughAPause()
     wire.controller.pause(false);
 
     QCOMPARE(wire.exchange("GSF;", 8), foreignStatus + statusAtRest);
+}
+
+void TestRulesOnTheWire::lateCommandOfALostHostDoesNotCount()
+{
+    constexpr int lateMs = 300;
+    EmulatorHost host;
+    ControllerHandle controller = host.addTcp();
+    controller.setRules({on("GSF").once().late(lateMs)});
+    {
+        HostClient lost(controller);
+        lost.send("GSF;");
+        QTRY_COMPARE(controller.count("GSF"), 1);
+    }
+    QTRY_VERIFY(!controller.isConnected());
+    HostClient client(controller);
+    QElapsedTimer timer;
+
+    timer.start();
+    QCOMPARE(client.exchange("GSF;", statusAtRest.size()), statusAtRest);
+
+    // Timers may be early by a part of their interval, never by a tenth of it.
+    QVERIFY(timer.elapsed() >= lateMs * 9 / 10);
+    QCOMPARE(controller.count("GSF"), 2);
 }
 
 void TestRulesOnTheWire::startOfAStreamMayBeAnsweredByARule()
