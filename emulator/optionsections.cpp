@@ -31,7 +31,9 @@ OptionSection identitySection()
         {},
         {
             {"label", tr("Label that it has stored, up to 25 bytes."), "TEXT"},
-            {"key", tr("Its key: 11 capital letters and digits, others for each controller."),
+            {"key",
+             tr("Its key: 11 capital letters and digits, different for each "
+                "controller."),
              "KEY"},
             {"group",
              tr("Controllers of one group, 1 to 99, share a common detector. 0 "
