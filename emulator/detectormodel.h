@@ -49,6 +49,8 @@ public:
     }
     /// Position signal per micrometre at the centre under the full intensity, mV.
     double centreSlopeMv() const { return slopeMv; }
+    /// Half the active length.
+    double halfLengthMicrometres() const { return activeHalfLength; }
     /// Fraction of the light that falls on the detector, along one axis, 0 to 1: a little less
     /// towards the edge, and none beyond it.
     double lightOnDetector(double micrometres) const;
