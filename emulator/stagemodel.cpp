@@ -41,7 +41,7 @@ qint16 wholeMillivolts(double value, double least, double greatest)
 }
 
 /// What counts: the setting by software, or the external input while that is 0.
-int inForce(int bySoftwareMv, int inputMv)
+int effectiveMv(int bySoftwareMv, int inputMv)
 {
     return bySoftwareMv == 0 ? inputMv : bySoftwareMv;
 }
@@ -80,13 +80,6 @@ PerAxis commonCentreUm(const DetectorModel& detector, quint64 seed, int group)
     return centre;
 }
 
-StageOptions optionsOf(DetectorKind kind)
-{
-    StageOptions options;
-    options.detector = kind;
-    return options;
-}
-
 } // namespace
 
 StageModel::AxisState::AxisState(const BeamPreset& preset, BeamAxis axis, quint64 seed)
@@ -117,11 +110,6 @@ StageModel::StageModel(const BeamPreset& disturbances, const StageOptions& optio
     // Long enough for the sampler's low pass to settle on the beam.
     advance(beamStepsPerSecond / eventDrawsPerSecond);
 }
-
-StageModel::StageModel(const BeamPreset& disturbances, DetectorKind kind, double intensity,
-                       quint64 seed)
-    : StageModel(disturbances, optionsOf(kind), intensity, seed)
-{}
 
 void StageModel::advance(int steps)
 {
@@ -223,12 +211,12 @@ qint16 StageModel::actuatorMv(Axis axis) const
 
 void StageModel::updateGain()
 {
-    const double gain =
-        static_cast<double>(inForce(sensitivityMv, external.sensitivityMv)) / nominalSensitivityMv;
+    const double gain = static_cast<double>(effectiveMv(sensitivityMv, external.sensitivityMv))
+                        / nominalSensitivityMv;
     own.setGain(gain);
     if (common)
         common->setGain(gain);
-    const double pFactorVolts = inForce(pFactorMv, external.pFactorMv) * 0.001;
+    const double pFactorVolts = effectiveMv(pFactorMv, external.pFactorMv) * 0.001;
     for (AxisState& state : axisStates)
         state.loop.setBandwidth(StabilisationLoop::bandwidthPerVoltHz * pFactorVolts * gain);
 }
@@ -238,7 +226,7 @@ void StageModel::updateTargets()
     const std::array<int, axes> inputMv{external.adjustInXMv, external.adjustInYMv};
     for (const Axis axis : {X, Y}) {
         AxisState& state = ofAxis(axis);
-        state.targetMv = held ? state.heldMv : inForce(adjustInMv[axis], inputMv[axis]);
+        state.targetMv = held ? state.heldMv : effectiveMv(adjustInMv[axis], inputMv[axis]);
     }
 }
 

@@ -37,9 +37,6 @@ public:
     /// common detector.
     StageModel(const BeamPreset& disturbances, const StageOptions& options, double intensityMv,
                quint64 seed, int group = 0);
-    /// A stage with default options but for the kind of its detector.
-    StageModel(const BeamPreset& disturbances, DetectorKind detector, double intensityMv,
-               quint64 seed);
 
     void advance(int steps);
 
