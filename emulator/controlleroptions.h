@@ -81,7 +81,8 @@ struct ControllerOptions
     int pFactorMv = 1000;
     /// Label that is stored at the start, cut or padded to its length; blanks if empty.
     QByteArray label;
-    /// Controllers of one group, above 0, share a common detector. 0: none.
+    /// Controllers of one group, above 0, share a common detector; each group has another one,
+    /// elsewhere. 0: none.
     int group = 0;
     /// The 11 characters that tell a controller from all others. Empty: one is made up.
     QByteArray key;

@@ -20,7 +20,7 @@ constexpr double edgeWidths = 3.0;
 /// Share of the light that the optics lose at the detector's edge.
 constexpr double vignetting = 0.1;
 
-enum class Law {
+enum class SignalShape {
     Linear,         ///< The signal is a straight line.
     Quadrant,       ///< The error function times a fixed full signal.
     IntensityShare, ///< The error function times the present intensity.
@@ -31,7 +31,7 @@ enum class Law {
 struct Figures
 {
     DetectorKind kind;
-    Law law;
+    SignalShape shape;
     double mvPerMicrometre;
     double mvPerDiameter;
     double halfLengthMicrometres;
@@ -46,17 +46,19 @@ struct Figures
 // range before the beam reaches their edges. Where diameters count, the optics fit the spot to the
 // detector.
 constexpr Figures figures[] = {
-    {DetectorKind::LateralEffect, Law::Linear, signalMvPerMicrometre, 0.0,
+    {DetectorKind::LateralEffect, SignalShape::Linear, signalMvPerMicrometre, 0.0,
      activeHalfLengthMicrometres, 0.0, edgeRadiusMicrometres, portable::errorFunction},
-    {DetectorKind::Quadrant, Law::Quadrant, signalMvPerMicrometre, 0.0, activeHalfLengthMicrometres,
-     0.0, edgeRadiusMicrometres, portable::errorFunction},
-    {DetectorKind::FourQuadrant, Law::IntensityShare, 0.0, 0.0, 0.0, 1.5, 0.0,
+    {DetectorKind::Quadrant, SignalShape::Quadrant, signalMvPerMicrometre, 0.0,
+     activeHalfLengthMicrometres, 0.0, edgeRadiusMicrometres, portable::errorFunction},
+    {DetectorKind::FourQuadrant, SignalShape::IntensityShare, 0.0, 0.0, 0.0, 1.5, 0.0,
      portable::tabulatedErrorFunction},
-    {DetectorKind::Psd, Law::Linear, 1.2, 0.0, 4500.0, 0.0, 0.0, portable::tabulatedErrorFunction},
-    {DetectorKind::Wid, Law::Linear, 0.0, 6500.0, 0.0, 0.75, 0.0, portable::tabulatedErrorFunction},
-    {DetectorKind::UvPsd4mm, Law::Linear, 2.9, 0.0, 2000.0, 0.0, 0.0,
+    {DetectorKind::Psd, SignalShape::Linear, 1.2, 0.0, 4500.0, 0.0, 0.0,
      portable::tabulatedErrorFunction},
-    {DetectorKind::UvPsd10mm, Law::Linear, 1.1, 0.0, 5000.0, 0.0, 0.0,
+    {DetectorKind::Wid, SignalShape::Linear, 0.0, 6500.0, 0.0, 0.75, 0.0,
+     portable::tabulatedErrorFunction},
+    {DetectorKind::UvPsd4mm, SignalShape::Linear, 2.9, 0.0, 2000.0, 0.0, 0.0,
+     portable::tabulatedErrorFunction},
+    {DetectorKind::UvPsd10mm, SignalShape::Linear, 1.1, 0.0, 5000.0, 0.0, 0.0,
      portable::tabulatedErrorFunction},
 };
 
@@ -66,27 +68,20 @@ const Figures& figuresOf(DetectorKind kind)
                          [=](const Figures& entry) { return entry.kind == kind; });
 }
 
-/// A detector of a general kind, whose spot and intensity are fixed.
-DetectorModel generalDetector(DetectorKind kind)
-{
-    constexpr double anyIntensityMv = 1.0;
-    return DetectorModel(kind, 2.0 * beamRadiusMicrometres, anyIntensityMv);
-}
-
 } // namespace
 
 DetectorModel::DetectorModel(DetectorKind kind, double spotDiameterUm, double fullIntensityMv)
     : fullIntensity(fullIntensityMv)
 {
     const Figures& own = figuresOf(kind);
-    isLinear = own.law == Law::Linear;
-    radius = own.law == Law::Quadrant ? beamRadiusMicrometres : 0.5 * spotDiameterUm;
-    nominalSlopeMv = own.law == Law::IntensityShare
+    isLinear = own.shape == SignalShape::Linear;
+    radius = own.shape == SignalShape::Quadrant ? beamRadiusMicrometres : 0.5 * spotDiameterUm;
+    nominalSlopeMv = own.shape == SignalShape::IntensityShare
                          ? quadrantSlope * fullIntensityMv / radius
                          : own.mvPerMicrometre + own.mvPerDiameter / spotDiameterUm;
     activeHalfLength = own.halfLengthMicrometres + own.halfLengthDiameters * spotDiameterUm;
     edgeRadius = own.edgeRadius > 0.0 ? own.edgeRadius : radius;
-    hasFullSignal = own.law == Law::Quadrant;
+    hasFullSignal = own.shape == SignalShape::Quadrant;
     errorFunction = own.errorFunction;
     setGain(1.0);
 }
@@ -114,26 +109,9 @@ double DetectorModel::lightOnDetector(double micrometres) const
     return passing * 0.5 * (1.0 - errorFunction(sqrt2 * beyondEdge / edgeRadius));
 }
 
-double quadrantSignal(double position, double radius)
-{
-    return portable::errorFunction(sqrt2 * position / radius);
-}
-
-double positionSignalMv(DetectorKind kind, double micrometres, double gain)
-{
-    DetectorModel detector = generalDetector(kind);
-    detector.setGain(gain);
-    return detector.positionSignalMv(micrometres, 0.0);
-}
-
 double clippedToRange(double positionMv)
 {
     return std::clamp(positionMv, -positionRangeMv, positionRangeMv);
-}
-
-double lightOnDetector(double micrometres)
-{
-    return generalDetector(DetectorKind::LateralEffect).lightOnDetector(micrometres);
 }
 
 } // namespace emulator

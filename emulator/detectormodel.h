@@ -49,6 +49,8 @@ public:
     }
     /// Position signal per micrometre at the centre under the full intensity, mV.
     double centreSlopeMv() const { return slopeMv; }
+    /// Half the active length.
+    double halfLengthMicrometres() const { return activeHalfLength; }
     /// Fraction of the light that falls on the detector, along one axis, 0 to 1: a little less
     /// towards the edge, and none beyond it.
     double lightOnDetector(double micrometres) const;
@@ -70,18 +72,7 @@ private:
     double fullSignalMv = 0.0;
 };
 
-/// Normalised signal of a quadrant detector, -1 to 1, for a Gaussian beam whose centre is
-/// `position` off the cells' centre and whose 1/e² radius is `radius`, both in one unit.
-double quadrantSignal(double position, double radius);
-
-/// Position signal in mV, not yet clipped, of a general kind at a `gain` of 1 for nominal
-/// sensitivity.
-double positionSignalMv(DetectorKind kind, double micrometres, double gain);
-
 /// Clips a position signal to the input range.
 double clippedToRange(double positionMv);
-
-/// Fraction of the light that falls on a detector of a general kind, along one axis.
-double lightOnDetector(double micrometres);
 
 } // namespace emulator

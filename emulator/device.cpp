@@ -22,9 +22,7 @@ constexpr int beamStepsPerCommand = beamStepsPerSecond / 100;
 StageModel stageModel(const ControllerOptions& options, quint64 stage, double intensityMv)
 {
     return StageModel(beamPreset(options.preset), options.stages[stage - 1], intensityMv,
-                      derivedSeed(options.seed, stage),
-                      options.group > 0 ? StageModel::Company::InGroup
-                                        : StageModel::Company::Alone);
+                      derivedSeed(options.seed, stage), options.group);
 }
 
 } // namespace

@@ -19,9 +19,15 @@ constexpr double secondsPerHour = 3600.0;
 /// Numbers of the random streams of a stage.
 enum SeedStream : quint64 { XBeam, XNoise, YBeam, YNoise, Light, CommonPlace };
 
-// How far the centre of a common detector is from where a beam meets its own detector's centre.
-constexpr double leastCommonOffsetUm = 10.0;
+/// How far the centre of a common detector is, along each axis, from where a beam meets its own
+/// detector's centre: at most this, and this share of a small detector's half length.
 constexpr double greatestCommonOffsetUm = 20.0;
+constexpr double greatestCommonOffsetShare = 1.0 / 6.0;
+// Shares of that greatest offset. A stage has one of its own, to which comes the shift of its
+// group.
+constexpr double leastOffsetOfStage = 0.65;
+constexpr double greatestOffsetOfStage = 0.85;
+constexpr double greatestShiftOfGroup = 0.15;
 
 double lightSmoothing()
 {
@@ -35,31 +41,43 @@ qint16 wholeMillivolts(double value, double least, double greatest)
 }
 
 /// What counts: the setting by software, or the external input while that is 0.
-int inForce(int bySoftwareMv, int inputMv)
+int effectiveMv(int bySoftwareMv, int inputMv)
 {
     return bySoftwareMv == 0 ? inputMv : bySoftwareMv;
 }
 
-/// Where a group's common detector is for a stage. No two stages agree on that, so that the beams
-/// of a group do not lie on each other.
-PerAxis commonCentreUm(quint64 seed)
+/// Where the common detector of a group stands, -1 to 1 along each axis. The places of all groups
+/// are spread evenly over the square, and those of neighbouring numbers lie far apart.
+PerAxis placeOfGroup(int group)
 {
-    NoiseSource places(derivedSeed(seed, CommonPlace));
-    PerAxis centre;
-    for (double& place : centre) {
-        const double side = places.uniform() < 0.5 ? -1.0 : 1.0;
-        place = side
-                * (leastCommonOffsetUm
-                   + (greatestCommonOffsetUm - leastCommonOffsetUm) * places.uniform());
+    // The inverse of the number p that solves p³ = p + 1, and its square: multiples of this pair
+    // keep clear of each other.
+    constexpr PerAxis stride{0.75487766624669276, 0.56984029099805327};
+    PerAxis place;
+    for (std::size_t axis = 0; axis < place.size(); ++axis) {
+        const double turns = stride[axis] * group;
+        place[axis] = 2.0 * (turns - std::floor(turns)) - 1.0;
     }
-    return centre;
+    return place;
 }
 
-StageOptions optionsOf(DetectorKind kind)
+/// Where the common detector of a group is for a stage. No two stages agree on that, so that the
+/// beams of a group do not lie on each other; and no two groups, so that a beam that is led to one
+/// detector misses the centre of the other.
+PerAxis commonCentreUm(const DetectorModel& detector, quint64 seed, int group)
 {
-    StageOptions options;
-    options.detector = kind;
-    return options;
+    NoiseSource places(derivedSeed(seed, CommonPlace));
+    const PerAxis shift = placeOfGroup(group);
+    const double greatestUm = std::min(
+        greatestCommonOffsetUm, greatestCommonOffsetShare * detector.halfLengthMicrometres());
+    PerAxis centre;
+    for (std::size_t axis = 0; axis < centre.size(); ++axis) {
+        const double side = places.uniform() < 0.5 ? -1.0 : 1.0;
+        const double ofStage =
+            leastOffsetOfStage + (greatestOffsetOfStage - leastOffsetOfStage) * places.uniform();
+        centre[axis] = greatestUm * (side * ofStage + greatestShiftOfGroup * shift[axis]);
+    }
+    return centre;
 }
 
 } // namespace
@@ -70,7 +88,7 @@ StageModel::AxisState::AxisState(const BeamPreset& preset, BeamAxis axis, quint6
 {}
 
 StageModel::StageModel(const BeamPreset& disturbances, const StageOptions& options,
-                       double intensity, quint64 seed, Company company)
+                       double intensity, quint64 seed, int group)
     : preset(disturbances)
     , undisturbed{options.offsetXUm, options.offsetYUm}
     , fullIntensityMv(intensity)
@@ -83,20 +101,15 @@ StageModel::StageModel(const BeamPreset& disturbances, const StageOptions& optio
     , onCommonPath(options.multiplexed)
     , external(options.inputs)
 {
-    if (company == Company::InGroup) {
-        common.emplace(DetectorModel(options.detector, options.spotDiameterUm, intensity),
-                       commonCentreUm(seed));
+    if (group > 0) {
+        const DetectorModel detector(options.detector, options.spotDiameterUm, intensity);
+        common.emplace(detector, commonCentreUm(detector, seed, group));
     }
     updateGain();
     updateTargets();
     // Long enough for the sampler's low pass to settle on the beam.
     advance(beamStepsPerSecond / eventDrawsPerSecond);
 }
-
-StageModel::StageModel(const BeamPreset& disturbances, DetectorKind kind, double intensity,
-                       quint64 seed)
-    : StageModel(disturbances, optionsOf(kind), intensity, seed)
-{}
 
 void StageModel::advance(int steps)
 {
@@ -198,12 +211,12 @@ qint16 StageModel::actuatorMv(Axis axis) const
 
 void StageModel::updateGain()
 {
-    const double gain =
-        static_cast<double>(inForce(sensitivityMv, external.sensitivityMv)) / nominalSensitivityMv;
+    const double gain = static_cast<double>(effectiveMv(sensitivityMv, external.sensitivityMv))
+                        / nominalSensitivityMv;
     own.setGain(gain);
     if (common)
         common->setGain(gain);
-    const double pFactorVolts = inForce(pFactorMv, external.pFactorMv) * 0.001;
+    const double pFactorVolts = effectiveMv(pFactorMv, external.pFactorMv) * 0.001;
     for (AxisState& state : axisStates)
         state.loop.setBandwidth(StabilisationLoop::bandwidthPerVoltHz * pFactorVolts * gain);
 }
@@ -213,7 +226,7 @@ void StageModel::updateTargets()
     const std::array<int, axes> inputMv{external.adjustInXMv, external.adjustInYMv};
     for (const Axis axis : {X, Y}) {
         AxisState& state = ofAxis(axis);
-        state.targetMv = held ? state.heldMv : inForce(adjustInMv[axis], inputMv[axis]);
+        state.targetMv = held ? state.heldMv : effectiveMv(adjustInMv[axis], inputMv[axis]);
     }
 }
 

@@ -32,14 +32,11 @@ public:
     /// Detectors that a stage can be read from. A stage alone has only its own, which then takes
     /// the place of the common one.
     enum class View { Own, Common };
-    enum class Company { Alone, InGroup };
 
-    /// `intensityMv` is the intensity signal of the undimmed, centred beam.
+    /// `intensityMv` is the intensity signal of the undimmed, centred beam. A `group` above 0 has a
+    /// common detector.
     StageModel(const BeamPreset& disturbances, const StageOptions& options, double intensityMv,
-               quint64 seed, Company company = Company::Alone);
-    /// A stage with default options but for the kind of its detector.
-    StageModel(const BeamPreset& disturbances, DetectorKind detector, double intensityMv,
-               quint64 seed);
+               quint64 seed, int group = 0);
 
     void advance(int steps);
 

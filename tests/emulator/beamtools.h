@@ -50,16 +50,26 @@ inline std::vector<double> stream(StageModel& stage, double seconds,
     return values;
 }
 
+/// A stage whose options are the usual ones but for the kind of its detector.
+inline StageModel stageOn(emulator::DetectorKind detector, const emulator::BeamPreset& preset,
+                          quint64 stageSeed = seed)
+{
+    emulator::StageOptions options;
+    options.detector = detector;
+    constexpr double intensityMv = 4000.0;
+    return StageModel(preset, options, intensityMv, stageSeed);
+}
+
 inline StageModel typicalStage(quint64 stageSeed = seed)
 {
-    return StageModel(emulator::beamPreset(emulator::Preset::Typical),
-                      emulator::DetectorKind::LateralEffect, 4000.0, stageSeed);
+    return stageOn(emulator::DetectorKind::LateralEffect,
+                   emulator::beamPreset(emulator::Preset::Typical), stageSeed);
 }
 
 /// A stage whose beam stands still.
 inline StageModel calmStage(emulator::DetectorKind detector = emulator::DetectorKind::LateralEffect)
 {
-    return StageModel(emulator::BeamPreset(), detector, 4000.0, seed);
+    return stageOn(detector, emulator::BeamPreset());
 }
 
 } // namespace beamtools

@@ -31,6 +31,14 @@ std::function<double()> sampled(Disturbance& disturbance, int every)
     };
 }
 
+/// A detector of a general kind, which has a spot and an intensity of its own.
+DetectorModel generalDetector(DetectorKind kind)
+{
+    constexpr double anyDiameterUm = 1.0;
+    constexpr double anyIntensityMv = 1.0;
+    return DetectorModel(kind, anyDiameterUm, anyIntensityMv);
+}
+
 } // namespace
 
 class TestBeam final : public QObject
@@ -290,7 +298,7 @@ void TestBeam::whiteNoiseHasItsDensity()
     QFETCH(double, micrometresPerRootHertz);
     BeamPreset only;
     only.whiteDensity = beamPreset(preset).whiteDensity;
-    StageModel stage(only, DetectorKind::LateralEffect, 4000.0, seed);
+    StageModel stage = stageOn(DetectorKind::LateralEffect, only);
     const auto raw = [&stage] {
         stage.advance(1);
         return stage.rawPositionMv(StageModel::X) / signalMvPerMicrometre;
@@ -373,7 +381,7 @@ void TestBeam::intensityHasItsNoise()
           std::pair(Preset::Noisy, 0.01)}) {
         BeamPreset only;
         only.intensityRms = beamPreset(preset).intensityRms;
-        StageModel stage(only, DetectorKind::LateralEffect, 4000.0, seed);
+        StageModel stage = stageOn(DetectorKind::LateralEffect, only);
         std::vector<double> intensities;
         for (int i = 0; i < 20000; ++i) {
             stage.advance(10);
@@ -389,7 +397,7 @@ void TestBeam::beamIsBlockedAndWeakened()
     BeamPreset only;
     only.blocksPerHour = 500.0;
     only.dipsPerHour = 500.0;
-    StageModel stage(only, DetectorKind::LateralEffect, 4000.0, seed);
+    StageModel stage = stageOn(DetectorKind::LateralEffect, only);
     stage.setOn(true);
     QMap<int, int> seen;
     for (int i = 0; i < 100 * 300; ++i) {
@@ -407,7 +415,7 @@ void TestBeam::interruptionsLastFromATenthOfASecondToFive()
     BeamPreset only;
     only.blocksPerHour = 2000.0;
     only.dipsPerHour = 2000.0;
-    StageModel stage(only, DetectorKind::LateralEffect, 4000.0, seed);
+    StageModel stage = stageOn(DetectorKind::LateralEffect, only);
     std::vector<double> seconds;
     int begun = 0;
     quint16 last = stage.intensityMv();
@@ -507,27 +515,35 @@ void TestBeam::quadrantSignalFollowsTheErrorFunction()
     QFETCH(double, position);
     QFETCH(double, signal);
 
-    QVERIFY(std::fabs(quadrantSignal(position, 1.0) - signal) < 0.001);
-    QVERIFY(std::fabs(quadrantSignal(-30.0 * position, 30.0) + signal) < 0.001);
-    // In the middle both kinds of detector show the same.
-    QVERIFY(
-        isWithin(positionSignalMv(DetectorKind::Quadrant, 1.0, 1.0), signalMvPerMicrometre, 0.001));
+    // Of a type that tells shares of the intensity: 1 mV.
+    const auto share = [](double place, double radius) {
+        return DetectorModel(DetectorKind::FourQuadrant, 2.0 * radius, 1.0)
+            .positionSignalMv(place, 1.0);
+    };
+    QVERIFY(std::fabs(share(position, 1.0) - signal) < 0.001);
+    QVERIFY(std::fabs(share(-30.0 * position, 30.0) + signal) < 0.001);
+    // In the middle both general kinds of detector show the same.
+    QVERIFY(isWithin(generalDetector(DetectorKind::Quadrant).positionSignalMv(1.0, 0.0),
+                     signalMvPerMicrometre, 0.001));
 }
 
 void TestBeam::lateralSignalIsLinearAndClipped()
 {
-    QCOMPARE(positionSignalMv(DetectorKind::LateralEffect, 80.0, 1.0), 4000.0);
-    QCOMPARE(positionSignalMv(DetectorKind::LateralEffect, -80.0, 0.5), -2000.0);
+    DetectorModel detector = generalDetector(DetectorKind::LateralEffect);
+    QCOMPARE(detector.positionSignalMv(80.0, 0.0), 4000.0);
+    detector.setGain(0.5);
+    QCOMPARE(detector.positionSignalMv(-80.0, 0.0), -2000.0);
     QCOMPARE(clippedToRange(5001.0), 5000.0);
     QCOMPARE(clippedToRange(-6000.0), -5000.0);
 }
 
 void TestBeam::lightFallsOffTheDetector()
 {
-    QCOMPARE(lightOnDetector(0.0), 1.0);
-    QVERIFY(isWithin(lightOnDetector(60.0), 0.975, 1e-9));
-    QVERIFY(isWithin(lightOnDetector(activeHalfLengthMicrometres), 0.45, 1e-6));
-    QVERIFY(lightOnDetector(-activeHalfLengthMicrometres - 30.0) < 0.01);
+    const DetectorModel detector = generalDetector(DetectorKind::LateralEffect);
+    QCOMPARE(detector.lightOnDetector(0.0), 1.0);
+    QVERIFY(isWithin(detector.lightOnDetector(60.0), 0.975, 1e-9));
+    QVERIFY(isWithin(detector.lightOnDetector(activeHalfLengthMicrometres), 0.45, 1e-6));
+    QVERIFY(detector.lightOnDetector(-activeHalfLengthMicrometres - 30.0) < 0.01);
 }
 
 QTEST_GUILESS_MAIN(TestBeam)

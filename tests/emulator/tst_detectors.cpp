@@ -8,7 +8,9 @@
 #include <QtTest>
 
 #include <algorithm>
+#include <initializer_list>
 #include <iterator>
+#include <utility>
 
 using namespace wiretools;
 using beamtools::isWithin;
@@ -45,6 +47,16 @@ QByteArray sampleOf(emulator::DetectorKind kind, double spotDiameterUm, double x
     return client.exchange("S1S;", packetBytes);
 }
 
+/// A still beam `xUm` beside the centre of a quadrant type on stage 1.
+ControllerOptions quadrantTypeAt(double xUm)
+{
+    ControllerOptions options;
+    options.preset = emulator::Preset::Still;
+    options.stages[0].detector = emulator::DetectorKind::FourQuadrant;
+    options.stages[0].offsetXUm = xUm;
+    return options;
+}
+
 Reading readingOf(const QByteArray& packet, int stage)
 {
     const int first = stage == 1 ? 4 : 10;
@@ -52,18 +64,21 @@ Reading readingOf(const QByteArray& packet, int stage)
             double(wordAt(packet, first + 4))};
 }
 
-/// Share of a Gaussian spot of radius `radius` whose centre is `position` off that lies within
+/// Share of a Gaussian spot of radius `edgeRadius` whose centre is `position` off that lies within
 /// `halfLength`, less what the optics lose towards the edge.
-double lightAt(double position, double halfLength, double radius)
+double lightAt(double position, double halfLength, double edgeRadius)
 {
     const double place = position / halfLength;
     const double lost = 0.1 * place * place;
     const double inside =
-        0.5 * (1.0 - std::erf(std::sqrt(2.0) * (std::fabs(position) - halfLength) / radius));
+        0.5 * (1.0 - std::erf(std::sqrt(2.0) * (std::fabs(position) - halfLength) / edgeRadius));
     return std::max(0.0, 1.0 - lost) * inside;
 }
 
-/// What a detector has to read, from the data sheets alone.
+/// What a detector has to read. Data sheets give the signals and the lengths of the types in mm,
+/// the spot its error function. Decisions of the emulator, which are only repeated here, are the
+/// half lengths in diameters, all figures of the two general detectors but their 50 mV per
+/// micrometre, and the tenth of the light that is lost at an edge.
 Reading expectedReading(emulator::DetectorKind kind, double spotDiameterUm, double xUm, double yUm,
                         double fullIntensityMv)
 {
@@ -71,6 +86,9 @@ Reading expectedReading(emulator::DetectorKind kind, double spotDiameterUm, doub
     const double radius = spotDiameterUm / 2.0;
     double halfLength = 0.0;
     double mvPerMicrometre = 0.0;
+    double edgeRadius = radius;
+    constexpr double generalHalfLength = 120.0;
+    constexpr double generalEdgeRadius = 15.0;
     switch (kind) {
     case DetectorKind::FourQuadrant:
         halfLength = 1.5 * spotDiameterUm;
@@ -92,15 +110,29 @@ Reading expectedReading(emulator::DetectorKind kind, double spotDiameterUm, doub
         mvPerMicrometre = 1.1;
         break;
     case DetectorKind::LateralEffect:
+        halfLength = generalHalfLength;
+        edgeRadius = generalEdgeRadius;
+        mvPerMicrometre = 50.0;
+        break;
     case DetectorKind::Quadrant:
+        halfLength = generalHalfLength;
+        edgeRadius = generalEdgeRadius;
         break;
     }
-    const double intensity =
-        fullIntensityMv * lightAt(xUm, halfLength, radius) * lightAt(yUm, halfLength, radius);
+    const double intensity = fullIntensityMv * lightAt(xUm, halfLength, edgeRadius)
+                             * lightAt(yUm, halfLength, edgeRadius);
+    const auto ofQuadrants = [](double position, double full, double spotRadius) {
+        return full * std::erf(std::sqrt(2.0) * position / spotRadius);
+    };
     const auto signal = [&](double position) {
-        const double unclipped = kind == DetectorKind::FourQuadrant
-                                     ? intensity * std::erf(std::sqrt(2.0) * position / radius)
-                                     : mvPerMicrometre * position;
+        // The spot on the general detector, and the signal of it all, which makes 50 mV per
+        // micrometre at the centre.
+        constexpr double generalRadius = 160.0;
+        constexpr double generalFullMv = 5013.26;
+        const double unclipped =
+            kind == DetectorKind::FourQuadrant ? ofQuadrants(position, intensity, radius)
+            : kind == DetectorKind::Quadrant   ? ofQuadrants(position, generalFullMv, generalRadius)
+                                               : mvPerMicrometre * position;
         return std::clamp(unclipped, -greatestSignalMv, greatestSignalMv);
     };
     return {signal(xUm), signal(yUm), intensity};
@@ -168,6 +200,8 @@ double shownMicrometres(const Type& type, double signalMv, double intensityMv)
 
 } // namespace
 
+Q_DECLARE_METATYPE(emulator::DetectorKind)
+
 class TestDetectors final : public QObject
 {
     Q_OBJECT
@@ -179,33 +213,52 @@ private slots:
     void lengthThatIsShownIsWhereTheBeamIs();
     void nothingIsReadFarBesideAQuadrantType();
     void stagesHaveDetectorsOfTheirOwn();
+    void sensitivityLeavesTheLengthOfAQuadrantTypeAlone_data();
     void sensitivityLeavesTheLengthOfAQuadrantTypeAlone();
+    void amplifiedSignalsEndBeforeTheIntensityDoes();
     void tabulatedErrorFunctionIsRight();
 };
 
 void TestDetectors::wireCarriesVoltsAndIntensityOfTheBeam_data()
 {
-    addTypeColumns();
-    addRowsOverTheLinearRange();
-    for (int type = 0; type < int(std::size(types)); ++type) {
-        addRow(type, "beyond", 1.15 * types[type].linearUm);
-        addRow(type, "far beyond, other side", -3.0 * types[type].linearUm);
+    QTest::addColumn<emulator::DetectorKind>("kind");
+    QTest::addColumn<double>("spotDiameterUm");
+    QTest::addColumn<double>("positionUm");
+
+    const auto rows = [](const char* name, emulator::DetectorKind kind, double spotDiameterUm,
+                         double linearUm, std::initializer_list<double> shares) {
+        for (const double share : shares) {
+            const double positionUm = share * linearUm;
+            QTest::newRow(qPrintable(QString("%1, %2 µm").arg(name).arg(positionUm)))
+                << kind << spotDiameterUm << positionUm;
+        }
+    };
+    for (const Type& type : types) {
+        rows(type.name, type.emulated, type.spotDiameterUm, type.linearUm,
+             {type.leastUm / type.linearUm, 0.1, -0.25, 0.5, -0.75, 1.0, -1.0, 1.15, -3.0});
+    }
+    // Neither has a spot to be told.
+    constexpr double anyDiameterUm = 1.0;
+    for (const auto& [name, kind] : {std::pair("lateral", emulator::DetectorKind::LateralEffect),
+                                     std::pair("quadrant", emulator::DetectorKind::Quadrant)}) {
+        rows(name, kind, anyDiameterUm, 100.0,
+             {0.01, 0.1, -0.25, 0.5, -0.75, 1.0, -1.0, 1.15, -3.0});
     }
 }
 
 void TestDetectors::wireCarriesVoltsAndIntensityOfTheBeam()
 {
-    QFETCH(int, type);
+    QFETCH(emulator::DetectorKind, kind);
+    QFETCH(double, spotDiameterUm);
     QFETCH(double, positionUm);
-    const Type& of = types[type];
     const double otherUm = -0.5 * positionUm;
 
-    const QByteArray packet = sampleOf(of.emulated, of.spotDiameterUm, positionUm, otherUm);
+    const QByteArray packet = sampleOf(kind, spotDiameterUm, positionUm, otherUm);
 
     for (const int stage : {1, 2}) {
         const Reading read = readingOf(packet, stage);
         const Reading expected =
-            expectedReading(of.emulated, of.spotDiameterUm, positionUm, otherUm,
+            expectedReading(kind, spotDiameterUm, positionUm, otherUm,
                             stage == 1 ? stage1IntensityMv : stage2IntensityMv);
         // Half a millivolt by rounding, and a little for the emulator's own error function.
         constexpr double roundingMv = 0.51;
@@ -266,22 +319,44 @@ void TestDetectors::stagesHaveDetectorsOfTheirOwn()
     QCOMPARE(positions, hex("00 3b 04b0 0000 0000 f4ac 3b"));
 }
 
+void TestDetectors::sensitivityLeavesTheLengthOfAQuadrantTypeAlone_data()
+{
+    QTest::addColumn<QByteArray>("sensitivity");
+    QTest::addColumn<double>("gain");
+
+    QTest::newRow("0.5 V") << hex("01f4") << 0.5;
+    // Position signal and intensity just stay below the ends of their ranges.
+    QTest::newRow("2 V") << hex("07d0") << 2.0;
+}
+
 void TestDetectors::sensitivityLeavesTheLengthOfAQuadrantTypeAlone()
 {
-    ControllerOptions options;
-    options.preset = emulator::Preset::Still;
-    options.stages[0].detector = emulator::DetectorKind::FourQuadrant;
-    options.stages[0].offsetXUm = 10.0;
+    QFETCH(QByteArray, sensitivity);
+    QFETCH(double, gain);
     EmulatorHost host;
-    HostClient client(host.addTcp(options));
+    HostClient client(host.addTcp(quadrantTypeAt(10.0)));
     const Reading nominal = readingOf(client.exchange("S1S;", packetBytes), 1);
 
-    QCOMPARE(client.exchange("SDS" + hex("01 01f4 3b"), 2), accepted());
-    const Reading halved = readingOf(client.exchange("S1S;", packetBytes), 1);
+    QCOMPARE(client.exchange("SDS" + hex("01") + sensitivity + ';', 2), accepted());
+    const Reading changed = readingOf(client.exchange("S1S;", packetBytes), 1);
 
-    QVERIFY(std::fabs(halved.x - 0.5 * nominal.x) <= 1.0);
-    QVERIFY(std::fabs(halved.intensity - 0.5 * nominal.intensity) <= 1.0);
-    QVERIFY(isWithin(shownMicrometres(types[0], halved.x, halved.intensity), 10.0, 0.01));
+    QVERIFY(std::fabs(changed.x - gain * nominal.x) <= 1.0);
+    QVERIFY(std::fabs(changed.intensity - gain * nominal.intensity) <= 1.0);
+    QVERIFY(isWithin(shownMicrometres(types[0], changed.x, changed.intensity), 10.0, 0.01));
+}
+
+void TestDetectors::amplifiedSignalsEndBeforeTheIntensityDoes()
+{
+    EmulatorHost host;
+    HostClient client(host.addTcp(quadrantTypeAt(20.0)));
+
+    QCOMPARE(client.exchange("SDS" + hex("01 07d0 3b"), 2), accepted());
+    const Reading read = readingOf(client.exchange("S1S;", packetBytes), 1);
+
+    QCOMPARE(read.x, greatestSignalMv);
+    QVERIFY(read.intensity > 1.9 * stage1IntensityMv);
+    // The application shows the beam too near to the centre.
+    QVERIFY(shownMicrometres(types[0], read.x, read.intensity) < 15.0);
 }
 
 void TestDetectors::tabulatedErrorFunctionIsRight()

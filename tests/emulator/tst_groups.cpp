@@ -5,7 +5,9 @@
 
 #include <QtTest>
 
+#include <algorithm>
 #include <array>
+#include <vector>
 
 using namespace beamtools;
 using namespace emulator;
@@ -50,29 +52,50 @@ Positions positionsIn(const QByteArray& gcaReply)
     return positions;
 }
 
-/// Distance of two beams on the common detector of a stage, micrometres.
-double distanceUm(const Positions& first, const Positions& second, std::size_t stage)
+/// Distance of two beams on the common detector of a stage, mV.
+double distanceMv(const Positions& first, const Positions& second, std::size_t stage)
 {
     const double x = first[2 * stage] - second[2 * stage];
     const double y = first[2 * stage + 1] - second[2 * stage + 1];
-    return std::hypot(x, y) / signalMvPerMicrometre;
+    return std::hypot(x, y);
 }
 
-/// Says to one system what another one told of the common detector, bytes as they came.
-void applyPositions(HostClient& client, const QByteArray& gcaReply)
+/// Makes both stages of a controller have such detectors.
+ControllerOptions withDetectors(ControllerOptions options, DetectorKind kind, double spotDiameterUm)
+{
+    for (StageOptions& stage : options.stages) {
+        stage.detector = kind;
+        stage.spotDiameterUm = spotDiameterUm;
+    }
+    return options;
+}
+
+/// What makes one system take over what another one told of the common detector, bytes as they
+/// came.
+QByteArrayList ordersToApply(const QByteArray& gcaReply)
 {
     const std::array<QByteArray, valuesOfGca> places{hex("01 78"), hex("01 79"), hex("02 78"),
                                                      hex("02 79")};
+    QByteArrayList orders;
     for (int i = 0; i < valuesOfGca; ++i) {
         const QByteArray value = gcaReply.mid(2 + bytesOfWord * i, bytesOfWord);
-        QCOMPARE(client.exchange("SAI" + places[std::size_t(i)] + value + ';', 2), accepted());
+        orders.append("SAI" + places[std::size_t(i)] + value + ';');
     }
+    return orders;
 }
+
+void applyPositions(HostClient& client, const QByteArray& gcaReply)
+{
+    for (const QByteArray& order : ordersToApply(gcaReply))
+        QCOMPARE(client.exchange(order, 2), accepted());
+}
+
+/// While no stream runs, each command moves the beam on.
+constexpr int commandsPerSecond = 100;
 
 /// Gives the loops a second of the beam's time.
 void rest(HostClient& client)
 {
-    constexpr int commandsPerSecond = 100;
     for (int i = 0; i < commandsPerSecond; ++i)
         client.exchange("GSF;", 4);
 }
@@ -94,6 +117,34 @@ QByteArray answerTo(Device& device, const QByteArray& command)
     return device.execute(parseCommand(command).command).reply;
 }
 
+/// Leads the beams of a controller to the places on the common detector that another one told.
+void bringTo(Device& device, const QByteArray& gcaReply)
+{
+    answerTo(device, "SMD" + bothStages);
+    answerTo(device, "SEA" + bothStages);
+    for (const QByteArray& order : ordersToApply(gcaReply))
+        answerTo(device, order);
+    for (int i = 0; i < commandsPerSecond; ++i)
+        answerTo(device, "GSF;");
+}
+
+/// Where the beams of a controller fall on the common detector of another group, mV: told by the
+/// same beams, once they are where `device` has led them.
+Positions seenByGroup(int group, const Device& device, quint64 withSeed)
+{
+    ControllerOptions options = memberOfGroup(Preset::Still, withSeed);
+    options.group = group;
+    Device atRest(options, "KEY");
+    Positions positions = positionsIn(answerTo(atRest, "GCA;"));
+    for (const int stage : {1, 2}) {
+        const StageState state = device.stageState(stage);
+        const auto x = std::size_t(2 * (stage - 1));
+        positions[x] += signalMvPerMicrometre * state.beamXUm;
+        positions[x + 1] += signalMvPerMicrometre * state.beamYUm;
+    }
+    return positions;
+}
+
 QByteArrayList packetsOf(const ControllerOptions& options, const QByteArrayList& orders, int count)
 {
     Device device(options, "KEY");
@@ -107,6 +158,7 @@ QByteArrayList packetsOf(const ControllerOptions& options, const QByteArrayList&
 
 } // namespace
 
+Q_DECLARE_METATYPE(emulator::DetectorKind)
 Q_DECLARE_METATYPE(emulator::Preset)
 
 class TestGroups final : public QObject
@@ -116,6 +168,11 @@ class TestGroups final : public QObject
 private slots:
     void appliedPositionsBringOneBeamOntoTheOther_data();
     void appliedPositionsBringOneBeamOntoTheOther();
+    void everyStageFindsTheCommonDetectorUnderASmallSpot_data();
+    void everyStageFindsTheCommonDetectorUnderASmallSpot();
+    void beamsMeetInTheirGroupOnly_data();
+    void beamsMeetInTheirGroupOnly();
+    void noTwoGroupsHaveTheirDetectorAtOnePlace();
     void commonDetectorIsBesideTheOwnOne();
     void controllerAloneTellsItsOwnPositions();
     void seedDecidesWhereTheCommonDetectorIs();
@@ -137,21 +194,43 @@ private slots:
 
 void TestGroups::appliedPositionsBringOneBeamOntoTheOther_data()
 {
+    QTest::addColumn<DetectorKind>("kind");
+    QTest::addColumn<double>("diameterUm");
     QTest::addColumn<Preset>("preset");
+    QTest::addColumn<double>("mvPerUm");
+    QTest::addColumn<double>("apartUm");
     QTest::addColumn<double>("leftUm");
 
-    // The target is one sample of a beam that is held to a few tenths of a micrometre.
-    QTest::newRow("still") << Preset::Still << 0.05;
-    QTest::newRow("typical") << Preset::Typical << 1.0;
+    // The target is one sample of a beam that is held to a few tenths of a micrometre. A beam that
+    // stands still is put right to a millivolt or two.
+    const auto row = [](const char* name, DetectorKind kind, double diameterUm, Preset preset,
+                        double mvPerUm, double apartUm, double leftUm) {
+        QTest::newRow(name) << kind << diameterUm << preset << mvPerUm << apartUm << leftUm;
+    };
+    row("still", DetectorKind::LateralEffect, 50.0, Preset::Still, 50.0, 14.0, 0.05);
+    row("typical", DetectorKind::LateralEffect, 50.0, Preset::Typical, 50.0, 14.0, 1.0);
+    row("4QD, still", DetectorKind::FourQuadrant, 50.0, Preset::Still, 255.3, 5.0, 0.01);
+    row("4QD, typical", DetectorKind::FourQuadrant, 50.0, Preset::Typical, 255.3, 5.0, 0.8);
+    row("4QD, small spot", DetectorKind::FourQuadrant, 20.0, Preset::Still, 638.3, 2.0, 0.005);
+    row("WID, small spot", DetectorKind::Wid, 20.0, Preset::Still, 325.0, 1.0, 0.005);
+    row("UV PSD (4mm)", DetectorKind::UvPsd4mm, 50.0, Preset::Still, 2.9, 14.0, 0.5);
+    row("PSD", DetectorKind::Psd, 50.0, Preset::Still, 1.2, 14.0, 1.2);
 }
 
 void TestGroups::appliedPositionsBringOneBeamOntoTheOther()
 {
+    QFETCH(DetectorKind, kind);
+    QFETCH(double, diameterUm);
     QFETCH(Preset, preset);
+    QFETCH(double, mvPerUm);
+    QFETCH(double, apartUm);
     QFETCH(double, leftUm);
+    const auto member = [&](quint64 withSeed) {
+        return withDetectors(memberOfGroup(preset, withSeed), kind, diameterUm);
+    };
     EmulatorHost host;
-    HostClient reference(host.addTcp(memberOfGroup(preset, seed)));
-    HostClient partner(host.addTcp(memberOfGroup(preset, seed + 1)));
+    HostClient reference(host.addTcp(member(seed)));
+    HostClient partner(host.addTcp(member(seed + 1)));
     reference.exchange("SEA" + bothStages, 2);
     QCOMPARE(partner.exchange("SMD" + hex("01 3b"), 2), accepted());
     QCOMPARE(partner.exchange("SMD" + hex("02 3b"), 2), accepted());
@@ -166,10 +245,100 @@ void TestGroups::appliedPositionsBringOneBeamOntoTheOther()
     const Positions where = meanPositions(reference);
     const Positions after = meanPositions(partner);
     for (const std::size_t stage : {0U, 1U}) {
-        QVERIFY(distanceUm(where, before, stage) > 14.0);
-        const double left = distanceUm(where, after, stage);
+        const double apart = distanceMv(where, before, stage) / mvPerUm;
+        QVERIFY2(apart > apartUm, qPrintable(QString("only %1 µm apart").arg(apart)));
+        const double left = distanceMv(where, after, stage) / mvPerUm;
         QVERIFY2(left < leftUm, qPrintable(QString("%1 µm are left").arg(left)));
     }
+    constexpr char bothOnAndActive = '\x78';
+    QCOMPARE(char(partner.exchange("GSF;", 4)[2] & bothOnAndActive), bothOnAndActive);
+}
+
+void TestGroups::everyStageFindsTheCommonDetectorUnderASmallSpot_data()
+{
+    QTest::addColumn<DetectorKind>("kind");
+    QTest::addColumn<double>("diameterUm");
+
+    QTest::newRow("4QD, 30 micrometres") << DetectorKind::FourQuadrant << 30.0;
+    QTest::newRow("4QD, 10 micrometres") << DetectorKind::FourQuadrant << 10.0;
+    QTest::newRow("4QD, 1 micrometre") << DetectorKind::FourQuadrant << 1.0;
+    QTest::newRow("WID, 20 micrometres") << DetectorKind::Wid << 20.0;
+    QTest::newRow("WID, 1 micrometre") << DetectorKind::Wid << 1.0;
+}
+
+void TestGroups::everyStageFindsTheCommonDetectorUnderASmallSpot()
+{
+    QFETCH(DetectorKind, kind);
+    QFETCH(double, diameterUm);
+    const auto member = [&](quint64 withSeed) {
+        return Device(withDetectors(memberOfGroup(Preset::Still, withSeed), kind, diameterUm),
+                      "KEY");
+    };
+    for (quint64 number = 1; number <= 20; ++number) {
+        Device reference = member(number);
+        Device partner = member(number + 1);
+        const QByteArray wanted = answerTo(reference, "GCA;");
+
+        bringTo(partner, wanted);
+
+        QCOMPARE(answerTo(partner, "GAS;"), hex("00 3b 01 01 3b"));
+        const Positions after = positionsIn(answerTo(partner, "GCA;"));
+        for (const std::size_t stage : {0U, 1U})
+            QVERIFY(distanceMv(positionsIn(wanted), after, stage) <= 2.0);
+    }
+}
+
+void TestGroups::beamsMeetInTheirGroupOnly_data()
+{
+    QTest::addColumn<int>("groupOfPartner");
+    QTest::addColumn<double>("leastUm");
+    QTest::addColumn<double>("greatestUm");
+
+    QTest::newRow("same group") << 7 << 0.0 << 0.05;
+    QTest::newRow("next group") << 8 << 2.9 << 3.1;
+    QTest::newRow("another group") << 1 << 3.7 << 3.9;
+}
+
+void TestGroups::beamsMeetInTheirGroupOnly()
+{
+    QFETCH(int, groupOfPartner);
+    QFETCH(double, leastUm);
+    QFETCH(double, greatestUm);
+    const ControllerOptions ofReference = memberOfGroup(Preset::Still, seed);
+    ControllerOptions ofPartner = memberOfGroup(Preset::Still, seed + 1);
+    ofPartner.group = groupOfPartner;
+    Device reference(ofReference, "KEY");
+    Device partner(ofPartner, "KEY");
+    const QByteArray wanted = answerTo(reference, "GCA;");
+
+    bringTo(partner, wanted);
+
+    const Positions seen = seenByGroup(ofReference.group, partner, ofPartner.seed);
+    for (const std::size_t stage : {0U, 1U}) {
+        const double apart = distanceMv(positionsIn(wanted), seen, stage) / signalMvPerMicrometre;
+        QVERIFY2(apart >= leastUm && apart <= greatestUm,
+                 qPrintable(QString("%1 µm apart").arg(apart)));
+    }
+}
+
+void TestGroups::noTwoGroupsHaveTheirDetectorAtOnePlace()
+{
+    constexpr int groups = 99;
+    std::vector<Positions> places;
+    for (int group = 1; group <= groups; ++group) {
+        ControllerOptions options = memberOfGroup(Preset::Still);
+        options.group = group;
+        Device device(options, "KEY");
+        places.push_back(positionsIn(answerTo(device, "GCA;")));
+    }
+
+    double nearestMv = distanceMv(places[0], places[1], 0);
+    for (std::size_t one = 0; one < places.size(); ++one) {
+        for (std::size_t other = 0; other < one; ++other)
+            nearestMv = std::min(nearestMv, distanceMv(places[one], places[other], 0));
+    }
+
+    QVERIFY2(nearestMv > 20.0, qPrintable(QString("%1 mV").arg(nearestMv)));
 }
 
 void TestGroups::commonDetectorIsBesideTheOwnOne()
@@ -390,19 +559,14 @@ void TestGroups::multiplexingAloneChangesOnlyTheFlags()
 
 void TestGroups::quadrantTypeIsReadWithTheLightOfTheCommonDetector()
 {
-    ControllerOptions options = vmMember();
-    constexpr double spotDiameterUm = 50.0;
-    for (StageOptions& stage : options.stages) {
-        stage.detector = DetectorKind::FourQuadrant;
-        stage.spotDiameterUm = spotDiameterUm;
-    }
+    const ControllerOptions options = withDetectors(vmMember(), DetectorKind::FourQuadrant, 50.0);
 
     const QByteArray packet = packetsOf(options, {"SMD" + bothStages}, 2)[1];
 
-    // The offset of either axis is 10 to 20 micrometres, the spot's radius 25.
+    // The offset of either axis is a quarter to half of the spot's radius.
     const double share = std::fabs(double(wordAt(packet, X1)) / wordAt(packet, I1));
-    QVERIFY(share >= std::erf(std::sqrt(2.0) * 10.0 / 25.0) - 0.001);
-    QVERIFY(share <= std::erf(std::sqrt(2.0) * 20.0 / 25.0) + 0.001);
+    QVERIFY(share >= std::erf(std::sqrt(2.0) * 0.25) - 0.001);
+    QVERIFY(share <= std::erf(std::sqrt(2.0) * 0.5) + 0.001);
     QVERIFY(wordAt(packet, I1) < 4000);
 }
 
@@ -421,16 +585,22 @@ void TestGroups::sensitivityScalesTheCommonDetector()
 
 void TestGroups::stageIsNotActiveBesideTheCommonDetector()
 {
-    ControllerOptions options = memberOfGroup(Preset::Still);
-    options.stages[0].detector = DetectorKind::FourQuadrant;
-    // A common detector of 15 micrometres, 10 or more beside the beam, gets none of its light.
-    options.stages[0].spotDiameterUm = 5.0;
+    ControllerOptions options =
+        withDetectors(memberOfGroup(Preset::Still), DetectorKind::FourQuadrant, 20.0);
+    const double common = [&] {
+        Device atRest(options, "KEY");
+        return positionsIn(answerTo(atRest, "GCA;"))[0];
+    }();
+    // At the edge of the own detector, on the side from which the common one is seen less.
+    options.stages[0].offsetXUm = common > 0.0 ? 35.0 : -35.0;
     Device device(options, "KEY");
     answerTo(device, "SEA" + hex("01 3b"));
     QCOMPARE(answerTo(device, "GAS;"), hex("00 3b 01 00 3b"));
 
+    answerTo(device, "CEA" + hex("01 3b"));
     answerTo(device, "SMD" + hex("01 3b"));
     answerTo(device, "SAI" + hex("01 78 03e8 3b"));
+    answerTo(device, "SEA" + hex("01 3b"));
 
     QCOMPARE(answerTo(device, "GAS;"), hex("00 3b 00 00 3b"));
     QCOMPARE(answerTo(device, "GDA;"), hex("00 3b 1388 1388 1388 1388 3b"));

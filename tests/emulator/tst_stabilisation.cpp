@@ -316,7 +316,7 @@ void TestStabilisation::stageWithoutLightIsNotActive()
 
     BeamPreset dark;
     dark.blocksPerHour = 1e9;
-    StageModel blocked(dark, DetectorKind::Quadrant, 4000.0, seed);
+    StageModel blocked = stageOn(DetectorKind::Quadrant, dark);
     blocked.setOn(true);
     blocked.advance(10);
     QCOMPARE(blocked.intensityMv(), quint16(0));
@@ -358,7 +358,7 @@ void TestStabilisation::loopHoldsTheBeamAlikeOnEveryDetector()
     // The millivolts of the types differ up to two hundred times, so that the beam itself is
     // looked at.
     const auto rmsOn = [](DetectorKind detector) {
-        StageModel stage(beamPreset(Preset::Typical), detector, 4000.0, seed);
+        StageModel stage = stageOn(detector, beamPreset(Preset::Typical));
         stage.setOn(true);
         stage.advance(beamStepsPerSecond);
         std::vector<double> places;

@@ -6,6 +6,8 @@
 
 #include <QtTest>
 
+#include <algorithm>
+
 using namespace beamtools;
 using namespace emulator;
 using namespace wiretools;
@@ -48,11 +50,17 @@ public:
     {
         constexpr int restless = rateHz / 10;
         const int count = int(seconds * rateHz);
+        return firstPackets(restless + count).mid(restless);
+    }
+
+    /// The first packets of a stream.
+    QByteArrayList firstPackets(int count)
+    {
         QByteArrayList packets{ask(startAt(rateHz), packetBytes)};
-        while (packets.size() < restless + count)
+        while (packets.size() < count)
             packets.append(client.read(packetBytes));
         endStream();
-        return packets.mid(restless);
+        return packets;
     }
 
 private:
@@ -140,6 +148,8 @@ private slots:
     void adjustInIsTheMeanOfTheStream();
     void pFactorSetsTheBandwidth_data();
     void pFactorSetsTheBandwidth();
+    void pFactorSetsHowSoonTheStreamReachesTheTarget_data();
+    void pFactorSetsHowSoonTheStreamReachesTheTarget();
     void sameSeedGivesTheSameBytes();
     void externalAdjustInIsTheTargetOfAnAxisWithoutOneOfItsOwn();
     void clearedHoldGoesBackToTheExternalAdjustIn();
@@ -307,6 +317,41 @@ void TestTargets::pFactorSetsTheBandwidth()
     constexpr double mountHz = 12.0;
     QVERIFY2(isWithin(left, mountHz / bandwidthHz, 0.1),
              qPrintable(QString("%1 of it is left").arg(left)));
+}
+
+void TestTargets::pFactorSetsHowSoonTheStreamReachesTheTarget_data()
+{
+    QTest::addColumn<QByteArray>("pFactor");
+    QTest::addColumn<double>("bandwidthHz");
+
+    QTest::newRow("25 mV") << hex("0019") << 5.0;
+    QTest::newRow("100 mV") << hex("0064") << 20.0;
+}
+
+void TestTargets::pFactorSetsHowSoonTheStreamReachesTheTarget()
+{
+    QFETCH(QByteArray, pFactor);
+    QFETCH(double, bandwidthHz);
+    ControllerOptions options;
+    options.preset = Preset::Still;
+    options.stages[0].offsetXUm = 60.0;
+    Table table(options);
+    table.order("SPF" + hex("01") + pFactor + ';');
+    table.order("SEA" + stage1);
+
+    const std::vector<double> places = valuesOf(table.firstPackets(60), X1);
+
+    // The loop is damped so that it first reaches its target after 0.39 periods of its bandwidth.
+    // Between switching on and the first packet it works for 12 ms.
+    constexpr double secondsBefore = 0.012;
+    const double expected = (0.393 / bandwidthHz - secondsBefore) * rateHz;
+    const auto home =
+        std::find_if(places.begin(), places.end(), [](double mv) { return mv <= 0.0; });
+    const auto packets = double(home - places.begin());
+    // The low pass of the sampler and the wait for the next packet make it later, by at most this.
+    constexpr double latePackets = 1.5;
+    QVERIFY2(packets >= expected && packets <= expected + latePackets,
+             qPrintable(QString("%1 packets, not %2").arg(packets).arg(expected)));
 }
 
 void TestTargets::sameSeedGivesTheSameBytes()
