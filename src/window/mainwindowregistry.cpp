@@ -1,5 +1,6 @@
 // The list of systems: what the dialogs and the slots with an address ask of it, and its end.
 
+#include "controls/waitcursor.h"
 #include "link/connection.h"
 #include "link/packet.h"
 #include "model/connectionsettings.h"
@@ -9,7 +10,6 @@
 #include "setup/colors.h"
 #include "setup/connectionoverviewdialog.h"
 #include "setup/settingsdialog.h"
-#include "setup/waitcursor.h"
 #include "window/mainwindow.h"
 
 #include <QApplication>
