@@ -141,6 +141,12 @@ void MainWindow::showSystem(const Connection* connection, bool show)
         waitNotice.hide();
 }
 
+SystemState MainWindow::stateOf(const Connection& connection) const
+{
+    const ConnectionStatus& status = systems.at(systems.indexOf(&connection)).status;
+    return {status.label, {status.multiplex1, status.multiplex2}};
+}
+
 void MainWindow::updateColorGraph(QString id, QColor color, int graph)
 {
     systems.setColor(systems.find(id), color, Graph(graph));
