@@ -54,13 +54,14 @@ void Controller::setIdentity(const ControllerOptions& options)
 void Controller::setFaults(const Faults& wanted)
 {
     tellUnplayed(rulesOfLists);
-    faults = wanted;
     rulesOfLists = RuleBook(emulator::rulesOfLists(wanted));
+    garbageReplies = wanted.garbageReplies;
+    closeAfterPackets = wanted.closeAfterPackets;
     setRules(wanted.rules);
     packetFaults.set(wanted);
 }
 
-void Controller::setRules(const QVector<Rule>& wanted)
+void Controller::setRules(const QList<Rule>& wanted)
 {
     tellUnplayed(rules);
     rules = RuleBook(wanted);
@@ -218,7 +219,7 @@ void Controller::answer(const Rule& rule, const ParseResult& parsed)
 {
     const QByteArray& mnemonic = parsed.command.mnemonic;
     const bool isKnown = parsed.status == ParseStatus::Complete;
-    if (isKnown && faults.garbageReplies)
+    if (isKnown && garbageReplies)
         write(packetFaults.strayBytes(replyLength(mnemonic)));
     else if (rule.deed == Deed::Refuse)
         refuse(rule, mnemonic, RefusalCode::Rejected);
@@ -303,7 +304,7 @@ void Controller::sendPacket(const QByteArray& packet)
     ++packetCount;
     ++streamPackets;
     write(packetFaults.applyTo(packet, streamPackets), true);
-    if (streamPackets == faults.closeAfterPackets)
+    if (streamPackets == closeAfterPackets)
         link.close();
 }
 

@@ -57,7 +57,7 @@ public:
     void setFaults(const Faults& faults);
     /// Replaces `Faults::rules` and leaves the other faults as they are. A command that is already
     /// waiting to be late keeps its rule.
-    void setRules(const QVector<Rule>& rules);
+    void setRules(const QList<Rule>& rules);
     /// Puts a rule behind those of `Faults::rules`.
     void addRule(const Rule& rule);
     /// Rules and lists that have not acted so far, see `RuleBook::unplayed`.
@@ -112,7 +112,6 @@ private:
     Link& link;
     WireLog* const wireLog;
     std::unique_ptr<Device> controlled;
-    Faults faults;
     RuleBook rules;
     RuleBook rulesOfLists;
     /// Of the first command in the input, while that is late.
@@ -127,6 +126,9 @@ private:
     qint64 packetCount = 0;
     qint64 lostPackets = 0;
     int lineBaudRate = 0;
+    /// See `Faults`.
+    bool garbageReplies = false;
+    int closeAfterPackets = 0;
     bool paused = false;
 };
 

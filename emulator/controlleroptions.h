@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 #include <QByteArrayList>
+#include <QList>
 #include <QMap>
 #include <QVector>
 
@@ -21,7 +22,7 @@ class Replay;
 struct Faults
 {
     /// Tried one after the other with each command, before the lists below; see `RuleBook`.
-    QVector<Rule> rules;
+    QList<Rule> rules;
 
     // Shorthand for rules that always act. Commands are named by their mnemonic, and those of one
     // mnemonic act together.

@@ -58,9 +58,9 @@ Rule deepCopy(const Rule& rule)
     return copy;
 }
 
-QVector<Rule> deepCopy(const QVector<Rule>& rules)
+QList<Rule> deepCopy(const QList<Rule>& rules)
 {
-    QVector<Rule> copy;
+    QList<Rule> copy;
     copy.reserve(rules.size());
     for (const Rule& rule : rules)
         copy.append(deepCopy(rule));

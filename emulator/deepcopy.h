@@ -16,7 +16,7 @@ QByteArrayList deepCopy(const QByteArrayList& list);
 QVector<WireEvent> deepCopy(const QVector<WireEvent>& events);
 QVector<PacketValues> deepCopy(const QVector<PacketValues>& samples);
 Rule deepCopy(const Rule& rule);
-QVector<Rule> deepCopy(const QVector<Rule>& rules);
+QList<Rule> deepCopy(const QList<Rule>& rules);
 Faults deepCopy(const Faults& faults);
 ControllerOptions deepCopy(const ControllerOptions& options);
 

@@ -92,7 +92,7 @@ void ControllerHandle::setFaults(const Faults& faults)
     order([&](Face& face) { face.controller().setFaults(deepCopy(faults)); });
 }
 
-void ControllerHandle::setRules(const QVector<Rule>& rules)
+void ControllerHandle::setRules(const QList<Rule>& rules)
 {
     order([&](Face& face) { face.controller().setRules(deepCopy(rules)); });
 }

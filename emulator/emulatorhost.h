@@ -55,7 +55,7 @@ public:
     void setFaults(const Faults& faults);
     /// Replaces `Faults::rules` and leaves the other faults as they are. A command that is already
     /// waiting to be late keeps its rule.
-    void setRules(const QVector<Rule>& rules);
+    void setRules(const QList<Rule>& rules);
     /// Puts a rule behind those of `Faults::rules`.
     void addRule(const Rule& rule);
     /// Rules and lists that have not acted so far, in the words of `describe`.

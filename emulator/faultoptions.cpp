@@ -98,9 +98,9 @@ QStringList ruleOptions()
     return names;
 }
 
-QVector<Rule> readRules(OptionReader& reader)
+QList<Rule> readRules(OptionReader& reader)
 {
-    QVector<Rule> rules;
+    QList<Rule> rules;
     Faults lists;
     for (const Rule& rule : reader.rules(ruleOptions())) {
         if (namesOnlyACommand(rule))

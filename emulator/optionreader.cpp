@@ -147,9 +147,9 @@ bool OptionReader::isOneOf(const QString& option, const QStringList& choices)
     return false;
 }
 
-QVector<Rule> OptionReader::rules(const QStringList& options)
+QList<Rule> OptionReader::rules(const QStringList& options)
 {
-    QVector<Rule> rules;
+    QList<Rule> rules;
     QMap<QString, int> taken;
     // One name for each time that an option is given, in that order.
     for (const QString& option : parser.optionNames()) {

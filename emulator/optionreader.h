@@ -2,10 +2,10 @@
 
 #include "emulator/rule.h"
 
+#include <QList>
 #include <QMap>
 #include <QString>
 #include <QStringList>
-#include <QVector>
 
 class QCommandLineParser;
 
@@ -41,7 +41,7 @@ public:
             value = choices.value(text(option));
     }
     /// The rules that these options make, in the order in which they are given.
-    QVector<Rule> rules(const QStringList& options);
+    QList<Rule> rules(const QStringList& options);
 
     bool isGiven(const QString& option) const;
     QString text(const QString& option) const;

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace emulator {
 
@@ -108,10 +109,10 @@ std::optional<Placement> withOptions(Placement placement, const QString& option,
                                      QString& error)
 {
     const QString place = QStringLiteral("--%1 %2: ").arg(option, pieces.place);
-    const std::optional<ControllerOptions> own = ownOptions(pieces.options, place, common, error);
+    std::optional<ControllerOptions> own = ownOptions(pieces.options, place, common, error);
     if (!own)
         return std::nullopt;
-    placement.options = *own;
+    placement.options = std::move(*own);
     return placement;
 }
 

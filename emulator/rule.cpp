@@ -37,11 +37,19 @@ constexpr Option options[] = {
     {"short", Deed::CarryOut, Extra::ByteCount},
 };
 
-template <typename Condition>
-const Option* optionWith(Condition condition)
+const Option* optionOf(const QString& name)
 {
-    const auto found = std::find_if(std::begin(options), std::end(options), condition);
+    const auto found = std::find_if(std::begin(options), std::end(options),
+                                    [&](const Option& option) { return name == option.name; });
     return found == std::end(options) ? nullptr : found;
+}
+
+/// Name of the option that makes a controller do this.
+QString nameOf(Deed deed)
+{
+    const auto found = std::find_if(std::begin(options), std::end(options),
+                                    [&](const Option& option) { return deed == option.deed; });
+    return found == std::end(options) ? QString() : QString::fromLatin1(found->name);
 }
 
 QString tr(const char* text)
@@ -281,11 +289,8 @@ QString describe(const Rule& rule)
 {
     const QString pattern = patternText(rule);
     QStringList made;
-    if (rule.deed != Deed::CarryOut) {
-        const Option* option =
-            optionWith([&](const Option& each) { return each.deed == rule.deed; });
-        made.append(QString::fromLatin1(option->name) + ' ' + pattern);
-    }
+    if (rule.deed != Deed::CarryOut)
+        made.append(nameOf(rule.deed) + ' ' + pattern);
     if (rule.deed == Deed::Reply)
         made.last() += '=' + hexDigits(rule.reply);
     if (rule.shortBytes != Rule::wholeReply)
@@ -299,7 +304,7 @@ QString describe(const Rule& rule)
 ParsedRule parseRule(const QString& option, const QString& value)
 {
     ParsedRule parsed;
-    const Option* known = optionWith([&](const Option& each) { return option == each.name; });
+    const Option* known = optionOf(option);
     if (!known) {
         parsed.error = tr("there is no rule \"%1\"").arg(option);
         return parsed;

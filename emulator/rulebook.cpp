@@ -33,7 +33,7 @@ QByteArrayList mnemonicsOfLists(const Faults& faults)
 
 } // namespace
 
-RuleBook::RuleBook(const QVector<Rule>& rules)
+RuleBook::RuleBook(const QList<Rule>& rules)
 {
     for (const Rule& rule : rules)
         add(rule);
@@ -43,7 +43,7 @@ void RuleBook::add(const Rule& rule)
 {
     Entry entry;
     entry.rule = rule;
-    entries.append(entry);
+    entries.push_back(entry);
 }
 
 std::optional<Rule> RuleBook::ruleFor(const QByteArray& frame)
@@ -72,9 +72,9 @@ QStringList RuleBook::unplayed() const
     return rules;
 }
 
-QVector<Rule> rulesOfLists(const Faults& faults)
+QList<Rule> rulesOfLists(const Faults& faults)
 {
-    QVector<Rule> rules;
+    QList<Rule> rules;
     for (const QByteArray& mnemonic : mnemonicsOfLists(faults)) {
         Rule rule = on(mnemonic);
         rule.deed = deedOfLists(faults, mnemonic);

@@ -2,10 +2,11 @@
 
 #include "emulator/rule.h"
 
+#include <QList>
 #include <QStringList>
-#include <QVector>
 
 #include <optional>
+#include <vector>
 
 namespace emulator {
 
@@ -16,7 +17,7 @@ class RuleBook final
 {
 public:
     RuleBook() = default;
-    explicit RuleBook(const QVector<Rule>& rules);
+    explicit RuleBook(const QList<Rule>& rules);
 
     /// Puts a rule behind the others.
     void add(const Rule& rule);
@@ -38,11 +39,11 @@ private:
         int acted = 0;
     };
 
-    QVector<Entry> entries;
+    std::vector<Entry> entries;
 };
 
 /// The lists of mnemonics in `Faults`, as rules: one for each mnemonic, with all that the lists say
 /// of it. Of several deeds the first of these is done: close, half-close, silent, refuse.
-QVector<Rule> rulesOfLists(const Faults& faults);
+QList<Rule> rulesOfLists(const Faults& faults);
 
 } // namespace emulator

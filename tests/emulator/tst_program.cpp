@@ -98,7 +98,7 @@ QString keyAt(const Ready& place)
     return QString::fromLatin1(idAt(place).mid(16, 11));
 }
 
-QStringList described(const QVector<Rule>& rules)
+QStringList described(const QList<Rule>& rules)
 {
     QStringList texts;
     for (const Rule& rule : rules)

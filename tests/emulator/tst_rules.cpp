@@ -8,7 +8,6 @@ using namespace emulator;
 using namespace wiretools;
 
 Q_DECLARE_METATYPE(emulator::Rule)
-Q_DECLARE_METATYPE(QVector<emulator::Rule>)
 Q_DECLARE_METATYPE(emulator::Faults)
 
 namespace {
@@ -133,27 +132,27 @@ void TestRules::aRuleSkipsAndActsAsOftenAsTold()
 
 void TestRules::rulesOfOnePrefixActInTheirOrder_data()
 {
-    QTest::addColumn<QVector<Rule>>("rules");
+    QTest::addColumn<QList<Rule>>("rules");
     QTest::addColumn<QString>("deeds");
 
     QTest::newRow("the first alone")
-        << QVector<Rule>{on("GSF").refuse(), on("GSF").ignore()} << "rrrr";
+        << QList<Rule>{on("GSF").refuse(), on("GSF").ignore()} << "rrrr";
     QTest::newRow("one after the other")
-        << QVector<Rule>{on("GSF").times(2).refuse(), on("GSF").once().close(),
+        << QList<Rule>{on("GSF").times(2).refuse(), on("GSF").once().close(),
                          on("GSF").once().halfClose()}
         << "rrkh..";
     QTest::newRow("the second fills the gap")
-        << QVector<Rule>{on("GSF").after(2).once().refuse(), on("GSF").ignore()} << "iiriii";
+        << QList<Rule>{on("GSF").after(2).once().refuse(), on("GSF").ignore()} << "iiriii";
     QTest::newRow("both skip the same commands")
-        << QVector<Rule>{on("GSF").after(2).once().refuse(), on("GSF").after(2).once().ignore()}
+        << QList<Rule>{on("GSF").after(2).once().refuse(), on("GSF").after(2).once().ignore()}
         << "..ri..";
     QTest::newRow("some pass untouched")
-        << QVector<Rule>{on("GSF").times(3).carryOut(), on("GSF").reply("x")} << "cccaaa";
+        << QList<Rule>{on("GSF").times(3).carryOut(), on("GSF").reply("x")} << "cccaaa";
 }
 
 void TestRules::rulesOfOnePrefixActInTheirOrder()
 {
-    QFETCH(QVector<Rule>, rules);
+    QFETCH(QList<Rule>, rules);
     QFETCH(QString, deeds);
     RuleBook book(rules);
 
@@ -186,9 +185,9 @@ void TestRules::unplayedRulesAreThoseThatNeverActed()
 void TestRules::listsOfOneMnemonicActTogether_data()
 {
     QTest::addColumn<Faults>("faults");
-    QTest::addColumn<QVector<Rule>>("rules");
+    QTest::addColumn<QList<Rule>>("rules");
 
-    const auto row = [](const char* name, const QVector<Rule>& rules, auto fill) {
+    const auto row = [](const char* name, const QList<Rule>& rules, auto fill) {
         Faults faults;
         fill(faults);
         QTest::newRow(name) << faults << rules;
@@ -226,7 +225,7 @@ void TestRules::listsOfOneMnemonicActTogether_data()
 void TestRules::listsOfOneMnemonicActTogether()
 {
     QFETCH(Faults, faults);
-    QFETCH(QVector<Rule>, rules);
+    QFETCH(QList<Rule>, rules);
 
     QCOMPARE(rulesOfLists(faults), rules);
 }

@@ -6,8 +6,8 @@
 #include <QtTest>
 
 Q_DECLARE_METATYPE(ApplyFailure)
+Q_DECLARE_METATYPE(emulator::Rule)
 Q_DECLARE_METATYPE(std::vector<ApplyFailure>)
-Q_DECLARE_METATYPE(QVector<emulator::Rule>)
 
 using emulator::on;
 using emulator::Rule;
@@ -119,10 +119,10 @@ void TestParameterApplying::theControllerHasWhatWasSet()
 
 void TestParameterApplying::failuresAreToldAndStopNothing_data()
 {
-    QTest::addColumn<QVector<Rule>>("rules");
+    QTest::addColumn<QList<Rule>>("rules");
     QTest::addColumn<std::vector<ApplyFailure>>("failures");
     const auto row = [](const char* name, const Rule& rule, std::vector<ApplyFailure> failures) {
-        QTest::newRow(name) << QVector<Rule>{rule} << std::move(failures);
+        QTest::newRow(name) << QList<Rule>{rule} << std::move(failures);
     };
     row("P-factor of stage 2 refused", on("SPF\2").refuse(), {pFactor2});
     row("sensitivity 1 silent", on("SDS\1").ignore(), {{What::Sensitivity, Stage::One}});
@@ -137,7 +137,7 @@ void TestParameterApplying::failuresAreToldAndStopNothing_data()
 
 void TestParameterApplying::failuresAreToldAndStopNothing()
 {
-    QFETCH(QVector<Rule>, rules);
+    QFETCH(QList<Rule>, rules);
     QFETCH(std::vector<ApplyFailure>, failures);
     EmulatedLink link;
     QVERIFY(link.connectAndIdentify());
@@ -149,17 +149,17 @@ void TestParameterApplying::failuresAreToldAndStopNothing()
 
 void TestParameterApplying::aFailedPFactorSetsTheOtherStageExternal_data()
 {
-    QTest::addColumn<QVector<Rule>>("rules");
+    QTest::addColumn<QList<Rule>>("rules");
     QTest::addColumn<std::vector<ApplyFailure>>("failures");
     QTest::newRow("stage 1 refused")
-        << QVector<Rule>{on("SPF\1").refuse()} << std::vector<ApplyFailure>{pFactor1};
-    QTest::newRow("both silent") << QVector<Rule>{on("SPF").ignore()}
+        << QList<Rule>{on("SPF\1").refuse()} << std::vector<ApplyFailure>{pFactor1};
+    QTest::newRow("both silent") << QList<Rule>{on("SPF").ignore()}
                                  << std::vector<ApplyFailure>{pFactor1, external2};
 }
 
 void TestParameterApplying::aFailedPFactorSetsTheOtherStageExternal()
 {
-    QFETCH(QVector<Rule>, rules);
+    QFETCH(QList<Rule>, rules);
     QFETCH(std::vector<ApplyFailure>, failures);
     EmulatedLink link;
     QVERIFY(link.connectAndIdentify());
