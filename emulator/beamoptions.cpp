@@ -42,31 +42,30 @@ QMap<QString, DetectorKind> detectors()
 OptionSection beamSection()
 {
     return {
-        tr("Its beams and detectors"),
+        tr("Beams and detectors"),
         tr("1 and 2 at the end of a name stand for the stage."),
         {
             {"seed",
-             tr("Seed of the beams, 1 unless told. The first controller takes N, the next "
-                "N + 1, and so on."),
+             tr("Seed of the beams; default: 1. The first controller takes N, the next N + 1, "
+                "and so on."),
              "N"},
-            {"preset",
-             tr("Restlessness of the beams: still, quiet, typical (unless told) or noisy."),
+            {"preset", tr("How much the beams move: still, quiet, typical (default) or noisy."),
              "NAME"},
             {"detector",
-             tr("Detectors of both stages: lateral (unless told) or quadrant, with 50 mV per "
+             tr("Detectors of both stages: lateral (default) or quadrant, with 50 mV per "
                 "micrometre, or 4qd, psd, wid, uvpsd4 or uvpsd10, with the volts of that type, "
                 "so that lengths are right on the screen."),
              "NAME"},
             {"detector1", tr("Detector of stage 1."), "NAME"},
             {"detector2", tr("Detector of stage 2."), "NAME"},
             {"diameter1",
-             tr("Diameter of the spot on the detector, 0.1 to 10000 micrometres; 50 unless "
-                "told."),
+             tr("Diameter of the spot on the detector, 0.1 to 10000 micrometres; default: "
+                "50."),
              "UM"},
             {"diameter2", tr("The same for stage 2."), "UM"},
             {"offset1",
              tr("Where the beam stands if nothing moves it, micrometres from the detector's "
-                "centre; 0:0 unless told."),
+                "centre; default: 0:0."),
              "X:Y"},
             {"offset2", tr("The same for stage 2."), "X:Y"},
             {"replay", tr("Stream the samples of a recording file in place of the beams."), "FILE"},
@@ -76,13 +75,13 @@ OptionSection beamSection()
 OptionSection inputSection()
 {
     return {
-        tr("Its P-factor and what stands at its external inputs"),
-        tr("All in mV. An input counts where the controller has stored 0."),
+        tr("P-factor and external inputs"),
+        tr("All in mV. The voltage at an input counts where the controller has stored 0."),
         {
-            {"pfactor", tr("P-factor that it has stored, 0 to 5000; 1000 unless told."), "MV"},
-            {"pfactor-input", tr("At the input of the P-factor, 1000 unless told."), "MV"},
-            {"sensitivity-input", tr("At the input of the sensitivity, 1000 unless told."), "MV"},
-            {"adjust-input1", tr("At the inputs of adjust-in of stage 1, 0:0 unless told."), "X:Y"},
+            {"pfactor", tr("P-factor that it has stored, 0 to 5000; default: 1000."), "MV"},
+            {"pfactor-input", tr("At the input of the P-factor; default: 1000."), "MV"},
+            {"sensitivity-input", tr("At the input of the sensitivity; default: 1000."), "MV"},
+            {"adjust-input1", tr("At the inputs of adjust-in of stage 1; default: 0:0."), "X:Y"},
             {"adjust-input2", tr("The same for stage 2."), "X:Y"},
         }};
 }

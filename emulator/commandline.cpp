@@ -9,6 +9,12 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
 namespace emulator {
 
 namespace {
@@ -33,69 +39,121 @@ void addOptions(QCommandLineParser& parser)
         parser.addOptions(section.options);
 }
 
-QVector<Placement> readPlacements(const QCommandLineParser& parser, const ControllerOptions& common,
+/// Options that are given together: on the command line, or in a file that it names.
+struct Source
+{
+    /// Stands in front of messages about them.
+    QString place;
+    QCommandLineParser parser;
+};
+
+/// The files in their order, and behind them the command line. A later one wins over those before.
+using Sources = std::vector<std::unique_ptr<Source>>;
+
+/// Empty on failure, with the reason in `error`.
+std::unique_ptr<Source> makeSource(const QString& place, const QStringList& arguments,
+                                   QString& error)
+{
+    auto source = std::make_unique<Source>();
+    source->place = place;
+    addOptions(source->parser);
+    if (source->parser.parse(arguments))
+        return source;
+    error = place + source->parser.errorText();
+    return nullptr;
+}
+
+std::unique_ptr<Source> readFile(const QString& file, QString& error)
+{
+    const QString place = QStringLiteral("--options: %1: ").arg(file);
+    const std::optional<QStringList> arguments = readOptionsFile(file, error);
+    if (!arguments) {
+        error.prepend(place);
+        return nullptr;
+    }
+    // The parser passes over the program's name.
+    std::unique_ptr<Source> source = makeSource(place, QStringList{QString()} + *arguments, error);
+    if (!source || !source->parser.isSet("options"))
+        return source;
+    error = place + tr("a file of options can not name another one");
+    return nullptr;
+}
+
+/// Reads the arguments and the files that they name. On failure `error` is set.
+Sources readSources(const QStringList& arguments, QString& error)
+{
+    std::unique_ptr<Source> commandLine = makeSource({}, arguments, error);
+    if (!commandLine)
+        return {};
+    Sources sources;
+    for (const QString& file : commandLine->parser.values("options")) {
+        std::unique_ptr<Source> source = readFile(file, error);
+        if (!source)
+            return {};
+        sources.push_back(std::move(source));
+    }
+    sources.push_back(std::move(commandLine));
+    return sources;
+}
+
+bool isSet(const Sources& sources, const QString& option)
+{
+    return std::any_of(sources.begin(), sources.end(),
+                       [&](const auto& source) { return source->parser.isSet(option); });
+}
+
+/// Complains of an argument that belongs to no option; empty if there is none.
+QString strayArgument(const Sources& sources)
+{
+    for (const auto& source : sources) {
+        const QStringList stray = source->parser.positionalArguments();
+        if (!stray.isEmpty())
+            return source->place + tr("unexpected argument \"%1\"").arg(stray.first());
+    }
+    return {};
+}
+
+/// What holds for all controllers.
+ControllerOptions readCommonOptions(const Sources& sources, QString& error)
+{
+    ControllerOptions options;
+    for (const auto& source : sources) {
+        OptionReader reader(source->parser, source->place + "--");
+        options = readControllerOptions(reader, options);
+        if (error.isEmpty())
+            error = reader.complaint();
+    }
+    return options;
+}
+
+QVector<Placement> readPlacements(const Sources& sources, const ControllerOptions& common,
                                   QString& error)
 {
     QVector<Placement> placements;
-    const auto add = [&](const QString& option, auto read) {
-        for (const QString& text : parser.values(option)) {
+    const auto add = [&](const Source& source, const QString& option, auto read) {
+        for (const QString& text : source.parser.values(option)) {
             ControllerOptions options = common;
             // Every controller has beams of its own.
             options.seed += static_cast<quint64>(placements.size());
-            const std::optional<Placement> placement = read(text, options, error);
-            if (!placement)
+            std::optional<Placement> placement = read(text, options, error);
+            if (!placement) {
+                error.prepend(source.place);
                 return;
-            placements.append(*placement);
+            }
+            placements.append(std::move(*placement));
         }
     };
-    add("tcp", readTcpPlacement);
-    if (error.isEmpty())
-        add("pty", readPtyPlacement);
+    const auto addAll = [&](const QString& option, auto read) {
+        for (const auto& source : sources) {
+            if (error.isEmpty())
+                add(*source, option, read);
+        }
+    };
+    addAll("tcp", readTcpPlacement);
+    addAll("pty", readPtyPlacement);
     if (error.isEmpty() && placements.isEmpty())
         error = tr("no controller to emulate: give --tcp ADDRESS:PORT or --pty LINK");
     return placements;
-}
-
-/// What is wrong with the arguments of a file, read for themselves: a value that is missing at the
-/// end of a file must not be taken from what follows. Empty if nothing is.
-QString fileError(const QStringList& arguments)
-{
-    QCommandLineParser parser;
-    addOptions(parser);
-    // The parser passes over the program's name.
-    if (!parser.parse(QStringList{QString()} + arguments))
-        return parser.errorText();
-    return parser.isSet("options") ? tr("a file of options can not name another one") : QString();
-}
-
-/// The arguments in the files, one file after the other. Empty on failure, with the reason in
-/// `error`.
-QStringList argumentsOfFiles(const QStringList& files, QString& error)
-{
-    QStringList arguments;
-    for (const QString& file : files) {
-        const std::optional<QStringList> read = readOptionsFile(file, error);
-        if (read)
-            error = fileError(*read);
-        if (!error.isEmpty()) {
-            error = QStringLiteral("--options: %1: %2").arg(file, error);
-            return {};
-        }
-        arguments += *read;
-    }
-    return arguments;
-}
-
-/// Reads the arguments and the files that they name. False on failure, with the reason in `error`.
-bool parse(QCommandLineParser& parser, const QStringList& arguments, QString& error)
-{
-    if (!parser.parse(arguments)) {
-        error = parser.errorText();
-        return false;
-    }
-    const QStringList added = argumentsOfFiles(parser.values("options"), error);
-    // In front of the other arguments, so that what the command line says wins.
-    return error.isEmpty() && parser.parse(arguments.mid(0, 1) + added + arguments.mid(1));
 }
 
 QString wholeHelp()
@@ -118,30 +176,28 @@ QString wholeHelp()
 
 CommandLine readCommandLine(const QStringList& arguments)
 {
-    QCommandLineParser parser;
-    addOptions(parser);
-
     CommandLine line;
     QString error;
-    if (!parse(parser, arguments, error))
+    const Sources sources = readSources(arguments, error);
+    if (!error.isEmpty())
         return failed(error);
-    if (parser.isSet("help")) {
+    if (isSet(sources, "help")) {
         line.wish = CommandLine::Wish::ShowHelp;
         line.text = wholeHelp();
         return line;
     }
-    if (parser.isSet("version")) {
+    if (isSet(sources, "version")) {
         line.wish = CommandLine::Wish::ShowVersion;
         return line;
     }
-    if (!parser.positionalArguments().isEmpty())
-        return failed(tr("what is \"%1\"?").arg(parser.positionalArguments().first()));
-    OptionReader reader(parser, "--");
-    const ControllerOptions common = readControllerOptions(reader, {});
-    error = reader.complaint();
+    error = strayArgument(sources);
+    const ControllerOptions common = readCommonOptions(sources, error);
     if (error.isEmpty())
-        line.placements = readPlacements(parser, common, error);
-    line.quiet = parser.isSet("quiet");
+        line.placements = readPlacements(sources, common, error);
+    if (error.isEmpty() && !common.key.isEmpty() && line.placements.size() > 1)
+        error = tr("--key: stands alone, but there are several controllers; put it behind the "
+                   "place of one, as in --pty LINK,key=KEY");
+    line.quiet = isSet(sources, "quiet");
     return error.isEmpty() ? line : failed(error);
 }
 

@@ -85,6 +85,12 @@ int argumentLength(const QByteArray& mnemonic)
     return operation ? operation->argumentLength : -1;
 }
 
+bool hasAxis(const QByteArray& mnemonic)
+{
+    const Operation* operation = Device::operationOf(mnemonic);
+    return operation && operation->axis != AxisRule::None;
+}
+
 int replyLength(const QByteArray& mnemonic)
 {
     const Operation* operation = Device::operationOf(mnemonic);

@@ -38,12 +38,15 @@ Controller::Controller(const ControllerOptions& options, Link& port, WireLog* lo
 
 Controller::~Controller()
 {
-    tellUnplayed(rules);
-    tellUnplayed(rulesOfLists);
+    forgetCommands();
+    reportUnplayed(rules);
+    reportUnplayed(rulesOfLists);
 }
 
 void Controller::setIdentity(const ControllerOptions& options)
 {
+    // Before its rules go, so that one whose command is not carried out has not acted.
+    forgetCommands();
     controlled = std::make_unique<Device>(options, keyFor(options));
     lineBaudRate = controlled->baudRate();
     packetFaults = PacketFaults(options.seed);
@@ -53,7 +56,7 @@ void Controller::setIdentity(const ControllerOptions& options)
 
 void Controller::setFaults(const Faults& wanted)
 {
-    tellUnplayed(rulesOfLists);
+    reportUnplayed(rulesOfLists);
     rulesOfLists = RuleBook(emulator::rulesOfLists(wanted));
     garbageReplies = wanted.garbageReplies;
     closeAfterPackets = wanted.closeAfterPackets;
@@ -63,7 +66,7 @@ void Controller::setFaults(const Faults& wanted)
 
 void Controller::setRules(const QList<Rule>& wanted)
 {
-    tellUnplayed(rules);
+    reportUnplayed(rules);
     rules = RuleBook(wanted);
 }
 
@@ -77,7 +80,7 @@ QStringList Controller::unplayedRules() const
     return rules.unplayed() + rulesOfLists.unplayed();
 }
 
-void Controller::tellUnplayed(const RuleBook& book)
+void Controller::reportUnplayed(const RuleBook& book)
 {
     for (const QString& rule : book.unplayed())
         emit ruleUnplayed(rule);
@@ -90,12 +93,20 @@ void Controller::linkOpened()
 
 void Controller::linkClosed()
 {
+    forgetCommands();
+    paceTimer.stop();
+    controlled->endStream();
+}
+
+/// The commands that have come and are not carried out never will be.
+void Controller::forgetCommands()
+{
     input.clear();
     lateTimer.stop();
     unfinishedTimer.stop();
-    paceTimer.stop();
-    ruleOfNextCommand.reset();
-    controlled->endStream();
+    lateCommand.reset();
+    rules.giveBack();
+    rulesOfLists.giveBack();
 }
 
 void Controller::restart()
@@ -140,28 +151,30 @@ void Controller::processInput()
         unfinishedTimer.start();
 }
 
-/// Takes one command, or noise, from the input. False if nothing is complete, or if it is late.
+/// Deals with the command that was late, or takes one, or noise, from the input. False if nothing
+/// is complete, or if the command is late.
 bool Controller::takeCommand()
 {
+    if (lateCommand) {
+        const LateCommand due = *lateCommand;
+        lateCommand.reset();
+        obey(due.rule, due.parsed);
+        return true;
+    }
     const ParseResult parsed = parseCommand(input);
     if (parsed.status == ParseStatus::Incomplete)
         return false;
-    if (parsed.command.mnemonic.isEmpty()) {
-        dropInput(parsed.consumed);
-        return true;
-    }
-    if (!ruleOfNextCommand) {
-        ruleOfNextCommand = ruleFor(parsed.command.frame);
-        if (ruleOfNextCommand->lateMs > 0) {
-            lateTimer.start(ruleOfNextCommand->lateMs);
-            return false;
-        }
-    }
-    const Rule rule = *ruleOfNextCommand;
-    ruleOfNextCommand.reset();
     dropInput(parsed.consumed);
+    if (parsed.command.mnemonic.isEmpty())
+        return true;
     if (wireLog)
         wireLog->addCommand(parsed.command.frame);
+    const Rule rule = takeRuleFor(parsed.command.frame);
+    if (rule.lateMs > 0) {
+        lateCommand = LateCommand{rule, parsed};
+        lateTimer.start(rule.lateMs);
+        return false;
+    }
     obey(rule, parsed);
     return true;
 }
@@ -176,7 +189,7 @@ void Controller::dropUnfinishedCommand()
     unfinished.command.frame = input;
     dropInput(input.size());
     // It has waited for long enough: a rule does not make it later.
-    obey(ruleFor(unfinished.command.frame), unfinished);
+    obey(takeRuleFor(unfinished.command.frame), unfinished);
 }
 
 void Controller::dropInput(int length)
@@ -186,16 +199,18 @@ void Controller::dropInput(int length)
     input.remove(0, length);
 }
 
-/// Asks the rules. To be called once for each command, since they count.
-Rule Controller::ruleFor(const QByteArray& frame)
+/// The rule for a command, which is to be asked for once, since rules count.
+Rule Controller::takeRuleFor(const QByteArray& frame)
 {
-    if (const std::optional<Rule> rule = rules.ruleFor(frame))
+    if (const std::optional<Rule> rule = rules.takeRuleFor(frame))
         return *rule;
-    return rulesOfLists.ruleFor(frame).value_or(Rule());
+    return rulesOfLists.takeRuleFor(frame).value_or(Rule());
 }
 
 void Controller::obey(const Rule& rule, const ParseResult& parsed)
 {
+    rules.settle();
+    rulesOfLists.settle();
     switch (rule.deed) {
     case Deed::CarryOut:
     case Deed::Refuse:
@@ -204,9 +219,11 @@ void Controller::obey(const Rule& rule, const ParseResult& parsed)
     case Deed::Ignore:
         break;
     case Deed::Close:
+        input.clear();
         link.close();
         break;
     case Deed::HalfClose:
+        input.clear();
         link.halfClose();
         break;
     case Deed::Reply:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "emulator/command.h"
 #include "emulator/device.h"
 #include "emulator/pacing.h"
 #include "emulator/packetfaults.h"
@@ -91,16 +92,24 @@ signals:
     void ruleUnplayed(const QString& rule);
 
 private:
+    /// A command that is carried out later.
+    struct LateCommand
+    {
+        Rule rule;
+        ParseResult parsed;
+    };
+
     void processInput();
     bool takeCommand();
     void dropUnfinishedCommand();
     void dropInput(int length);
-    Rule ruleFor(const QByteArray& frame);
+    void forgetCommands();
+    Rule takeRuleFor(const QByteArray& frame);
     void obey(const Rule& rule, const ParseResult& parsed);
     void answer(const Rule& rule, const ParseResult& parsed);
     void refuse(const Rule& rule, const QByteArray& mnemonic, RefusalCode code);
     void carryOut(const Rule& rule, const Command& command);
-    void tellUnplayed(const RuleBook& book);
+    void reportUnplayed(const RuleBook& book);
 
     void startPacing();
     void scheduleNextPacket();
@@ -114,8 +123,7 @@ private:
     std::unique_ptr<Device> controlled;
     RuleBook rules;
     RuleBook rulesOfLists;
-    /// Of the first command in the input, while that is late.
-    std::optional<Rule> ruleOfNextCommand;
+    std::optional<LateCommand> lateCommand;
     PacketFaults packetFaults;
     QByteArray input;
     QTimer lateTimer;

@@ -53,8 +53,9 @@ struct Faults
     /// The link is closed after this many packets.
     int closeAfterPackets = 0;
 
-    /// Every command that would be answered is answered with noise of the reply's length, and has
-    /// no effect. The replies of rules are sent as they are.
+    /// Every known command is answered with noise of its reply's length and has no effect, also
+    /// where a rule refuses it. Unknown ones are refused. A rule's own reply is sent as it is, and
+    /// rules that ignore a command or close the link do so.
     bool garbageReplies = false;
 };
 
@@ -82,7 +83,7 @@ struct ControllerOptions
     QByteArray label;
     /// Controllers of one group, above 0, share a common detector. 0: none.
     int group = 0;
-    /// The 11 characters by which a controller is known. Empty: one is made up.
+    /// The 11 characters that tell a controller from all others. Empty: one is made up.
     QByteArray key;
     /// First three letters of the ID text; others than "Zev" are no controller of this kind.
     QByteArray maker = "Zev";

@@ -24,6 +24,11 @@ class ControllerHandle final
 {
 public:
     ControllerHandle() = default;
+    /// Of a controller that lives in this thread, null if it could not be set up.
+    ControllerHandle(HostThread* hostThread, Face* hostFace)
+        : thread(hostThread)
+        , owner(hostFace)
+    {}
 
     /// False if the controller could not be set up, as with a port that is taken.
     bool isValid() const { return owner != nullptr; }
@@ -46,12 +51,13 @@ public:
     /// included.
     QByteArrayList commands() const;
     /// Everything that passed since the last `clearWire`: one event per command from the host, one
-    /// per reply and per stream packet to it. Only the first 5000 packets are kept.
+    /// per reply and per stream packet to it. A command that is answered late stands at the time at
+    /// which it came. Only the first 5000 packets are kept.
     QVector<WireEvent> wire() const;
     void clearWire();
 
-    /// Replaces all faults, the rules among them. A rule that is replaced before it has acted is
-    /// told by a warning, as is one that has not acted when the controller ends.
+    /// Replaces all faults, the rules among them. A warning names each rule that is
+    /// replaced before it has acted, and each that has not acted when the controller ends.
     void setFaults(const Faults& faults);
     /// Replaces `Faults::rules` and leaves the other faults as they are. A command that is already
     /// waiting to be late keeps its rule.
@@ -114,12 +120,6 @@ public:
     int count(const QByteArray& prefix) const;
 
 private:
-    friend class EmulatorHost;
-    ControllerHandle(HostThread* hostThread, Face* hostFace)
-        : thread(hostThread)
-        , owner(hostFace)
-    {}
-
     template <typename Result>
     Result ask(const std::function<Result(Face&)>& question) const;
     void order(const std::function<void(Face&)>& change) const;

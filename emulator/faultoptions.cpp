@@ -1,8 +1,7 @@
 #include "emulator/faultoptions.h"
 
-#include "emulator/command.h"
 #include "emulator/optionreader.h"
-#include "emulator/rulebook.h"
+#include "emulator/wholenumber.h"
 
 #include <QCoreApplication>
 
@@ -10,7 +9,6 @@ namespace emulator {
 
 namespace {
 
-constexpr int greatestCount = 1000000000;
 /// Stray bytes before one packet.
 constexpr int greatestInsertCount = 16384;
 
@@ -21,70 +19,39 @@ QString tr(const char* text)
 
 OptionSection ruleSection()
 {
-    return {tr("What it does wrong with commands"),
-            tr("RULE is MNEMONIC[:ARGS][:skip=N][:times=N], as SPF or SAI:01x:times=1: the "
-               "command, the first bytes of its arguments in hexadecimal digits or as x and y, how "
-               "many such commands pass first, and how often the rule acts. Of several rules the "
-               "first that fits a command acts. All may be repeated."),
-            {
-                {"refuse", tr("Refuse such commands."), "RULE"},
-                {"silent", tr("Do not answer them, nor carry them out."), "RULE"},
-                {"reply",
-                 tr("Answer exactly these bytes, as in GSF=003b013b, and do not carry "
-                    "them out."),
-                 "RULE=BYTES"},
-                {"late", tr("Carry out and answer them only after MS milliseconds."), "RULE=MS"},
-                {"short", tr("Send only the first N bytes of the reply."), "RULE=N"},
-                {"close-on", tr("Close the connection when one comes."), "RULE"},
-                {"half-close-on", tr("Close the sending side when one comes."), "RULE"},
-                {"garbage", tr("Answer every command with noise.")},
-            }};
+    return {
+        tr("Faults of commands"),
+        tr("RULE is MNEMONIC[:ARGS][:skip=N][:times=N], as SPF or SAI:01x:times=1: the "
+           "command, the first bytes of its arguments in hexadecimal digits, an axis as x or y, "
+           "how many such commands pass first, and how often the rule acts. Options with the "
+           "same RULE act together. Of several rules the first that fits a command acts. All "
+           "may be repeated."),
+        {
+            {"refuse", tr("Refuse such commands."), "RULE"},
+            {"silent", tr("Do not answer them, nor carry them out."), "RULE"},
+            {"reply",
+             tr("Answer exactly these bytes, as in GSF=003b013b, and do not carry "
+                "them out."),
+             "RULE=BYTES"},
+            {"late", tr("Carry out and answer them only after MS milliseconds."), "RULE=MS"},
+            {"short", tr("Send only the first N bytes of the reply."), "RULE=N"},
+            {"close-on", tr("Close the connection when one comes."), "RULE"},
+            {"half-close-on", tr("Close the sending side when one comes."), "RULE"},
+            {"garbage", tr("Answer every known command with noise.")},
+        }};
 }
 
 OptionSection streamFaultSection()
 {
-    return {tr("What it does wrong with streams"),
+    return {tr("Faults of streams"),
             {},
             {
                 {"drop-every", tr("Leave out a byte of every Nth packet."), "N"},
                 {"insert-every", tr("Insert stray bytes before every Nth packet."), "N"},
-                {"insert-count", tr("How many of them, 0 to 16384; 1 unless told."), "N"},
+                {"insert-count", tr("How many of them, 0 to 16384; default: 1."), "N"},
                 {"corrupt-every", tr("Invert a byte of every Nth packet."), "N"},
                 {"close-after", tr("Close the connection behind the Nth packet."), "N"},
             }};
-}
-
-/// True for a rule that says no more than one of the lists of `Faults` can.
-bool namesOnlyACommand(const Rule& rule)
-{
-    return rule.prefix.size() == mnemonicLength && rule.skip == 0 && rule.times == 0
-           && rule.deed != Deed::Reply;
-}
-
-void addToLists(Faults& lists, const Rule& rule)
-{
-    switch (rule.deed) {
-    case Deed::Refuse:
-        lists.refuse.append(rule.prefix);
-        break;
-    case Deed::Ignore:
-        lists.silent.append(rule.prefix);
-        break;
-    case Deed::Close:
-        lists.closeOn.append(rule.prefix);
-        break;
-    case Deed::HalfClose:
-        lists.halfCloseOn.append(rule.prefix);
-        break;
-    case Deed::CarryOut:
-        if (rule.shortBytes == Rule::wholeReply)
-            lists.lateMs.insert(rule.prefix, rule.lateMs);
-        else
-            lists.shortBytes.insert(rule.prefix, rule.shortBytes);
-        break;
-    case Deed::Reply:
-        break;
-    }
 }
 
 QStringList ruleOptions()
@@ -98,19 +65,6 @@ QStringList ruleOptions()
     return names;
 }
 
-QList<Rule> readRules(OptionReader& reader)
-{
-    QList<Rule> rules;
-    Faults lists;
-    for (const Rule& rule : reader.rules(ruleOptions())) {
-        if (namesOnlyACommand(rule))
-            addToLists(lists, rule);
-        else
-            rules.append(rule);
-    }
-    return rules + rulesOfLists(lists);
-}
-
 } // namespace
 
 QVector<OptionSection> faultSections()
@@ -121,7 +75,7 @@ QVector<OptionSection> faultSections()
 Faults readFaults(OptionReader& reader, const Faults& base)
 {
     Faults faults = base;
-    faults.rules = readRules(reader) + base.rules;
+    faults.rules = reader.rules(ruleOptions()) + base.rules;
     reader.flag("garbage", faults.garbageReplies);
     reader.number("drop-every", faults.dropByteEvery, 0, greatestCount);
     reader.number("insert-every", faults.insertBytesEvery, 0, greatestCount);

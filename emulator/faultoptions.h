@@ -12,9 +12,7 @@ class OptionReader;
 /// The options that make a controller misbehave.
 QVector<OptionSection> faultSections();
 
-/// `base` with the faults that are given. Their rules stand before those of `base`, in the order of
-/// the options; among them, rules that name only a command stand last, and those of one command
-/// act together.
+/// `base` with the faults that are given. Their rules stand before those of `base`.
 Faults readFaults(OptionReader& reader, const Faults& base);
 
 } // namespace emulator

@@ -87,7 +87,7 @@ void announce(const Faces& faces)
     }
 }
 
-void tellUnplayedRules(const Faces& faces)
+void reportUnplayedRules(const Faces& faces)
 {
     for (const auto& face : faces) {
         for (const QString& rule : face->controller().unplayedRules()) {
@@ -127,6 +127,6 @@ int main(int argc, char* argv[])
     announce(faces);
     const int result = QCoreApplication::exec();
     if (!line.quiet)
-        tellUnplayedRules(faces);
+        reportUnplayedRules(faces);
     return result;
 }

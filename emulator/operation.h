@@ -64,7 +64,7 @@ struct Operation
 };
 
 /// Reads the arguments of a command, of which there are `argumentLength` bytes. Of several errors
-/// the first of these is told: stage, axis, value.
+/// the first in this order is returned: stage, axis, value.
 std::variant<Request, RefusalCode> readRequest(const Operation& operation,
                                                const QByteArray& arguments);
 

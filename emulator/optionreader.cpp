@@ -1,5 +1,8 @@
 #include "emulator/optionreader.h"
 
+#include "emulator/rulelist.h"
+#include "emulator/wholenumber.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
@@ -54,13 +57,10 @@ void OptionReader::number(const QString& option, int& value, int least, int grea
 
 int OptionReader::numberIn(const QString& option, const QString& text, int least, int greatest)
 {
-    bool ok = false;
-    const int number = text.toInt(&ok);
-    if (!ok || number < least || number > greatest) {
-        complain(
-            option,
-            tr("\"%1\" is not a whole number from %2 to %3").arg(text).arg(least).arg(greatest));
-    }
+    QString error;
+    const int number = wholeNumber(text, least, greatest, error);
+    if (!error.isEmpty())
+        complain(option, error);
     return number;
 }
 
@@ -77,8 +77,8 @@ double OptionReader::decimalIn(const QString& option, const QString& text, doubl
     const double number = text.toDouble(&ok);
     const bool inRange = number >= least && number <= greatest;
     if (!ok || !inRange)
-        complain(option,
-                 tr("\"%1\" is not a number from %2 to %3").arg(text).arg(least).arg(greatest));
+        complain(option, tr("\"%1\" is not a number from %2 to %3")
+                             .arg(text, QString::number(least), QString::number(greatest)));
     return number;
 }
 
@@ -120,7 +120,7 @@ void OptionReader::seed(const QString& option, quint64& value)
     bool ok = false;
     value = text(option).toULongLong(&ok);
     if (!ok)
-        complain(option, tr("\"%1\" is not a whole number").arg(text(option)));
+        complain(option, tr("\"%1\" is not a whole number from 0").arg(text(option)));
 }
 
 void OptionReader::rate(const QString& option, double& value, double least, double greatest)
@@ -132,9 +132,7 @@ void OptionReader::rate(const QString& option, double& value, double least, doub
     const bool inRange = value >= least && value <= greatest;
     if (!ok || (!inRange && value != 0.0)) {
         complain(option, tr("\"%1\" is neither 0 nor a rate from %2 to %3")
-                             .arg(text(option))
-                             .arg(least)
-                             .arg(greatest));
+                             .arg(text(option), QString::number(least), QString::number(greatest)));
     }
 }
 
@@ -149,19 +147,17 @@ bool OptionReader::isOneOf(const QString& option, const QStringList& choices)
 
 QList<Rule> OptionReader::rules(const QStringList& options)
 {
-    QList<Rule> rules;
+    RuleList list;
     QMap<QString, int> taken;
     // One name for each time that an option is given, in that order.
     for (const QString& option : parser.optionNames()) {
         if (!options.contains(option))
             continue;
-        const ParsedRule parsed = parseRule(option, texts(option).at(taken[option]++));
-        if (parsed.rule)
-            rules.append(*parsed.rule);
-        else
-            complain(option, parsed.error);
+        const QString error = list.add(option, texts(option).at(taken[option]++));
+        if (!error.isEmpty())
+            complain(option, error);
     }
-    return rules;
+    return list.rules();
 }
 
 } // namespace emulator

@@ -31,6 +31,7 @@ public:
     void numbers(const QString& option, int& first, int& second, int least, int greatest);
     void decimals(const QString& option, double& first, double& second, double least,
                   double greatest);
+    /// A whole number from 0.
     void seed(const QString& option, quint64& value);
     /// 0, or a rate in the range.
     void rate(const QString& option, double& value, double least, double greatest);
@@ -40,7 +41,7 @@ public:
         if (isGiven(option) && isOneOf(option, choices.keys()))
             value = choices.value(text(option));
     }
-    /// The rules that these options make, in the order in which they are given.
+    /// The rules that these options make, see `RuleList`.
     QList<Rule> rules(const QStringList& options);
 
     bool isGiven(const QString& option) const;

@@ -27,24 +27,26 @@ QString tr(const char* text)
 OptionSection identitySection()
 {
     return {
-        tr("What a controller is"),
+        tr("Controller"),
         {},
         {
-            {"label", tr("Label that it has stored, up to 25 characters."), "TEXT"},
-            {"key", tr("The 11 capital letters and digits by which it is known."), "KEY"},
+            {"label", tr("Label that it has stored, up to 25 bytes."), "TEXT"},
+            {"key",
+             tr("Its key: 11 capital letters and digits, different for each "
+                "controller."),
+             "KEY"},
             {"group",
-             tr("Controllers of one group, 1 to 99, share a common detector. 0, unless told, "
-                "is no group."),
+             tr("Controllers of one group, 1 to 99, share a common detector. 0 "
+                "(default) is no group."),
              "N"},
             {"firmware",
-             tr("Firmware number, 40 unless told: 10 and below, above 10 and above 30 differ."),
-             "N"},
+             tr("Firmware number; default: 40. 10 and below, above 10 and above 30 differ."), "N"},
             {"vm", tr("Firmware of the kind VM.")},
             {"trigger", tr("Capable of packets by trigger pulses.")},
             {"trigger-rate",
-             tr("Trigger pulses per second, 0.01 to 1000, or 0 for none; 10 unless told."), "HZ"},
+             tr("Trigger pulses per second, 0.01 to 1000, or 0 for none; default: 10."), "HZ"},
             {"baud",
-             tr("Baud rate of its serial line until SBR changes it: 115200 (unless told), "
+             tr("Baud rate of its serial line until SBR changes it: 115200 (default), "
                 "460800 or 921600."),
              "RATE"},
             {"no-flow-control", tr("Its serial port has no hardware flow control.")},
@@ -55,11 +57,12 @@ void readKey(OptionReader& reader, QByteArray& key)
 {
     if (!reader.isGiven("key"))
         return;
-    static const QRegularExpression form(QStringLiteral("^[A-Z0-9]{%1}$").arg(keyLength));
+    static const QRegularExpression form(
+        QRegularExpression::anchoredPattern(QStringLiteral("[A-Z0-9]{%1}").arg(keyLength)));
     const QString text = reader.text("key");
     if (!form.match(text).hasMatch())
-        reader.complain("key",
-                        tr("\"%1\" is not %2 capital letters and digits").arg(text).arg(keyLength));
+        reader.complain("key", tr("\"%1\" is not %2 capital letters and digits")
+                                   .arg(text, QString::number(keyLength)));
     key = text.toLatin1();
 }
 
@@ -70,8 +73,9 @@ void readLabel(OptionReader& reader, QByteArray& label)
     const QString text = reader.text("label");
     label = text.toLocal8Bit();
     if (label.size() > Device::labelLength)
-        reader.complain("label",
-                        tr("\"%1\" is longer than %2 bytes").arg(text).arg(Device::labelLength));
+        reader.complain(
+            "label",
+            tr("\"%1\" is longer than %2 bytes").arg(text, QString::number(Device::labelLength)));
 }
 
 void readIdentity(OptionReader& reader, ControllerOptions& options)
@@ -92,7 +96,7 @@ void readIdentity(OptionReader& reader, ControllerOptions& options)
 
 OptionSection programSection()
 {
-    return {tr("What to do"),
+    return {tr("Program"),
             {},
             {
                 {"tcp",

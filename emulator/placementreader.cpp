@@ -5,9 +5,9 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QRegularExpression>
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
 namespace emulator {
@@ -32,21 +32,23 @@ Pieces piecesOf(const QString& text)
     return {pieces.first(), pieces.mid(1)};
 }
 
+/// An address in full and a port. An IPv6 address stands in brackets, since it has colons of its
+/// own.
 std::optional<TcpPlace> tcpPlace(const QString& text)
 {
-    const int colon = text.lastIndexOf(':');
-    QString address = text.left(colon);
-    // An IPv6 address stands in brackets, since it has colons of its own.
-    if (address.startsWith('[') && address.endsWith(']'))
-        address = address.mid(1, address.size() - 2);
+    static const QRegularExpression form(QRegularExpression::anchoredPattern(
+        QStringLiteral("(?:\\[([^\\]\\s]+)\\]|([0-9]+(?:\\.[0-9]+){3})):([0-9]+)")));
+    const QRegularExpressionMatch match = form.match(text);
+    const QString bracketed = match.captured(1);
+    const QString plain = match.captured(2);
+    const auto protocol =
+        plain.isEmpty() ? QAbstractSocket::IPv6Protocol : QAbstractSocket::IPv4Protocol;
     bool isPort = false;
-    const int port = text.mid(colon + 1).toInt(&isPort);
     TcpPlace place;
-    if (colon < 0 || !place.address.setAddress(address) || !isPort || port < 0
-        || port > std::numeric_limits<quint16>::max())
-        return std::nullopt;
-    place.port = static_cast<quint16>(port);
-    return place;
+    place.port = match.captured(3).toUShort(&isPort);
+    const bool isAddress = place.address.setAddress(plain.isEmpty() ? bracketed : plain)
+                           && place.address.protocol() == protocol;
+    return isAddress && isPort ? std::make_optional(place) : std::nullopt;
 }
 
 /// What is wrong with the form of an option, a NAME or NAME=VALUE; empty if it is right.

@@ -1,6 +1,7 @@
 #include "emulator/rule.h"
 
 #include "emulator/command.h"
+#include "emulator/wholenumber.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -13,10 +14,11 @@ namespace emulator {
 
 namespace {
 
-constexpr int greatestCount = 1000000000;
 constexpr int greatestLatenessMs = 3600000;
 /// Place of an axis in a frame: behind the mnemonic and the stage.
 constexpr int axisPlace = 4;
+/// Place of an axis in the text of arguments: behind the two digits of the stage.
+constexpr int axisTextPlace = 2;
 constexpr QLatin1String skipKey("skip=");
 constexpr QLatin1String timesKey("times=");
 
@@ -71,11 +73,12 @@ bool isAxis(QChar letter)
 QString prefixText(const QByteArray& prefix)
 {
     const QByteArray mnemonic = prefix.left(mnemonicLength);
+    const bool mayNameAxis = hasAxis(mnemonic);
     QString arguments;
     for (int place = mnemonicLength; place < prefix.size(); ++place) {
         const QChar letter = QLatin1Char(prefix[place]);
-        arguments += place == axisPlace && isAxis(letter) ? QString(letter)
-                                                          : hexDigits(prefix.mid(place, 1));
+        const bool namesAxis = mayNameAxis && place == axisPlace && isAxis(letter);
+        arguments += namesAxis ? QString(letter) : hexDigits(prefix.mid(place, 1));
     }
     const QString name = QString::fromLatin1(mnemonic);
     return arguments.isEmpty() ? name : name + ':' + arguments;
@@ -98,24 +101,32 @@ bool isHexPair(const QString& text)
     return text.size() == 2 && digits.contains(text[0]) && digits.contains(text[1]);
 }
 
-/// Bytes of pairs of hexadecimal digits and of letters of axes; nothing if the text holds others.
+/// Bytes of pairs of hexadecimal digits; nothing if the text holds others.
 std::optional<QByteArray> bytesOf(const QString& text)
 {
     QByteArray bytes;
-    int place = 0;
-    while (place < text.size()) {
+    for (int place = 0; place < text.size(); place += 2) {
         const QString pair = text.mid(place, 2);
-        if (isAxis(text[place])) {
-            bytes.append(text[place].toLatin1());
-            ++place;
-        } else if (isHexPair(pair)) {
-            bytes.append(QByteArray::fromHex(pair.toLatin1()));
-            place += pair.size();
-        } else {
+        if (!isHexPair(pair))
             return std::nullopt;
-        }
+        bytes.append(QByteArray::fromHex(pair.toLatin1()));
     }
     return bytes;
+}
+
+bool namesAxis(const QString& arguments)
+{
+    return arguments.size() > axisTextPlace && isAxis(arguments[axisTextPlace]);
+}
+
+/// The same with the axis, if it is named, in digits, too.
+QString withoutAxisLetter(QString arguments)
+{
+    if (namesAxis(arguments)) {
+        const QByteArray letter = arguments.mid(axisTextPlace, 1).toLatin1();
+        arguments.replace(axisTextPlace, 1, hexDigits(letter));
+    }
+    return arguments;
 }
 
 /// Reads the parts of one rule, and keeps the first error message.
@@ -146,12 +157,10 @@ void RuleReader::complain(const QString& text)
 
 int RuleReader::number(const QString& text, int least, int greatest)
 {
-    bool ok = false;
-    const int number = text.toInt(&ok);
-    if (!ok || number < least || number > greatest) {
-        complain(
-            tr("\"%1\" is not a whole number from %2 to %3").arg(text).arg(least).arg(greatest));
-    }
+    QString error;
+    const int number = wholeNumber(text, least, greatest, error);
+    if (!error.isEmpty())
+        complain(error);
     return number;
 }
 
@@ -178,13 +187,23 @@ void RuleReader::readPattern(const QString& text)
 {
     QStringList parts = text.split(':');
     readMnemonic(parts.takeFirst());
+    QStringList given;
+    const auto takeOnce = [&](const QString& kind) {
+        if (given.contains(kind))
+            complain(tr("\"%1\" says %2 more than once").arg(text, kind));
+        given.append(kind);
+    };
     for (const QString& part : parts) {
-        if (part.startsWith(skipKey))
+        if (part.startsWith(skipKey)) {
+            takeOnce(skipKey);
             rule.skip = number(part.mid(skipKey.size()), 0, greatestCount);
-        else if (part.startsWith(timesKey))
+        } else if (part.startsWith(timesKey)) {
+            takeOnce(timesKey);
             rule.times = number(part.mid(timesKey.size()), 1, greatestCount);
-        else
+        } else {
+            takeOnce(tr("the argument bytes"));
             readArguments(part);
+        }
     }
 }
 
@@ -197,15 +216,21 @@ void RuleReader::readMnemonic(const QString& text)
 
 void RuleReader::readArguments(const QString& text)
 {
-    const std::optional<QByteArray> bytes = bytesOf(text);
-    if (!bytes || bytes->isEmpty()) {
-        complain(tr("\"%1\" is none of bytes, as in 01x, skip=N and times=N").arg(text));
+    const QByteArray mnemonic = rule.prefix.left(mnemonicLength);
+    const QString name = QString::fromLatin1(mnemonic);
+    if (namesAxis(text) && !hasAxis(mnemonic)) {
+        complain(tr("\"%1\" names an axis, but %2 has none").arg(text, name));
         return;
     }
-    const QByteArray mnemonic = rule.prefix.left(mnemonicLength);
+    const std::optional<QByteArray> bytes = bytesOf(withoutAxisLetter(text));
+    if (!bytes || bytes->isEmpty()) {
+        complain(
+            tr("\"%1\" is neither argument bytes, as in 01x, nor skip=N nor times=N").arg(text));
+        return;
+    }
     rule.prefix += *bytes;
     if (rule.prefix.size() - mnemonicLength > argumentLength(mnemonic))
-        complain(tr("\"%1\" is more than the arguments of %2").arg(text, QString(mnemonic)));
+        complain(tr("\"%1\" is more than the arguments of %2").arg(text, name));
 }
 
 void RuleReader::readExtra(Extra extra, const QString& text)

@@ -12,8 +12,9 @@ enum class Deed {
     CarryOut,  ///< What the command says, as without a rule.
     Refuse,    ///< Answers 0x01 ';'. The command has no effect.
     Ignore,    ///< No answer and no effect.
-    Close,     ///< Closes the link. No answer and no effect.
-    HalfClose, ///< As `Close`, but only the controller's side of the link is closed.
+    Close,     ///< Closes the link. No answer and no effect, also of commands that came with it.
+    HalfClose, ///< As `Close`, but only the controller's side of the link is closed. A host that
+               ///< goes on sending is obeyed, but not answered.
     Reply,     ///< Answers the bytes of the rule. The command has no effect.
 };
 
@@ -43,8 +44,8 @@ struct Rule
 
 bool operator==(const Rule& left, const Rule& right);
 
-/// A rule that is being written, in one line: `on("SPF\1").after(2).times(1).refuse()`. What is not
-/// told is as in a `Rule` that was just made: `on("GSF").late(500)` carries out every GSF late.
+/// A rule that is being written, in one line: `on("SPF\1").after(2).times(1).refuse()`. All
+/// else is as in a `Rule` that was just made: `on("GSF").late(500)` carries out every GSF late.
 class RuleDraft final
 {
 public:
@@ -75,7 +76,7 @@ private:
 RuleDraft on(const QByteArray& prefix);
 
 /// The rule as the option that makes it, such as "refuse SPF:01" or "late SAI:01x:times=1=500". A
-/// rule that several options make is the list of them: "refuse SEA, late SEA=500".
+/// rule that several options make is the list of them: "refuse SEA, late SEA=500"; see `RuleList`.
 QString describe(const Rule& rule);
 
 struct ParsedRule
@@ -88,10 +89,9 @@ struct ParsedRule
 
 /// Reads a rule from an option and its value. The option is one of refuse, silent, close-on,
 /// half-close-on, reply, late and short. The value is MNEMONIC[:ARGS][:skip=N][:times=N], where
-/// ARGS are pairs of hexadecimal digits, or the letter x or y for the byte of an axis. Behind it
-/// stands
-/// "=" and, for reply, its bytes written in the same way, for late, milliseconds, and for short,
-/// the number of bytes.
+/// ARGS are pairs of hexadecimal digits, where the letter x or y stands for the byte of an axis.
+/// Behind it stands "=" and, for reply, its bytes in hexadecimal digits, for late, milliseconds,
+/// and for short, the number of bytes.
 ParsedRule parseRule(const QString& option, const QString& value);
 
 } // namespace emulator

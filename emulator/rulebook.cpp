@@ -1,6 +1,9 @@
 #include "emulator/rulebook.h"
 
+#include "emulator/command.h"
 #include "emulator/controlleroptions.h"
+
+#include <QtGlobal>
 
 namespace emulator {
 
@@ -19,13 +22,23 @@ Deed deedOfLists(const Faults& faults, const QByteArray& mnemonic)
     return Deed::CarryOut;
 }
 
+bool isMnemonic(const QByteArray& text)
+{
+    if (text.size() == mnemonicLength)
+        return true;
+    qWarning("emulator: \"%s\" in a list of faults is no mnemonic", text.constData());
+    return false;
+}
+
+/// What stands in the lists, each once.
 QByteArrayList mnemonicsOfLists(const Faults& faults)
 {
-    QByteArrayList mnemonics = faults.closeOn + faults.halfCloseOn + faults.silent + faults.refuse
-                               + faults.lateMs.keys() + faults.shortBytes.keys();
+    const QByteArrayList mnemonics = faults.closeOn + faults.halfCloseOn + faults.silent
+                                     + faults.refuse + faults.lateMs.keys()
+                                     + faults.shortBytes.keys();
     QByteArrayList each;
     for (const QByteArray& mnemonic : mnemonics) {
-        if (!each.contains(mnemonic))
+        if (!each.contains(mnemonic) && isMnemonic(mnemonic))
             each.append(mnemonic);
     }
     return each;
@@ -46,20 +59,39 @@ void RuleBook::add(const Rule& rule)
     entries.push_back(entry);
 }
 
-std::optional<Rule> RuleBook::ruleFor(const QByteArray& frame)
+std::optional<Rule> RuleBook::takeRuleFor(const QByteArray& frame)
 {
-    for (Entry& entry : entries) {
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const Entry& entry = entries[i];
         const Rule& rule = entry.rule;
         if (!frame.startsWith(rule.prefix))
             continue;
         if (entry.skipped < rule.skip) {
-            ++entry.skipped;
+            count(i, &Entry::skipped);
         } else if (rule.times == 0 || entry.acted < rule.times) {
-            ++entry.acted;
+            count(i, &Entry::acted);
             return rule;
         }
     }
     return std::nullopt;
+}
+
+void RuleBook::count(std::size_t entry, int Entry::*counter)
+{
+    ++(entries[entry].*counter);
+    unsettled.push_back({entry, counter});
+}
+
+void RuleBook::settle()
+{
+    unsettled.clear();
+}
+
+void RuleBook::giveBack()
+{
+    for (const Step& step : unsettled)
+        --(entries[step.entry].*step.counter);
+    unsettled.clear();
 }
 
 QStringList RuleBook::unplayed() const

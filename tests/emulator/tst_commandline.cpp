@@ -46,7 +46,10 @@ private slots:
     void ownOptionsWinOverCommonOnes();
     void ownRulesStandBeforeCommonOnes();
     void rulesKeepTheOrderInWhichTheyAreGiven();
-    void rulesThatNameOnlyOneCommandActTogetherAndLast();
+    void rulesOfOneOptionPatternAreMadeTogether_data();
+    void rulesOfOneOptionPatternAreMadeTogether();
+    void twoDeedsForOnePatternAreBothNamed_data();
+    void twoDeedsForOnePatternAreBothNamed();
     void otherFaultsOfAControllerWinOverCommonOnes();
     void identityReachesTheController();
     void stagesReachTheController();
@@ -56,11 +59,16 @@ private slots:
     void detectorReachesTheController();
     void presetReachesTheController_data();
     void presetReachesTheController();
+    void wrongAddressIsNamed_data();
+    void wrongAddressIsNamed();
     void wrongValueIsNamed_data();
     void wrongValueIsNamed();
     void controllersWithoutASeedCountOn();
     void fileHoldsFurtherOptions();
     void commandLineWinsOverAFile();
+    void laterFileWinsOverAnEarlierOne();
+    void ruleOfTheCommandLineStandsBeforeThoseOfAFile();
+    void keyOfAllIsRefusedWithSeveralControllers();
     void wrongFileIsNamed();
     void wrongOptionsOfAFileAreNamedWithIt_data();
     void wrongOptionsOfAFileAreNamedWithIt();
@@ -133,9 +141,9 @@ void TestCommandLine::ownRulesStandBeforeCommonOnes()
          "GID=800", "--reply", "GSF:times=1=003b013b", "--tcp", "127.0.0.1:0"});
 
     QCOMPARE(line.text, QString());
-    const QStringList common{"reply GSF:times=1=003b013b", "refuse SPF", "late GID=800"};
+    const QStringList common{"refuse SPF", "late GID=800", "reply GSF:times=1=003b013b"};
     QCOMPARE(rulesOf(line.placements[0]),
-             QStringList({"silent SPF:02", "refuse SEA", "late GID=5"}) + common);
+             QStringList({"refuse SEA", "late GID=5", "silent SPF:02"}) + common);
     QCOMPARE(rulesOf(line.placements[1]), common);
 }
 
@@ -151,14 +159,68 @@ void TestCommandLine::rulesKeepTheOrderInWhichTheyAreGiven()
                           "late SPF:02=500"}));
 }
 
-void TestCommandLine::rulesThatNameOnlyOneCommandActTogetherAndLast()
+void TestCommandLine::rulesOfOneOptionPatternAreMadeTogether_data()
 {
-    const CommandLine line = readArguments(
-        {"--tcp", "127.0.0.1:0", "--late", "SPF=500", "--refuse", "SPF", "--silent", "SPF:01"});
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QStringList>("rules");
+
+    QTest::newRow("in the place of the first")
+        << QStringList{"--late", "SPF=500", "--silent", "SPF:01", "--refuse", "SPF"}
+        << QStringList{"refuse SPF, late SPF=500", "silent SPF:01"};
+    QTest::newRow("late and short") << QStringList{"--late", "GSF=500", "--short", "GSF=2"}
+                                    << QStringList{"short GSF=2, late GSF=500"};
+    QTest::newRow("with arguments") << QStringList{"--refuse", "SPF:01", "--late", "spf:01=500"}
+                                    << QStringList{"refuse SPF:01, late SPF:01=500"};
+    QTest::newRow("late reply") << QStringList{"--reply", "GSF=61", "--late", "GSF=500"}
+                                << QStringList{"reply GSF=61, late GSF=500"};
+    QTest::newRow("with counts") << QStringList{"--refuse", "SPF:skip=1:times=2", "--late",
+                                                "SPF:times=2:skip=1=5"}
+                                 << QStringList{
+                                        "refuse SPF:skip=1:times=2, late SPF:skip=1:times=2=5"};
+    QTest::newRow("of another count")
+        << QStringList{"--refuse", "SPF:times=2", "--late", "SPF:times=1=5"}
+        << QStringList{"refuse SPF:times=2", "late SPF:times=1=5"};
+    QTest::newRow("of another stage") << QStringList{"--refuse", "SPF:01", "--late", "SPF:02=5"}
+                                      << QStringList{"refuse SPF:01", "late SPF:02=5"};
+    QTest::newRow("one after the other")
+        << QStringList{"--reply",  "GSF:times=1=61", "--late", "GSF:times=1=5",
+                       "--silent", "GSF:times=1",    "--late", "GSF:times=1=9"}
+        << QStringList{"reply GSF:times=1=61, late GSF:times=1=5",
+                       "silent GSF:times=1, late GSF:times=1=9"};
+}
+
+void TestCommandLine::rulesOfOneOptionPatternAreMadeTogether()
+{
+    QFETCH(QStringList, arguments);
+
+    const CommandLine line = readArguments(QStringList{"--tcp", "127.0.0.1:0"} + arguments);
 
     QCOMPARE(line.text, QString());
-    QCOMPARE(rulesOf(line.placements[0]),
-             QStringList({"silent SPF:01", "refuse SPF, late SPF=500"}));
+    QTEST(rulesOf(line.placements[0]), "rules");
+}
+
+void TestCommandLine::twoDeedsForOnePatternAreBothNamed_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("message");
+
+    QTest::newRow("deeds") << QStringList{"--refuse", "GSF", "--silent", "GSF"}
+                           << "--silent: \"refuse GSF\" and \"silent GSF\" can not both act";
+    QTest::newRow("with arguments")
+        << QStringList{"--late", "SPF:01=5", "--close-on", "SPF:01", "--reply", "SPF:01=61"}
+        << "--reply: \"close-on SPF:01\" and \"reply SPF:01=61\" can not both act";
+    QTest::newRow("times") << QStringList{"--late", "GSF=5", "--refuse", "GSF", "--late", "GSF=9"}
+                           << "--late: \"late GSF=5\" and \"late GSF=9\" can not both act";
+}
+
+void TestCommandLine::twoDeedsForOnePatternAreBothNamed()
+{
+    QFETCH(QStringList, arguments);
+
+    const CommandLine line = readArguments(QStringList{"--tcp", "127.0.0.1:0"} + arguments);
+
+    QCOMPARE(line.wish, CommandLine::Wish::ShowError);
+    QTEST(line.text, "message");
 }
 
 void TestCommandLine::otherFaultsOfAControllerWinOverCommonOnes()
@@ -281,6 +343,29 @@ void TestCommandLine::presetReachesTheController()
     QTEST(line.placements[0].options.preset, "preset");
 }
 
+void TestCommandLine::wrongAddressIsNamed_data()
+{
+    QTest::addColumn<QString>("address");
+
+    for (const char* address :
+         {"::1:2000", "2001:db8::1:2000", "[127.0.0.1]:2000", "[::1:2000", "[]:2000", " [::1]:2000",
+          "[::1 ]:2000", " 127.0.0.1:2000", "127.0.0.1 :2000", "127.0. 0.1:2000", "127.0.0.1: 2000",
+          "127.0.0.1:2000\n", "127.1:2000", "2130706433:2000", "127.0.0.256:2000",
+          "127.0.0.1:", "127.0.0.1:+80", "127.0.0.1:65536", "localhost:2000"})
+        QTest::newRow(address) << address;
+}
+
+void TestCommandLine::wrongAddressIsNamed()
+{
+    QFETCH(QString, address);
+
+    const CommandLine line = readArguments({"--tcp", address});
+
+    QCOMPARE(line.wish, CommandLine::Wish::ShowError);
+    QCOMPARE(line.text, "--tcp: \"" + address
+                            + "\" is not a numeric address and a port, as in 127.0.0.1:2000");
+}
+
 void TestCommandLine::wrongValueIsNamed_data()
 {
     QTest::addColumn<QString>("option");
@@ -293,6 +378,11 @@ void TestCommandLine::wrongValueIsNamed_data()
     row("label", "abcdefghijklmnopqrstuvwxyz", "is longer than 25 bytes");
     row("key", "SHORT", "is not 11 capital letters and digits");
     row("key", "ABCDE-12345", "is not 11 capital letters and digits");
+    row("key", "PUMP1234567\n", "is not 11 capital letters and digits");
+    row("firmware", "%2", "\"%2\" is not a whole number from 0 to 999");
+    row("diameter1", "%2", "\"%2\" is not a number from 0.1 to 10000");
+    row("trigger-rate", "%3", "\"%3\" is neither 0 nor a rate from 0.01 to 1000");
+    row("seed", "-1", "\"-1\" is not a whole number from 0");
     row("group", "100", "is not a whole number from 0 to 99");
     row("detector1", "eye", "is none of ");
     row("diameter1", "0", "is not a number from 0.1 to 10000");
@@ -356,9 +446,10 @@ void TestCommandLine::wrongOptionOfAControllerIsNamedWithItsPlace_data()
                               << "--tcp 127.0.0.11:2000: firmware: a value is missing";
     QTest::newRow("needless value") << QStringList{"--tcp", "127.0.0.11:2000,vm=no"}
                                     << "--tcp 127.0.0.11:2000: vm: takes no value";
-    QTest::newRow("wrong rule") << QStringList{"--tcp", "127.0.0.11:2000,refuse=SPF:9"}
-                                << "--tcp 127.0.0.11:2000: refuse: \"9\" is none of bytes, as in "
-                                   "01x, skip=N and times=N";
+    QTest::newRow("wrong rule")
+        << QStringList{"--tcp", "127.0.0.11:2000,refuse=SPF:9"}
+        << "--tcp 127.0.0.11:2000: refuse: \"9\" is neither argument bytes, "
+           "as in 01x, nor skip=N nor times=N";
     QTest::newRow("wrong common value")
         << QStringList{"--tcp", "127.0.0.11:2000,firmware=10", "--firmware", "x"}
         << "--firmware: \"x\" is not a whole number from 0 to 999";
@@ -389,7 +480,7 @@ void TestCommandLine::fileHoldsFurtherOptions()
         QCOMPARE(int(line.placements[i].tcp->port), i + 1);
         QVERIFY(line.placements[i].options.vm);
         QCOMPARE(rulesOf(line.placements[i]),
-                 QStringList({"silent GSF:skip=1", "silent GID:skip=2", "silent GSF"}));
+                 QStringList({"silent GID:skip=2", "silent GSF", "silent GSF:skip=1"}));
     }
 }
 
@@ -402,6 +493,43 @@ void TestCommandLine::commandLineWinsOverAFile()
 
     QCOMPARE(line.text, QString());
     QCOMPARE(line.placements[0].options.firmware, 31);
+}
+
+void TestCommandLine::laterFileWinsOverAnEarlierOne()
+{
+    const QTemporaryDir folder;
+    const QString one = written(folder, "one", "--tcp 127.0.0.1:1 --firmware 10 --vm");
+    const QString two = written(folder, "two", "--firmware 31");
+
+    const CommandLine line = readArguments({"--options", one, "--options", two});
+
+    QCOMPARE(line.text, QString());
+    QCOMPARE(line.placements[0].options.firmware, 31);
+    QVERIFY(line.placements[0].options.vm);
+}
+
+void TestCommandLine::ruleOfTheCommandLineStandsBeforeThoseOfAFile()
+{
+    const QTemporaryDir folder;
+    const QString file =
+        written(folder, "file", "--tcp 127.0.0.1:1 --refuse SPF:01 --silent GSF:times=1");
+
+    const CommandLine line = readArguments({"--options", file, "--reply", "GSF:times=1=00"});
+
+    QCOMPARE(line.text, QString());
+    QCOMPARE(rulesOf(line.placements[0]),
+             QStringList({"reply GSF:times=1=00", "refuse SPF:01", "silent GSF:times=1"}));
+}
+
+void TestCommandLine::keyOfAllIsRefusedWithSeveralControllers()
+{
+    const QStringList key{"--key", "PUMP1234567"};
+
+    QCOMPARE(readArguments(key + QStringList{"--pty", "link"}).text, QString());
+    const CommandLine line = readArguments(key + QStringList{"--pty", "link", "--pty", "other"});
+
+    QCOMPARE(line.wish, CommandLine::Wish::ShowError);
+    QVERIFY2(line.text.startsWith("--key: "), qPrintable(line.text));
 }
 
 void TestCommandLine::wrongFileIsNamed()
@@ -424,6 +552,19 @@ void TestCommandLine::wrongOptionsOfAFileAreNamedWithIt_data()
                                     << "Unknown option 'nonsense'.";
     QTest::newRow("value missing at the end") << "--vm --label"
                                               << "Missing value after '--label'.";
+    QTest::newRow("stray word") << "--vm vm"
+                                << "unexpected argument \"vm\"";
+    QTest::newRow("wrong value") << "--seed 1\n--firmware x"
+                                 << "--firmware: \"x\" is not a whole number from 0 to 999";
+    QTest::newRow("open quote") << "--vm\n--label \"Pump laser"
+                                << "line 2: a double quote is not closed";
+    QTest::newRow("open quote behind a closed one") << "--label \"a\"\" b"
+                                                    << "line 1: a double quote is not closed";
+    QTest::newRow("wrong rule") << "--refuse ABC"
+                                << "--refuse: there is no command \"ABC\"";
+    QTest::newRow("wrong value of a controller")
+        << "--tcp 127.0.0.1:1,firmware=x"
+        << "--tcp 127.0.0.1:1: firmware: \"x\" is not a whole number from 0 to 999";
 }
 
 void TestCommandLine::wrongOptionsOfAFileAreNamedWithIt()
@@ -455,6 +596,8 @@ void TestCommandLine::textOfAFileBecomesArguments_data()
                               << QStringList{"--tcp", "a,label=No#5"};
     QTest::newRow("quotes") << QString("--tcp a,label=\"Pump laser\",vm --label \"b c\"")
                             << QStringList{"--tcp", "a,label=Pump laser,vm", "--label", "b c"};
+    QTest::newRow("quote in the text")
+        << QString("--label \"\"\"a\"\"\" \"\"") << QStringList{"--label", "\"a\""};
     QTest::newRow("line ends of others")
         << QString("--vm\r\n--seed 7\r\n") << QStringList{"--vm", "--seed", "7"};
 }
@@ -462,8 +605,12 @@ void TestCommandLine::textOfAFileBecomesArguments_data()
 void TestCommandLine::textOfAFileBecomesArguments()
 {
     QFETCH(QString, text);
+    QString error;
 
-    QTEST(argumentsIn(text), "arguments");
+    const std::optional<QStringList> arguments = argumentsIn(text, error);
+
+    QCOMPARE(error, QString());
+    QTEST(arguments.value_or(QStringList()), "arguments");
 }
 
 void TestCommandLine::exampleDescribesFourSystemsThatDiffer()

@@ -6,8 +6,12 @@
 #include <QThread>
 #include <QtTest>
 
+#include <functional>
+
 using namespace emulator;
 using namespace wiretools;
+
+Q_DECLARE_METATYPE(std::function<void(emulator::Controller&)>)
 
 namespace {
 
@@ -40,6 +44,11 @@ private slots:
     void lostLinkForgetsHalfACommand();
     void lateCommandIsForgottenWithTheLink();
     void ruleOfALateCommandIsForgottenWithTheLink();
+    void lateCommandThatIsForgottenDoesNotCount_data();
+    void lateCommandThatIsForgottenDoesNotCount();
+    void ruleWhoseCommandIsForgottenHasNotActed();
+    void lateCommandOutlivesNewFaults();
+    void lateCommandIsRecordedWhenItComes();
     void longStreamDoesNotFillTheLog();
 };
 
@@ -158,6 +167,95 @@ void TestController::ruleOfALateCommandIsForgottenWithTheLink()
     controller.receive("GSF;");
 
     QCOMPARE(link.writes, QByteArrayList({hex("00 3b 01 3b")}));
+}
+
+void TestController::lateCommandThatIsForgottenDoesNotCount_data()
+{
+    QTest::addColumn<std::function<void(Controller&)>>("forget");
+
+    using Forget = std::function<void(Controller&)>;
+    QTest::newRow("link closed") << Forget([](Controller& c) { c.linkClosed(); });
+    QTest::newRow("restart") << Forget([](Controller& c) { c.restart(); });
+}
+
+void TestController::lateCommandThatIsForgottenDoesNotCount()
+{
+    QFETCH(std::function<void(Controller&)>, forget);
+    constexpr int lateMs = 20;
+    KeepingLink link;
+    ControllerOptions options;
+    options.faults.rules = {on("GSF").once().late(lateMs)};
+    options.faults.refuse = {"GAS"};
+    Controller controller(options, link, nullptr);
+    controller.receive("GAS;GSF;");
+    QCOMPARE(controller.unplayedRules(), QStringList());
+
+    forget(controller);
+    QCOMPARE(controller.unplayedRules(), QStringList("late GSF:times=1=20"));
+    controller.linkOpened();
+    controller.receive("GSF;");
+
+    // This one is late in its place.
+    QCOMPARE(link.writes, QByteArrayList({refused()}));
+    QTRY_COMPARE(link.writes, QByteArrayList({refused(), hex("00 3b 01 3b")}));
+}
+
+void TestController::ruleWhoseCommandIsForgottenHasNotActed()
+{
+    constexpr int lateMs = 20;
+    KeepingLink link;
+    ControllerOptions options;
+    options.faults.rules = {on("GSF").late(lateMs)};
+    Controller controller(options, link, nullptr);
+    QSignalSpy unplayed(&controller, &Controller::ruleUnplayed);
+    controller.receive("GSF;");
+
+    controller.setIdentity({});
+
+    QCOMPARE(unplayed.size(), 1);
+    QCOMPARE(unplayed[0][0].toString(), QString("late GSF=20"));
+    QTest::qWait(3 * lateMs);
+    QCOMPARE(link.writes, QByteArrayList());
+    controller.receive("GSF;");
+    QCOMPARE(link.writes, QByteArrayList({hex("00 3b 01 3b")}));
+}
+
+void TestController::lateCommandOutlivesNewFaults()
+{
+    KeepingLink link;
+    ControllerOptions options;
+    options.faults.rules = {on("GSF").late(20).reply("late")};
+    Controller controller(options, link, nullptr);
+    QSignalSpy unplayed(&controller, &Controller::ruleUnplayed);
+    controller.receive("GSF;GSF;");
+
+    Faults faults;
+    faults.rules = {on("GSF").once().reply("new")};
+    controller.setFaults(faults);
+
+    QTRY_COMPARE(link.writes, QByteArrayList({"late", "new"}));
+    QCOMPARE(unplayed.size(), 0);
+}
+
+void TestController::lateCommandIsRecordedWhenItComes()
+{
+    constexpr int lateMs = 40;
+    constexpr qint64 nsPerMs = 1000000;
+    KeepingLink link;
+    WireLog log;
+    ControllerOptions options;
+    options.faults.rules = {on("GSF").late(lateMs)};
+    Controller controller(options, link, &log);
+
+    controller.receive("GSF;");
+    QCOMPARE(log.commands(), QByteArrayList({"GSF;"}));
+    QCOMPARE(log.events().size(), 1);
+
+    QTRY_COMPARE(log.events().size(), 2);
+    QCOMPARE(log.commands().size(), 1);
+    const qint64 waited = log.events()[1].timeNs - log.events()[0].timeNs;
+    // Timers may be early by a part of their interval, never by a tenth of it.
+    QVERIFY(waited >= lateMs * nsPerMs * 9 / 10);
 }
 
 void TestController::longStreamDoesNotFillTheLog()

@@ -391,8 +391,8 @@ void TestProgram::faultsReachTheController()
     QCOMPARE(line.wish, CommandLine::Wish::Run);
     const Faults& faults = line.placements[0].options.faults;
     QCOMPARE(described(faults.rules),
-             QStringList({"close-on SMD", "half-close-on CMD", "silent GSF", "refuse SEA",
-                          "refuse CEA", "late GID=800", "short GPF=3"}));
+             QStringList({"refuse SEA", "refuse CEA", "silent GSF", "late GID=800", "short GPF=3",
+                          "close-on SMD", "half-close-on CMD"}));
     QVERIFY(faults.garbageReplies);
     QCOMPARE(faults.dropByteEvery, 2);
     QCOMPARE(faults.insertBytesEvery, 3);

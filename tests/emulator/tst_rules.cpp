@@ -25,7 +25,7 @@ QString deedsOf(RuleBook& book, const QByteArrayList& frames)
                                        {Deed::HalfClose, 'h'}, {Deed::Reply, 'a'}};
     QString deeds;
     for (const QByteArray& frame : frames) {
-        const std::optional<Rule> rule = book.ruleFor(frame);
+        const std::optional<Rule> rule = book.takeRuleFor(frame);
         deeds += rule ? letters.value(rule->deed) : QChar('.');
     }
     return deeds;
@@ -54,9 +54,12 @@ private slots:
     void rulesOfOnePrefixActInTheirOrder_data();
     void rulesOfOnePrefixActInTheirOrder();
     void aRuleThatWasTakenFromDoesNotCount();
+    void commandThatIsGivenBackDoesNotCount();
+    void settledCommandIsNotGivenBack();
     void unplayedRulesAreThoseThatNeverActed();
     void listsOfOneMnemonicActTogether_data();
     void listsOfOneMnemonicActTogether();
+    void listEntryThatIsNoMnemonicIsSkipped();
     void ruleIsDescribedAsItsOption_data();
     void ruleIsDescribedAsItsOption();
     void textBecomesARule_data();
@@ -104,7 +107,7 @@ void TestRules::ruleMeetsItsPrefixOnly()
     QFETCH(bool, met);
     RuleBook book({on(prefix).refuse()});
 
-    QCOMPARE(book.ruleFor(frame).has_value(), met);
+    QCOMPARE(book.takeRuleFor(frame).has_value(), met);
     QCOMPARE(book.unplayed().isEmpty(), met);
 }
 
@@ -139,7 +142,7 @@ void TestRules::rulesOfOnePrefixActInTheirOrder_data()
         << QList<Rule>{on("GSF").refuse(), on("GSF").ignore()} << "rrrr";
     QTest::newRow("one after the other")
         << QList<Rule>{on("GSF").times(2).refuse(), on("GSF").once().close(),
-                         on("GSF").once().halfClose()}
+                       on("GSF").once().halfClose()}
         << "rrkh..";
     QTest::newRow("the second fills the gap")
         << QList<Rule>{on("GSF").after(2).once().refuse(), on("GSF").ignore()} << "iiriii";
@@ -165,6 +168,29 @@ void TestRules::aRuleThatWasTakenFromDoesNotCount()
 
     QCOMPARE(deedsOf(book, {setFirstPFactor, setSecondPFactor, setFirstPFactor, setFirstPFactor}),
              QStringLiteral("r.ri"));
+}
+
+void TestRules::commandThatIsGivenBackDoesNotCount()
+{
+    RuleBook book({on("GSF").after(1).once().refuse(), on("GSF").once().ignore()});
+
+    book.takeRuleFor("GSF;");
+    book.giveBack();
+
+    QCOMPARE(book.unplayed().size(), 2);
+    QCOMPARE(deedsOf(book, repeated("GSF;", 3)), QStringLiteral("ir."));
+}
+
+void TestRules::settledCommandIsNotGivenBack()
+{
+    RuleBook book({on("GSF").times(2).refuse()});
+
+    book.takeRuleFor("GSF;");
+    book.settle();
+    book.takeRuleFor("GSF;");
+    book.giveBack();
+
+    QCOMPARE(deedsOf(book, repeated("GSF;", 2)), QStringLiteral("r."));
 }
 
 void TestRules::unplayedRulesAreThoseThatNeverActed()
@@ -230,6 +256,17 @@ void TestRules::listsOfOneMnemonicActTogether()
     QCOMPARE(rulesOfLists(faults), rules);
 }
 
+void TestRules::listEntryThatIsNoMnemonicIsSkipped()
+{
+    Faults faults;
+    faults.refuse = {"SP", "GSF"};
+    faults.lateMs = {{"", 5}};
+
+    QTest::ignoreMessage(QtWarningMsg, "emulator: \"SP\" in a list of faults is no mnemonic");
+    QTest::ignoreMessage(QtWarningMsg, "emulator: \"\" in a list of faults is no mnemonic");
+    QCOMPARE(rulesOfLists(faults), QList<Rule>({on("GSF").refuse()}));
+}
+
 void TestRules::ruleIsDescribedAsItsOption_data()
 {
     QTest::addColumn<Rule>("rule");
@@ -240,6 +277,8 @@ void TestRules::ruleIsDescribedAsItsOption_data()
     QTest::newRow("axis") << Rule(on("SAI\1x").ignore()) << "silent SAI:01x";
     QTest::newRow("a value like an axis")
         << Rule(on("SAI\1y" + hex("7879")).close()) << "close-on SAI:01y7879";
+    QTest::newRow("a value like an axis where there is none")
+        << Rule(on("SPF\1x").refuse()) << "refuse SPF:0178";
     QTest::newRow("counts") << Rule(on("GSF").after(2).times(3).halfClose())
                             << "half-close-on GSF:skip=2:times=3";
     QTest::newRow("reply") << Rule(on("GSF").once().reply(hex("00 3b 01 3b")))
@@ -316,12 +355,13 @@ void TestRules::textThatIsNoRuleIsExplained_data()
     row("refuse", "", "there is no command \"\"");
     row("refuse", "SP", "there is no command \"SP\"");
     row("refuse", "ABC:01", "there is no command \"ABC\"");
-    row("refuse", "SPF:", "\"\" is none of bytes, as in 01x, skip=N and times=N");
-    row("refuse", "SPF:1", "\"1\" is none of bytes, as in 01x, skip=N and times=N");
-    row("refuse", "SPF:0g", "\"0g\" is none of bytes, as in 01x, skip=N and times=N");
-    row("refuse", "SPF:+1", "\"+1\" is none of bytes, as in 01x, skip=N and times=N");
-    row("refuse", "SPF:0 ", "\"0 \" is none of bytes, as in 01x, skip=N and times=N");
-    row("refuse", "SPF:01=5", "\"01=5\" is none of bytes, as in 01x, skip=N and times=N");
+    row("refuse", "SPF:", "\"\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SPF:1", "\"1\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SPF:0g", "\"0g\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SPF:+1", "\"+1\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SPF:0 ", "\"0 \" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SPF:01=5",
+        "\"01=5\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
     row("refuse", "SEA:0102", "\"0102\" is more than the arguments of SEA");
     row("refuse", "GSF:3b", "\"3b\" is more than the arguments of GSF");
     row("refuse", "GSF:times=0", "\"0\" is not a whole number from 1 to 1000000000");
@@ -329,8 +369,18 @@ void TestRules::textThatIsNoRuleIsExplained_data()
     row("refuse", "GSF:skip=x", "\"x\" is not a whole number from 0 to 1000000000");
     row("late", "GSF", "\"GSF\" lacks \"=\" and a number");
     row("late", "GSF=3600001", "\"3600001\" is not a whole number from 0 to 3600000");
-    row("late", "GSF:times=1", "\"times\" is none of bytes, as in 01x, skip=N and times=N");
+    row("late", "GSF:times=1",
+        "\"times\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
     row("short", "GSF=-1", "\"-1\" is not a whole number from 0 to 1000000000");
+    row("refuse", "SPF:01x", "\"01x\" names an axis, but SPF has none");
+    row("refuse", "SAI:x", "\"x\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SAI:0178x",
+        "\"0178x\" is neither argument bytes, as in 01x, nor skip=N nor times=N");
+    row("refuse", "SAI:01:02", "\"SAI:01:02\" says the argument bytes more than once");
+    row("refuse", "SAI:skip=1:01:skip=1", "\"SAI:skip=1:01:skip=1\" says skip= more than once");
+    row("late", "GSF:times=1:times=2=5", "\"GSF:times=1:times=2\" says times= more than once");
+    row("refuse", "GSF:skip=%2", "\"%2\" is not a whole number from 0 to 1000000000");
+    row("reply", "GSF=00x", "\"00x\" is not the bytes of a reply, as in 003b013b");
     row("reply", "GSF", "\"GSF\" lacks \"=\" and the bytes of the reply");
     row("reply", "GSF=", "\"\" is not the bytes of a reply, as in 003b013b");
     row("reply", "GSF=003", "\"003\" is not the bytes of a reply, as in 003b013b");

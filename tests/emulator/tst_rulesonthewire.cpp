@@ -60,6 +60,7 @@ void addPorts()
 } // namespace
 
 Q_DECLARE_METATYPE(Port)
+Q_DECLARE_METATYPE(emulator::Rule)
 
 class TestRulesOnTheWire final : public QObject
 {
@@ -80,6 +81,8 @@ private slots:
     void linkClosesOnOneStage();
     void sendingSideClosesOnOneStage_data() { addPorts(); }
     void sendingSideClosesOnOneStage();
+    void commandsBehindTheClosingOneAreDropped_data();
+    void commandsBehindTheClosingOneAreDropped();
     void aRuleActsAsOftenAsTold_data() { addPorts(); }
     void aRuleActsAsOftenAsTold();
     void rulesOfOnePrefixFollowEachOther_data() { addPorts(); }
@@ -92,6 +95,7 @@ private slots:
     void lateRefusalIsBothLateAndARefusal();
     void whatWasDecidedForALateCommandStays();
     void lateCommandKeepsItsRuleThroughAPause();
+    void lateCommandOfALostHostDoesNotCount();
     void startOfAStreamMayBeAnsweredByARule();
     void rulesOfTheOptionsStandBeforeTheLists();
     void newRulesLeaveTheListsAsTheyAre();
@@ -201,6 +205,32 @@ void TestRulesOnTheWire::sendingSideClosesOnOneStage()
     QCOMPARE(wire.controller.unplayedRules(), QStringList());
 }
 
+void TestRulesOnTheWire::commandsBehindTheClosingOneAreDropped_data()
+{
+    QTest::addColumn<Port>("port");
+    QTest::addColumn<Rule>("rule");
+
+    QTest::newRow("tcp, close") << Port::Tcp << Rule(on("GSF").close());
+    QTest::newRow("tcp, half-close") << Port::Tcp << Rule(on("GSF").halfClose());
+    QTest::newRow("pty, close") << Port::Pty << Rule(on("GSF").close());
+    QTest::newRow("pty, half-close") << Port::Pty << Rule(on("GSF").halfClose());
+}
+
+void TestRulesOnTheWire::commandsBehindTheClosingOneAreDropped()
+{
+    QFETCH(Port, port);
+    QFETCH(Rule, rule);
+    Wire wire(port);
+    wire.controller.setRules({rule});
+
+    // A host whose input has ended closes its own side.
+    QCOMPARE(wire.exchange("GSF;SEA" + hex("01 3b"), 2), QByteArray());
+
+    QTRY_VERIFY(!wire.controller.isConnected());
+    QCOMPARE(wire.controller.commands(), QByteArrayList({"GSF;"}));
+    QVERIFY(!wire.controller.stageOn(1));
+}
+
 void TestRulesOnTheWire::aRuleActsAsOftenAsTold()
 {
     QFETCH(Port, port);
@@ -296,6 +326,29 @@ void TestRulesOnTheWire::lateCommandKeepsItsRuleThroughAPause()
     wire.controller.pause(false);
 
     QCOMPARE(wire.exchange("GSF;", 8), foreignStatus + statusAtRest);
+}
+
+void TestRulesOnTheWire::lateCommandOfALostHostDoesNotCount()
+{
+    constexpr int lateMs = 300;
+    EmulatorHost host;
+    ControllerHandle controller = host.addTcp();
+    controller.setRules({on("GSF").once().late(lateMs)});
+    {
+        HostClient lost(controller);
+        lost.send("GSF;");
+        QTRY_COMPARE(controller.count("GSF"), 1);
+    }
+    QTRY_VERIFY(!controller.isConnected());
+    HostClient client(controller);
+    QElapsedTimer timer;
+
+    timer.start();
+    QCOMPARE(client.exchange("GSF;", statusAtRest.size()), statusAtRest);
+
+    // Timers may be early by a part of their interval, never by a tenth of it.
+    QVERIFY(timer.elapsed() >= lateMs * 9 / 10);
+    QCOMPARE(controller.count("GSF"), 2);
 }
 
 void TestRulesOnTheWire::startOfAStreamMayBeAnsweredByARule()
