@@ -91,15 +91,19 @@ void Application::setSensitivity(Stage stage)
         fail(What::Sensitivity, stage);
 }
 
+/// An axis that is not taken leaves the whole stage external, so the other one is set external.
 void Application::setAdjustIn(Stage stage)
 {
-    const AxisValues wanted = of(stage).adjustIn.value_or(AxisValues{externalMv, externalMv});
+    constexpr AxisValues external{externalMv, externalMv};
+    AxisValues wanted = of(stage).adjustIn.value_or(external);
     for (const BeamAxis axis : {BeamAxis::X, BeamAxis::Y}) {
         const int valueMv = axis == BeamAxis::X ? wanted.xMv : wanted.yMv;
         const QByteArray argument =
             command::stageAxisValueArgument(stage, axis, static_cast<qint16>(valueMv));
-        if (!isTaken(&Connection::setAdjustIn, argument))
-            fail(What::AdjustIn, stage, axis);
+        if (isTaken(&Connection::setAdjustIn, argument))
+            continue;
+        fail(What::AdjustIn, stage, axis);
+        wanted = external;
     }
 }
 

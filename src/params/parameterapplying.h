@@ -42,7 +42,8 @@ qint16 toMillivolts(double volts);
 
 /// Sets everything at a controller whose stream has to be stopped: P-factors, sensitivities,
 /// adjust-in, stage 1 first. A failure of stage 1's P-factor sets that of stage 2 external,
-/// whatever is wanted of it: the two have one source. All other failures stand alone. Blocks for
-/// the exchanges. Returns the failures in their order.
+/// whatever is wanted of it: the two have one source. A failure of adjust-in of x sets that of y
+/// external. All other failures stand alone. Blocks for the exchanges. Returns the failures in
+/// their order.
 std::vector<ApplyFailure> applyParameters(Connection& connection,
                                           const std::array<StageWishes, 2>& wishes);

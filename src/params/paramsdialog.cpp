@@ -1,28 +1,73 @@
 #include "params/paramsdialog.h"
 
 #include "app/logging.h"
+#include "app/switches.h"
+#include "controls/waitcursor.h"
+#include "link/commandframe.h"
 #include "link/connection.h"
+#include "link/streampause.h"
+#include "params/parameterreading.h"
+#include "params/parametersaving.h"
+#include "ui_paramsdialog.h"
+
+#include <QMessageBox>
+#include <QPointer>
+#include <QShowEvent>
+#include <QTimer>
 
 #include <algorithm>
 
-ParamsDialog::ParamsDialog(QWidget* parent)
-    : QDialog(parent)
+namespace {
+
+constexpr quint8 pFactorBySoftware = 0x01;
+/// By stage.
+constexpr std::array<quint8, 2> adjustBySoftware{0x02, 0x04};
+
+/// The firmware that lets software set the sensitivity also sends packets by triggers.
+bool isRecent(const Connection& connection)
 {
-    logMessage().debug() << "Constructing ParamsDialog";
-    setWindowTitle(tr("Parameters"));
+    return connection.firmwareVersion() > command::lastFirmwareWithoutSensitivity;
+}
+
+Source sourceOf(quint8 flags, quint8 bySoftware)
+{
+    return (flags & bySoftware) != 0 ? Source::Software : Source::External;
+}
+
+} // namespace
+
+ParamsDialog::ParamsDialog(ParamsSources sourcesOfWindow, QWidget* parent)
+    : QDialog(parent)
+    , sources(std::move(sourcesOfWindow))
+    , ui(makeForm())
+    , views{StageParametersView(stage1Widgets()), StageParametersView(stage2Widgets())}
+    , errorBox(new QMessageBox(QMessageBox::NoIcon, tr("Information"), tr("An error has occurred."),
+                               QMessageBox::Ok, this))
+{
+    setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint
+                   | Qt::WindowCloseButtonHint);
+    setWindowModality(Qt::NonModal);
+    layout()->setSizeConstraint(QLayout::SetFixedSize);
+    hideGroupControls();
+    errorBox->setObjectName(QStringLiteral("errorBox"));
+    errorBox->setDefaultButton(QMessageBox::Ok);
+    errorBox->setModal(false);
     logMessage().debug() << "Finished constructing ParamsDialog";
 }
 
-DetectorPair& ParamsDialog::addDetectors(const Connection& connection,
-                                         const ConnectionSettings& settings)
+ParamsDialog::~ParamsDialog() = default;
+
+// The registered systems.
+
+DetectorPair& ParamsDialog::addDetectors(Connection& connection, const ConnectionSettings& stored)
 {
-    systems.push_back({&connection, DetectorPair(settings)});
+    systems.push_back({&connection, DetectorPair(stored)});
     return systems.back().detectors;
 }
 
 void ParamsDialog::removeDetectors(const Connection* connection)
 {
-    if (connection == current) {
+    if (current && current->connection == connection) {
         current = nullptr;
         close();
     }
@@ -31,8 +76,16 @@ void ParamsDialog::removeDetectors(const Connection* connection)
 
 void ParamsDialog::closeIfDisconnected()
 {
-    if (current && !current->isConnected())
+    if (current && !current->connection->isConnected())
         close();
+}
+
+// Opening.
+
+void ParamsDialog::open()
+{
+    setWindowModality(Qt::NonModal);
+    show();
 }
 
 void ParamsDialog::openDialog(QString address)
@@ -47,6 +100,212 @@ void ParamsDialog::openFor(const Connection* connection)
 {
     if (isVisible())
         close();
-    if (connection)
-        current = connection;
+    const auto found = std::find_if(systems.begin(), systems.end(), [&](const System& system) {
+        return system.connection == connection;
+    });
+    if (found == systems.end())
+        return;
+    current = &*found;
+    reset();
+    open();
+    raise();
+    showState();
+    // Showing has read once already. Who did not answer then is not waited for again.
+    if (wasAnswered)
+        readAndShow();
+}
+
+void ParamsDialog::reset()
+{
+    for (StageParametersView& view : views)
+        view.reset();
+    ui->checkBoxDisplayLowRepetitionWithTriggers->setChecked(false);
+}
+
+void ParamsDialog::showState()
+{
+    const SystemState state = sources.stateOf(*current->connection);
+    const auto path = [&](Stage stage) {
+        return state.isOnCommonPath[indexOf(stage)] ? tr("Common") : tr("Subsystem");
+    };
+    ui->nameLabel->setText(state.label);
+    ui->detectorLabel1->setText(path(Stage::One));
+    ui->detectorLabel2->setText(path(Stage::Two));
+}
+
+void ParamsDialog::showEvent(QShowEvent* event)
+{
+    // The window system tells of a window that is not minimised any more. That is no opening.
+    if (!event->spontaneous()) {
+        showWhatIsOffered();
+        wasAnswered = readAndShow();
+    }
+    QDialog::showEvent(event);
+}
+
+bool ParamsDialog::offersSensitivity() const
+{
+    return switches::sensitivityTuning && current && isRecent(*current->connection);
+}
+
+void ParamsDialog::showWhatIsOffered()
+{
+    ui->label_15->setVisible(offersSensitivity());
+    for (StageParametersView& view : views)
+        view.offerSensitivity(offersSensitivity());
+    const bool offersTriggers =
+        current && isRecent(*current->connection) && current->connection->triggerCapable();
+    for (QWidget* widget : std::initializer_list<QWidget*>{
+             ui->frame, ui->frame_4, ui->checkBoxDisplayLowRepetitionWithTriggers})
+        widget->setVisible(offersTriggers);
+}
+
+// Exchanges.
+
+bool ParamsDialog::isOperable() const
+{
+    return current && current->connection->isConnected();
+}
+
+std::array<QPushButton*, 3> ParamsDialog::exchangeButtons() const
+{
+    return {ui->pushButtonSave, ui->pushButtonRefresh, ui->pushButtonApply};
+}
+
+/// No event is taken during an exchange, so the timer acts behind it, and behind the clicks that
+/// were made meanwhile.
+void ParamsDialog::lockButtons()
+{
+    const QPointer<QWidget> focused = focusWidget();
+    for (QPushButton* button : exchangeButtons())
+        button->setEnabled(false);
+    // Disabling has moved the focus on. It comes back, unless the user has moved it himself.
+    const QPointer<QWidget> movedTo = focusWidget();
+    QTimer::singleShot(0, this, [this, focused, movedTo] {
+        for (QPushButton* button : exchangeButtons())
+            button->setEnabled(true);
+        if (focused && focusWidget() == movedTo)
+            focused->setFocus();
+    });
+}
+
+void ParamsDialog::restartStream(StreamPause& pause)
+{
+    switch (pause.resume(sources.samplingRateHz())) {
+    case StreamStart::NotNeeded:
+    case StreamStart::Runs:
+        return;
+    // An empty reply counts as failure here.
+    case StreamStart::EmptyReply:
+    case StreamStart::NoReply:
+    case StreamStart::Refused:
+        emit errorStream();
+    }
+}
+
+/// There is one box, so the last failure is the one that is read.
+void ParamsDialog::tell(const QString& failure)
+{
+    errorBox->setInformativeText(failure);
+    errorBox->show();
+    errorBox->raise();
+}
+
+bool ParamsDialog::readAndShow()
+{
+    if (!isOperable())
+        return false;
+    const WaitCursor waiting;
+    lockButtons();
+    StreamPause pause(*current->connection);
+    const ParameterReading reading = readParameters(*current->connection);
+    showReading(reading);
+    restartStream(pause);
+    return reading.isAnswered;
+}
+
+void ParamsDialog::showReading(const ParameterReading& reading)
+{
+    if (!reading.unread.isEmpty()) {
+        logMessage().warning() << "Not read from" << current->connection->address()
+                               << "and shown as 0:" << reading.unread.join(QStringLiteral(", "));
+    }
+    if (reading.statusFlags)
+        showFlags(*reading.statusFlags);
+    for (const Stage stage : bothStages) {
+        StageParametersView& view = viewOf(stage);
+        const StageParameters& parameters = reading.stages[indexOf(stage)];
+        if (reading.positions)
+            view.showPosition((*reading.positions)[indexOf(stage)]);
+        view.showParameters(parameters);
+        view.showSensitivity(parameters.sensitivityMv, offersSensitivity());
+        view.showDetector(*current->detectors[indexOf(stage)]);
+    }
+    if (isRecent(*current->connection))
+        ui->checkBoxDisplayLowRepetitionWithTriggers->setChecked(current->detectors.pulsedLaser
+                                                                 != 0);
+}
+
+void ParamsDialog::showFlags(quint8 flags)
+{
+    selectPFactorSource(sourceOf(flags, pFactorBySoftware));
+    for (const Stage stage : bothStages)
+        viewOf(stage).selectAdjustSource(sourceOf(flags, adjustBySoftware[indexOf(stage)]));
+}
+
+void ParamsDialog::apply()
+{
+    if (!isOperable())
+        return;
+    const WaitCursor waiting;
+    lockButtons();
+    StreamPause pause(*current->connection);
+    const std::vector<ApplyFailure> failures = applyParameters(
+        *current->connection, {viewOf(Stage::One).wishes(), viewOf(Stage::Two).wishes()});
+    storeDetectors();
+    for (const ApplyFailure& failure : failures)
+        fallBack(failure);
+    restartStream(pause);
+}
+
+void ParamsDialog::storeDetectors()
+{
+    for (const Stage stage : bothStages)
+        viewOf(stage).storeDetector(current->detectors, stage);
+    const bool byTriggers = ui->checkBoxDisplayLowRepetitionWithTriggers->isChecked();
+    current->connection->setTriggerMode(byTriggers);
+    current->detectors.pulsedLaser = byTriggers ? 1 : 0;
+}
+
+void ParamsDialog::fallBack(const ApplyFailure& failure)
+{
+    StageParametersView& view = viewOf(failure.stage);
+    switch (failure.what) {
+    case ApplyFailure::What::PFactor:
+        selectPFactorSource(Source::External);
+        break;
+    case ApplyFailure::What::ExternalPFactor:
+        break;
+    case ApplyFailure::What::Sensitivity:
+        view.showSensitivity(0, false);
+        break;
+    case ApplyFailure::What::AdjustIn:
+        view.selectAdjustSource(Source::External);
+        break;
+    }
+    const QString message = messageOf(failure);
+    logMessage().warning() << qUtf8Printable(message);
+    tell(message);
+}
+
+void ParamsDialog::save()
+{
+    if (!isOperable())
+        return;
+    const WaitCursor waiting;
+    lockButtons();
+    StreamPause pause(*current->connection);
+    if (!saveDetectors(*current->connection, current->detectors, settings))
+        tell(tr("The settings were not saved."));
+    restartStream(pause);
 }

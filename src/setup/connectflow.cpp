@@ -1,12 +1,12 @@
 #include "setup/connectflow.h"
 
 #include "app/logging.h"
+#include "controls/waitcursor.h"
 #include "link/connection.h"
 #include "setup/colors.h"
 #include "setup/connectionregistry.h"
 #include "setup/settings.h"
 #include "setup/systemlines.h"
-#include "setup/waitcursor.h"
 
 #include <utility>
 

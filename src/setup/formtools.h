@@ -1,6 +1,6 @@
 #pragma once
 
-#include "setup/waitcursor.h"
+#include "controls/waitcursor.h"
 
 #include <QList>
 #include <QString>

@@ -1,11 +1,11 @@
 #include "setup/loadflow.h"
 
 #include "app/logging.h"
+#include "controls/waitcursor.h"
 #include "link/connection.h"
 #include "setup/connectionregistry.h"
 #include "setup/settings.h"
 #include "setup/systemlines.h"
-#include "setup/waitcursor.h"
 
 #include <QSet>
 

@@ -2,6 +2,7 @@
 
 #include "app/logging.h"
 #include "app/switches.h"
+#include "controls/waitcursor.h"
 #include "link/interfacesearch.h"
 #include "link/serialport.h"
 #include "link/tcpclient.h"
@@ -9,7 +10,6 @@
 #include "setup/connectionwidget.h"
 #include "setup/formtools.h"
 #include "setup/labelvalidator.h"
-#include "setup/waitcursor.h"
 #include "ui_settingsdialog.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "setup/systemlines.h"
 
+#include "controls/waitcursor.h"
 #include "setup/connectionwidget.h"
-#include "setup/waitcursor.h"
 
 #include <algorithm>
 

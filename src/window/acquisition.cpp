@@ -1,9 +1,9 @@
 #include "window/acquisition.h"
 
+#include "controls/waitcursor.h"
 #include "link/connection.h"
 #include "link/streampause.h"
 #include "plots/genericplot.h"
-#include "setup/waitcursor.h"
 #include "window/livesystems.h"
 #include "window/monitortoolbar.h"
 #include "window/statistics.h"

@@ -119,7 +119,10 @@ void MainWindow::createDialogs()
 {
     rescaleDialog = new RescaleDialog(this);
     rescaleTimeAxisDlg = new RescaleTimeAxisDlg(this);
-    paramsDialog = new ParamsDialog(this);
+    paramsDialog =
+        new ParamsDialog({[this](const Connection& connection) { return stateOf(connection); },
+                          [this] { return toolBar.samplingRateHz(); }},
+                         this);
     serviceDialog = new ServiceDialog(this);
     dataLoggerDialog = new DataLoggerDialog(this);
     settingsDialog = new SettingsDialog(*this, this);

@@ -26,6 +26,7 @@ class RescaleDialog;
 class RescaleTimeAxisDlg;
 class ServiceDialog;
 class SettingsDialog;
+struct SystemState;
 
 namespace Ui {
 class MainWindow;
@@ -158,6 +159,8 @@ private:
 
     void onSystemClosed(int index, const Connection* connection);
     void showSystem(const Connection* connection, bool show);
+    /// For the parameter dialog, of a registered connection.
+    SystemState stateOf(const Connection& connection) const;
     void tellLinkFailed();
     void leave();
 

@@ -1,5 +1,6 @@
 // The list of systems: what the dialogs and the slots with an address ask of it, and its end.
 
+#include "controls/waitcursor.h"
 #include "link/connection.h"
 #include "link/packet.h"
 #include "model/connectionsettings.h"
@@ -9,7 +10,6 @@
 #include "setup/colors.h"
 #include "setup/connectionoverviewdialog.h"
 #include "setup/settingsdialog.h"
-#include "setup/waitcursor.h"
 #include "window/mainwindow.h"
 
 #include <QApplication>
@@ -139,6 +139,12 @@ void MainWindow::showSystem(const Connection* connection, bool show)
     systems.show(connection, show);
     if (waits)
         waitNotice.hide();
+}
+
+SystemState MainWindow::stateOf(const Connection& connection) const
+{
+    const ConnectionStatus& status = systems.at(systems.indexOf(&connection)).status;
+    return {status.label, {status.multiplex1, status.multiplex2}};
 }
 
 void MainWindow::updateColorGraph(QString id, QColor color, int graph)

@@ -1,10 +1,10 @@
 #include "window/stabilisation.h"
 
+#include "controls/waitcursor.h"
 #include "link/connection.h"
 #include "link/packet.h"
 #include "link/replyforms.h"
 #include "link/streampause.h"
-#include "setup/waitcursor.h"
 #include "window/livesystems.h"
 #include "window/monitortoolbar.h"
 #include "window/statusflags.h"

@@ -1,13 +1,18 @@
 // The whole road: a click in the window closes the emulated controller's loop, and the window
 // shows what that does to the beam.
 
+#include "model/detector.h"
+#include "params/paramsdialog.h"
 #include "plots/genericplot.h"
 #include "plots/thermoslider.h"
+#include "support/userinput.h"
 #include "support/widgetcheck.h"
 #include "support/windowfixture.h"
 #include "window/mainwindow.h"
 
 #include <QAction>
+#include <QComboBox>
+#include <QDoubleSpinBox>
 #include <QIcon>
 #include <QLabel>
 #include <QPushButton>
@@ -39,6 +44,34 @@ bool prepare(WindowFixture& fixture)
            && fixture.type("samplesToTakeCounter", QString::number(samplesPerRun));
 }
 
+/// The mean that the window shows of an axis, "x" or "y", volts.
+double shownMean(const WindowFixture& fixture, const QString& axis)
+{
+    return fixture.statisticsText(1).section('\n' + axis + '=', 1).section(' ', 0, 0).toDouble();
+}
+
+/// Opens the parameters of the only system, with a position sensitive detector at stage 1.
+ParamsDialog* openParameters(const WindowFixture& fixture)
+{
+    auto* dialog = fixture.window().findChild<ParamsDialog*>();
+    dialog->openFor(&fixture.connection());
+    if (!QTest::qWaitForWindowExposed(dialog))
+        return nullptr;
+    dialog->findChild<QComboBox*>("comboBox_DetecType")->setCurrentIndex(PsdDetector);
+    return dialog;
+}
+
+/// Sets a field of the parameter dialog and applies.
+bool apply(const ParamsDialog& dialog, const char* field, double value)
+{
+    auto* box = dialog.findChild<QDoubleSpinBox*>(field);
+    auto* button = dialog.findChild<QPushButton*>("pushButtonApply");
+    if (!box->isEnabled() || !QTest::qWaitFor([button] { return button->isEnabled(); }))
+        return false;
+    box->setValue(value);
+    return user::click(button) && QTest::qWaitFor([button] { return button->isEnabled(); });
+}
+
 double bar(const WindowFixture& fixture, const char* name)
 {
     return fixture.find<ThermoSlider>(name)->value();
@@ -63,6 +96,8 @@ private slots:
 
     void switchingOnHoldsTheBeamAndSwitchingOffLetsItGo();
     void thePiezoBarsFollowTheLoop();
+    void lessPFactorHoldsTheBeamLess();
+    void adjustInMovesTheBeamToItsValue();
 };
 
 void TestLoop::switchingOnHoldsTheBeamAndSwitchingOffLetsItGo()
@@ -120,6 +155,41 @@ void TestLoop::thePiezoBarsFollowTheLoop()
     QSet<double> positions;
     QTRY_VERIFY((positions.insert(bar(fixture, "thermoRX1")), positions.size() > 5));
     QCOMPARE(bar(fixture, "thermoRX2"), restingX);
+}
+
+void TestLoop::lessPFactorHoldsTheBeamLess()
+{
+    WindowFixture fixture(1);
+    QVERIFY(prepare(fixture));
+    QVERIFY(fixture.click("push_Stab1"));
+    const ParamsDialog* dialog = openParameters(fixture);
+    QVERIFY(dialog);
+    QVERIFY(apply(*dialog, "doubleSpinBox_PFactor", 1.0));
+    const double strongRms = measureRms(fixture);
+    QVERIFY(apply(*dialog, "doubleSpinBox_PFactor", 0.1));
+    const double weakRms = measureRms(fixture);
+    qInfo("RMS %.4f V with a P-factor of 1 V, %.4f V with 0.1 V", strongRms, weakRms);
+    QVERIFY(strongRms > 0.0);
+    QVERIFY2(weakRms >= strongRms * 2.0, "The loop does not hear of its P-factor");
+}
+
+void TestLoop::adjustInMovesTheBeamToItsValue()
+{
+    WindowFixture fixture(1);
+    QVERIFY(prepare(fixture));
+    QVERIFY(fixture.click("push_Stab1"));
+    const ParamsDialog* dialog = openParameters(fixture);
+    QVERIFY(dialog);
+    QVERIFY(user::click(dialog->findChild<QWidget*>("radioButton_Adjust_intern")));
+    QVERIFY(apply(*dialog, "doubleSpinBox_AdjustX", 0.4));
+    QVERIFY(apply(*dialog, "doubleSpinBox_AdjustY", -0.3));
+    QVERIFY(measureRms(fixture) > 0.0);
+    const double x = shownMean(fixture, "x");
+    const double y = shownMean(fixture, "y");
+    qInfo("Mean of %.3f V and %.3f V", x, y);
+    constexpr double toleranceV = 0.02;
+    QVERIFY(qAbs(x - 0.4) <= toleranceV);
+    QVERIFY(qAbs(y + 0.3) <= toleranceV);
 }
 
 QTEST_MAIN(TestLoop)

@@ -56,6 +56,7 @@ private slots:
     void failuresAreToldAndStopNothing();
     void aFailedPFactorSetsTheOtherStageExternal_data();
     void aFailedPFactorSetsTheOtherStageExternal();
+    void aFailedAdjustOfXSetsYExternal();
     void onlySilenceFailsForAnExternalPFactor();
     void theReplyForAnExternalSensitivityIsIgnored();
     void everyFailureHasItsWords_data();
@@ -166,6 +167,17 @@ void TestParameterApplying::aFailedPFactorSetsTheOtherStageExternal()
     QVERIFY(applyParameters(link.client, bySoftware()) == failures);
     QCOMPARE(link.controller.commands().mid(0, 2),
              QByteArrayList({bytes("5350460105dc3b"), bytes("5350460200003b")}));
+}
+
+void TestParameterApplying::aFailedAdjustOfXSetsYExternal()
+{
+    EmulatedLink link;
+    QVERIFY(link.connectAndIdentify());
+    link.controller.setRules({on("SAI\1x").refuse()});
+    applyParameters(link.client, bySoftware());
+    QCOMPARE(link.controller.commands().mid(4, 3),
+             QByteArrayList({bytes("5341490178fc183b"), bytes("534149017900003b"),
+                             bytes("534149027800003b")}));
 }
 
 void TestParameterApplying::onlySilenceFailsForAnExternalPFactor()

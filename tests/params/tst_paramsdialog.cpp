@@ -1,5 +1,4 @@
-// Whose detectors the parameter dialog keeps, and on which system it stands. It has no controls, so
-// a test sees its system only by what closes it.
+// Whose detectors the parameter dialog keeps, and on which system it stands.
 
 #include "model/connectionsettings.h"
 #include "params/paramsdialog.h"
@@ -46,6 +45,8 @@ private slots:
     void unknownAddressKeepsTheSystem();
     void openingClosesAVisibleDialogFirst_data();
     void openingClosesAVisibleDialogFirst();
+    void openDialogIsNotModal();
+    void strangerIsNotOpened();
 
 private:
     enum class Link { Down, Up };
@@ -54,7 +55,8 @@ private:
     {
         /// They have to live longer than their detectors.
         std::deque<ScriptedConnection> connections;
-        ParamsDialog dialog{nullptr};
+        ParamsDialog dialog{{[](const Connection&) { return SystemState(); }, [] { return 100; }},
+                            nullptr};
     };
 
     ScriptedConnection& add(const QString& name = address, Link link = Link::Up);
@@ -83,7 +85,7 @@ bool TestParamsDialog::standsOn(const Connection& connection) const
 
 void TestParamsDialog::detectorsAreThoseOfTheStoredRecord()
 {
-    const ScriptedConnection connection;
+    ScriptedConnection connection;
     ConnectionSettings settings = settingsWithDiameter(1234.5);
     settings.pulsedLaser = true;
     const DetectorPair& detectors = dialog().addDetectors(connection, settings);
@@ -94,7 +96,7 @@ void TestParamsDialog::detectorsAreThoseOfTheStoredRecord()
 void TestParamsDialog::detectorsStayWhereTheyAreWhenOthersComeAndGo()
 {
     const Connection& before = add();
-    const ScriptedConnection watched;
+    ScriptedConnection watched;
     const DetectorPair& detectors = dialog().addDetectors(watched, settingsWithDiameter(1234.5));
     const Detector* stage = detectors[0];
     for (int i = 0; i < 100; ++i)
@@ -210,9 +212,10 @@ void TestParamsDialog::unknownAddressKeepsTheSystem()
 void TestParamsDialog::openingClosesAVisibleDialogFirst_data()
 {
     QTest::addColumn<QString>("opened");
-    QTest::newRow("same address") << address;
-    QTest::newRow("another address") << otherAddress;
-    QTest::newRow("unknown address") << QStringLiteral("ttyUSB7");
+    QTest::addColumn<bool>("isOpenBehind");
+    QTest::newRow("same address") << address << true;
+    QTest::newRow("another address") << otherAddress << true;
+    QTest::newRow("unknown address") << QStringLiteral("ttyUSB7") << false;
 }
 
 void TestParamsDialog::openingClosesAVisibleDialogFirst()
@@ -221,8 +224,24 @@ void TestParamsDialog::openingClosesAVisibleDialogFirst()
     add(address);
     add(otherAddress);
     dialog().openDialog(address);
-    dialog().show();
+    QVERIFY(dialog().isVisible());
+    const QSignalSpy closed(&dialog(), &QDialog::finished);
     dialog().openDialog(opened);
+    QCOMPARE(closed.count(), 1);
+    QTEST(dialog().isVisible(), "isOpenBehind");
+}
+
+void TestParamsDialog::openDialogIsNotModal()
+{
+    dialog().openFor(&add());
+    QVERIFY(!dialog().isModal());
+    QCOMPARE(dialog().windowModality(), Qt::NonModal);
+}
+
+void TestParamsDialog::strangerIsNotOpened()
+{
+    const ScriptedConnection stranger;
+    dialog().openFor(&stranger);
     QVERIFY(!dialog().isVisible());
 }
 

@@ -1,0 +1,40 @@
+#include "params/parametersaving.h"
+
+#include "app/logging.h"
+#include "link/connection.h"
+#include "link/identification.h"
+#include "model/connectionsettings.h"
+#include "model/detectorpair.h"
+#include "setup/settings.h"
+
+namespace {
+
+/// Whether a record, and the name of its device in the file, can be made of an identification.
+bool fitsRecord(const QString& id)
+{
+    return !deviceKey(id).isEmpty() && decltype(ConnectionSettings::id)::fits(id)
+           && decltype(ConnectionSettings::serial)::fits(deviceKey(id));
+}
+
+} // namespace
+
+bool saveDetectors(Connection& connection, const DetectorPair& detectors, Settings& settings)
+{
+    connection.getControllerId();
+    QByteArray reply;
+    connection.fetchReply(reply);
+    const ControllerIdentity identity = readIdentity(reply);
+    if (!identity.isController || !fitsRecord(identity.id)) {
+        logMessage().warning() << "Detectors not saved: the controller did not say who it is";
+        return false;
+    }
+    ConnectionSettings record;
+    record.id.set(identity.id);
+    detectors.copyTo(record);
+    // What was read for another save is not written into a file that can not be read now.
+    if (!settings.read({}))
+        settings.setList({});
+    settings.updateOrAdd(record);
+    settings.writeDetectors({});
+    return true;
+}
