@@ -108,3 +108,9 @@ set(LUMETRA_TEST_ENVIRONMENT
 function(lumetra_runs_alone)
   set_tests_properties(${ARGN} PROPERTIES RUN_SERIAL TRUE)
 endfunction()
+
+# lumetra_starts_early(<test>...)
+# For tests that take longest: begun last, one of them would be waited for alone.
+function(lumetra_starts_early)
+  set_tests_properties(${ARGN} PROPERTIES COST 100)
+endfunction()
