@@ -7,6 +7,7 @@
 #include "demo/windowhand.h"
 #include "emulator/emulatorhost.h"
 #include "link/connection.h"
+#include "params/paramsdialog.h"
 #include "plots/counter.h"
 #include "plots/genericplot.h"
 #include "setup/connectionoverviewdialog.h"
@@ -139,6 +140,14 @@ void takeDialogs(MainWindow& window, const WindowHand& hand)
         QTest::qWait(dialogMs);
     }
     hand.take(*overview, "overview");
+    const auto buttons = overview->findChildren<QWidget*>("parameterPushButton");
+    const auto shown = std::find_if(buttons.begin(), buttons.end(),
+                                    [](const QWidget* button) { return button->isVisible(); });
+    QTest::mouseClick(*shown, Qt::LeftButton);
+    auto* parameters = window.findChild<ParamsDialog*>();
+    QTest::qWait(dialogMs);
+    hand.take(*parameters, "parameters");
+    parameters->close();
     overview->close();
 
     auto* settings = window.findChild<SettingsDialog*>();
