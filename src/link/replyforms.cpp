@@ -14,6 +14,11 @@ bool isAccepted(const QByteArray& reply, int leastBytes)
     return isAccepted(reply) && reply.size() >= leastBytes;
 }
 
+bool isAcceptedByOne(const QByteArray& reply)
+{
+    return !reply.isEmpty() && reply.at(0) == '\0';
+}
+
 bool isRefused(const QByteArray& reply)
 {
     return !reply.isEmpty() && reply.at(0) == '\x01';

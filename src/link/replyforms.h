@@ -11,6 +11,8 @@ namespace command {
 bool isAccepted(const QByteArray& reply);
 /// As `isAccepted`, and at least this many bytes: what is too short for its value is no reply.
 bool isAccepted(const QByteArray& reply, int leastBytes);
+/// One byte at least, and the first one 0x00: what follows does not count.
+bool isAcceptedByOne(const QByteArray& reply);
 /// Whether a reply begins with the refusal byte 0x01.
 bool isRefused(const QByteArray& reply);
 /// More than this many bytes, whatever they are.

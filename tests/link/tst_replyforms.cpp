@@ -19,21 +19,23 @@ void TestReplyForms::acceptedAndRefusedAreTold_data()
 {
     QTest::addColumn<QByteArray>("reply");
     QTest::addColumn<bool>("accepted");
+    QTest::addColumn<bool>("acceptedByOne");
     QTest::addColumn<bool>("refused");
-    QTest::newRow("two bytes") << QByteArray("\0;", 2) << true << false;
-    QTest::newRow("payload") << QByteArray("\0;\x48;", 4) << true << false;
-    QTest::newRow("one byte") << QByteArray("\0", 1) << false << false;
-    QTest::newRow("refusal") << QByteArray("\x01;") << false << true;
-    QTest::newRow("one byte of a refusal") << QByteArray("\x01") << false << true;
-    QTest::newRow("unknown status") << QByteArray("\x02;") << false << false;
-    QTest::newRow("nothing") << QByteArray() << false << false;
-    QTest::newRow("no separator") << QByteArray("\0\0", 2) << false << false;
+    QTest::newRow("two bytes") << QByteArray("\0;", 2) << true << true << false;
+    QTest::newRow("payload") << QByteArray("\0;\x48;", 4) << true << true << false;
+    QTest::newRow("one byte") << QByteArray("\0", 1) << false << true << false;
+    QTest::newRow("refusal") << QByteArray("\x01;") << false << false << true;
+    QTest::newRow("one byte of a refusal") << QByteArray("\x01") << false << false << true;
+    QTest::newRow("unknown status") << QByteArray("\x02;") << false << false << false;
+    QTest::newRow("nothing") << QByteArray() << false << false << false;
+    QTest::newRow("no separator") << QByteArray("\0\0", 2) << false << true << false;
 }
 
 void TestReplyForms::acceptedAndRefusedAreTold()
 {
     QFETCH(QByteArray, reply);
     QTEST(command::isAccepted(reply), "accepted");
+    QTEST(command::isAcceptedByOne(reply), "acceptedByOne");
     QTEST(command::isRefused(reply), "refused");
 }
 
