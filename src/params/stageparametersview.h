@@ -4,6 +4,8 @@
 #include "params/parameterreading.h"
 #include "params/sourceradios.h"
 
+#include <QPointF>
+
 class Detector;
 class DetectorPair;
 class QComboBox;
@@ -44,10 +46,16 @@ public:
     /// if `selectsSoftware`.
     void showSensitivity(int sensitivityMv, bool selectsSoftware);
     void showPosition(const AxisValues& position);
+    /// Volts, cut to the range of the fields.
+    void showPosition(const QPointF& position);
+    /// Makes the fields of the position read only.
+    void shutPosition();
     void showDetector(const Detector& detector);
     /// Shows the row of the sensitivity. Without it the external input is selected.
     void offerSensitivity(bool offered);
 
+    /// Whether the chosen type of detector tells where the beam is.
+    bool isPositionSensitive() const;
     const SourceRadios& pFactorSource() const { return widgets.pFactorSource; }
     const SourceRadios& adjustSource() const { return widgets.adjustSource; }
     const SourceRadios& sensitivitySource() const { return widgets.sensitivitySource; }

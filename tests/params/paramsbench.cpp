@@ -11,7 +11,12 @@
 ParamsBench::ParamsBench(const emulator::ControllerOptions& options,
                          const ConnectionSettings& record)
     : link(options)
-    , dialog({[this](const Connection&) { return state; }, [] { return toolBarRateHz; }}, nullptr)
+    , dialog({[this](const Connection&) { return state; },
+              [this](const Connection&, Stage stage, bool isOnCommonPath) {
+                  state.isOnCommonPath[indexOf(stage)] = isOnCommonPath;
+              },
+              [] { return toolBarRateHz; }},
+             nullptr)
     , detectors(dialog.addDetectors(link.client, record))
 {
     state.label = QStringLiteral("Laser 1");

@@ -21,7 +21,8 @@ constexpr char apply[] = "pushButtonApply";
 /// A dialog that was never opened.
 struct NewDialog
 {
-    ParamsDialog dialog{{[](const Connection&) { return SystemState(); }, [] { return 100; }},
+    ParamsDialog dialog{{[](const Connection&) { return SystemState(); },
+                         [](const Connection&, Stage, bool) {}, [] { return 100; }},
                         nullptr};
 
     template <typename Widget>
@@ -332,7 +333,7 @@ void TestParamsForm::adjustFollowsTheType()
         QCOMPARE(isEnabled(bench, "radioButton_Adjust_extern" + stage), canAdjust);
         QVERIFY(!isEnabled(bench, "doubleSpinBox_AdjustX" + stage));
         QVERIFY(!isEnabled(bench, "doubleSpinBox_AdjustY" + stage));
-        QVERIFY(!isEnabled(bench, "pushButton_SetHold" + stage));
+        QCOMPARE(isEnabled(bench, "pushButton_SetHold" + stage), canAdjust);
     }
 }
 
@@ -447,6 +448,7 @@ void TestParamsForm::keyboardReachesEverythingInReadingOrder()
                             "doubleSpinBox_SetHoldX",
                             "doubleSpinBox_SetHoldY",
                             "doubleSpinBox_SetHoldX_2",
+                            "pushButton_SetHold_2",
                             "doubleSpinBox_SetHoldY_2",
                             "checkBoxDisplayLowRepetitionWithTriggers",
                             "pushButtonSave",
