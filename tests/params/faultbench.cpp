@@ -1,5 +1,6 @@
 #include "faultbench.h"
 
+#include "link/packet.h"
 #include "support/logcapture.h"
 
 #include <QDoubleSpinBox>
@@ -55,6 +56,12 @@ Form shownForm(const ParamsBench& bench)
     return form;
 }
 
+/// Without what the platform complains about when a box is shown.
+QStringList warningsIn(const LogCapture& log)
+{
+    return log.lines().filter(QRegularExpression("^warning: (?!This plugin does not support)"));
+}
+
 ControllerOptions onFixedPositions(ControllerOptions options)
 {
     emulator::PacketValues values{};
@@ -62,6 +69,8 @@ ControllerOptions onFixedPositions(ControllerOptions options)
     values.y1 = -1;
     values.x2 = -4000;
     values.y2 = 1000;
+    // The end of a packet is not that of a confirmed stop.
+    values.ry2 = 5000;
     options.script = {values};
     options.scriptRepeats = true;
     return options;
@@ -131,18 +140,34 @@ bool FaultBench::setUpController()
     const auto set = [&](auto setter, Stage stage, qint16 valueMv) {
         return isTaken(setter, stageValueArgument(stage, valueMv));
     };
-    return bench.link.connectAndIdentify() && adjust(Stage::One, BeamAxis::X, -1000)
-           && adjust(Stage::One, BeamAxis::Y, 250) && adjust(Stage::Two, BeamAxis::X, 3)
-           && adjust(Stage::Two, BeamAxis::Y, -4999)
+    if (!bench.link.connectAndIdentify())
+        return false;
+    bench.link.client.setTimeoutMs(patientTimeoutMs());
+    return adjust(Stage::One, BeamAxis::X, -1000) && adjust(Stage::One, BeamAxis::Y, 250)
+           && adjust(Stage::Two, BeamAxis::X, 3) && adjust(Stage::Two, BeamAxis::Y, -4999)
            && set(&Connection::setPFactor, Stage::One, 1500)
            && set(&Connection::setPFactor, Stage::Two, 290)
-           && set(&Connection::setDetectorSensitivity, Stage::One, 700)
-           && set(&Connection::setDetectorSensitivity, Stage::Two, 4000);
+           && (!hasSensitivity()
+               || (set(&Connection::setDetectorSensitivity, Stage::One, 700)
+                   && set(&Connection::setDetectorSensitivity, Stage::Two, 4000)));
+}
+
+bool FaultBench::hasSensitivity() const
+{
+    return bench.link.client.firmwareVersion() > command::lastFirmwareWithoutSensitivity;
+}
+
+/// Firmware without an end mark makes every stop as long as this.
+int FaultBench::patientTimeoutMs() const
+{
+    const bool hasEndMark = packet::hasFlags(bench.link.client.firmwareVersion());
+    return hasEndMark ? EmulatedLink::shortTimeoutMs : faultyTimeoutMs;
 }
 
 bool FaultBench::isOpen()
 {
-    return bench.open() && difference(formOfController()).isEmpty();
+    const QVector<Question> notAsked = hasSensitivity() ? QVector<Question>() : questions().mid(8);
+    return bench.open() && difference(formWithout(notAsked)).isEmpty();
 }
 
 bool FaultBench::open()
@@ -171,7 +196,7 @@ bool FaultBench::click(const QString& button)
     bench.link.controller.clearWire();
     const LogCapture log;
     const bool isClicked = bench.clickAndWait(button);
-    logged = log.lines().filter(QRegularExpression("^warning: "));
+    logged = warningsIn(log);
     return isClicked;
 }
 
@@ -180,7 +205,7 @@ bool FaultBench::clickUnder(const Rule& rule, const QString& button)
     bench.link.controller.setRules({rule});
     bench.link.client.setTimeoutMs(faultyTimeoutMs);
     const bool isClicked = click(button);
-    bench.link.client.setTimeoutMs(EmulatedLink::shortTimeoutMs);
+    bench.link.client.setTimeoutMs(patientTimeoutMs());
     return isClicked;
 }
 

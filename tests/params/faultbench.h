@@ -88,6 +88,8 @@ public:
     ParamsBench bench;
 
 private:
+    bool hasSensitivity() const;
+    int patientTimeoutMs() const;
     bool setUpController();
     bool isOpen();
 
