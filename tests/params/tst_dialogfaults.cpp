@@ -5,6 +5,7 @@
 
 #include <QtTest>
 
+using emulator::on;
 using emulator::Rule;
 
 class TestDialogFaults : public QObject
@@ -16,6 +17,8 @@ private slots:
     void questionWithoutAnAnswerIsToldAndTheOthersAreRead();
     void questionWithoutAnAnswerOnceIsReadTheNextTime_data();
     void questionWithoutAnAnswerOnceIsReadTheNextTime();
+    void acceptanceWithoutAValueIsNoAnswer_data();
+    void acceptanceWithoutAValueIsNoAnswer();
 };
 
 void TestDialogFaults::questionWithoutAnAnswerIsToldAndTheOthersAreRead_data()
@@ -57,6 +60,25 @@ void TestDialogFaults::questionWithoutAnAnswerOnceIsReadTheNextTime()
     QCOMPARE(faults.difference(FaultBench::formWithout({})), QString());
     QCOMPARE(faults.unread(), QString());
     QVERIFY(faults.isQuiet());
+    QVERIFY(faults.hasButtons());
+}
+
+void TestDialogFaults::acceptanceWithoutAValueIsNoAnswer_data()
+{
+    QTest::addColumn<Question>("question");
+    for (const Question& question : questions())
+        QTest::newRow(qPrintable(question.name)) << question;
+}
+
+/// Two bytes are handed over as a reply of any length would be, since a refusal has as many.
+void TestDialogFaults::acceptanceWithoutAValueIsNoAnswer()
+{
+    QFETCH(Question, question);
+    FaultBench faults;
+    QVERIFY(faults.open());
+    QVERIFY(faults.refreshUnder(on(question.command).cutTo(2)));
+    QCOMPARE(faults.difference(FaultBench::formWithout({question})), QString());
+    QCOMPARE(faults.unread(), question.name);
     QVERIFY(faults.hasButtons());
 }
 
