@@ -1,5 +1,6 @@
 // Common detectors in the window. Nothing in it shows one yet.
 
+#include "noticereader.h"
 #include "plots/genericplot.h"
 #include "support/scriptedconnection.h"
 #include "support/widgetcheck.h"
@@ -16,6 +17,17 @@ namespace {
 void showCommonSamples(const WindowFixture& fixture)
 {
     QVERIFY(QMetaObject::invokeMethod(&fixture.window(), "updateDataCommon", Qt::DirectConnection));
+}
+
+/// A displayed system whose controller is a script.
+ScriptedConnection& registerSystem(const WindowFixture& fixture)
+{
+    auto made = std::make_unique<ScriptedConnection>();
+    ScriptedConnection& connection = *made;
+    if (!connection.startAndWait())
+        qFatal("The thread of a connection does not start");
+    fixture.window().newConnection(std::move(made), {});
+    return connection;
 }
 
 /// What the application has no way to do.
@@ -42,6 +54,7 @@ class TestCommonDetectors final : public QObject
 private slots:
     void cleanup();
     void samplesThatWaitReachThePlots();
+    void systemThatStreamsOnIsHiddenWithoutANotice();
     void withoutACommonDetectorThePassLeavesTheStreams();
     void wishForACommonDetectorHasNoEffect();
 };
@@ -55,10 +68,7 @@ void TestCommonDetectors::samplesThatWaitReachThePlots()
 {
     WindowFixture fixture;
     QVERIFY(fixture.open());
-    auto made = std::make_unique<ScriptedConnection>();
-    ScriptedConnection& connection = *made;
-    QVERIFY(connection.startAndWait());
-    fixture.window().newConnection(std::move(made), {});
+    ScriptedConnection& connection = registerSystem(fixture);
     showCommonDetectorOf(fixture, connection);
     fixture.window().showConnection(connection.address(), false);
     QVERIFY(fixture.clickAction("startAction"));
@@ -70,6 +80,18 @@ void TestCommonDetectors::samplesThatWaitReachThePlots()
     QCOMPARE(pointsOf(fixture.positionPlot(1), 2).size(), 1);
     QCOMPARE(fixture.find<QLCDNumber>("lcd1x")->value(), 1.5);
     QVERIFY(pointsOf(fixture.pointingPlot(1), 0).isEmpty());
+}
+
+void TestCommonDetectors::systemThatStreamsOnIsHiddenWithoutANotice()
+{
+    WindowFixture fixture;
+    QVERIFY(fixture.open());
+    ScriptedConnection& connection = registerSystem(fixture);
+    showCommonDetectorOf(fixture, connection);
+    const NoticeReader reader;
+    fixture.window().showConnection(connection.address(), false);
+    QCOMPARE(reader.texts, QStringList());
+    QVERIFY(!connection.controller().mnemonics().contains("CLS"));
 }
 
 void TestCommonDetectors::withoutACommonDetectorThePassLeavesTheStreams()

@@ -5,6 +5,7 @@
 #include "window/unitchoice.h"
 
 #include <QtTest>
+#include <qwt_plot_curve.h>
 
 namespace {
 
@@ -24,6 +25,16 @@ MeasureSample sampleAt(quint64 passedMs, qint16 x1 = 1000)
     sample.rx1 = 7000;
     sample.ry2 = 8000;
     return sample;
+}
+
+/// Of all curves that the plot paints, also of those that it does not number any more.
+int pointsOnScreen(const GenericPlot& plot)
+{
+    std::size_t points = 0;
+    const QwtPlotItemList items = plot.itemList(QwtPlotItem::Rtti_PlotCurve);
+    for (const QwtPlotItem* item : items)
+        points += static_cast<const QwtPlotCurve*>(item)->dataSize();
+    return int(points);
 }
 
 } // namespace
@@ -115,6 +126,7 @@ void TestCommonSamples::hiddenOneTakesItsCurvesAlong()
     QCOMPARE(bench->plots().pointing().curveCount(), 3);
     QCOMPARE(bench->plots(2).position().curveCount(), 6);
     QCOMPARE(pointsOf(bench->plots().pointing(), 2), Points{QPointF(1.0, -2.0)});
+    QCOMPARE(pointsOnScreen(bench->plots().pointing()), 1);
 }
 
 void TestCommonSamples::everySampleIsPlotted()
