@@ -160,7 +160,9 @@ void TestCommonDetectors::startBeginsTheStreamsThatDoNotRunYet()
     ScriptedConnection& streaming = bench->addStreamingCommon();
     ScriptedConnection& both = bench->add(Link::Running);
     bench->showCommon(both);
+    const QSignalSpy failed(&bench->acquisition, &Acquisition::streamFailed);
     bench->acquisition.startOrStop();
+    QCOMPARE(failed.count(), 0);
 
     const QByteArray start("SLS\x00\x00\x01\xF4;", 8);
     QCOMPARE(idle.controller().messages(), QList<QByteArray>{start});

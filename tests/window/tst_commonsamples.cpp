@@ -2,6 +2,7 @@
 
 #include "commonbench.h"
 #include "support/replotcounter.h"
+#include "window/samplemanner.h"
 #include "window/unitchoice.h"
 
 #include <QtTest>
@@ -54,6 +55,7 @@ private slots:
     void timeCountsInWholeSeconds();
     void readoutsAreShownWhileNoSystemIsDisplayed_data();
     void readoutsAreShownWhileNoSystemIsDisplayed();
+    void singleDisplayedSystemIsReadOutBesideThem();
     void readoutsAreMeansOver21WithTwoDecimals();
     void statisticsAreInVolts();
     void firstOneBeginsNewSweepsWhileNoSystemIsDisplayed_data();
@@ -181,20 +183,30 @@ void TestCommonSamples::readoutsAreShownWhileNoSystemIsDisplayed()
     QCOMPARE(bench->bar("thermoRY2").value(), shown ? 8.0 : 0.0);
 }
 
+void TestCommonSamples::singleDisplayedSystemIsReadOutBesideThem()
+{
+    bench->addCommon();
+    QVERIFY(!mannerOfDisplayed(bench->systems).readOut);
+    bench->add();
+    QVERIFY(mannerOfDisplayed(bench->systems).readOut);
+    bench->add();
+    QVERIFY(!mannerOfDisplayed(bench->systems).readOut);
+}
+
 void TestCommonSamples::readoutsAreMeansOver21WithTwoDecimals()
 {
     ScriptedConnection& connection = bench->addCommon();
     bench->detectors[0] = DetectorPair(PsdDetector, 1, PsdDetector, 1, 0, 50.0, 50.0);
     QVERIFY(bench->detectors[0][0]->displayDecimals() != 2);
-    // The first of 22 is not in the mean.
+    // The first of 22 is not in the mean, the second one is.
     std::vector<MeasureSample> samples(22, sampleAt(0, 1000));
-    samples.front().x1 = 9000;
-    samples.back().x1 = 1500;
+    samples[0].x1 = 9000;
+    samples[1].x1 = 3130;
     bench->stages[0].showUnit({false, nullptr}, true);
     connection.storeCommonSamples(samples);
     showSamples();
-    // 21.5 V / 21 is 1.0238 V.
-    QCOMPARE(bench->forms[0].lcdX.value(), 1.02);
+    // 23.13 V / 21 is 1.1014 V.
+    QCOMPARE(bench->forms[0].lcdX.value(), 1.1);
 }
 
 void TestCommonSamples::statisticsAreInVolts()
