@@ -114,11 +114,14 @@ QString namesOf(const QVector<Question>& questions)
 void addQuestionFaults()
 {
     QTest::addColumn<Question>("question");
-    QTest::addColumn<Rule>("rule");
+    QTest::addColumn<Rule>("always");
+    QTest::addColumn<Rule>("once");
     for (const Question& question : questions()) {
-        for (const Fault& fault : faultsOf(question.command))
+        for (Fault& fault : faultsOf(question.command)) {
+            const Rule always = fault.rule;
             QTest::addRow("%s %s", qPrintable(question.name), fault.name)
-                << question << Rule(fault.rule);
+                << question << always << Rule(fault.rule.once());
+        }
     }
 }
 
