@@ -19,6 +19,11 @@ bool isAcceptedByOne(const QByteArray& reply)
     return !reply.isEmpty() && reply.at(0) == '\0';
 }
 
+bool isAcceptedByTwo(const QByteArray& reply)
+{
+    return reply.size() > 1 && reply.at(0) == '\0';
+}
+
 bool isRefused(const QByteArray& reply)
 {
     return !reply.isEmpty() && reply.at(0) == '\x01';

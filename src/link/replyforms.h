@@ -13,6 +13,8 @@ bool isAccepted(const QByteArray& reply);
 bool isAccepted(const QByteArray& reply, int leastBytes);
 /// One byte at least, and the first one 0x00: what follows does not count.
 bool isAcceptedByOne(const QByteArray& reply);
+/// More than one byte, of which the first is 0x00; nobody looks at the others.
+bool isAcceptedByTwo(const QByteArray& reply);
 /// Whether a reply begins with the refusal byte 0x01.
 bool isRefused(const QByteArray& reply);
 /// More than this many bytes, whatever they are.

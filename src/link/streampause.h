@@ -20,6 +20,13 @@ constexpr bool hasFailed(StreamStart start)
     return start == StreamStart::NoReply || start == StreamStart::Refused;
 }
 
+/// As `hasFailed`, and also after an empty reply: what speaks to one system alone rather tells once
+/// too often.
+constexpr bool isInDoubt(StreamStart start)
+{
+    return hasFailed(start) || start == StreamStart::EmptyReply;
+}
+
 /// "Stop the stream, talk, start it again": quiets a connection for an exchange and brings its
 /// stream back with the rate that it had. Without a running stream it does nothing.
 class StreamPause

@@ -2,6 +2,7 @@
 
 #include "link/connection.h"
 #include "link/replyforms.h"
+#include "params/packetpositions.h"
 
 namespace {
 
@@ -9,9 +10,6 @@ constexpr int flagsOffset = 2;
 constexpr int valueOffset = 2;
 constexpr int flagsEnd = flagsOffset + 1;
 constexpr int valueEnd = valueOffset + 2;
-/// Of x in a packet, by stage; y stands behind it.
-constexpr std::array<int, 2> positionOffsets{4, 10};
-constexpr int lastPacketByte = 24;
 
 /// Asks one question after the other and keeps account of the answers.
 class Questionnaire final
@@ -61,15 +59,16 @@ void Questionnaire::readPositions()
 {
     connection.triggerOneShot();
     const QByteArray packet = fetch();
-    if (!command::isLongerThan(packet, lastPacketByte)) {
+    if (!isPacket(packet)) {
         noteUnread(QStringLiteral("S1S"));
         return;
     }
     reading.positions.emplace();
-    for (std::size_t stage = 0; stage < bothStages.size(); ++stage) {
-        const int offset = positionOffsets[stage];
-        (*reading.positions)[stage] = {command::signedValueAt(packet.constData(), offset),
-                                       command::signedValueAt(packet.constData(), offset + 2)};
+    for (const Stage stage : bothStages) {
+        const int offset = positionOffset(stage);
+        (*reading.positions)[indexOf(stage)] = {
+            command::signedValueAt(packet.constData(), offset),
+            command::signedValueAt(packet.constData(), offset + 2)};
     }
 }
 

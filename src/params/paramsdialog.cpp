@@ -5,15 +5,15 @@
 #include "controls/waitcursor.h"
 #include "link/commandframe.h"
 #include "link/connection.h"
+#include "link/packet.h"
 #include "link/streampause.h"
+#include "params/holding.h"
 #include "params/parameterreading.h"
 #include "params/parametersaving.h"
 #include "ui_paramsdialog.h"
 
 #include <QMessageBox>
-#include <QPointer>
 #include <QShowEvent>
-#include <QTimer>
 
 #include <algorithm>
 
@@ -22,6 +22,7 @@ namespace {
 constexpr quint8 pFactorBySoftware = 0x01;
 /// By stage.
 constexpr std::array<quint8, 2> adjustBySoftware{0x02, 0x04};
+constexpr std::array<quint8, 2> stabilised{statusflag::stabilised1, statusflag::stabilised2};
 
 /// The firmware that lets software set the sensitivity also sends packets by triggers.
 bool isRecent(const Connection& connection)
@@ -41,6 +42,8 @@ ParamsDialog::ParamsDialog(ParamsSources sourcesOfWindow, QWidget* parent)
     , sources(std::move(sourcesOfWindow))
     , ui(makeForm())
     , views{StageParametersView(stage1Widgets()), StageParametersView(stage2Widgets())}
+    , buttons(*this, exchangeButtons())
+    , group(groupWidgets(), buttons, sources)
     , errorBox(new QMessageBox(QMessageBox::NoIcon, tr("Information"), tr("An error has occurred."),
                                QMessageBox::Ok, this))
 {
@@ -49,6 +52,8 @@ ParamsDialog::ParamsDialog(ParamsSources sourcesOfWindow, QWidget* parent)
     setWindowModality(Qt::NonModal);
     layout()->setSizeConstraint(QLayout::SetFixedSize);
     hideGroupControls();
+    connect(&group, &GroupControls::failed, this, &ParamsDialog::tell);
+    connect(&group, &GroupControls::streamFailed, this, &ParamsDialog::errorStream);
     errorBox->setObjectName(QStringLiteral("errorBox"));
     errorBox->setDefaultButton(QMessageBox::Ok);
     errorBox->setModal(false);
@@ -117,8 +122,12 @@ void ParamsDialog::openFor(const Connection* connection)
 
 void ParamsDialog::reset()
 {
-    for (StageParametersView& view : views)
-        view.reset();
+    for (const Stage stage : bothStages) {
+        viewOf(stage).reset();
+        viewOf(stage).showDetector(*current->detectors[indexOf(stage)]);
+        buttons.allow(holdButton(stage), false);
+    }
+    group.reset();
     ui->checkBoxDisplayLowRepetitionWithTriggers->setChecked(false);
 }
 
@@ -167,40 +176,10 @@ bool ParamsDialog::isOperable() const
     return current && current->connection->isConnected();
 }
 
-std::array<QPushButton*, 3> ParamsDialog::exchangeButtons() const
-{
-    return {ui->pushButtonSave, ui->pushButtonRefresh, ui->pushButtonApply};
-}
-
-/// No event is taken during an exchange, so the timer acts behind it, and behind the clicks that
-/// were made meanwhile.
-void ParamsDialog::lockButtons()
-{
-    const QPointer<QWidget> focused = focusWidget();
-    for (QPushButton* button : exchangeButtons())
-        button->setEnabled(false);
-    // Disabling has moved the focus on. It comes back, unless the user has moved it himself.
-    const QPointer<QWidget> movedTo = focusWidget();
-    QTimer::singleShot(0, this, [this, focused, movedTo] {
-        for (QPushButton* button : exchangeButtons())
-            button->setEnabled(true);
-        if (focused && focusWidget() == movedTo)
-            focused->setFocus();
-    });
-}
-
 void ParamsDialog::restartStream(StreamPause& pause)
 {
-    switch (pause.resume(sources.samplingRateHz())) {
-    case StreamStart::NotNeeded:
-    case StreamStart::Runs:
-        return;
-    // An empty reply counts as failure here.
-    case StreamStart::EmptyReply:
-    case StreamStart::NoReply:
-    case StreamStart::Refused:
+    if (isInDoubt(pause.resume(sources.samplingRateHz())))
         emit errorStream();
-    }
 }
 
 /// There is one box, so the last failure is the one that is read.
@@ -216,7 +195,7 @@ bool ParamsDialog::readAndShow()
     if (!isOperable())
         return false;
     const WaitCursor waiting;
-    lockButtons();
+    buttons.lock();
     StreamPause pause(*current->connection);
     const ParameterReading reading = readParameters(*current->connection);
     showReading(reading);
@@ -240,6 +219,8 @@ void ParamsDialog::showReading(const ParameterReading& reading)
         view.showParameters(parameters);
         view.showSensitivity(parameters.sensitivityMv, offersSensitivity());
         view.showDetector(*current->detectors[indexOf(stage)]);
+        if (reading.statusFlags)
+            offerHold(stage, (*reading.statusFlags & stabilised[indexOf(stage)]) != 0);
     }
     if (isRecent(*current->connection))
         ui->checkBoxDisplayLowRepetitionWithTriggers->setChecked(current->detectors.pulsedLaser
@@ -258,7 +239,7 @@ void ParamsDialog::apply()
     if (!isOperable())
         return;
     const WaitCursor waiting;
-    lockButtons();
+    buttons.lock();
     StreamPause pause(*current->connection);
     const std::vector<ApplyFailure> failures = applyParameters(
         *current->connection, {viewOf(Stage::One).wishes(), viewOf(Stage::Two).wishes()});
@@ -303,9 +284,62 @@ void ParamsDialog::save()
     if (!isOperable())
         return;
     const WaitCursor waiting;
-    lockButtons();
+    buttons.lock();
     StreamPause pause(*current->connection);
     if (!saveDetectors(*current->connection, current->detectors, settings))
         tell(tr("The settings were not saved."));
     restartStream(pause);
+}
+
+void ParamsDialog::hold(Stage stage)
+{
+    StageParametersView& view = viewOf(stage);
+    // Kept: stage 2 shuts its fields without a system, too.
+    if (current || stage == Stage::Two)
+        view.shutPosition();
+    if (!current)
+        return;
+    const WaitCursor waiting;
+    buttons.lock();
+    StreamPause pause(*current->connection);
+    const HoldResult result = holdPosition(*current->connection, stage);
+    if (result.shownPosition)
+        view.showPosition(*result.shownPosition);
+    if (result.isTaken)
+        buttons.allow(holdButton(stage), false);
+    restartStream(pause);
+    view.storeDetector(current->detectors, stage);
+    // Kept: holding stage 1 leaves it.
+    if (stage == Stage::Two)
+        current->detectors.pulsedLaser =
+            ui->checkBoxDisplayLowRepetitionWithTriggers->isChecked() ? 1 : 0;
+    readAndShow();
+}
+
+void ParamsDialog::offerHold(Stage stage, bool isStabilised)
+{
+    buttons.allow(holdButton(stage), viewOf(stage).isPositionSensitive() && !isStabilised);
+}
+
+// The common detector of a group.
+
+void ParamsDialog::lockStage(Stage stage)
+{
+    if (current)
+        group.lockStage(*current->connection, stage);
+}
+
+GroupControls::Systems ParamsDialog::connections() const
+{
+    GroupControls::Systems all;
+    for (const System& system : systems)
+        all.push_back(system.connection);
+    return all;
+}
+
+std::size_t ParamsDialog::currentPlace() const
+{
+    const auto found = std::find_if(systems.begin(), systems.end(),
+                                    [this](const System& system) { return &system == current; });
+    return std::size_t(std::distance(systems.begin(), found));
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "controls/exchangebuttons.h"
 #include "model/detectorpair.h"
+#include "params/groupcontrols.h"
 #include "params/parameterapplying.h"
 #include "params/stageparametersview.h"
 #include "params/systemstate.h"
@@ -68,6 +70,13 @@ private slots:
     void on_pushButtonApply_clicked();
     void on_pushButtonCloseParams_clicked();
 
+    void on_pushButton_SetHold_clicked();
+    void on_pushButton_SetHold_2_clicked();
+    void on_stabPushButton_clicked();
+    void on_stab2PushButton_clicked();
+    void on_lockSubsystemButton_clicked();
+    void on_alignPushButton_clicked();
+
     void on_comboBox_DetecType_currentIndexChanged(int index);
     void on_comboBox_DetecType_2_currentIndexChanged(int index);
     void on_radioButtonPositionInVolt_clicked();
@@ -97,13 +106,16 @@ private:
     std::unique_ptr<Ui::ParamsDialog> makeForm();
     StageParametersView::Widgets stage1Widgets() const;
     StageParametersView::Widgets stage2Widgets() const;
+    GroupControls::Widgets groupWidgets() const;
+    std::vector<QPushButton*> exchangeButtons() const;
+    QPushButton& holdButton(Stage stage) const;
     void hideGroupControls();
     StageParametersView& viewOf(Stage stage) { return views[indexOf(stage)]; }
 
     /// Whether there is a controller to talk to.
     bool isOperable() const;
-    std::array<QPushButton*, 3> exchangeButtons() const;
-    void lockButtons();
+    GroupControls::Systems connections() const;
+    std::size_t currentPlace() const;
     void restartStream(StreamPause& pause);
     void tell(const QString& failure);
 
@@ -119,6 +131,10 @@ private:
     void storeDetectors();
     void fallBack(const ApplyFailure& failure);
     void save();
+    void hold(Stage stage);
+    /// A stage holds only where its detector tells the position and its stabilisation is off.
+    void offerHold(Stage stage, bool isStabilised);
+    void lockStage(Stage stage);
 
     void onTypeChanged(Stage stage);
     void onPFactorClicked(Stage stage, Source clicked);
@@ -137,6 +153,8 @@ private:
 
     std::unique_ptr<Ui::ParamsDialog> ui;
     std::array<StageParametersView, 2> views;
+    ExchangeButtons buttons;
+    GroupControls group;
     Settings settings;
     QMessageBox* errorBox;
 };

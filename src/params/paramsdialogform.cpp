@@ -47,6 +47,26 @@ StageParametersView::Widgets ParamsDialog::stage2Widgets() const
             *ui->doubleSpinBox_SetHoldY_2};
 }
 
+std::vector<QPushButton*> ParamsDialog::exchangeButtons() const
+{
+    return {ui->pushButtonSave,     ui->pushButtonRefresh,    ui->pushButtonApply,
+            ui->pushButton_SetHold, ui->pushButton_SetHold_2, ui->stabPushButton,
+            ui->stab2PushButton,    ui->alignPushButton,      ui->lockSubsystemButton};
+}
+
+QPushButton& ParamsDialog::holdButton(Stage stage) const
+{
+    return stage == Stage::One ? *ui->pushButton_SetHold : *ui->pushButton_SetHold_2;
+}
+
+GroupControls::Widgets ParamsDialog::groupWidgets() const
+{
+    return {*ui->partnerLabel,
+            *ui->alignPushButton,
+            *ui->lockSubsystemButton,
+            {ui->stabPushButton, ui->stab2PushButton}};
+}
+
 /// Nothing shows them in this version.
 void ParamsDialog::hideGroupControls()
 {
@@ -70,10 +90,12 @@ void ParamsDialog::selectPFactorSource(Source source)
 
 void ParamsDialog::onTypeChanged(Stage stage)
 {
-    if (current)
-        viewOf(stage).onDetectorChanged();
-    else
+    if (!current) {
         viewOf(stage).clearType();
+        return;
+    }
+    viewOf(stage).onDetectorChanged();
+    offerHold(stage, sources.stateOf(*current->connection).isStabilised[indexOf(stage)]);
 }
 
 void ParamsDialog::onPFactorClicked(Stage stage, Source clicked)
@@ -111,6 +133,38 @@ void ParamsDialog::on_pushButtonApply_clicked()
 void ParamsDialog::on_pushButtonCloseParams_clicked()
 {
     close();
+}
+
+void ParamsDialog::on_pushButton_SetHold_clicked()
+{
+    hold(Stage::One);
+}
+
+void ParamsDialog::on_pushButton_SetHold_2_clicked()
+{
+    hold(Stage::Two);
+}
+
+void ParamsDialog::on_stabPushButton_clicked()
+{
+    lockStage(Stage::One);
+}
+
+void ParamsDialog::on_stab2PushButton_clicked()
+{
+    lockStage(Stage::Two);
+}
+
+void ParamsDialog::on_lockSubsystemButton_clicked()
+{
+    if (current)
+        group.lockPartner(connections(), currentPlace());
+}
+
+void ParamsDialog::on_alignPushButton_clicked()
+{
+    if (current)
+        group.applyPositions(connections(), currentPlace());
 }
 
 void ParamsDialog::on_comboBox_DetecType_currentIndexChanged(int)

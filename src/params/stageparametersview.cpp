@@ -38,6 +38,8 @@ StageParametersView::StageParametersView(const Widgets& shown)
 void StageParametersView::reset()
 {
     showParameters({});
+    showPosition(AxisValues{});
+    showSensitivity(0, false);
     selectPFactorSource(Source::External);
     selectAdjustSource(Source::External);
 }
@@ -64,8 +66,24 @@ void StageParametersView::showSensitivity(int sensitivityMv, bool selectsSoftwar
 
 void StageParametersView::showPosition(const AxisValues& position)
 {
-    widgets.positionX.setValue(position.xMv * voltsPerMillivolt);
-    widgets.positionY.setValue(position.yMv * voltsPerMillivolt);
+    showPosition(QPointF(position.xMv, position.yMv) * voltsPerMillivolt);
+}
+
+void StageParametersView::showPosition(const QPointF& position)
+{
+    widgets.positionX.setValue(position.x());
+    widgets.positionY.setValue(position.y());
+}
+
+void StageParametersView::shutPosition()
+{
+    widgets.positionX.setReadOnly(true);
+    widgets.positionY.setReadOnly(true);
+}
+
+bool StageParametersView::isPositionSensitive() const
+{
+    return isPsdType(widgets.type.currentIndex());
 }
 
 void StageParametersView::showDetector(const Detector& detector)
@@ -139,8 +157,7 @@ StageWishes StageParametersView::wishes()
         wishes.pFactorMv = toMillivolts(valueOf(widgets.pFactor));
     if (widgets.sensitivitySource.selected() == Source::Software)
         wishes.sensitivityMv = toMillivolts(valueOf(widgets.sensitivity));
-    const bool canAdjust = isPsdType(widgets.type.currentIndex());
-    if (canAdjust && widgets.adjustSource.selected() == Source::Software)
+    if (isPositionSensitive() && widgets.adjustSource.selected() == Source::Software)
         wishes.adjustIn = AxisValues{toMillivolts(valueOf(widgets.adjustX)),
                                      toMillivolts(valueOf(widgets.adjustY))};
     return wishes;

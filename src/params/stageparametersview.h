@@ -4,6 +4,8 @@
 #include "params/parameterreading.h"
 #include "params/sourceradios.h"
 
+#include <QPointF>
+
 class Detector;
 class DetectorPair;
 class QComboBox;
@@ -35,8 +37,8 @@ public:
     /// Fills the list of types.
     explicit StageParametersView(const Widgets& shown);
 
-    /// Forgets the values of the system before: zero everywhere, all from the external inputs. The
-    /// type and what belongs to it stay until `showDetector`.
+    /// Forgets the values of the system before: zero everywhere, all from the external inputs.
+    /// `showDetector` brings the detector of the one that follows.
     void reset();
 
     void showParameters(const StageParameters& parameters);
@@ -44,10 +46,16 @@ public:
     /// if `selectsSoftware`.
     void showSensitivity(int sensitivityMv, bool selectsSoftware);
     void showPosition(const AxisValues& position);
+    /// Volts, cut to the range of the fields.
+    void showPosition(const QPointF& position);
+    /// Makes the fields of the position read only.
+    void shutPosition();
     void showDetector(const Detector& detector);
     /// Shows the row of the sensitivity. Without it the external input is selected.
     void offerSensitivity(bool offered);
 
+    /// Whether the chosen type of detector tells where the beam is.
+    bool isPositionSensitive() const;
     const SourceRadios& pFactorSource() const { return widgets.pFactorSource; }
     const SourceRadios& adjustSource() const { return widgets.adjustSource; }
     const SourceRadios& sensitivitySource() const { return widgets.sensitivitySource; }

@@ -23,6 +23,7 @@ ConnectionStatus initialStatus(Connection& connection, const ConnectionSettings&
     status.address = connection.address();
     status.label = connection.label();
     status.statusValid = connection.isConnected();
+    status.groupId = settings.group;
     status.colorX = toColor(settings.colorX);
     status.colorY = toColor(settings.colorY);
     status.colorI = toColor(settings.colorI);
@@ -305,6 +306,15 @@ void LiveSystems::setGroup(const Connection* connection, int group)
     const int index = indexOf(connection);
     if (index >= 0)
         at(index).status.groupId = group;
+}
+
+void LiveSystems::noteCommonPath(const Connection* connection, Stage stage, bool isOnCommonPath)
+{
+    const int index = indexOf(connection);
+    if (index < 0)
+        return;
+    ConnectionStatus& status = at(index).status;
+    (stage == Stage::One ? status.multiplex1 : status.multiplex2) = isOnCommonPath;
 }
 
 void LiveSystems::relabel(const Connection* connection, const QString& label)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/stage.h"
 #include "setup/connectionregistry.h"
 #include "setup/graph.h"
 #include "window/livesystem.h"
@@ -81,6 +82,8 @@ public:
     /// Sets the colour of a curve. What is no `Graph` does nothing.
     void setColor(const Connection* connection, const QColor& color, Graph graph);
     void setGroup(const Connection* connection, int group);
+    /// Notes whether a stage measures with the common detector of its group.
+    void noteCommonPath(const Connection* connection, Stage stage, bool isOnCommonPath);
     /// Renames a system, at its controller, too.
     void relabel(const Connection* connection, const QString& label);
 

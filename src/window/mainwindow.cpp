@@ -122,6 +122,9 @@ void MainWindow::createDialogs()
     rescaleTimeAxisDlg = new RescaleTimeAxisDlg(this);
     paramsDialog =
         new ParamsDialog({[this](const Connection& connection) { return stateOf(connection); },
+                          [this](const Connection& connection, Stage stage, bool isOnCommonPath) {
+                              systems.noteCommonPath(&connection, stage, isOnCommonPath);
+                          },
                           [this] { return toolBar.samplingRateHz(); }},
                          this);
     serviceDialog = new ServiceDialog(this);

@@ -151,7 +151,11 @@ void MainWindow::showSystem(const Connection* connection, bool show)
 SystemState MainWindow::stateOf(const Connection& connection) const
 {
     const ConnectionStatus& status = systems.at(systems.indexOf(&connection)).status;
-    return {status.label, {status.multiplex1, status.multiplex2}};
+    return {status.label,
+            status.statusValid,
+            {status.stabilised1, status.stabilised2},
+            {status.multiplex1, status.multiplex2},
+            status.groupId};
 }
 
 void MainWindow::updateColorGraph(QString id, QColor color, int graph)

@@ -15,6 +15,7 @@
 #include <QDoubleSpinBox>
 #include <QIcon>
 #include <QLabel>
+#include <QLineF>
 #include <QPushButton>
 #include <QtTest>
 
@@ -98,6 +99,7 @@ private slots:
     void thePiezoBarsFollowTheLoop();
     void lessPFactorHoldsTheBeamLess();
     void adjustInMovesTheBeamToItsValue();
+    void setHoldsTheBeamWhereItWas();
 };
 
 void TestLoop::switchingOnHoldsTheBeamAndSwitchingOffLetsItGo()
@@ -190,6 +192,35 @@ void TestLoop::adjustInMovesTheBeamToItsValue()
     constexpr double toleranceV = 0.02;
     QVERIFY(qAbs(x - 0.4) <= toleranceV);
     QVERIFY(qAbs(y + 0.3) <= toleranceV);
+}
+
+void TestLoop::setHoldsTheBeamWhereItWas()
+{
+    emulator::ControllerOptions options;
+    options.stages[0].offsetXUm = 40.0;
+    options.stages[0].offsetYUm = -25.0;
+    WindowFixture fixture(1, options);
+    QVERIFY(prepare(fixture));
+    const double freeRms = measureRms(fixture);
+    const QPointF before(shownMean(fixture, "x"), shownMean(fixture, "y"));
+    const ParamsDialog* dialog = openParameters(fixture);
+    QVERIFY(dialog);
+    auto* set = dialog->findChild<QPushButton*>("pushButton_SetHold");
+    QTRY_VERIFY(set->isEnabled());
+    QVERIFY(user::click(set));
+    QTRY_VERIFY(dialog->findChild<QPushButton*>("pushButtonApply")->isEnabled());
+    const double heldRms = measureRms(fixture);
+    const QPointF behind(shownMean(fixture, "x"), shownMean(fixture, "y"));
+    qInfo("RMS %.4f V at %.3f V, %.3f V; held %.4f V at %.3f V, %.3f V", freeRms, before.x(),
+          before.y(), heldRms, behind.x(), behind.y());
+    // Far from the target that adjust-in gives, which is the centre.
+    constexpr double offCentreV = 1.0;
+    QVERIFY(qAbs(before.x()) > offCentreV && qAbs(before.y()) > offCentreV);
+    // It is held where it was at one moment of its free walk, whose RMS is a tenth of a volt.
+    constexpr double toleranceV = 0.5;
+    QVERIFY(QLineF(before, behind).length() <= toleranceV);
+    QVERIFY2(heldRms > 0.0 && heldRms * 5.0 <= freeRms, "The beam does not come to rest");
+    QCOMPARE(fixture.find<QLabel>("label_ActiveText")->text(), QString("Active"));
 }
 
 QTEST_MAIN(TestLoop)

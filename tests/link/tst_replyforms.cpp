@@ -11,6 +11,8 @@ private slots:
     void acceptedAndRefusedAreTold();
     void aReplyThatIsTooShortForItsValueIsNone_data();
     void aReplyThatIsTooShortForItsValueIsNone();
+    void ofTwoBytesOnlyTheFirstCounts_data();
+    void ofTwoBytesOnlyTheFirstCounts();
     void lengthCountsWhateverTheBytesAre_data();
     void lengthCountsWhateverTheBytesAre();
 };
@@ -55,6 +57,23 @@ void TestReplyForms::aReplyThatIsTooShortForItsValueIsNone()
     QFETCH(QByteArray, reply);
     constexpr int valueEnd = 4;
     QTEST(command::isAccepted(reply, valueEnd), "isReply");
+}
+
+void TestReplyForms::ofTwoBytesOnlyTheFirstCounts_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<bool>("accepted");
+    QTest::newRow("accepted") << QByteArray("\0;", 2) << true;
+    QTest::newRow("another second byte") << QByteArray("\0x", 2) << true;
+    QTest::newRow("one byte") << QByteArray("\0", 1) << false;
+    QTest::newRow("refused") << QByteArray("\x01;") << false;
+    QTest::newRow("nothing") << QByteArray() << false;
+}
+
+void TestReplyForms::ofTwoBytesOnlyTheFirstCounts()
+{
+    QFETCH(QByteArray, reply);
+    QTEST(command::isAcceptedByTwo(reply), "accepted");
 }
 
 void TestReplyForms::lengthCountsWhateverTheBytesAre_data()

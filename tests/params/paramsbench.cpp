@@ -11,7 +11,12 @@
 ParamsBench::ParamsBench(const emulator::ControllerOptions& options,
                          const ConnectionSettings& record)
     : link(options)
-    , dialog({[this](const Connection&) { return state; }, [] { return toolBarRateHz; }}, nullptr)
+    , dialog({[this](const Connection&) { return state; },
+              [this](const Connection&, Stage stage, bool isOnCommonPath) {
+                  state.isOnCommonPath[indexOf(stage)] = isOnCommonPath;
+              },
+              [] { return toolBarRateHz; }},
+             nullptr)
     , detectors(dialog.addDetectors(link.client, record))
 {
     state.label = QStringLiteral("Laser 1");
@@ -26,9 +31,9 @@ bool ParamsBench::open()
     dialog.openFor(&link.client);
     QApplication::setActiveWindow(&dialog);
     const bool isShown = QTest::qWaitForWindowExposed(&dialog);
-    QCoreApplication::processEvents();
     link.controller.clearWire();
-    return isShown && find<QPushButton>("pushButtonApply").isEnabled();
+    return isShown
+           && QTest::qWaitFor([&] { return find<QPushButton>("pushButtonApply").isEnabled(); });
 }
 
 bool ParamsBench::openStreaming(int rateHz)

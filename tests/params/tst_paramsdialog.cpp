@@ -55,7 +55,8 @@ private:
     {
         /// They have to live longer than their detectors.
         std::deque<ScriptedConnection> connections;
-        ParamsDialog dialog{{[](const Connection&) { return SystemState(); }, [] { return 100; }},
+        ParamsDialog dialog{{[](const Connection&) { return SystemState(); },
+                             [](const Connection&, Stage, bool) {}, [] { return 100; }},
                             nullptr};
     };
 

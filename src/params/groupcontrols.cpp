@@ -1,0 +1,104 @@
+#include "params/groupcontrols.h"
+
+#include "controls/exchangebuttons.h"
+#include "controls/waitcursor.h"
+#include "link/connection.h"
+#include "link/streampause.h"
+#include "params/grouping.h"
+
+#include <QLabel>
+#include <QPushButton>
+
+GroupControls::GroupControls(const Widgets& shown, ExchangeButtons& exchangeButtons,
+                             const ParamsSources& window)
+    : widgets(shown)
+    , buttons(exchangeButtons)
+    , sources(window)
+{}
+
+void GroupControls::reset()
+{
+    widgets.partner.clear();
+    for (QPushButton* button :
+         {&widgets.align, &widgets.lockPartner, widgets.lockStage[0], widgets.lockStage[1]})
+        buttons.allow(*button, true);
+}
+
+void GroupControls::restart(StreamPause& pause)
+{
+    if (isInDoubt(pause.resume(sources.samplingRateHz())))
+        emit streamFailed();
+}
+
+void GroupControls::noteLocked(const Connection& connection, Stage stage, bool isOff,
+                               QPushButton& button)
+{
+    sources.noteCommonPath(connection, stage, !isOff);
+    if (isOff)
+        buttons.allow(button, false);
+}
+
+void GroupControls::lockStage(Connection& connection, Stage stage)
+{
+    const WaitCursor waiting;
+    buttons.lock();
+    QPushButton& button = *widgets.lockStage[indexOf(stage)];
+    if (!sources.stateOf(connection).isOnCommonPath[indexOf(stage)])
+        buttons.allow(button, false);
+    StreamPause pause(connection);
+    noteLocked(connection, stage, leaveCommonPath(connection, stage), button);
+    restart(pause);
+}
+
+Connection* GroupControls::findPartner(const Systems& systems, std::size_t current)
+{
+    std::vector<SystemState> states;
+    for (const Connection* connection : systems)
+        states.push_back(sources.stateOf(*connection));
+    const std::optional<std::size_t> place = partnerOf(current, states);
+    if (place)
+        return systems[*place];
+    widgets.partner.setText(tr("Missing"));
+    buttons.allow(widgets.align, false);
+    emit failed(tr("The partner system was not found. Please check the group identifications"));
+    return nullptr;
+}
+
+void GroupControls::lockPartner(const Systems& systems, std::size_t current)
+{
+    Connection* partner = findPartner(systems, current);
+    if (!partner) {
+        buttons.allow(widgets.lockPartner, false);
+        return;
+    }
+    const WaitCursor waiting;
+    buttons.lock();
+    StreamPause pause(*partner);
+    std::array<bool, 2> isOff{};
+    for (const Stage stage : bothStages)
+        isOff[indexOf(stage)] = leaveCommonPath(*systems[current], stage);
+    for (const Stage stage : bothStages)
+        noteLocked(*partner, stage, isOff[indexOf(stage)], widgets.lockPartner);
+    restart(pause);
+}
+
+void GroupControls::applyPositions(const Systems& systems, std::size_t current)
+{
+    Connection* partner = findPartner(systems, current);
+    if (!partner)
+        return;
+    const WaitCursor waiting;
+    buttons.lock();
+    StreamPause pauseOfCurrent(*systems[current]);
+    StreamPause pauseOfPartner(*partner);
+    std::array<bool, 2> isPartnerThere = sources.stateOf(*partner).isOnCommonPath;
+    const Overlay overlay = overlayPartner(*systems[current], *partner, isPartnerThere);
+    for (const Stage stage : bothStages)
+        sources.noteCommonPath(*partner, stage, isPartnerThere[indexOf(stage)]);
+    if (overlay == Overlay::PartnerSilent)
+        emit failed(tr("The second subsystem didn't respond. Please retry."));
+    else if (overlay == Overlay::ValuesMissing)
+        emit failed(tr("The values of the common detector were not available. Please retry."));
+    restart(pauseOfCurrent);
+    restart(pauseOfPartner);
+}
