@@ -275,8 +275,8 @@ QString FaultBench::difference(const Form& expected) const
 
 QString FaultBench::unread() const
 {
-    const QString beginning =
-        "warning: Not read from \"" + bench.link.client.address() + "\" and shown as 0: ";
+    const QString beginning = "warning: Not read from \"" + bench.link.client.address()
+                              + "\" (missing values are shown as 0): ";
     if (logged.size() == 1 && logged[0].startsWith(beginning))
         return logged[0].mid(beginning.size()).remove('"');
     return logged.isEmpty() ? QString() : logged.join('\n');
