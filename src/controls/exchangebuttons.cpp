@@ -1,8 +1,16 @@
 #include "controls/exchangebuttons.h"
 
-#include <QPointer>
 #include <QPushButton>
 #include <QTimer>
+
+#include <algorithm>
+
+namespace {
+
+/// Time in which clicks that were made during an exchange arrive and are lost.
+constexpr int settleMs = 20;
+
+} // namespace
 
 ExchangeButtons::ExchangeButtons(QWidget& owner, const std::vector<QPushButton*>& buttons)
     : dialog(owner)
@@ -16,16 +24,25 @@ void ExchangeButtons::lock()
     if (isLocked)
         return;
     isLocked = true;
-    const QPointer<QWidget> focused = dialog.focusWidget();
+    // Disabled buttons would hand the focus on, and a key meant for them would press another one.
+    focused = dialog.focusWidget();
+    if (has(focused))
+        focused->clearFocus();
+    else
+        focused.clear();
     for (const Entry& entry : entries)
         entry.button->setEnabled(false);
-    // Disabling has moved the focus on. It comes back, unless the user has moved it himself.
-    const QPointer<QWidget> movedTo = dialog.focusWidget();
-    QTimer::singleShot(0, this, [this, focused, movedTo] {
-        unlock();
-        if (focused && focused->isEnabled() && dialog.focusWidget() == movedTo)
-            focused->setFocus();
+    // No event is taken during an exchange, so this is the first thing behind it. What the window
+    // system held back comes a little later.
+    QTimer::singleShot(0, this, [this] {
+        QTimer::singleShot(settleMs, Qt::PreciseTimer, this, &ExchangeButtons::unlock);
     });
+}
+
+bool ExchangeButtons::has(const QWidget* widget) const
+{
+    return std::any_of(entries.begin(), entries.end(),
+                       [widget](const Entry& entry) { return entry.button == widget; });
 }
 
 void ExchangeButtons::unlock()
@@ -33,6 +50,9 @@ void ExchangeButtons::unlock()
     isLocked = false;
     for (const Entry& entry : entries)
         entry.button->setEnabled(entry.isAllowed);
+    // Who has moved the focus meanwhile keeps it.
+    if (focused && focused->isEnabled() && !dialog.focusWidget())
+        focused->setFocus();
 }
 
 void ExchangeButtons::allow(const QPushButton& button, bool allowed)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 
 #include <vector>
 
@@ -19,7 +20,7 @@ public:
     ExchangeButtons(QWidget& dialog, const std::vector<QPushButton*>& buttons);
 
     /// Disables the buttons. Those that are allowed come back, with the keyboard focus if one of
-    /// them had it, when the events that wait now were taken.
+    /// them had it, when the input that waits behind the exchange was taken.
     void lock();
     /// Says whether a button can be clicked while no exchange runs.
     void allow(const QPushButton& button, bool allowed);
@@ -31,9 +32,12 @@ private:
         bool isAllowed;
     };
 
+    bool has(const QWidget* widget) const;
     void unlock();
 
     QWidget& dialog;
     std::vector<Entry> entries;
+    /// The button that had the focus, if one had it.
+    QPointer<QWidget> focused;
     bool isLocked = false;
 };

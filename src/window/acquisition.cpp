@@ -56,6 +56,8 @@ void Acquisition::start()
     timer.stop();
     for (const int index : systems.displayed())
         startStream(index);
+    for (const int index : systems.common())
+        joinIfRunning(index);
     emit started();
     reset();
     statistics.startClock();

@@ -11,7 +11,8 @@ class Statistics;
 class TickTimer;
 
 /// Starts and stops the streams of the displayed systems, and with them the drawing of the plots.
-/// Whether it runs is kept by the start button alone. Starts and stops block for the exchanges.
+/// Systems whose common detector is shown are started with them, but not stopped. Whether it runs
+/// is kept by the start button alone. Starts and stops block for the exchanges.
 class Acquisition final : public QObject
 {
     Q_OBJECT
@@ -24,7 +25,7 @@ public:
     void startOrStop();
     /// Stops the streams of all displayed systems and lets the plots rest.
     void stop();
-    /// Starts the stream of a system that was shown while the acquisition runs.
+    /// Starts the stream of a system on the plots if the acquisition runs and it does not stream.
     void joinIfRunning(int index);
     void startDrawing();
     void showRunning(bool running);

@@ -69,7 +69,8 @@ Connection* LiveSystems::find(const QString& address) const
 
 LiveSystem* LiveSystems::single()
 {
-    return displayedIndices.size() == 1 ? &at(displayedIndices.first()) : nullptr;
+    const QList<int>& shown = displayedIndices.isEmpty() ? commonIndices : displayedIndices;
+    return shown.size() == 1 ? &at(shown.first()) : nullptr;
 }
 
 LiveSystem* LiveSystems::current()
@@ -142,7 +143,7 @@ void LiveSystems::display(int index)
     }
     displayedIndices.append(index);
     at(index).status.displayed = true;
-    if (displayedIndices.size() == 1)
+    if (shownCount() == 1)
         currentIndex = index;
     emit shown(index);
 }
@@ -152,11 +153,52 @@ void LiveSystems::hide(int index)
     if (!displayedIndices.removeOne(index))
         return;
     at(index).status.displayed = false;
-    if (displayedIndices.size() <= 1)
-        currentIndex = displayedIndices.isEmpty() ? index : displayedIndices.first();
-    if (connectionAt(index).isConnected())
+    chooseCurrent(index);
+    if (connectionAt(index).isConnected() && !commonIndices.contains(index))
         connectionAt(index).stopStream();
     emit hidden(index);
+}
+
+void LiveSystems::showCommon(const Connection* connection, bool show)
+{
+    const int index = indexOf(connection);
+    if (index < 0)
+        return;
+    if (!show)
+        hideCommon(index);
+    else if (connection->isConnected())
+        displayCommon(index);
+}
+
+void LiveSystems::displayCommon(int index)
+{
+    if (commonIndices.contains(index))
+        return;
+    commonIndices.append(index);
+    if (shownCount() == 1)
+        currentIndex = index;
+    emit commonShown(index);
+}
+
+void LiveSystems::hideCommon(int index)
+{
+    const int place = commonIndices.indexOf(index);
+    if (place < 0)
+        return;
+    commonIndices.removeAt(place);
+    chooseCurrent(index);
+    if (!displayedIndices.contains(index) && connectionAt(index).isStreaming())
+        connectionAt(index).stopStream();
+    emit commonHidden(place);
+}
+
+/// The only one that is left on the plots, or else the last one that was there.
+void LiveSystems::chooseCurrent(int hiddenIndex)
+{
+    if (shownCount() > 1)
+        return;
+    const QList<int> left = displayedIndices + commonIndices;
+    currentIndex = left.isEmpty() ? hiddenIndex : left.first();
 }
 
 bool LiveSystems::close(const Connection* connection)
@@ -164,6 +206,7 @@ bool LiveSystems::close(const Connection* connection)
     const int index = indexOf(connection);
     if (index < 0)
         return false;
+    hideCommon(index);
     hide(index);
     if (connectionAt(index).isStreaming())
         connectionAt(index).stopStream();
@@ -176,6 +219,7 @@ bool LiveSystems::close(const Connection* connection)
             --each;
     };
     std::for_each(displayedIndices.begin(), displayedIndices.end(), moveUp);
+    std::for_each(commonIndices.begin(), commonIndices.end(), moveUp);
     moveUp(currentIndex);
     if (!displayedIndices.isEmpty())
         currentIndex = displayedIndices.first();
@@ -196,6 +240,7 @@ bool LiveSystems::disconnectLink(const Connection* connection)
     if (index < 0)
         return false;
     endThread(connectionAt(index));
+    hideCommon(index);
     hide(index);
     emit disconnected(index);
     return !connection->isConnected();

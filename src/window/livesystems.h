@@ -12,8 +12,9 @@
 
 class QColor;
 
-/// The registered systems, and which of them are displayed. A system is identified by its
-/// `Connection`; its index in the list is also that of its curves.
+/// The registered systems, and which of them are on the plots. A system is identified by its
+/// `Connection`; its index in the list is also that of its curves. Beside the systems that are
+/// displayed stand those whose common detector is shown; a system can be in both lists.
 ///
 /// The signals are emitted when the list is consistent again, and none of these functions takes
 /// events. Functions that speak with a controller block for the exchange. GUI thread only.
@@ -39,7 +40,16 @@ public:
 
     /// Indices of the displayed systems, in the order in which they were shown.
     const QList<int>& displayed() const { return displayedIndices; }
-    /// The displayed system if it is the only one; null otherwise.
+    /// Indices of the systems whose common detector is shown, in the order of its curves. What
+    /// shows one is not settled: the application itself leaves the list empty.
+    const QList<int>& common() const { return commonIndices; }
+    /// The curve of the common detector at this place of its list: they follow those of all
+    /// systems.
+    int commonCurve(int place) const { return size() + place; }
+    /// How many there are on the plots, in both lists together.
+    int shownCount() const { return displayedIndices.size() + commonIndices.size(); }
+    /// The displayed system if it is the only one; with none displayed the one whose common
+    /// detector is shown, if that is the only one; null otherwise.
     LiveSystem* single();
     /// The system that the stabilisation buttons and the service tests address. Null if there is
     /// none.
@@ -67,6 +77,8 @@ public:
     /// Displays a connected system, or hides one. A hidden system does not stream. Beyond
     /// `maxDisplayed` nothing is displayed.
     void show(const Connection* connection, bool show);
+    /// Shows the common detector of a connected system, or takes it off the plots.
+    void showCommon(const Connection* connection, bool show);
     /// Sets the colour of a curve. What is no `Graph` does nothing.
     void setColor(const Connection* connection, const QColor& color, Graph graph);
     void setGroup(const Connection* connection, int group);
@@ -80,8 +92,13 @@ signals:
     /// The system that had the index is out of the list; its connection still exists.
     void closed(int index, const Connection* connection);
     void shown(int index);
-    /// The system is not displayed any more, and its stream was stopped.
+    /// The system is not displayed any more. Its stream was stopped, unless its common detector is
+    /// shown.
     void hidden(int index);
+    /// The common detector of a system came to the end of its list.
+    void commonShown(int index);
+    /// A common detector left this place of its list.
+    void commonHidden(int place);
     void disconnected(int index);
     void colored(int index);
     /// The port of a connected system was lost. Whoever keeps its line disconnects it.
@@ -92,8 +109,12 @@ private:
     void tellLoss(const Connection* connection);
     void display(int index);
     void hide(int index);
+    void displayCommon(int index);
+    void hideCommon(int index);
+    void chooseCurrent(int hiddenIndex);
 
     std::vector<LiveSystem> systems;
     QList<int> displayedIndices;
+    QList<int> commonIndices;
     int currentIndex = 0;
 };

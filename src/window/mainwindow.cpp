@@ -30,6 +30,7 @@ MainWindow::MainWindow(QWidget* parent)
     , statistics(systems, stages)
     , acquisition(systems, stages, toolBar, statistics, updateTimer)
     , stabilisation(systems, stages, toolBar)
+    , multiplexing(systems, toolBar, updateTimer)
     , displayTick(systems, stages, toolBar, statistics, acquisition)
     , plotFrame(stages, {*ui->rescaler, *ui->rescaler_2, *ui->scrollArea})
     , systemsView(systems, stages, toolBar, statistics, *this)
@@ -157,6 +158,7 @@ void MainWindow::wireSystems()
             [this] { connectionOverviewDialog->update(systems.statuses()); });
     connect(&systems, &LiveSystems::closed, this, &MainWindow::onSystemClosed);
     connect(&systems, &LiveSystems::shown, &acquisition, &Acquisition::joinIfRunning);
+    connect(&systems, &LiveSystems::commonShown, &acquisition, &Acquisition::joinIfRunning);
     connect(&systems, &LiveSystems::disconnected, paramsDialog, &ParamsDialog::closeIfDisconnected);
     connect(&systems, &LiveSystems::lost, settingsDialog, &SettingsDialog::onLinkLost);
     connect(&systemsView, &SystemsView::controlsEnabled, dataLoggerDialog,
@@ -172,6 +174,7 @@ void MainWindow::wireSystems()
             &DataLoggerDialog::emitStopSignal);
     connect(&acquisition, &Acquisition::streamFailed, this, &MainWindow::errorStreamStart);
     connect(&stabilisation, &Stabilisation::streamFailed, this, &MainWindow::errorStreamStart);
+    connect(&multiplexing, &Multiplexing::streamFailed, this, &MainWindow::errorStreamStart);
     connect(&stabilisation, &Stabilisation::linkFailed, this, &MainWindow::tellLinkFailed);
 }
 
@@ -199,6 +202,7 @@ void MainWindow::wireToolBar()
 }
 
 /// The overview tells which system it means by an address, too; only the connection is certain.
+/// Groups and their multiplexers go by the address alone.
 void MainWindow::wireOverview()
 {
     using Overview = ConnectionOverviewDialog;
@@ -207,6 +211,8 @@ void MainWindow::wireOverview()
     connect(overview, &Overview::systemColored, &systems, &LiveSystems::setColor);
     connect(overview, &Overview::systemStageChanged, &stabilisation, &Stabilisation::switchStage);
     connect(overview, &Overview::systemParametersWanted, paramsDialog, &ParamsDialog::openFor);
+    connect(overview, &Overview::multiplexDetectors, this, &MainWindow::multiplexSystem);
+    connect(overview, &Overview::newGroupId, this, &MainWindow::changeGroupId);
     connect(this, &MainWindow::changeDisplayConnection, overview, &Overview::setDisplayConnection);
     connect(ui->actionConfiguration, &QAction::triggered, overview,
             [overview] { showOnTop(*overview); });

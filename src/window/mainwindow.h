@@ -5,6 +5,7 @@
 #include "window/displaytick.h"
 #include "window/livesystems.h"
 #include "window/monitortoolbar.h"
+#include "window/multiplexing.h"
 #include "window/plotframe.h"
 #include "window/stabilisation.h"
 #include "window/stageview.h"
@@ -78,6 +79,9 @@ public slots:
 
     /// Switches the stabilisation of a stage, 1 or 2, of every connected system with the address.
     void activeStage(QString id, int stage, bool activate);
+    /// Switches the multiplexer of a stage, 1 or 2, of the first connection with the address. The
+    /// status says afterwards what the controller does.
+    void multiplexSystem(QString name, bool direction, int stage);
     /// Reads the status of the current connection and shows it. False if that failed; the fourth
     /// failure in a row stops the acquisition and says so.
     bool getStabilAndActiveStatus();
@@ -173,6 +177,7 @@ private:
     Statistics statistics;
     Acquisition acquisition;
     Stabilisation stabilisation;
+    Multiplexing multiplexing;
     DisplayTick displayTick;
     PlotFrame plotFrame;
     SystemsView systemsView;

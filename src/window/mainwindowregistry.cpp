@@ -133,7 +133,9 @@ void MainWindow::showSystem(const Connection* connection, bool show)
 {
     const WaitCursor waiting;
     const int index = systems.indexOf(connection);
-    const bool waits = !show && systems.displayed().contains(index) && stopsSlowly(*connection);
+    const bool stops =
+        !show && systems.displayed().contains(index) && !systems.common().contains(index);
+    const bool waits = stops && stopsSlowly(*connection);
     if (waits)
         waitNotice.showDisconnecting();
     systems.show(connection, show);

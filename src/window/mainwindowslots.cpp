@@ -41,6 +41,11 @@ void MainWindow::activeStage(QString id, int stage, bool activate)
     }
 }
 
+void MainWindow::multiplexSystem(QString name, bool direction, int stage)
+{
+    multiplexing.switchStage(name, direction, stage);
+}
+
 bool MainWindow::getStabilAndActiveStatus()
 {
     return stabilisation.readAndShow();

@@ -1,8 +1,8 @@
 #include "window/stageplots.h"
 
 #include "plots/genericplot.h"
-#include "setup/connectionstatus.h"
 #include "window/decimation.h"
+#include "window/systemcolors.h"
 
 #include <QBoxLayout>
 #include <qwt_scale_draw.h>
@@ -111,12 +111,12 @@ void StagePlots::clearAllCurves()
     intensityPlot->clear();
 }
 
-void StagePlots::setCurveColors(int index, const ConnectionStatus& status)
+void StagePlots::setCurveColors(int index, const SystemColors& colors)
 {
-    positionPlot->setCurveColor(status.colorX, 2 * index);
-    positionPlot->setCurveColor(status.colorY, 2 * index + 1);
-    intensityPlot->setCurveColor(status.colorI, index);
-    pointingPlot->setCurveColor(status.colorI, index);
+    positionPlot->setCurveColor(colors.x, 2 * index);
+    positionPlot->setCurveColor(colors.y, 2 * index + 1);
+    intensityPlot->setCurveColor(colors.intensity, index);
+    pointingPlot->setCurveColor(colors.intensity, index);
 }
 
 void StagePlots::appendTimePoints(int index, quint64 timeMs, const QPointF& position,

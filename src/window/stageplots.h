@@ -8,11 +8,12 @@
 class GenericPlot;
 class QBoxLayout;
 class QWidget;
-struct ConnectionStatus;
+struct SystemColors;
 
 /// The three plots of one stage: pointing, position over time, intensity over time. All displayed
 /// systems share them; system n has curve n in the pointing and the intensity plot, and the curves
-/// 2n for x and 2n + 1 for y in the position plot.
+/// 2n for x and 2n + 1 for y in the position plot. The common detectors that are shown have curves
+/// of the same kind behind those of all systems.
 ///
 /// The time plots are swept: when a sweep is full they are emptied, and begin anew.
 class StagePlots final
@@ -41,13 +42,13 @@ public:
     GenericPlot& position() const { return *positionPlot; }
     GenericPlot& intensity() const { return *intensityPlot; }
 
-    /// Adds the curves of a system; `index` is the number of systems so far.
+    /// Adds the curves of a system; `index` is the number of systems so far. What follows moves on.
     void addCurves(int index);
     void removeCurves(int index);
     void clearCurves(int index);
     void clearAllCurves();
     /// Takes effect with the next points.
-    void setCurveColors(int index, const ConnectionStatus& status);
+    void setCurveColors(int index, const SystemColors& colors);
 
     /// `timeMs` is that of the sample, `intensityV` in volts.
     void appendTimePoints(int index, quint64 timeMs, const QPointF& position, double intensityV);

@@ -4,6 +4,7 @@
 #include "window/livesystems.h"
 #include "window/monitortoolbar.h"
 #include "window/statistics.h"
+#include "window/systemcolors.h"
 
 #include <QAction>
 #include <QWidget>
@@ -20,6 +21,8 @@ SystemsView::SystemsView(LiveSystems& liveSystems, Stages& stageViews, const Mon
     connect(&systems, &LiveSystems::closed, this, &SystemsView::onClosed);
     connect(&systems, &LiveSystems::shown, this, &SystemsView::onShown);
     connect(&systems, &LiveSystems::hidden, this, &SystemsView::onHidden);
+    connect(&systems, &LiveSystems::commonShown, this, &SystemsView::onCommonShown);
+    connect(&systems, &LiveSystems::commonHidden, this, &SystemsView::onCommonHidden);
     connect(&systems, &LiveSystems::colored, this, &SystemsView::onColored);
     blackenAxisNames();
 }
@@ -37,42 +40,66 @@ void SystemsView::onClosed(int index)
         stage.plots().removeCurves(index);
 }
 
-void SystemsView::onShown(int)
+void SystemsView::onShown()
 {
-    const int displayed = systems.displayed().size();
-    if (displayed == 1) {
+    const int shown = systems.shownCount();
+    if (shown == 1) {
         showSingleSystem();
         enableControls(true);
-    } else if (displayed == 2) {
+    } else if (shown == 2) {
         hideSingleSystem();
     }
 }
 
 void SystemsView::onHidden(int index)
 {
-    const int displayed = systems.displayed().size();
-    if (displayed == 1)
+    showWhatIsLeft();
+    for (StageView& stage : stages)
+        stage.plots().clearCurves(index);
+}
+
+void SystemsView::onCommonShown(int index)
+{
+    const int curve = systems.commonCurve(systems.common().indexOf(index));
+    for (StageView& stage : stages) {
+        stage.plots().addCurves(curve);
+        stage.plots().setCurveColors(curve, commonColorsOf(systems.at(index).status));
+    }
+    onShown();
+}
+
+void SystemsView::onCommonHidden(int place)
+{
+    showWhatIsLeft();
+    for (StageView& stage : stages) {
+        stage.plots().clearCurves(systems.commonCurve(place));
+        stage.plots().removeCurves(systems.commonCurve(place));
+    }
+}
+
+void SystemsView::showWhatIsLeft()
+{
+    const int shown = systems.shownCount();
+    if (shown == 1)
         showSingleSystem();
-    if (displayed == 0) {
+    if (shown == 0) {
         enableControls(false);
         statistics.enable(false);
         blackenAxisNames();
     }
-    for (StageView& stage : stages)
-        stage.plots().clearCurves(index);
 }
 
 void SystemsView::onColored(int index)
 {
     setCurveColors(index);
-    if (systems.single())
+    if (systems.shownCount() == 1)
         colorAxisNames();
 }
 
 void SystemsView::setCurveColors(int index)
 {
     for (StageView& stage : stages)
-        stage.plots().setCurveColors(index, systems.at(index).status);
+        stage.plots().setCurveColors(index, colorsOf(systems.at(index).status));
 }
 
 void SystemsView::showSingleSystem()
@@ -105,8 +132,10 @@ void SystemsView::enableControls(bool on)
 void SystemsView::colorAxisNames()
 {
     const ConnectionStatus& status = systems.single()->status;
+    const SystemColors colors =
+        systems.displayed().isEmpty() ? commonColorsOf(status) : colorsOf(status);
     for (StageView& stage : stages)
-        stage.setAxisColors(status.colorX, status.colorY, status.colorI);
+        stage.setAxisColors(colors.x, colors.y, colors.intensity);
 }
 
 void SystemsView::blackenAxisNames()

@@ -31,9 +31,9 @@ bool ParamsBench::open()
     dialog.openFor(&link.client);
     QApplication::setActiveWindow(&dialog);
     const bool isShown = QTest::qWaitForWindowExposed(&dialog);
-    QCoreApplication::processEvents();
     link.controller.clearWire();
-    return isShown && find<QPushButton>("pushButtonApply").isEnabled();
+    return isShown
+           && QTest::qWaitFor([&] { return find<QPushButton>("pushButtonApply").isEnabled(); });
 }
 
 bool ParamsBench::openStreaming(int rateHz)

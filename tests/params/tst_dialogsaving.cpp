@@ -136,7 +136,7 @@ void TestDialogSaving::recordsOfAnEarlierSaveAreForgotten()
     QVERIFY(bench.clickAndWait(save));
     QVERIFY(QFile::remove(file()));
     bench.dialog.openFor(&other.client);
-    QCoreApplication::processEvents();
+    QTRY_VERIFY(bench.find<QPushButton>(save).isEnabled());
     QVERIFY(bench.clickAndWait(save));
     QCOMPARE(stored(bench).model[0], -1);
     bench.dialog.removeDetectors(&other.client);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "link/streampause.h"
 #include "plots/counter.h"
 #include "stagebench.h"
 #include "systemsbench.h"
@@ -18,16 +17,6 @@
 /// ticks unless events are taken for a second.
 struct MonitorBench : SystemsBench, StageBench
 {
-    /// A registered system whose controller streams at 100 Hz. It has forgotten how it was started.
-    ScriptedConnection& addStreaming()
-    {
-        ScriptedConnection& connection = add(Link::Running);
-        if (hasFailed(startStreamAtRate(connection, 100)) || !connection.isStreaming())
-            qFatal("The stream of a connection does not start");
-        connection.controller().forgetMessages();
-        return connection;
-    }
-
     QSpinBox& samplingRate() const { return spinBox("samplingRateCounter"); }
     QSpinBox& updateRate() const { return spinBox("updateRateCounter"); }
     QSpinBox& samplesToTake() const { return spinBox("samplesToTakeCounter"); }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/streampause.h"
 #include "model/connectionsettings.h"
 #include "model/detectorpair.h"
 #include "support/scriptedconnection.h"
@@ -32,6 +33,16 @@ struct SystemsBench
             qFatal("The thread of a connection does not start");
         detectors.emplace_back();
         systems.add(std::move(made), settings, detectors.back());
+        return connection;
+    }
+
+    /// A registered system whose controller streams at 100 Hz. It has forgotten how it was started.
+    ScriptedConnection& addStreaming()
+    {
+        ScriptedConnection& connection = add(Link::Running);
+        if (hasFailed(startStreamAtRate(connection, 100)) || !connection.isStreaming())
+            qFatal("The stream of a connection does not start");
+        connection.controller().forgetMessages();
         return connection;
     }
 

@@ -1,5 +1,5 @@
-#include "setup/connectionstatus.h"
 #include "stagebench.h"
+#include "window/systemcolors.h"
 
 #include <QtTest>
 
@@ -135,12 +135,9 @@ void TestStagePlots::clearingAllEmptiesEveryPlot()
 
 void TestStagePlots::coloursBelongToTheCurvesOfTheSystem()
 {
-    ConnectionStatus status;
-    status.colorX = Qt::red;
-    status.colorY = Qt::green;
-    status.colorI = Qt::yellow;
+    const SystemColors colors{Qt::red, Qt::green, Qt::yellow};
     const QColor before = plots().position().curveColor(0);
-    plots().setCurveColors(1, status);
+    plots().setCurveColors(1, colors);
     QCOMPARE(plots().position().curveColor(2), QColor(Qt::red));
     QCOMPARE(plots().position().curveColor(3), QColor(Qt::green));
     QCOMPARE(plots().intensity().curveColor(1), QColor(Qt::yellow));

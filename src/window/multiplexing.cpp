@@ -1,0 +1,83 @@
+#include "window/multiplexing.h"
+
+#include "controls/waitcursor.h"
+#include "link/commandframe.h"
+#include "link/connection.h"
+#include "link/replyforms.h"
+#include "link/streampause.h"
+#include "window/livesystems.h"
+#include "window/monitortoolbar.h"
+#include "window/ticktimer.h"
+
+#include <algorithm>
+
+namespace {
+
+bool isStage(int number)
+{
+    return std::any_of(bothStages.begin(), bothStages.end(),
+                       [number](Stage stage) { return numberOf(stage) == number; });
+}
+
+bool& directionOf(ConnectionStatus& status, Stage stage)
+{
+    return stage == Stage::One ? status.multiplex1 : status.multiplex2;
+}
+
+QByteArray sendSwitch(Connection& connection, Stage stage, bool on)
+{
+    if (on)
+        connection.switchMultiplexingOn(command::stageArgument(stage));
+    else
+        connection.switchMultiplexingOff(command::stageArgument(stage));
+    QByteArray reply;
+    connection.fetchReply(reply);
+    return reply;
+}
+
+} // namespace
+
+Multiplexing::Multiplexing(LiveSystems& liveSystems, const MonitorToolBar& bar,
+                           TickTimer& tickTimer)
+    : systems(liveSystems)
+    , toolBar(bar)
+    , timer(tickTimer)
+{}
+
+void Multiplexing::switchStage(const QString& address, bool on, int stage)
+{
+    timer.stop();
+    bool goesOn = isStage(stage);
+    for (int i = 0; goesOn && i < systems.size(); ++i) {
+        if (systems.connectionAt(i).address() == address)
+            goesOn = switchSystem(systems.at(i), Stage(stage), on);
+    }
+    timer.start();
+    multiplexBusy = false;
+}
+
+/// False if the call ends here. So it does at a second system with the address, which finds the
+/// first one busy and stays as it is.
+bool Multiplexing::switchSystem(LiveSystem& system, Stage stage, bool on)
+{
+    bool& direction = directionOf(system.status, stage);
+    if (direction == on || multiplexBusy)
+        return false;
+    multiplexBusy = true;
+    // After a failure, too, the next request has to differ from the flag, or it would be ignored.
+    direction = carryOut(*system.connection, stage, on) ? on : !on;
+    return true;
+}
+
+/// Whether the controller accepted the command.
+bool Multiplexing::carryOut(Connection& connection, Stage stage, bool on)
+{
+    if (!connection.isConnected())
+        return false;
+    const WaitCursor waiting;
+    StreamPause pause(connection);
+    const bool accepted = command::isAcceptedByOne(sendSwitch(connection, stage, on));
+    if (hasFailed(pause.resume(toolBar.samplingRateHz())))
+        emit streamFailed();
+    return accepted;
+}

@@ -1,0 +1,620 @@
+// Set & Hold in the parameter dialog: when it is offered, what goes over the wire, what the fields
+// show, and what becomes of the detectors.
+
+#include "paramsbench.h"
+#include "support/logcapture.h"
+
+#include <QDoubleSpinBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QtTest>
+
+using emulator::ControllerOptions;
+using emulator::on;
+using emulator::Rule;
+
+Q_DECLARE_METATYPE(emulator::ControllerOptions)
+Q_DECLARE_METATYPE(emulator::Rule)
+
+namespace {
+
+constexpr char triggers[] = "checkBoxDisplayLowRepetitionWithTriggers";
+constexpr int rateHz = 300;
+constexpr int psd = 2;
+
+/// The ending of the names of a stage's controls.
+QString endingOf(Stage stage)
+{
+    return stage == Stage::One ? QString() : QStringLiteral("_2");
+}
+
+QString setButton(Stage stage)
+{
+    return "pushButton_SetHold" + endingOf(stage);
+}
+
+bool isSetEnabled(const ParamsBench& bench, Stage stage)
+{
+    return bench.find<QPushButton>(setButton(stage)).isEnabled();
+}
+
+/// Clicks a Set button and waits until the dialog can be used again.
+bool set(const ParamsBench& bench, Stage stage)
+{
+    return bench.click(setButton(stage)) && QTest::qWaitFor([&] {
+               return bench.find<QPushButton>("pushButtonRefresh").isEnabled();
+           });
+}
+
+QByteArray holdCommand(Stage stage)
+{
+    return QByteArray("SSH").append(char(numberOf(stage))).append(';');
+}
+
+/// What firmware above 30 is asked when the dialog is read.
+QByteArrayList reading()
+{
+    return {"GSF;",      "S1S;",     "GAI\x01x;", "GAI\x01y;", "GAI\x02x;",
+            "GAI\x02y;", "GPF\x01;", "GPF\x02;",  "GDS\x01;",  "GDS\x02;"};
+}
+
+QByteArrayList readingOf(int firmware)
+{
+    return firmware > 30 ? reading() : reading().mid(0, 8);
+}
+
+/// What is sent for Set. The first stage reads the position before, the second behind it.
+QByteArrayList holding(Stage stage)
+{
+    if (stage == Stage::One)
+        return {"S1S;", holdCommand(stage)};
+    return {holdCommand(stage), "S1S;"};
+}
+
+QByteArray flagsReply(char flags)
+{
+    return QByteArray("\0;", 2).append(flags).append(';');
+}
+
+/// Refuses the status, without the wait that a short reply takes: what was there before stays.
+Rule noStatus()
+{
+    return on("GSF").reply(QByteArray("\1;\0;", 4));
+}
+
+/// A controller whose beams stand still here, millivolts.
+ControllerOptions withPositions(qint16 x1, qint16 y1, qint16 x2, qint16 y2)
+{
+    emulator::PacketValues values{};
+    values.x1 = x1;
+    values.y1 = y1;
+    values.x2 = x2;
+    values.y2 = y2;
+    ControllerOptions options;
+    options.script = {values};
+    options.scriptRepeats = true;
+    return options;
+}
+
+/// All values that a field of the position has shown since this was made.
+class ShownValues final
+{
+public:
+    ShownValues(const ParamsBench& bench, const QString& field)
+        : changes(&bench.find<QDoubleSpinBox>(field),
+                  qOverload<double>(&QDoubleSpinBox::valueChanged))
+    {}
+
+    QList<double> values() const
+    {
+        QList<double> all;
+        for (const QList<QVariant>& change : changes)
+            all.append(change.at(0).toDouble());
+        return all;
+    }
+
+private:
+    QSignalSpy changes;
+};
+
+void addStages()
+{
+    QTest::addColumn<Stage>("stage");
+    for (const Stage stage : bothStages)
+        QTest::addRow("stage %d", numberOf(stage)) << stage;
+}
+
+/// Each way in which a command can fail, once at one of the stages and always at the other.
+void addFailures(const QByteArray& command)
+{
+    QTest::addColumn<Stage>("stage");
+    QTest::addColumn<Rule>("rule");
+    const auto row = [](const char* how, Stage stage, const Rule& rule) {
+        QTest::addRow("%s, stage %d", how, numberOf(stage)) << stage << rule;
+    };
+    row("refused", Stage::One, on(command).refuse());
+    row("refused once", Stage::Two, on(command).refuse().once());
+    row("silent once", Stage::One, on(command).ignore().once());
+    row("silent", Stage::Two, on(command).ignore());
+    row("cut", Stage::One, on(command).cutTo(1));
+    row("cut once", Stage::Two, on(command).cutTo(1).once());
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Stage)
+
+class TestDialogHolding : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void setIsOfferedForAFreeBeamOnAPsd_data();
+    void setIsOfferedForAFreeBeamOnAPsd();
+    void typeOffersSetAsTheStatusSays_data();
+    void typeOffersSetAsTheStatusSays();
+    void damagedStatusLeavesSet_data();
+    void damagedStatusLeavesSet();
+
+    void setIsSentAndReadBack_data();
+    void setIsSentAndReadBack();
+    void runningStreamIsStartedAgain_data();
+    void runningStreamIsStartedAgain();
+    void controllerHoldsWhereTheBeamIs_data();
+    void controllerHoldsWhereTheBeamIs();
+    void onlyTheLowByteIsDividedUntilTheNextRead_data();
+    void onlyTheLowByteIsDividedUntilTheNextRead();
+    void shortPacketShowsNothing_data();
+    void shortPacketShowsNothing();
+
+    void stageThatIsHeldCanNotBeSetAgain_data();
+    void stageThatIsHeldCanNotBeSetAgain();
+    void stageThatDidNotGoOnHoldCanBeSetAgain_data();
+    void stageThatDidNotGoOnHoldCanBeSetAgain();
+    void acceptedByAnySecondByte_data();
+    void acceptedByAnySecondByte();
+    void failedHoldLeavesTheButton_data();
+    void failedHoldLeavesTheButton();
+    void failedPositionStopsNothing_data();
+    void failedPositionStopsNothing();
+    void failedStopAndStartAreSurvived_data();
+    void failedStopAndStartAreSurvived();
+
+    void detectorBecomesWhatWasChosen_data();
+    void detectorBecomesWhatWasChosen();
+    void otherStageKeepsItsDetector_data();
+    void otherStageKeepsItsDetector();
+    void onlyTheSecondStageTakesTheTriggers_data();
+    void onlyTheSecondStageTakesTheTriggers();
+
+    void clicksMadeMeanwhileAreLost_data();
+    void clicksMadeMeanwhileAreLost();
+    void withoutASystemOnlyTheSecondStageShutsItsFields();
+};
+
+void TestDialogHolding::setIsOfferedForAFreeBeamOnAPsd_data()
+{
+    QTest::addColumn<int>("type");
+    QTest::addColumn<char>("flags");
+    QTest::addColumn<bool>("first");
+    QTest::addColumn<bool>("second");
+    for (const int type : {2, 4, 5}) {
+        QTest::addRow("type %d, free", type) << type << '\x00' << true << true;
+        QTest::addRow("type %d, first held", type) << type << '\x08' << false << true;
+        QTest::addRow("type %d, second held", type) << type << '\x10' << true << false;
+    }
+    for (const int type : {0, 1, 3})
+        QTest::addRow("type %d, free", type) << type << '\x00' << false << false;
+    QTest::newRow("other flags") << psd << '\x67' << true << true;
+}
+
+void TestDialogHolding::setIsOfferedForAFreeBeamOnAPsd()
+{
+    QFETCH(int, type);
+    QFETCH(char, flags);
+    ParamsBench bench({}, recordWithTypes(type, type));
+    QVERIFY(bench.open());
+    bench.link.controller.setRules({on("GSF").reply(flagsReply(char(~flags & 0x7F))).once(),
+                                    on("GSF").reply(flagsReply(flags))});
+    QVERIFY(bench.clickAndWait("pushButtonRefresh"));
+    QVERIFY(bench.clickAndWait("pushButtonRefresh"));
+    QTEST(isSetEnabled(bench, Stage::One), "first");
+    QTEST(isSetEnabled(bench, Stage::Two), "second");
+}
+
+void TestDialogHolding::typeOffersSetAsTheStatusSays_data()
+{
+    QTest::addColumn<Stage>("stage");
+    QTest::addColumn<bool>("isStabilised");
+    for (const Stage stage : bothStages) {
+        QTest::addRow("stage %d, free", numberOf(stage)) << stage << false;
+        QTest::addRow("stage %d, stabilised", numberOf(stage)) << stage << true;
+    }
+}
+
+void TestDialogHolding::typeOffersSetAsTheStatusSays()
+{
+    QFETCH(Stage, stage);
+    QFETCH(bool, isStabilised);
+    ParamsBench bench({}, recordWithTypes(1, 1));
+    QVERIFY(bench.open());
+    // The status is that of the latest tick, not that of the opening.
+    bench.state.isStabilised = {!isStabilised, !isStabilised};
+    bench.state.isStabilised[indexOf(stage)] = isStabilised;
+    const QString type = "comboBox_DetecType" + endingOf(stage);
+    QVERIFY(bench.choose(type, psd));
+    QCOMPARE(isSetEnabled(bench, stage), !isStabilised);
+    QVERIFY(bench.choose(type, 1));
+    QVERIFY(!isSetEnabled(bench, stage));
+    QVERIFY(bench.choose(type, 0));
+    QVERIFY(!isSetEnabled(bench, stage));
+}
+
+void TestDialogHolding::damagedStatusLeavesSet_data()
+{
+    QTest::addColumn<bool>("isHeld");
+    QTest::addColumn<Rule>("rule");
+    for (const bool isHeld : {false, true}) {
+        const char* before = isHeld ? "held" : "free";
+        QTest::addRow("%s, refused", before) << isHeld << Rule(on("GSF").refuse());
+        QTest::addRow("%s, silent", before) << isHeld << Rule(on("GSF").ignore());
+        QTest::addRow("%s, cut", before) << isHeld << Rule(on("GSF").cutTo(2));
+    }
+}
+
+void TestDialogHolding::damagedStatusLeavesSet()
+{
+    QFETCH(bool, isHeld);
+    QFETCH(Rule, rule);
+    ParamsBench bench({}, recordWithTypes(psd, psd));
+    QVERIFY(bench.open());
+    const Rule before = on("GSF").reply(flagsReply(isHeld ? '\x18' : '\x00')).once();
+    bench.link.controller.setRules({before, rule});
+    QVERIFY(bench.clickAndWait("pushButtonRefresh"));
+    QVERIFY(bench.clickAndWait("pushButtonRefresh"));
+    for (const Stage stage : bothStages)
+        QCOMPARE(isSetEnabled(bench, stage), !isHeld);
+}
+
+void TestDialogHolding::setIsSentAndReadBack_data()
+{
+    QTest::addColumn<Stage>("stage");
+    QTest::addColumn<int>("firmware");
+    for (const Stage stage : bothStages) {
+        for (const int firmware : {10, 30, 31})
+            QTest::addRow("stage %d, firmware %d", numberOf(stage), firmware) << stage << firmware;
+    }
+}
+
+void TestDialogHolding::setIsSentAndReadBack()
+{
+    QFETCH(Stage, stage);
+    QFETCH(int, firmware);
+    ControllerOptions options;
+    options.firmware = firmware;
+    ParamsBench bench(options, recordWithTypes(psd, psd));
+    QVERIFY(bench.open());
+    QVERIFY(set(bench, stage));
+    QCOMPARE(bench.commands(), holding(stage) + readingOf(firmware));
+    QVERIFY(!bench.link.client.isStreaming());
+    QVERIFY(bench.failure().isNull());
+}
+
+void TestDialogHolding::runningStreamIsStartedAgain_data()
+{
+    QTest::addColumn<Stage>("stage");
+    QTest::addColumn<ControllerOptions>("options");
+    QTest::addColumn<QByteArray>("start");
+    const QByteArray rate("\0\0\x01\x2c;", 5);
+    for (const Stage stage : bothStages) {
+        for (const int firmware : {10, 11, 30, 31}) {
+            ControllerOptions options;
+            options.firmware = firmware;
+            QTest::addRow("stage %d, firmware %d", numberOf(stage), firmware)
+                << stage << options << "SLS" + rate;
+        }
+        ControllerOptions vm;
+        vm.vm = true;
+        QTest::addRow("stage %d, VM", numberOf(stage)) << stage << vm << "SGS" + rate;
+    }
+}
+
+void TestDialogHolding::runningStreamIsStartedAgain()
+{
+    QFETCH(Stage, stage);
+    QFETCH(ControllerOptions, options);
+    QFETCH(QByteArray, start);
+    ParamsBench bench(options, recordWithTypes(psd, psd));
+    QVERIFY(bench.openStreaming(rateHz));
+    QVERIFY(set(bench, stage));
+    const QByteArrayList stop{"CLS;"};
+    const QByteArrayList restart{start};
+    QCOMPARE(bench.commands(),
+             stop + holding(stage) + restart + stop + readingOf(options.firmware) + restart);
+    QCOMPARE(bench.link.controller.streamRate(), rateHz);
+    QCOMPARE(bench.streamErrors, 0);
+}
+
+void TestDialogHolding::controllerHoldsWhereTheBeamIs_data()
+{
+    addStages();
+}
+
+void TestDialogHolding::controllerHoldsWhereTheBeamIs()
+{
+    QFETCH(Stage, stage);
+    ParamsBench bench({}, recordWithTypes(psd, psd));
+    QVERIFY(bench.open());
+    QVERIFY(set(bench, stage));
+    for (const Stage each : bothStages)
+        QCOMPARE(bench.link.controller.stage(numberOf(each)).held, each == stage);
+}
+
+void TestDialogHolding::onlyTheLowByteIsDividedUntilTheNextRead_data()
+{
+    QTest::addColumn<Stage>("stage");
+    QTest::addColumn<int>("positionMv");
+    QTest::addColumn<QList<double>>("shown");
+    for (const Stage stage : bothStages) {
+        const auto row = [&](int positionMv, const QList<double>& shown) {
+            QTest::addRow("stage %d, %d mV", numberOf(stage), positionMv)
+                << stage << positionMv << shown;
+        };
+        row(250, {0.25});
+        row(1000, {5.0, 1.0});
+        row(-1, {-5.0, -0.001});
+    }
+}
+
+void TestDialogHolding::onlyTheLowByteIsDividedUntilTheNextRead()
+{
+    QFETCH(Stage, stage);
+    QFETCH(int, positionMv);
+    QFETCH(QList<double>, shown);
+    ParamsBench bench(withPositions(0, 0, 0, 0), recordWithTypes(psd, psd));
+    QVERIFY(bench.open());
+    const auto position = qint16(positionMv);
+    const ControllerOptions moved = stage == Stage::One ? withPositions(position, position, 7, 7)
+                                                        : withPositions(7, 7, position, position);
+    bench.link.controller.setScript(moved.script, true);
+    const ShownValues x(bench, "doubleSpinBox_SetHoldX" + endingOf(stage));
+    const ShownValues y(bench, "doubleSpinBox_SetHoldY" + endingOf(stage));
+    QVERIFY(set(bench, stage));
+    QCOMPARE(x.values(), shown);
+    QCOMPARE(y.values(), shown);
+}
+
+void TestDialogHolding::shortPacketShowsNothing_data()
+{
+    addStages();
+}
+
+void TestDialogHolding::shortPacketShowsNothing()
+{
+    QFETCH(Stage, stage);
+    ParamsBench bench(withPositions(250, 250, 250, 250), recordWithTypes(psd, psd));
+    QVERIFY(bench.open());
+    const ControllerOptions moved = withPositions(1000, 1000, 1000, 1000);
+    bench.link.controller.setScript(moved.script, true);
+    bench.link.controller.setRules({on("S1S").cutTo(24).once()});
+    const ShownValues x(bench, "doubleSpinBox_SetHoldX" + endingOf(stage));
+    QVERIFY(set(bench, stage));
+    QCOMPARE(x.values(), QList<double>{1.0});
+}
+
+void TestDialogHolding::stageThatIsHeldCanNotBeSetAgain_data()
+{
+    addStages();
+}
+
+void TestDialogHolding::stageThatIsHeldCanNotBeSetAgain()
+{
+    QFETCH(Stage, stage);
+    ParamsBench bench({}, recordWithTypes(psd, psd));
+    QVERIFY(bench.open());
+    QVERIFY(set(bench, stage));
+    for (const Stage each : bothStages)
+        QCOMPARE(isSetEnabled(bench, each), each != stage);
+    // Somebody else frees it.
+    bench.link.controller.setStage(numberOf(stage), false);
+    QVERIFY(bench.clickAndWait("pushButtonRefresh"));
+    QVERIFY(isSetEnabled(bench, stage));
+}
+
+void TestDialogHolding::stageThatDidNotGoOnHoldCanBeSetAgain_data()
+{
+    addStages();
+}
+
+void TestDialogHolding::stageThatDidNotGoOnHoldCanBeSetAgain()
+{
+    QFETCH(Stage, stage);
+    ParamsBench bench({}, recordWithTypes(psd, psd));
+    QVERIFY(bench.open());
+    bench.link.controller.setRules({on("GSF").reply(flagsReply('\x00'))});
+    QVERIFY(set(bench, stage));
+    QVERIFY(isSetEnabled(bench, stage));
+}
+
+void TestDialogHolding::acceptedByAnySecondByte_data()
+{
+    addStages();
+}
+
+void TestDialogHolding::acceptedByAnySecondByte()
+{
+    QFETCH(Stage, stage);
+    ParamsBench bench({}, recordWithTypes(psd, psd));
+    QVERIFY(bench.open());
+    bench.link.controller.setRules({on("SSH").reply(QByteArray("\0x", 2)), noStatus()});
+    QVERIFY(set(bench, stage));
+    for (const Stage each : bothStages)
+        QCOMPARE(isSetEnabled(bench, each), each != stage);
+}
+
+void TestDialogHolding::failedHoldLeavesTheButton_data()
+{
+    addFailures("SSH");
+}
+
+void TestDialogHolding::failedHoldLeavesTheButton()
+{
+    QFETCH(Stage, stage);
+    QFETCH(Rule, rule);
+    ParamsBench bench({}, recordWithTypes(psd, psd));
+    QVERIFY(bench.openStreaming(rateHz));
+    bench.link.controller.setRules({rule, noStatus()});
+    QVERIFY(set(bench, stage));
+    const QByteArrayList start{QByteArray("SLS\0\0\x01\x2c;", 8)};
+    const QByteArrayList stop{"CLS;"};
+    // The second stage reads its position behind an accepted hold only.
+    const QByteArrayList hold{holdCommand(stage)};
+    const QByteArrayList held = stage == Stage::One ? holding(stage) : hold;
+    QCOMPARE(bench.commands(), stop + held + start + stop + reading() + start);
+    QVERIFY(isSetEnabled(bench, stage));
+    QVERIFY(bench.failure().isNull());
+    QCOMPARE(bench.link.controller.streamRate(), rateHz);
+    QCOMPARE(bench.streamErrors, 0);
+}
+
+void TestDialogHolding::failedPositionStopsNothing_data()
+{
+    addFailures("S1S");
+}
+
+void TestDialogHolding::failedPositionStopsNothing()
+{
+    QFETCH(Stage, stage);
+    QFETCH(Rule, rule);
+    ParamsBench bench({}, recordWithTypes(psd, psd));
+    QVERIFY(bench.openStreaming(rateHz));
+    bench.link.controller.setRules({rule});
+    QVERIFY(set(bench, stage));
+    QVERIFY(bench.link.controller.stage(numberOf(stage)).held);
+    QCOMPARE(bench.commands().mid(1, 2), holding(stage));
+    QVERIFY(!isSetEnabled(bench, stage));
+    QCOMPARE(bench.link.controller.streamRate(), rateHz);
+    QCOMPARE(bench.streamErrors, 0);
+}
+
+void TestDialogHolding::failedStopAndStartAreSurvived_data()
+{
+    QTest::addColumn<Stage>("stage");
+    QTest::addColumn<Rule>("rule");
+    QTest::addColumn<int>("streamErrors");
+    const auto row = [&](const char* what, Stage stage, const Rule& rule, int errors) {
+        QTest::addRow("%s, stage %d", what, numberOf(stage)) << stage << rule << errors;
+    };
+    row("stop silent once", Stage::One, on("CLS").ignore().once(), 0);
+    row("stop refused once", Stage::Two, on("CLS").refuse().once(), 0);
+    row("start silent", Stage::Two, on("SLS").ignore(), 1);
+    row("start refused", Stage::One, on("SLS").refuse(), 1);
+    row("start refused once", Stage::Two, on("SLS").refuse().once(), 1);
+    row("start short", Stage::One, on("SLS").reply(QByteArray("\0;\0", 3)), 1);
+}
+
+void TestDialogHolding::failedStopAndStartAreSurvived()
+{
+    QFETCH(Stage, stage);
+    QFETCH(Rule, rule);
+    ParamsBench bench({}, recordWithTypes(psd, psd));
+    QVERIFY(bench.openStreaming(rateHz));
+    bench.link.controller.setRules({rule});
+    QVERIFY(set(bench, stage));
+    QTEST(bench.streamErrors, "streamErrors");
+    QCOMPARE(bench.link.client.isStreaming(), bench.link.controller.isStreaming());
+    for (const char* button : {"pushButtonSave", "pushButtonRefresh", "pushButtonApply"})
+        QVERIFY(bench.find<QPushButton>(button).isEnabled());
+    QVERIFY(!isSetEnabled(bench, stage));
+}
+
+void TestDialogHolding::detectorBecomesWhatWasChosen_data()
+{
+    addStages();
+}
+
+void TestDialogHolding::detectorBecomesWhatWasChosen()
+{
+    QFETCH(Stage, stage);
+    ParamsBench bench({}, recordWithTypes(1, 1));
+    QVERIFY(bench.open());
+    QVERIFY(bench.click("radioButtonPositionInLength" + endingOf(stage)));
+    QVERIFY(bench.type("beamDiameterSpinBox" + endingOf(stage), "123.4"));
+    QVERIFY(bench.choose("comboBox_DetecType" + endingOf(stage), psd));
+    QVERIFY(set(bench, stage));
+    const Detector& detector = *bench.detectors[indexOf(stage)];
+    QCOMPARE(detector.typeCode(), psd);
+    QCOMPARE(detector.calculation, 1);
+    QCOMPARE(detector.beamDiameter, 123.4);
+}
+
+void TestDialogHolding::otherStageKeepsItsDetector_data()
+{
+    addStages();
+}
+
+void TestDialogHolding::otherStageKeepsItsDetector()
+{
+    QFETCH(Stage, stage);
+    const Stage other = stage == Stage::One ? Stage::Two : Stage::One;
+    ParamsBench bench({}, recordWithTypes(psd, psd));
+    QVERIFY(bench.open());
+    QVERIFY(bench.choose("comboBox_DetecType" + endingOf(other), 1));
+    QVERIFY(set(bench, stage));
+    QCOMPARE(bench.detectors[indexOf(other)]->typeCode(), psd);
+}
+
+void TestDialogHolding::onlyTheSecondStageTakesTheTriggers_data()
+{
+    addStages();
+}
+
+void TestDialogHolding::onlyTheSecondStageTakesTheTriggers()
+{
+    QFETCH(Stage, stage);
+    ControllerOptions options;
+    options.triggerCapable = true;
+    ParamsBench bench(options, recordWithTypes(psd, psd));
+    QVERIFY(bench.open());
+    QVERIFY(bench.click(triggers));
+    QVERIFY(set(bench, stage));
+    QCOMPARE(bench.detectors.pulsedLaser, stage == Stage::Two ? 1 : 0);
+    QVERIFY(!bench.link.client.triggerMode());
+}
+
+void TestDialogHolding::clicksMadeMeanwhileAreLost_data()
+{
+    addStages();
+}
+
+void TestDialogHolding::clicksMadeMeanwhileAreLost()
+{
+    QFETCH(Stage, stage);
+    ParamsBench bench({}, recordWithTypes(psd, psd));
+    QVERIFY(bench.open());
+    bench.link.controller.setRules({on("GSF").reply(flagsReply('\x00'))});
+    auto& button = bench.find<QPushButton>(setButton(stage));
+    button.click();
+    QVERIFY(!button.isEnabled());
+    QTest::mouseClick(&button, Qt::LeftButton);
+    QTRY_VERIFY(button.isEnabled());
+    QCOMPARE(bench.link.controller.count("SSH"), 1);
+}
+
+void TestDialogHolding::withoutASystemOnlyTheSecondStageShutsItsFields()
+{
+    ParamsBench bench({}, recordWithTypes(psd, psd));
+    QVERIFY(bench.open());
+    bench.dialog.removeDetectors(&bench.link.client);
+    for (const Stage stage : bothStages) {
+        auto& field = bench.find<QDoubleSpinBox>("doubleSpinBox_SetHoldX" + endingOf(stage));
+        field.setReadOnly(false);
+        const QString slot = "on_" + setButton(stage) + "_clicked";
+        QVERIFY(QMetaObject::invokeMethod(&bench.dialog, qPrintable(slot)));
+        QCOMPARE(field.isReadOnly(), stage == Stage::Two);
+    }
+    QVERIFY(bench.commands().isEmpty());
+}
+
+QTEST_MAIN(TestDialogHolding)
+#include "tst_dialogholding.moc"
