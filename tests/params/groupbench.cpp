@@ -14,6 +14,8 @@ using emulator::on;
 using emulator::Rule;
 using emulator::WireEvent;
 
+Q_DECLARE_METATYPE(emulator::ControllerOptions)
+
 namespace {
 
 constexpr int toolBarRateHz = 100;
@@ -57,6 +59,12 @@ std::size_t GroupBench::placeOf(const Connection& connection) const
     return std::size_t(std::distance(links.begin(), found));
 }
 
+/// Waits for the buttons that are enabled without an exchange.
+bool GroupBench::isExchangeOver() const
+{
+    return QTest::qWaitFor([this] { return isEnabled("pushButtonRefresh"); });
+}
+
 bool GroupBench::connect()
 {
     return std::all_of(links.begin(), links.end(), [](EmulatedLink& link) {
@@ -72,11 +80,10 @@ bool GroupBench::open(std::size_t system)
     for (const char* name : {"frame_2", "multiLine", "lockSubsystemButton"})
         find<QWidget>(dialog, name).show();
     QApplication::setActiveWindow(&dialog);
-    const bool isShown = QTest::qWaitForWindowExposed(&dialog);
-    QCoreApplication::processEvents();
+    const bool isOpen = QTest::qWaitForWindowExposed(&dialog) && isExchangeOver();
     for (EmulatedLink& link : links)
         link.controller.clearWire();
-    return isShown && isEnabled("pushButtonRefresh");
+    return isOpen;
 }
 
 bool GroupBench::startStream(std::size_t system)
@@ -103,8 +110,19 @@ bool GroupBench::isStreaming(std::size_t system) const
 
 bool GroupBench::click(const char* button) const
 {
-    return user::click(&find<QPushButton>(dialog, button))
-           && QTest::qWaitFor([&] { return isEnabled("pushButtonRefresh"); });
+    return user::click(&find<QPushButton>(dialog, button)) && isExchangeOver();
+}
+
+bool GroupBench::clickImpatiently(const char* button)
+{
+    const auto setTimeouts = [this](int timeoutMs) {
+        for (EmulatedLink& link : links)
+            link.client.setTimeoutMs(timeoutMs);
+    };
+    setTimeouts(FaultBench::faultyTimeoutMs);
+    const bool isClicked = click(button);
+    setTimeouts(EmulatedLink::shortTimeoutMs);
+    return isClicked;
 }
 
 bool GroupBench::isEnabled(const char* button) const

@@ -1,15 +1,11 @@
 #pragma once
 
+#include "faultbench.h"
 #include "params/paramsdialog.h"
 #include "support/emulatedlink.h"
 
-#include <QMetaType>
-
 #include <deque>
 #include <vector>
-
-Q_DECLARE_METATYPE(emulator::ControllerOptions)
-Q_DECLARE_METATYPE(emulator::Rule)
 
 /// The parameter dialog over several emulated controllers, without the window, and with the
 /// controls of a group, which nothing shows in the application. The first controller is the current
@@ -36,6 +32,8 @@ public:
 
     /// Clicks a button and waits until the exchange that it began is over.
     bool click(const char* button) const;
+    /// As `click`, with shorter waits, for replies that do not come.
+    bool clickImpatiently(const char* button);
     bool isEnabled(const char* button) const;
     /// Whether all four buttons of the group can be clicked.
     bool areGroupButtonsEnabled() const;
@@ -59,6 +57,7 @@ public:
 
 private:
     std::size_t placeOf(const Connection& connection) const;
+    bool isExchangeOver() const;
 };
 
 QByteArray toCurrent(const QByteArray& command);

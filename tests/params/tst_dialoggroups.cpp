@@ -12,6 +12,7 @@ using emulator::Rule;
 using Flags = std::array<bool, 2>;
 
 Q_DECLARE_METATYPE(Flags)
+Q_DECLARE_METATYPE(emulator::ControllerOptions)
 Q_DECLARE_METATYPE(Stage)
 
 namespace {
@@ -215,7 +216,7 @@ void TestDialogGroups::stageThatDoesNotLeaveIsOnTheCommonDetector()
     QVERIFY(bench.open());
     QVERIFY(bench.startStreams());
     bench.controller(current).setRules({rule});
-    QVERIFY(bench.click(lockStage[place]));
+    QVERIFY(bench.clickImpatiently(lockStage[place]));
     QVERIFY(bench.states[current].isOnCommonPath[place]);
     QCOMPARE(bench.notes, 1);
     QVERIFY(bench.isStreaming(current));
@@ -309,7 +310,7 @@ void TestDialogGroups::streamThatDoesNotStartAgainIsTold()
     QVERIFY(bench.open());
     QVERIFY(bench.startStreams());
     bench.controller(current).setRules({rule});
-    QVERIFY(bench.click(lockStage[place]));
+    QVERIFY(bench.clickImpatiently(lockStage[place]));
     QCOMPARE(bench.streamErrors, 1);
     QVERIFY(!bench.controller(current).isStreaming());
     QVERIFY(!bench.states[current].isOnCommonPath[place]);
@@ -335,7 +336,7 @@ void TestDialogGroups::streamThatDoesNotStopKeepsTheStage()
     QVERIFY(bench.open());
     QVERIFY(bench.startStreams());
     bench.controller(current).setRules({rule});
-    QVERIFY(bench.click(lockStage[0]));
+    QVERIFY(bench.clickImpatiently(lockStage[0]));
     QCOMPARE(bench.heard().mid(0, 2), (QByteArrayList{toCurrent("CLS;"), toCurrent("CLS;")}));
     // Into a stream nothing is written.
     QCOMPARE(bench.controller(current).count("SSE"), stops ? 1 : 0);

@@ -13,6 +13,7 @@ using emulator::Rule;
 using Flags = std::array<bool, 2>;
 
 Q_DECLARE_METATYPE(Flags)
+Q_DECLARE_METATYPE(emulator::ControllerOptions)
 
 namespace {
 
@@ -231,7 +232,7 @@ void TestDialogOverlay::streamThatDoesNotStartAgainIsTold()
     QVERIFY(bench.startStreams());
     bench.controller(current).setRules(QList<Rule>{tellPositions()} + rules.mid(0, ofCurrent));
     bench.controller(partner).setRules(rules.mid(0, ofPartner));
-    QVERIFY(bench.click(align));
+    QVERIFY(bench.clickImpatiently(align));
     QCOMPARE(bench.streamErrors, ofCurrent + ofPartner);
     QCOMPARE(bench.heard(), stops() + multiplexCommands() + overlayCommands() + starts());
     QCOMPARE(bench.isStreaming(current), ofCurrent == 0);
@@ -275,7 +276,7 @@ void TestDialogOverlay::streamThatDoesNotStopIsLeftAlone()
     if (stopsAtLast)
         bench.controller(current).setRules({tellPositions()});
     bench.controller(system).addRule(rule);
-    QVERIFY(bench.click(align));
+    QVERIFY(bench.clickImpatiently(align));
     QCOMPARE(bench.failure(), message);
     QByteArrayList stopping = stops();
     stopping.insert(int(system), stops()[int(system)]);

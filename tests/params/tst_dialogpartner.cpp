@@ -11,6 +11,7 @@ using emulator::Rule;
 using Flags = std::array<bool, 2>;
 
 Q_DECLARE_METATYPE(Flags)
+Q_DECLARE_METATYPE(emulator::ControllerOptions)
 Q_DECLARE_METATYPE(Stage)
 Q_DECLARE_METATYPE(std::vector<SystemState>)
 
@@ -233,7 +234,7 @@ void TestDialogPartner::eachFailureOfTheLockIsNotedForThePartner()
     QVERIFY(bench.open());
     QVERIFY(bench.startStream(partner));
     bench.controller(current).setRules({rule});
-    QVERIFY(bench.click(lockPartner));
+    QVERIFY(bench.clickImpatiently(lockPartner));
     QVERIFY(bench.states[partner].isOnCommonPath[place]);
     QVERIFY(!bench.states[partner].isOnCommonPath[1 - place]);
     QCOMPARE(bench.heard(),
@@ -296,7 +297,7 @@ void TestDialogPartner::streamOfThePartnerThatDoesNotStartAgainIsTold()
     QVERIFY(bench.open());
     QVERIFY(bench.startStream(partner));
     bench.controller(partner).setRules({rule});
-    QVERIFY(bench.click(lockPartner));
+    QVERIFY(bench.clickImpatiently(lockPartner));
     QCOMPARE(bench.streamErrors, 1);
     QCOMPARE(bench.states[partner].isOnCommonPath, (Flags{false, false}));
     QVERIFY(!bench.isEnabled(lockPartner));

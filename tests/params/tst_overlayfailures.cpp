@@ -97,7 +97,7 @@ void TestOverlayFailures::failureIsToldAndTheStreamsGoOn()
     QVERIFY(bench.startStreams());
     bench.controller(current).setRules(rulesOfCurrent);
     bench.controller(partner).setRules(rulesOfPartner);
-    QVERIFY(bench.click(align));
+    QVERIFY(bench.clickImpatiently(align));
     QCOMPARE(bench.failure(), message);
     QCOMPARE(bench.heard(), stops() + sent + starts());
     QCOMPARE(bench.states[partner].isOnCommonPath, after);
@@ -132,7 +132,7 @@ void TestOverlayFailures::positionsThatAreNoneAreMissing()
     GroupBench bench;
     QVERIFY(bench.open());
     bench.controller(current).setRules({rule});
-    QVERIFY(bench.click(align));
+    QVERIFY(bench.clickImpatiently(align));
     QCOMPARE(bench.failure(), valuesMissing);
     QCOMPARE(bench.heard(), multiplexCommands() + overlayCommands().mid(0, 1));
     QVERIFY(bench.areGroupButtonsEnabled());
