@@ -43,8 +43,7 @@ void addFailuresOfTheStages()
     QTest::addColumn<Rule>("rule");
     for (const Stage stage : bothStages) {
         for (const Failure& failure : failuresOf(setSubsystem[indexOf(stage)]))
-            QTest::addRow("stage %d %s", int(indexOf(stage)) + 1, failure.name)
-                << stage << failure.rule;
+            QTest::addRow("stage %d %s", numberOf(stage), failure.name) << stage << failure.rule;
     }
 }
 
@@ -178,7 +177,7 @@ void TestDialogGroups::stageOnItsOwnDetectorIsAskedAllTheSame_data()
     QTest::addColumn<Stage>("stage");
     QTest::addColumn<bool>("isAccepted");
     for (const Stage stage : bothStages) {
-        const int number = int(indexOf(stage)) + 1;
+        const int number = numberOf(stage);
         QTest::addRow("stage %d accepts", number) << stage << true;
         QTest::addRow("stage %d refuses", number) << stage << false;
     }
@@ -295,8 +294,7 @@ void TestDialogGroups::streamThatDoesNotStartAgainIsTold_data()
     QTest::addColumn<Rule>("rule");
     for (const Stage stage : bothStages) {
         for (const Failure& failure : failuresOf("SLS"))
-            QTest::addRow("stage %d %s", int(indexOf(stage)) + 1, failure.name)
-                << stage << failure.rule;
+            QTest::addRow("stage %d %s", numberOf(stage), failure.name) << stage << failure.rule;
     }
 }
 
