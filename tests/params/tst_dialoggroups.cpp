@@ -54,6 +54,8 @@ class TestDialogGroups : public QObject
     Q_OBJECT
 
 private slots:
+    void nothingShowsTheControls();
+    void controlsSayWhatTheyDo();
     void openingTellsTheDetectorOfEachStage_data();
     void openingTellsTheDetectorOfEachStage();
     void openingEnablesTheButtonsAndForgetsThePartner();
@@ -80,6 +82,35 @@ private slots:
     void clicksDuringAnExchangeAreLost_data();
     void clicksDuringAnExchangeAreLost();
 };
+
+void TestDialogGroups::nothingShowsTheControls()
+{
+    ParamsBench bench;
+    QVERIFY(bench.open());
+    QVERIFY(bench.clickAndWait("pushButtonRefresh"));
+    for (const char* name :
+         {"frame_2", "multiLine", lockPartner, "detectorLabel1", "detectorLabel2"})
+        QVERIFY2(bench.find<QWidget>(name).isHidden(), name);
+}
+
+void TestDialogGroups::controlsSayWhatTheyDo()
+{
+    GroupBench bench(1);
+    QVERIFY(bench.open());
+    QCOMPARE(bench.text("label_29"), QString("Beam Overlay"));
+    QCOMPARE(bench.text("label_30"), QString("Lock subsystem on path of common detectors"));
+    QCOMPARE(bench.text("label_31"), QString("2nd subsystem of group: "));
+    const auto textOf = [&](const char* button) {
+        return bench.dialog.findChild<QPushButton*>(button)->text();
+    };
+    QCOMPARE(textOf(align), QString("Apply positions"));
+    QCOMPARE(textOf(lockPartner), QString("Lock 2nd subsystem"));
+    QCOMPARE(textOf(lockStage[0]), QString("Stage 1"));
+    QCOMPARE(textOf(lockStage[1]), QString("Stage 2"));
+    const auto* frame = bench.dialog.findChild<QWidget*>("frame_2");
+    for (const char* button : allButtons)
+        QVERIFY(frame->isAncestorOf(bench.dialog.findChild<QWidget*>(button)));
+}
 
 void TestDialogGroups::openingTellsTheDetectorOfEachStage_data()
 {
