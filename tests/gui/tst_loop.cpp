@@ -1,8 +1,6 @@
 // The whole road: a click in the window closes the emulated controller's loop, and the window
 // shows what that does to the beam.
 
-#include "link/commandframe.h"
-#include "link/connection.h"
 #include "model/detector.h"
 #include "params/paramsdialog.h"
 #include "plots/genericplot.h"
@@ -17,6 +15,7 @@
 #include <QDoubleSpinBox>
 #include <QIcon>
 #include <QLabel>
+#include <QLineF>
 #include <QPushButton>
 #include <QtTest>
 
@@ -74,99 +73,6 @@ bool apply(const ParamsDialog& dialog, const char* field, double value)
     return user::click(button) && QTest::qWaitFor([button] { return button->isEnabled(); });
 }
 
-constexpr std::size_t partnerIndex = 2;
-
-/// A system whose beams stand still, in the group that it shares a common detector with.
-emulator::ControllerOptions memberOfGroup(quint64 seed, bool vm)
-{
-    emulator::ControllerOptions options;
-    options.preset = emulator::Preset::Still;
-    options.group = 7;
-    options.seed = seed;
-    options.vm = vm;
-    return options;
-}
-
-/// Opens the window with two systems of a group, and between them one that has no group.
-bool openGroup(WindowFixture& fixture, bool vm)
-{
-    emulator::ControllerOptions first = memberOfGroup(11, vm);
-    first.stages[0].offsetXUm = 4.0;
-    first.stages[0].offsetYUm = -2.0;
-    first.stages[1].offsetXUm = -6.0;
-    fixture.addController(first);
-    fixture.addController();
-    fixture.addController(memberOfGroup(12, vm));
-    if (!fixture.open())
-        return false;
-    for (int number = 0; number <= int(partnerIndex); ++number) {
-        ConnectionSettings record = fixture.record(number);
-        record.group = number == 1 ? 0 : 3;
-        if (!fixture.registerSystem(record, number))
-            return false;
-    }
-    return true;
-}
-
-/// x and y of stage 1, then of stage 2, V.
-using Places = std::array<QPointF, 2>;
-
-Places placesIn(const QByteArray& reply, const std::array<int, 2>& offsets)
-{
-    constexpr double voltPerMillivolt = 0.001;
-    Places places;
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        const char* bytes = reply.constData();
-        places[i] = voltPerMillivolt
-                    * QPointF(command::signedValueAt(bytes, offsets[i]),
-                              command::signedValueAt(bytes, offsets[i] + 2));
-    }
-    return places;
-}
-
-QByteArray ask(Connection& connection, void (Connection::*question)())
-{
-    (connection.*question)();
-    QByteArray reply;
-    connection.fetchReply(reply);
-    return reply;
-}
-
-/// How much further a beam at rest is on the common detector than on its own one, V.
-Places wayToCommonDetector(Connection& connection)
-{
-    const Places common = placesIn(ask(connection, &Connection::getCommonAdjustment), {2, 6});
-    const Places own = placesIn(ask(connection, &Connection::triggerOneShot), {4, 10});
-    return {common[0] - own[0], common[1] - own[1]};
-}
-
-/// How far the beams of the two systems are from each other on the common detector of a stage, V,
-/// by what the pointing plot shows of both. Negative if it shows nothing.
-double apart(const WindowFixture& fixture, Stage stage, const Places& wayOfFirst,
-             const Places& wayOfPartner)
-{
-    const GenericPlot& plot = fixture.pointingPlot(numberOf(stage));
-    const QVector<QPointF> first = pointsOf(plot, 0);
-    const QVector<QPointF> second = pointsOf(plot, int(partnerIndex));
-    if (first.isEmpty() || second.isEmpty())
-        return -1.0;
-    return QLineF(first.last() + wayOfFirst[indexOf(stage)],
-                  second.last() + wayOfPartner[indexOf(stage)])
-        .length();
-}
-
-/// Opens the parameters of a system with the controls of its group, which nothing else shows.
-ParamsDialog* openGroupControls(const WindowFixture& fixture, std::size_t index)
-{
-    auto* dialog = fixture.window().findChild<ParamsDialog*>();
-    dialog->openFor(&fixture.connection(int(index)));
-    dialog->findChild<QWidget*>("frame_2")->show();
-    auto* button = dialog->findChild<QPushButton*>("alignPushButton");
-    const bool isReady = QTest::qWaitForWindowExposed(dialog)
-                         && QTest::qWaitFor([button] { return button->isEnabled(); });
-    return isReady ? dialog : nullptr;
-}
-
 double bar(const WindowFixture& fixture, const char* name)
 {
     return fixture.find<ThermoSlider>(name)->value();
@@ -193,8 +99,7 @@ private slots:
     void thePiezoBarsFollowTheLoop();
     void lessPFactorHoldsTheBeamLess();
     void adjustInMovesTheBeamToItsValue();
-    void appliedPositionsBringThePartnerOntoTheFirst_data();
-    void appliedPositionsBringThePartnerOntoTheFirst();
+    void setHoldsTheBeamWhereItWas();
 };
 
 void TestLoop::switchingOnHoldsTheBeamAndSwitchingOffLetsItGo()
@@ -289,50 +194,33 @@ void TestLoop::adjustInMovesTheBeamToItsValue()
     QVERIFY(qAbs(y + 0.3) <= toleranceV);
 }
 
-void TestLoop::appliedPositionsBringThePartnerOntoTheFirst_data()
+void TestLoop::setHoldsTheBeamWhereItWas()
 {
-    QTest::addColumn<bool>("vm");
-    QTest::newRow("all packets are shown") << false;
-    QTest::newRow("VM, every second packet is shown") << true;
-}
-
-void TestLoop::appliedPositionsBringThePartnerOntoTheFirst()
-{
-    QFETCH(bool, vm);
-    WindowFixture fixture;
-    QVERIFY(openGroup(fixture, vm));
-    const Places wayOfFirst = wayToCommonDetector(fixture.connection());
-    const Places wayOfPartner = wayToCommonDetector(fixture.connection(int(partnerIndex)));
-    for (const Stage stage : bothStages)
-        fixture.controller(int(partnerIndex)).setStage(numberOf(stage), true);
-    QVERIFY(fixture.clickAction("startAction"));
-    const auto apartAt = [&](Stage stage) {
-        return apart(fixture, stage, wayOfFirst, wayOfPartner);
-    };
-    constexpr double leastApartV = 0.5;
-    std::array<double, 2> before{};
-    for (const Stage stage : bothStages) {
-        QTRY_VERIFY(apartAt(stage) > leastApartV);
-        before[indexOf(stage)] = apartAt(stage);
-    }
-
-    ParamsDialog* dialog = openGroupControls(fixture, 0);
+    emulator::ControllerOptions options;
+    options.stages[0].offsetXUm = 40.0;
+    options.stages[0].offsetYUm = -25.0;
+    WindowFixture fixture(1, options);
+    QVERIFY(prepare(fixture));
+    const double freeRms = measureRms(fixture);
+    const QPointF before(shownMean(fixture, "x"), shownMean(fixture, "y"));
+    const ParamsDialog* dialog = openParameters(fixture);
     QVERIFY(dialog);
-    QVERIFY(user::click(dialog->findChild<QWidget*>("alignPushButton")));
-    constexpr double togetherV = 0.003;
-    for (const Stage stage : bothStages) {
-        QTRY_VERIFY2(apartAt(stage) >= 0.0 && apartAt(stage) <= togetherV,
-                     qPrintable(QString("%1 V apart").arg(apartAt(stage))));
-        qInfo("Stage %d: %.3f V apart before, %.3f V behind it", numberOf(stage),
-              before[indexOf(stage)], apartAt(stage));
-    }
-    QCOMPARE(fixture.controller(1).count("SMD") + fixture.controller(1).count("SAI"), 0);
-
-    // The partner's stream has told the window so, too.
-    dialog = openGroupControls(fixture, partnerIndex);
-    QVERIFY(dialog);
-    QCOMPARE(dialog->findChild<QLabel*>("detectorLabel1")->text(), QString("Common"));
-    QCOMPARE(dialog->findChild<QLabel*>("detectorLabel2")->text(), QString("Common"));
+    auto* set = dialog->findChild<QPushButton*>("pushButton_SetHold");
+    QTRY_VERIFY(set->isEnabled());
+    QVERIFY(user::click(set));
+    QTRY_VERIFY(dialog->findChild<QPushButton*>("pushButtonApply")->isEnabled());
+    const double heldRms = measureRms(fixture);
+    const QPointF behind(shownMean(fixture, "x"), shownMean(fixture, "y"));
+    qInfo("RMS %.4f V at %.3f V, %.3f V; held %.4f V at %.3f V, %.3f V", freeRms, before.x(),
+          before.y(), heldRms, behind.x(), behind.y());
+    // Far from the target that adjust-in gives, which is the centre.
+    constexpr double offCentreV = 1.0;
+    QVERIFY(qAbs(before.x()) > offCentreV && qAbs(before.y()) > offCentreV);
+    // It is held where it was at one moment of its free walk, whose RMS is a tenth of a volt.
+    constexpr double toleranceV = 0.5;
+    QVERIFY(QLineF(before, behind).length() <= toleranceV);
+    QVERIFY2(heldRms > 0.0 && heldRms * 5.0 <= freeRms, "The beam does not come to rest");
+    QCOMPARE(fixture.find<QLabel>("label_ActiveText")->text(), QString("Active"));
 }
 
 QTEST_MAIN(TestLoop)
