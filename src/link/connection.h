@@ -182,6 +182,8 @@ protected:
     int timeoutMs() const { return condition.timeoutMs; }
 
     void setBaudRate(int baudRate) { condition.baudRate = baudRate; }
+    /// What `takeCommonSample` takes. Nothing in the application stores anything there yet.
+    measureStore& commonSamples() { return commonStore; }
     /// What `releaseInPlace` does, with the kind of the connection for the log. Does nothing the
     /// second time.
     void release(const char* kind);

@@ -81,7 +81,9 @@ void Application::setPFactors()
     setPFactor(Stage::Two, taken ? of(Stage::Two).pFactorMv : std::nullopt);
 }
 
-/// Nobody looks at the reply for the external input: without a cable there is no other source.
+/// Sent to every firmware, known or not, and also where the form does not offer it: kept, since a
+/// controller that does not know it refuses. Nobody looks at the reply for the external input:
+/// without a cable there is no other source.
 void Application::setSensitivity(Stage stage)
 {
     const std::optional<int>& wishMv = of(stage).sensitivityMv;

@@ -122,8 +122,11 @@ void ParamsDialog::openFor(const Connection* connection)
 
 void ParamsDialog::reset()
 {
-    for (StageParametersView& view : views)
-        view.reset();
+    for (const Stage stage : bothStages) {
+        viewOf(stage).reset();
+        viewOf(stage).showDetector(*current->detectors[indexOf(stage)]);
+        buttons.allow(holdButton(stage), false);
+    }
     group.reset();
     ui->checkBoxDisplayLowRepetitionWithTriggers->setChecked(false);
 }

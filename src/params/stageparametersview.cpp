@@ -38,6 +38,8 @@ StageParametersView::StageParametersView(const Widgets& shown)
 void StageParametersView::reset()
 {
     showParameters({});
+    showPosition(AxisValues{});
+    showSensitivity(0, false);
     selectPFactorSource(Source::External);
     selectAdjustSource(Source::External);
 }

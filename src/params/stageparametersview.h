@@ -37,8 +37,8 @@ public:
     /// Fills the list of types.
     explicit StageParametersView(const Widgets& shown);
 
-    /// Forgets the values of the system before: zero everywhere, all from the external inputs. The
-    /// type and what belongs to it stay until `showDetector`.
+    /// Forgets the values of the system before: zero everywhere, all from the external inputs.
+    /// `showDetector` brings the detector of the one that follows.
     void reset();
 
     void showParameters(const StageParameters& parameters);

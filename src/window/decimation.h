@@ -13,11 +13,16 @@ inline int plotDecimation(int rateHz, double timeWindowMs, int plotWidthPx)
     return decimation < 1 ? 1 : decimation;
 }
 
+/// How finely a time plot tells the time of a sample. Whole seconds are cut, not rounded.
+enum class TimeSteps { Milliseconds, WholeSeconds };
+
 /// Seconds between a sweep's origin and a sample. A sample from before the origin lies enormously
 /// far behind it, which makes the sweep begin anew.
-inline double secondsSince(quint64 originMs, quint64 timeMs)
+inline double secondsSince(quint64 originMs, quint64 timeMs,
+                           TimeSteps steps = TimeSteps::Milliseconds)
 {
-    return double(timeMs - originMs) / 1000.0;
+    const quint64 passedMs = timeMs - originMs;
+    return steps == TimeSteps::WholeSeconds ? double(passedMs / 1000) : double(passedMs) / 1000.0;
 }
 
 /// Picks one of every so many samples of a time plot, beginning with the first.

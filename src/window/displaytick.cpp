@@ -40,10 +40,15 @@ void DisplayTick::run()
 {
     showUnits();
     limitRates();
-    if (toolBar.isRunning() && toolBar.startAction().isEnabled())
+    if (isAcquiring())
         showSamples();
     pollStatuses();
     showStageStates();
+}
+
+bool DisplayTick::isAcquiring() const
+{
+    return toolBar.isRunning() && toolBar.startAction().isEnabled();
 }
 
 void DisplayTick::showUnits()
@@ -87,12 +92,22 @@ void DisplayTick::limitRatesToLines()
 
 void DisplayTick::showSamples()
 {
-    const SampleSource live{systems.displayed(), &Connection::takeLiveSample, 0};
-    SamplePass pass(systems, stages, statistics, toolBar.samplingRateHz());
-    if (!pass.show(drain(systems, live)))
-        acquisition.stop();
+    show(sourceOfDisplayed(systems), mannerOfDisplayed(systems));
     for (StageView& stage : stages)
         stage.plots().replot();
+}
+
+void DisplayTick::showCommonSamples()
+{
+    if (isAcquiring())
+        show(sourceOfCommon(systems), mannerOfCommon(systems));
+}
+
+void DisplayTick::show(const SampleSource& source, const SampleManner& manner)
+{
+    SamplePass pass(systems, stages, statistics, manner, toolBar.samplingRateHz());
+    if (!pass.show(drain(systems, source)))
+        acquisition.stop();
 }
 
 void DisplayTick::pollStatuses()

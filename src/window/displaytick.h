@@ -10,6 +10,8 @@ class Acquisition;
 class LiveSystems;
 class MonitorToolBar;
 class Statistics;
+struct SampleManner;
+struct SampleSource;
 
 /// What runs at every display tick: units and rates follow the displayed systems, waiting samples
 /// reach the stages while the acquisition runs, systems that do not stream are asked for their
@@ -24,6 +26,9 @@ public:
                 Statistics& statistics, Acquisition& acquisition);
 
     void run();
+    /// Shows what waits of the common detectors while the acquisition runs, without painting. The
+    /// tick itself does not call it: nothing stores their samples yet.
+    void showCommonSamples();
 
     /// Limits the rates to what the lines of the registered systems can carry.
     void limitRatesToLines();
@@ -36,7 +41,9 @@ private:
     void showUnits();
     void limitRates();
     bool allDisplayedArePulsed() const;
+    bool isAcquiring() const;
     void showSamples();
+    void show(const SampleSource& source, const SampleManner& manner);
     void pollStatuses();
     void showStageStates();
 

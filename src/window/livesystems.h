@@ -40,8 +40,8 @@ public:
 
     /// Indices of the displayed systems, in the order in which they were shown.
     const QList<int>& displayed() const { return displayedIndices; }
-    /// Indices of the systems whose common detector is shown, in the order of its curves. What
-    /// shows one is not settled: the application itself leaves the list empty.
+    /// Indices of the systems whose common detector is shown, in the order of its curves. When one
+    /// is shown is not settled: the application itself leaves the list empty.
     const QList<int>& common() const { return commonIndices; }
     /// The curve of the common detector at this place of its list: they follow those of all
     /// systems.

@@ -158,7 +158,6 @@ void MainWindow::wireSystems()
             [this] { connectionOverviewDialog->update(systems.statuses()); });
     connect(&systems, &LiveSystems::closed, this, &MainWindow::onSystemClosed);
     connect(&systems, &LiveSystems::shown, &acquisition, &Acquisition::joinIfRunning);
-    connect(&systems, &LiveSystems::commonShown, &acquisition, &Acquisition::joinIfRunning);
     connect(&systems, &LiveSystems::disconnected, paramsDialog, &ParamsDialog::closeIfDisconnected);
     connect(&systems, &LiveSystems::lost, settingsDialog, &SettingsDialog::onLinkLost);
     connect(&systemsView, &SystemsView::controlsEnabled, dataLoggerDialog,

@@ -72,6 +72,8 @@ public slots:
     /// answered.
     bool reconnectConnection(QString address, QString& boardID);
     void showConnection(QString id, bool show);
+    /// Has no effect yet: when a common detector is shown is not settled.
+    void showConnectionCommonDetector(QString id, bool show);
     /// `graph` is 0 for x, 1 for y, 2 for intensity.
     void updateColorGraph(QString id, QColor color, int graph);
     void changeLabel(QString address, QString label);
@@ -142,6 +144,7 @@ protected:
 
 private slots:
     void updateData();
+    void updateDataCommon();
     bool on_push_Stab1_clicked();
     bool on_push_Stab2_clicked();
     void on_actionExit_triggered();

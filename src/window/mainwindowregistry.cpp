@@ -56,6 +56,7 @@ bool MainWindow::closeConnection(const Connection* connection)
     if (systems.indexOf(connection) < 0)
         return false;
     updateTimer.stop();
+    showConnectionCommonDetector(connection->address(), false);
     systems.close(connection);
     displayTick.limitRatesToLines();
     updateTimer.start();
@@ -84,6 +85,8 @@ ReconnectResult MainWindow::reconnect(const Connection* connection, const QStrin
 
 bool MainWindow::disconnectLink(const Connection* connection)
 {
+    if (systems.indexOf(connection) >= 0)
+        showConnectionCommonDetector(connection->address(), false);
     return systems.disconnectLink(connection);
 }
 
@@ -116,7 +119,7 @@ bool MainWindow::closedConnection(QString address)
 
 bool MainWindow::disconnectConnection(QString address)
 {
-    return systems.disconnectLink(systems.find(address));
+    return disconnectLink(systems.find(address));
 }
 
 bool MainWindow::reconnectConnection(QString address, QString& boardID)
@@ -128,6 +131,8 @@ void MainWindow::showConnection(QString id, bool show)
 {
     showSystem(systems.find(id), show);
 }
+
+void MainWindow::showConnectionCommonDetector(QString, bool) {}
 
 void MainWindow::showSystem(const Connection* connection, bool show)
 {

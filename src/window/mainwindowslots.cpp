@@ -21,6 +21,11 @@ void MainWindow::updateData()
     updateTimer.start();
 }
 
+void MainWindow::updateDataCommon()
+{
+    displayTick.showCommonSamples();
+}
+
 bool MainWindow::on_push_Stab1_clicked()
 {
     stabilisation.switchAsClicked(stages[0]);

@@ -69,11 +69,9 @@ bool Multiplexing::switchSystem(LiveSystem& system, Stage stage, bool on)
     return true;
 }
 
-/// Whether the controller accepted the command.
+/// Whether the controller accepted the command. A connection that is down sends none.
 bool Multiplexing::carryOut(Connection& connection, Stage stage, bool on)
 {
-    if (!connection.isConnected())
-        return false;
     const WaitCursor waiting;
     StreamPause pause(connection);
     const bool accepted = command::isAcceptedByOne(sendSwitch(connection, stage, on));

@@ -2,7 +2,7 @@
 
 #include <numeric>
 
-double ReadoutAverage::add(double value)
+double ReadoutAverage::add(double value, std::size_t length)
 {
     if (values.size() >= length)
         values.erase(values.begin());

@@ -6,11 +6,11 @@
 class ReadoutAverage
 {
 public:
-    static constexpr std::size_t length = 41;
+    static constexpr std::size_t usualLength = 41;
 
     void clear() { values.clear(); }
-    /// Adds a value and returns the mean over the latest 41.
-    double add(double value);
+    /// Adds a value and returns the mean over the latest ones, at most `length` of them.
+    double add(double value, std::size_t length = usualLength);
 
 private:
     std::vector<double> values;

@@ -13,14 +13,31 @@ namespace {
 
 constexpr std::size_t maxSamplesPerTick = 501;
 
+StagePositions voltsOf(const MeasureSample& sample)
+{
+    return {QPointF(sample.x1, sample.y1) * positionScale,
+            QPointF(sample.x2, sample.y2) * positionScale};
+}
+
 } // namespace
+
+SampleSource sourceOfDisplayed(const LiveSystems& systems)
+{
+    return {systems.displayed(), &Connection::takeLiveSample, std::nullopt};
+}
+
+SampleSource sourceOfCommon(const LiveSystems& systems)
+{
+    return {systems.common(), &Connection::takeCommonSample, systems.commonCurve(0)};
+}
 
 std::vector<SampleBlock> drain(const LiveSystems& systems, const SampleSource& source)
 {
     std::vector<SampleBlock> blocks;
     blocks.reserve(std::size_t(source.systems.size()));
     for (const int index : source.systems) {
-        SampleBlock block{index, source.curveOffset + index, {}};
+        const int curve = source.firstCurve ? *source.firstCurve + int(blocks.size()) : index;
+        SampleBlock block{index, curve, {}};
         Connection& connection = systems.connectionAt(index);
         MeasureSample sample;
         while (block.samples.size() < maxSamplesPerTick && (connection.*source.store)(sample) != 0)
@@ -31,10 +48,11 @@ std::vector<SampleBlock> drain(const LiveSystems& systems, const SampleSource& s
 }
 
 SamplePass::SamplePass(LiveSystems& liveSystems, Stages& stageViews, Statistics& runStatistics,
-                       int samplingRateHz)
+                       const SampleManner& sampleManner, int samplingRateHz)
     : systems(liveSystems)
     , stages(stageViews)
     , statistics(runStatistics)
+    , manner(sampleManner)
     , decimations{stages[0].plots().decimation(samplingRateHz),
                   stages[1].plots().decimation(samplingRateHz)}
 {}
@@ -42,7 +60,7 @@ SamplePass::SamplePass(LiveSystems& liveSystems, Stages& stageViews, Statistics&
 bool SamplePass::show(const std::vector<SampleBlock>& blocks)
 {
     for (std::size_t i = 0; i < blocks.size(); ++i) {
-        const Place place{i == 0, i + 1 == blocks.size(), blocks.size() == 1};
+        const Place place{i == 0, i + 1 == blocks.size()};
         if (!showBlock(blocks[i], place))
             return false;
     }
@@ -52,30 +70,29 @@ bool SamplePass::show(const std::vector<SampleBlock>& blocks)
 bool SamplePass::showBlock(const SampleBlock& block, const Place& place)
 {
     LiveSystem& system = systems.at(block.system);
-    const bool everySample = system.detectors->pulsedLaser == 1;
+    const bool everySample = !manner.decimated || system.detectors->pulsedLaser == 1;
     // The first sample of a system in each tick is always plotted.
     std::array<Decimation, 2> passing{Decimation(decimations[0]), Decimation(decimations[1])};
 
     for (const MeasureSample& sample : block.samples) {
         const StagePositions positions = positionsOf(sample, system);
         for (std::size_t stage = 0; stage < stages.size(); ++stage) {
-            if (passing[stage].takes() || everySample)
-                stages[stage].plots().appendTimePoints(block.curve, sample.timeMs, positions[stage],
-                                                       stageValues(sample, stage).intensity
-                                                           * intensityScale);
-            stages[stage].plots().appendPointingPoint(block.curve, positions[stage]);
+            const bool intoTimePlots = passing[stage].takes() || everySample;
+            plot(sample, stage, block.curve, positions[stage], intoTimePlots);
         }
-        if (place.single)
+        if (manner.readOut)
             showReadouts(sample, positions, system);
-        if (place.first) {
+        if (place.first && manner.sweeps) {
             for (StageView& stage : stages)
                 stage.plots().wrapSweep(sample.timeMs);
         }
         // The sample that ends a run tells no state: the controller is asked from now on.
-        if (!statistics.take(system, positions, place.first, place.last))
+        const StagePositions counted = manner.statisticsInVolts ? voltsOf(sample) : positions;
+        if (!statistics.take(system, counted, place.first, place.last && manner.endsRuns))
             return false;
     }
-    if (!block.samples.empty() && packet::hasFlags(system.connection->firmwareVersion()))
+    if (manner.tellsState && !block.samples.empty()
+        && packet::hasFlags(system.connection->firmwareVersion()))
         statusflags::takeSample(system.status, block.samples.back());
     return true;
 }
@@ -94,10 +111,23 @@ StagePositions SamplePass::positionsOf(const MeasureSample& sample, const LiveSy
     return positions;
 }
 
+void SamplePass::plot(const MeasureSample& sample, std::size_t stage, int curve,
+                      const QPointF& position, bool intoTimePlots)
+{
+    StagePlots& plots = stages[stage].plots();
+    const double intensityV = stageValues(sample, stage).intensity * intensityScale;
+    if (intoTimePlots)
+        plots.appendTimePoints(curve, sample.timeMs, position, intensityV, manner.timeSteps);
+    plots.appendPointingPoint(curve, position);
+}
+
 void SamplePass::showReadouts(const MeasureSample& sample, const StagePositions& positions,
                               const LiveSystem& system)
 {
-    for (std::size_t stage = 0; stage < stages.size(); ++stage)
-        stages[stage].readouts().show(positions[stage], stageValues(sample, stage),
-                                      (*system.detectors)[stage]->displayDecimals());
+    for (std::size_t stage = 0; stage < stages.size(); ++stage) {
+        const int decimals =
+            manner.decimals.value_or((*system.detectors)[stage]->displayDecimals());
+        stages[stage].readouts().show(positions[stage], stageValues(sample, stage), decimals,
+                                      manner.averagedSamples);
+    }
 }

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "model/measuresample.h"
+#include "window/samplemanner.h"
 #include "window/stageview.h"
 
 #include <QList>
 
+#include <optional>
 #include <vector>
 
 class Connection;
@@ -13,7 +15,7 @@ class Statistics;
 struct LiveSystem;
 
 /// Which samples a tick takes: those of these systems, from one of the two stores of each
-/// connection, for the curves that begin at an index.
+/// connection.
 struct SampleSource
 {
     /// Moves the oldest sample of a store to its argument; 0 if there is none.
@@ -22,9 +24,15 @@ struct SampleSource
     /// Indices of the systems, in the order in which they are shown.
     QList<int> systems;
     Store store;
-    /// Added to the index of a system, this gives that of its curves.
-    int curveOffset = 0;
+    /// The curve of the first system, which those of the others follow in their order. Unset, each
+    /// has the curve of its own index.
+    std::optional<int> firstCurve;
 };
+
+/// The streams of the displayed systems.
+SampleSource sourceOfDisplayed(const LiveSystems& systems);
+/// The common detectors that are shown.
+SampleSource sourceOfCommon(const LiveSystems& systems);
 
 /// The samples that one system gave to a tick.
 struct SampleBlock
@@ -38,12 +46,13 @@ struct SampleBlock
 /// is left is taken by the next one.
 std::vector<SampleBlock> drain(const LiveSystems& systems, const SampleSource& source);
 
-/// Brings the samples of one tick onto the stages: into the plots, the readouts of a single
-/// system, the statistics and the status records. Nothing is painted.
+/// Brings the samples of one tick onto the stages in one manner: into the plots, the readouts,
+/// the statistics and the status records. Nothing is painted.
 class SamplePass final
 {
 public:
-    SamplePass(LiveSystems& systems, Stages& stages, Statistics& statistics, int samplingRateHz);
+    SamplePass(LiveSystems& systems, Stages& stages, Statistics& statistics,
+               const SampleManner& manner, int samplingRateHz);
 
     /// Shows the blocks in their order. False if the run came to its end, which leaves out the
     /// rest of the last block.
@@ -54,17 +63,19 @@ private:
     {
         bool first;
         bool last;
-        bool single;
     };
 
     bool showBlock(const SampleBlock& block, const Place& place);
     StagePositions positionsOf(const MeasureSample& sample, const LiveSystem& system) const;
+    void plot(const MeasureSample& sample, std::size_t stage, int curve, const QPointF& position,
+              bool intoTimePlots);
     void showReadouts(const MeasureSample& sample, const StagePositions& positions,
                       const LiveSystem& system);
 
     LiveSystems& systems;
     Stages& stages;
     Statistics& statistics;
+    SampleManner manner;
     /// Every how many samples each stage's time plots take one.
     std::array<int, 2> decimations;
 };

@@ -1,7 +1,6 @@
 #include "window/stageplots.h"
 
 #include "plots/genericplot.h"
-#include "window/decimation.h"
 #include "window/systemcolors.h"
 
 #include <QBoxLayout>
@@ -120,9 +119,9 @@ void StagePlots::setCurveColors(int index, const SystemColors& colors)
 }
 
 void StagePlots::appendTimePoints(int index, quint64 timeMs, const QPointF& position,
-                                  double intensityV)
+                                  double intensityV, TimeSteps steps)
 {
-    const double t = secondsSince(originMs, timeMs);
+    const double t = secondsSince(originMs, timeMs, steps);
     positionPlot->appendData(2 * index, QPointF(t, position.x()));
     positionPlot->appendData(2 * index + 1, QPointF(t, position.y()));
     intensityPlot->appendData(index, QPointF(t, intensityV));

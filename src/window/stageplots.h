@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/stage.h"
+#include "window/decimation.h"
 
 #include <QPointF>
 #include <QtGlobal>
@@ -51,7 +52,8 @@ public:
     void setCurveColors(int index, const SystemColors& colors);
 
     /// `timeMs` is that of the sample, `intensityV` in volts.
-    void appendTimePoints(int index, quint64 timeMs, const QPointF& position, double intensityV);
+    void appendTimePoints(int index, quint64 timeMs, const QPointF& position, double intensityV,
+                          TimeSteps steps = TimeSteps::Milliseconds);
     void appendPointingPoint(int index, const QPointF& position);
     /// Begins a new sweep at `timeMs` if the present one is full by then, or began later.
     void wrapSweep(quint64 timeMs);

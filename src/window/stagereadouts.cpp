@@ -50,11 +50,13 @@ StageReadouts::StageReadouts(Stage stage, const Numbers& lcds, const BarLayouts&
     reset();
 }
 
-void StageReadouts::show(const QPointF& position, const StageValues& values, int decimals)
+void StageReadouts::show(const QPointF& position, const StageValues& values, int decimals,
+                         std::size_t averagedSamples)
 {
-    display(numbers.x, averageX.add(position.x()), decimals);
-    display(numbers.y, averageY.add(position.y()), decimals);
-    display(numbers.intensity, averageI.add(values.intensity * intensityScale), intensityDecimals);
+    const double intensityV = values.intensity * intensityScale;
+    display(numbers.x, averageX.add(position.x(), averagedSamples), decimals);
+    display(numbers.y, averageY.add(position.y(), averagedSamples), decimals);
+    display(numbers.intensity, averageI.add(intensityV, averagedSamples), intensityDecimals);
     barX.setValue(values.rx * piezoScale);
     barY.setValue(values.ry * piezoScale);
 }

@@ -34,7 +34,8 @@ public:
 
     /// Shows a sample: `position` in the unit of the stage with `decimals` behind the point, as
     /// mean over the latest samples, and the piezo drives as they are.
-    void show(const QPointF& position, const StageValues& values, int decimals);
+    void show(const QPointF& position, const StageValues& values, int decimals,
+              std::size_t averagedSamples = ReadoutAverage::usualLength);
     /// The next sample begins a new mean.
     void clearAverages();
     /// Shows 0 everywhere.

@@ -49,7 +49,8 @@ bool openByOverview(const WindowFixture& fixture, int index)
 bool clickAndWait(const ParamsDialog& dialog, const char* name)
 {
     auto& button = in<QPushButton>(dialog, name);
-    return user::click(&button) && QTest::qWaitFor([&] { return button.isEnabled(); });
+    const auto isEnabled = [&] { return button.isEnabled(); };
+    return QTest::qWaitFor(isEnabled) && user::click(&button) && QTest::qWaitFor(isEnabled);
 }
 
 /// Chooses the type of stage 1 as the keyboard does, its length, and applies both.

@@ -115,6 +115,7 @@ private slots:
     void triggersAreOfferedToThoseWhoKnowThem();
     void triggersAreThoseOfTheDetectors();
     void tickOfAnotherSystemIsGone();
+    void nothingOfAnotherSystemIsLeft();
     void detectorsAreThoseOfTheSystem();
     void lengthWithoutADetectorIsVolts();
     void dialogHasTheSizeOfWhatItShows();
@@ -357,6 +358,9 @@ void TestDialogReading::externalPFactorShowsTheLeastValue()
     options.pFactorMv = 0;
     ParamsBench bench(options);
     QVERIFY(bench.open());
+    for (const char* field : {"doubleSpinBox_PFactor", "doubleSpinBox_PFactor_2"})
+        bench.find<QDoubleSpinBox>(field).setValue(1.5);
+    QVERIFY(bench.clickAndWait(refresh));
     QCOMPARE(value(bench, "doubleSpinBox_PFactor"), 0.01);
     QCOMPARE(value(bench, "doubleSpinBox_PFactor_2"), 0.01);
     QVERIFY(isChecked(bench, "radioButton_PFactor_extern"));
@@ -494,6 +498,39 @@ void TestDialogReading::tickOfAnotherSystemIsGone()
     bench.dialog.removeDetectors(&old.client);
 }
 
+void TestDialogReading::nothingOfAnotherSystemIsLeft()
+{
+    const SensitivityOffered offered;
+    ControllerOptions options;
+    emulator::PacketValues values{};
+    values.x1 = 250;
+    options.script = {values};
+    options.scriptRepeats = true;
+    ParamsBench bench(options, recordWithTypes(2, 2));
+    QVERIFY(bench.open());
+    bench.link.controller.setRules({on("GDS").reply(valueReply(700))});
+    QVERIFY(bench.clickAndWait(refresh));
+    QVERIFY(bench.find<QPushButton>("pushButton_SetHold").isEnabled());
+
+    EmulatedLink other;
+    QVERIFY(other.connectAndIdentify());
+    other.controller.setRules({on("S1S").refuse(), on("GSF").refuse(), on("GDS").refuse()});
+    bench.dialog.addDetectors(other.client, recordWithTypes(4, 2));
+    bench.dialog.openFor(&other.client);
+    QTRY_VERIFY(bench.find<QPushButton>(refresh).isEnabled());
+    QCOMPARE(value(bench, "doubleSpinBox_SetHoldX"), 0.0);
+    QCOMPARE(bench.find<QDoubleSpinBox>("doubleSpinBox_sens_1").text(), QString("0.00"));
+    QVERIFY(isChecked(bench, "radioButton_sensitivity_extern"));
+    QVERIFY(!bench.find<QPushButton>("pushButton_SetHold_2").isEnabled());
+
+    // One that is down is not asked, and shown all the same.
+    other.client.disconnectController();
+    bench.dialog.openFor(&bench.link.client);
+    bench.dialog.openFor(&other.client);
+    QCOMPARE(bench.find<QComboBox>("comboBox_DetecType").currentIndex(), 4);
+    bench.dialog.removeDetectors(&other.client);
+}
+
 void TestDialogReading::detectorsAreThoseOfTheSystem()
 {
     ConnectionSettings record = recordWithTypes(1, 4);
@@ -526,6 +563,9 @@ void TestDialogReading::lengthWithoutADetectorIsVolts()
     QVERIFY(bench.open());
     QVERIFY(isChecked(bench, "radioButtonPositionInVolt"));
     QVERIFY(isChecked(bench, "radioButtonPositionInVolt_2"));
+    QVERIFY(bench.clickAndWait("pushButtonApply"));
+    QCOMPARE(bench.detectors[0]->calculation, 0);
+    QCOMPARE(bench.detectors[1]->calculation, 0);
 }
 
 void TestDialogReading::dialogHasTheSizeOfWhatItShows()

@@ -56,6 +56,8 @@ private slots:
     void fieldsHaveTheirRanges();
     void twinsHaveTheSameTips_data();
     void twinsHaveTheSameTips();
+    void textsAreToTheLetter_data();
+    void textsAreToTheLetter();
     void newFormIsExternalEverywhere();
     void newFormOffersNoGroups();
     void typesAreThoseOfTheDetectors();
@@ -141,6 +143,16 @@ void TestParamsForm::twinsHaveTheSameTips_data()
         "Define sensitivity of detectors via software or external analog input.\nOnly has an "
         "effect if controller and detectors support this functionality.",
         "doubleSpinBox_sens_2");
+    row("radioButtonPositionInVolt",
+        "Select unit used to display the position of the beam on the detector in the application "
+        "and for data recording.\nDefaults to V for the plots when choosing different units for "
+        "the same stage for multiple connected systems.");
+    row("doubleSpinBox_SetHoldX", "Stabilize beam to currently detected location.");
+    row("doubleSpinBox_SetHoldY", "Stabilize beam to currently detected location.");
+    row("checkBoxDisplayLowRepetitionWithTriggers",
+        "A trigger pulse detected at the controller leads to transmission of a data packet. The "
+        "sampling rate is no longer considered.",
+        "checkBoxDisplayLowRepetitionWithTriggers");
     row("pushButton_SetHold",
         "The unstabilized position on the detector is used as the new target position.\nOnly "
         "available for PSD.");
@@ -153,6 +165,55 @@ void TestParamsForm::twinsHaveTheSameTips()
     const NewDialog bench;
     QTEST(bench.find<QWidget>(name).toolTip(), "tip");
     QTEST(bench.find<QWidget>(twin).toolTip(), "tip");
+}
+
+void TestParamsForm::textsAreToTheLetter_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("times");
+    const auto row = [](const char* text, int times) {
+        QTest::newRow(text) << QString::fromUtf8(text) << times;
+    };
+    // The stages head two columns, and name the two buttons of a group.
+    row("Stage 1", 2);
+    row("Stage 2", 2);
+    row("Type", 1);
+    row("Beam diameter", 1);
+    // The Greek letter, where the files of recordings have the micro sign. Kept.
+    row("[\xce\xbcm]", 1);
+    row("in [mm/\xce\xbcm]", 2);
+    row("in [V]", 2);
+    // Kept as it is known to those who use it.
+    row("Calculate postion", 1);
+    row("P-Factor", 1);
+    row("Adjust-In", 1);
+    row("Sensitivity in [V]", 1);
+    row("Set & Hold ", 1);
+    row("X in [V]", 2);
+    row("Y in [V]", 2);
+    row("software", 6);
+    row("external", 6);
+    row("Set", 2);
+    row("Display low repetition rates with triggers", 1);
+    row("Activate", 1);
+    for (const char* button :
+         {"Save", "Refresh", "Apply", "Close", "Apply positions", "Lock 2nd subsystem"})
+        row(button, 1);
+    row("Lock subsystem on path of common detectors", 1);
+    row("Beam Overlay", 1);
+    row("2nd subsystem of group: ", 1);
+}
+
+void TestParamsForm::textsAreToTheLetter()
+{
+    QFETCH(QString, text);
+    const NewDialog bench;
+    int found = 0;
+    for (const auto* label : bench.dialog.findChildren<QLabel*>())
+        found += label->text() == text ? 1 : 0;
+    for (const auto* button : bench.dialog.findChildren<QAbstractButton*>())
+        found += button->text() == text ? 1 : 0;
+    QTEST(found, "times");
 }
 
 void TestParamsForm::newFormIsExternalEverywhere()
@@ -328,6 +389,8 @@ void TestParamsForm::adjustFollowsTheType()
     ParamsBench bench({}, recordWithTypes(another, another));
     QVERIFY(bench.open());
     for (const QString stage : {"", "_2"}) {
+        QCOMPARE(isEnabled(bench, "radioButton_Adjust_intern" + stage), !canAdjust);
+        QCOMPARE(isEnabled(bench, "pushButton_SetHold" + stage), !canAdjust);
         QVERIFY(bench.choose("comboBox_DetecType" + stage, type));
         QCOMPARE(isEnabled(bench, "radioButton_Adjust_intern" + stage), canAdjust);
         QCOMPARE(isEnabled(bench, "radioButton_Adjust_extern" + stage), canAdjust);

@@ -154,6 +154,12 @@ bool ScriptedConnection::sendPackets(const QByteArray& packets)
     return waitUntil([this, expected] { return samplesStored() >= expected; });
 }
 
+void ScriptedConnection::storeCommonSamples(const std::vector<MeasureSample>& samples)
+{
+    for (const MeasureSample& sample : samples)
+        commonSamples().storeSample(sample);
+}
+
 int ScriptedConnection::takeGivenSample(MeasureSample& out)
 {
     if (given.empty())

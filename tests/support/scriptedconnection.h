@@ -59,6 +59,9 @@ public:
     /// stream.
     bool sendPackets(const QByteArray& packets);
 
+    /// Samples of the common detector, as if the controller had sent them.
+    void storeCommonSamples(const std::vector<MeasureSample>& samples);
+
     /// Samples that `takeGivenSample` gives, oldest first.
     std::vector<MeasureSample> given;
     /// As the stores of a connection do: moves the oldest sample to `out`; 0 if there is none.

@@ -11,6 +11,8 @@ private slots:
     void aTimePlotGetsAboutOnePointPerPixel();
     void secondsCountFromTheOrigin_data();
     void secondsCountFromTheOrigin();
+    void wholeSecondsAreCut_data();
+    void wholeSecondsAreCut();
     void takenSamplesOfABlock_data();
     void takenSamplesOfABlock();
     void eachBlockBeginsWithATakenSample();
@@ -63,6 +65,25 @@ void TestDecimation::secondsCountFromTheOrigin()
     QFETCH(quint64, originMs);
     QFETCH(quint64, timeMs);
     QTEST(secondsSince(originMs, timeMs), "seconds");
+}
+
+void TestDecimation::wholeSecondsAreCut_data()
+{
+    QTest::addColumn<quint64>("passedMs");
+    QTest::addColumn<double>("seconds");
+    QTest::newRow("at once") << quint64(0) << 0.0;
+    QTest::newRow("just below a second") << quint64(999) << 0.0;
+    QTest::newRow("a second") << quint64(1000) << 1.0;
+    QTest::newRow("nearly ten") << quint64(9999) << 9.0;
+    // As enormous as with milliseconds, and whole as well.
+    QTest::newRow("before the origin") << ~quint64(0) << 18446744073709551.0;
+}
+
+void TestDecimation::wholeSecondsAreCut()
+{
+    QFETCH(quint64, passedMs);
+    constexpr quint64 originMs = 1700000000000;
+    QTEST(secondsSince(originMs, originMs + passedMs, TimeSteps::WholeSeconds), "seconds");
 }
 
 void TestDecimation::takenSamplesOfABlock_data()

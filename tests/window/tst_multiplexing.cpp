@@ -54,6 +54,8 @@ private slots:
     void directionThatIsSetSendsNothingAndLeavesTheStream();
     void streamIsStoppedForASwitchAndGoesOnAtItsRate_data() { addDirections(); }
     void streamIsStoppedForASwitchAndGoesOnAtItsRate();
+    void streamWithoutARateOfItsOwnTakesThatOfTheToolBar();
+    void noTickComesMeanwhile();
     void replyIsJudgedByItsFirstByte_data();
     void replyIsJudgedByItsFirstByte();
     void failureLeavesTheOppositeAndLetsTheStreamRun_data() { addDirections(); }
@@ -145,6 +147,35 @@ void TestMultiplexing::streamIsStoppedForASwitchAndGoesOnAtItsRate()
     QCOMPARE(flag(2), on);
     QCOMPARE(flag(1), !on);
     QCOMPARE(failed.count(), 0);
+}
+
+void TestMultiplexing::streamWithoutARateOfItsOwnTakesThatOfTheToolBar()
+{
+    ScriptedConnection& connection = add();
+    // More than a connection keeps, as at the locked rate of pulsed lasers.
+    QCOMPARE(startStreamAtRate(connection, 1000), StreamStart::Runs);
+    bench->samplingRate().setValue(50);
+    switchStage(1, true);
+    QCOMPARE(connection.controller().messages().last(), QByteArray("SLS\x00\x00\x00\x32;", 8));
+}
+
+void TestMultiplexing::noTickComesMeanwhile()
+{
+    ScriptedConnection& connection = add(true);
+    connection.controller().answer("SLS", refusal);
+    bench->updateRate().setMaximum(500);
+    bench->updateRate().setValue(500);
+    bench->timer.start();
+    const QSignalSpy ticks(&bench->timer, &TickTimer::timeout);
+    // Takes events for much longer than a period.
+    connect(&bench->multiplexing, &Multiplexing::streamFailed, this, [&ticks] {
+        QEventLoop loop;
+        QTimer::singleShot(50, &loop, &QEventLoop::quit);
+        loop.exec();
+        QCOMPARE(ticks.count(), 0);
+    });
+    switchStage(1, true);
+    QCOMPARE(ticks.count(), 0);
 }
 
 void TestMultiplexing::replyIsJudgedByItsFirstByte_data()

@@ -11,6 +11,7 @@ private slots:
     void itIsTheMeanOfAllWhileTheyAreFew();
     void theForty_firstValueIsStillAveragedWithTheFirst();
     void theForty_secondValueDropsTheFirst();
+    void shorterAverageDropsTheFirstEarlier();
     void clearingForgetsEverything();
 };
 
@@ -53,6 +54,16 @@ void TestReadoutAverage::theForty_secondValueDropsTheFirst()
     average.add(41.0);
     QCOMPARE(addMany(average, 0.0, 41), 0.0);
     QCOMPARE(average.add(82.0), 2.0);
+}
+
+void TestReadoutAverage::shorterAverageDropsTheFirstEarlier()
+{
+    constexpr std::size_t length = 3;
+    ReadoutAverage average;
+    average.add(9.0, length);
+    average.add(0.0, length);
+    QCOMPARE(average.add(0.0, length), 3.0);
+    QCOMPARE(average.add(0.0, length), 0.0);
 }
 
 void TestReadoutAverage::clearingForgetsEverything()

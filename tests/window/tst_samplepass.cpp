@@ -53,12 +53,14 @@ private slots:
 
     void drainTakesTheSamplesOfEachSystemInTheirOrder();
     void drainTakesAtMost501AndTheRestNextTime();
-    void drainAddsTheOffsetToTheCurves();
+    void eachSystemHasTheCurveOfItsIndex();
+    void curvesOfCommonDetectorsFollowEachOther();
+    void displayedSystemsGiveTheirStreams();
     void timePlotsTakeEveryTenthAndPointingPlotsAll();
     void eachPassBeginsWithAPointOfEachSystem();
     void pulsedSystemsPlotEverySample();
     void valuesReachTheirPlotsInVolts();
-    void curveOffsetMovesTheCurves();
+    void blockSaysItsCurve();
     void singleSystemShowsItsReadouts();
     void twoSystemsShowNone();
     void sweepWrapsByTheFirstSystemOnly();
@@ -107,7 +109,9 @@ void TestSamplePass::addSystems(int count)
 
 bool TestSamplePass::show(const std::vector<SampleBlock>& blocks)
 {
-    return SamplePass(bench->systems, bench->stages, bench->statistics, rateHz).show(blocks);
+    return SamplePass(bench->systems, bench->stages, bench->statistics,
+                      mannerOfDisplayed(bench->systems), rateHz)
+        .show(blocks);
 }
 
 void TestSamplePass::drainTakesTheSamplesOfEachSystemInTheirOrder()
@@ -115,7 +119,8 @@ void TestSamplePass::drainTakesTheSamplesOfEachSystemInTheirOrder()
     addSystems(3);
     bench->connection(0).given = countedSamples(1);
     bench->connection(2).given = countedSamples(3);
-    const std::vector<SampleBlock> blocks = drain(bench->systems, {{2, 1}, givenSamples, 0});
+    const std::vector<SampleBlock> blocks =
+        drain(bench->systems, {{2, 1}, givenSamples, std::nullopt});
     QCOMPARE(blocks.size(), std::size_t(2));
     QCOMPARE(blocks[0].system, 2);
     QCOMPARE(blocks[0].samples.size(), std::size_t(3));
@@ -132,7 +137,7 @@ void TestSamplePass::drainTakesAtMost501AndTheRestNextTime()
     many[501].x1 = 77;
     bench->connection(0).given = many;
     bench->connection(1).given = many;
-    const SampleSource source{{0, 1}, givenSamples, 0};
+    const SampleSource source{{0, 1}, givenSamples, std::nullopt};
     for (const SampleBlock& taken : drain(bench->systems, source))
         QCOMPARE(taken.samples.size(), std::size_t(501));
     for (const SampleBlock& taken : drain(bench->systems, source)) {
@@ -141,12 +146,31 @@ void TestSamplePass::drainTakesAtMost501AndTheRestNextTime()
     }
 }
 
-void TestSamplePass::drainAddsTheOffsetToTheCurves()
+void TestSamplePass::eachSystemHasTheCurveOfItsIndex()
+{
+    addSystems(2);
+    const std::vector<SampleBlock> blocks =
+        drain(bench->systems, {{1, 0}, givenSamples, std::nullopt});
+    QCOMPARE(blocks[0].curve, 1);
+    QCOMPARE(blocks[1].curve, 0);
+}
+
+void TestSamplePass::curvesOfCommonDetectorsFollowEachOther()
 {
     addSystems(2);
     const std::vector<SampleBlock> blocks = drain(bench->systems, {{1, 0}, givenSamples, 7});
-    QCOMPARE(blocks[0].curve, 8);
-    QCOMPARE(blocks[1].curve, 7);
+    QCOMPARE(blocks[0].system, 1);
+    QCOMPARE(blocks[0].curve, 7);
+    QCOMPARE(blocks[1].curve, 8);
+}
+
+void TestSamplePass::displayedSystemsGiveTheirStreams()
+{
+    addSystems(2);
+    const SampleSource source = sourceOfDisplayed(bench->systems);
+    QCOMPARE(source.systems, QList<int>({0, 1}));
+    QVERIFY(source.store == &Connection::takeLiveSample);
+    QVERIFY(!source.firstCurve);
 }
 
 void TestSamplePass::timePlotsTakeEveryTenthAndPointingPlotsAll()
@@ -200,7 +224,7 @@ void TestSamplePass::valuesReachTheirPlotsInVolts()
     QCOMPARE(pointsOf(two.intensity(), 0), QVector<QPointF>{QPointF(0.5, 60.0)});
 }
 
-void TestSamplePass::curveOffsetMovesTheCurves()
+void TestSamplePass::blockSaysItsCurve()
 {
     addSystems(3);
     show({{0, 2, countedSamples(1)}});

@@ -20,6 +20,7 @@ private slots:
 
     void eachSystemHasItsCurves();
     void timePointsCountSecondsFromTheOrigin();
+    void timePointsCanCountWholeSeconds();
     void pointingPlotTakesPointsWithoutTime();
     void removedSystemTakesItsOwnCurvesAlong();
     void clearingASystemLeavesTheOthers();
@@ -92,6 +93,14 @@ void TestStagePlots::timePointsCountSecondsFromTheOrigin()
     QCOMPARE(pointsOf(plots().position(), 1), QVector<QPointF>{QPointF(2.5, 2.0)});
     QCOMPARE(pointsOf(plots().intensity(), 0), QVector<QPointF>{QPointF(2.5, 3.0)});
     QVERIFY(pointsOf(plots().pointing(), 0).isEmpty());
+}
+
+void TestStagePlots::timePointsCanCountWholeSeconds()
+{
+    plots().appendTimePoints(0, originMs + 2999, QPointF(1.0, 2.0), 3.0, TimeSteps::WholeSeconds);
+    QCOMPARE(pointsOf(plots().position(), 0), QVector<QPointF>{QPointF(2.0, 1.0)});
+    QCOMPARE(pointsOf(plots().position(), 1), QVector<QPointF>{QPointF(2.0, 2.0)});
+    QCOMPARE(pointsOf(plots().intensity(), 0), QVector<QPointF>{QPointF(2.0, 3.0)});
 }
 
 void TestStagePlots::pointingPlotTakesPointsWithoutTime()

@@ -24,6 +24,7 @@ private slots:
     void positionsHaveTheDecimalsOfTheDetector_data();
     void positionsHaveTheDecimalsOfTheDetector();
     void numbersAreMeansOverTheLatest41();
+    void numbersCanBeMeansOverFewerSamples();
     void barsShowTheLatestSampleOnly();
     void clearedAveragesBeginWithTheNextSample();
     void resetShowsZeroEverywhere();
@@ -76,6 +77,16 @@ void TestStageReadouts::numbersAreMeansOverTheLatest41()
     QCOMPARE(form().lcdX.value(), 2.0);
     readouts().show(QPointF(1.0, 0.0), values(0), 2);
     QCOMPARE(form().lcdX.value(), 1.0);
+}
+
+void TestStageReadouts::numbersCanBeMeansOverFewerSamples()
+{
+    constexpr std::size_t two = 2;
+    for (const double x : {100.0, 1.0, 3.0})
+        readouts().show(QPointF(x, -x), values(unsigned(1000 * x)), 2, two);
+    QCOMPARE(form().lcdX.value(), 2.0);
+    QCOMPARE(form().lcdY.value(), -2.0);
+    QCOMPARE(form().lcdIntensity.value(), 2.0);
 }
 
 void TestStageReadouts::barsShowTheLatestSampleOnly()
