@@ -149,7 +149,9 @@ void takeDialogs(MainWindow& window, const WindowHand& hand)
     QTest::mouseClick(*shown, Qt::LeftButton);
     auto* parameters = window.findChild<ParamsDialog*>();
     QTest::qWait(dialogMs);
-    parameters->findChild<QComboBox*>("comboBox_DetecType")->setCurrentIndex(PsdDetector);
+    for (const QString stage : {"", "_2"})
+        parameters->findChild<QComboBox*>("comboBox_DetecType" + stage)
+            ->setCurrentIndex(PsdDetector);
     parameters->findChild<QAbstractButton*>("radioButtonPositionInLength")->click();
     QTest::qWait(dialogMs);
     hand.take(*parameters, "parameters");
