@@ -7,7 +7,9 @@
 
 #include <QDateTime>
 
+#include <array>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -25,8 +27,47 @@ constexpr std::size_t scratchLength = 64;
 constexpr std::size_t maxLineLength =
     maxTimeLength + numbersPerLine * (1 + recordtext::maxFieldLength) + 1;
 
-/// Writes behind `at`, where `scratchLength` characters have room, and returns the new end.
-char* putNumber(char* at, double value, int decimals)
+/// By the number of decimals.
+constexpr std::array<quint32, 5> powersOfTen{1, 10, 100, 1000, 10000};
+/// So many digits, a sign and a point fit a field.
+constexpr double digitsLimit = 9999999.0;
+/// Multiplied by a power of ten, a number below `digitsLimit` is wrong by 1e-9 at most. Only a rest
+/// as near as this to one half leaves it open how the number itself is rounded.
+constexpr double doubt = 1e-6;
+
+char* putDigits(char* at, quint32 digits, int decimals)
+{
+    const quint32 power = powersOfTen[std::size_t(decimals)];
+    at = std::to_chars(at, at + scratchLength, digits / power).ptr;
+    if (decimals == 0)
+        return at;
+    *at = '.';
+    quint32 fraction = digits % power;
+    for (char* place = at + decimals; place > at; --place, fraction /= 10)
+        *place = char('0' + fraction % 10);
+    return at + 1 + decimals;
+}
+
+/// The usual numbers by arithmetic of integers, which takes a quarter of the time. Null for those
+/// that need more care.
+char* putUsualNumber(char* at, double value, int decimals)
+{
+    if (std::size_t(decimals) >= powersOfTen.size())
+        return nullptr;
+    const double scaled = std::abs(value) * powersOfTen[std::size_t(decimals)];
+    // Not so of what is no number, either.
+    if (!(scaled < digitsLimit))
+        return nullptr;
+    const auto whole = quint32(scaled);
+    const double rest = scaled - whole;
+    if (std::abs(rest - 0.5) < doubt)
+        return nullptr;
+    if (std::signbit(value))
+        *at++ = '-';
+    return putDigits(at, rest > 0.5 ? whole + 1 : whole, decimals);
+}
+
+char* putAnyNumber(char* at, double value, int decimals)
 {
     for (int kept = decimals; kept >= 0; --kept) {
         const std::to_chars_result result =
@@ -38,6 +79,13 @@ char* putNumber(char* at, double value, int decimals)
     const std::size_t length = std::strlen(infinite);
     std::memcpy(at, infinite, length);
     return at + length;
+}
+
+/// Writes behind `at`, where `scratchLength` characters have room, and returns the new end.
+char* putNumber(char* at, double value, int decimals)
+{
+    char* end = putUsualNumber(at, value, decimals);
+    return end ? end : putAnyNumber(at, value, decimals);
 }
 
 char* putField(char* at, double value, int decimals)

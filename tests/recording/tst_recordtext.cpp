@@ -97,6 +97,8 @@ private slots:
     void everyMillivoltIsAsPrintfGivesIt();
     void everyPositionIsAsPrintfGivesIt_data();
     void everyPositionIsAsPrintfGivesIt();
+    void numbersNearTheMiddleAreRoundedAsPrintfDoes_data();
+    void numbersNearTheMiddleAreRoundedAsPrintfDoes();
     void numberKeepsWithinItsField_data();
     void numberKeepsWithinItsField();
     void everyColumnHasItsOwnValue();
@@ -241,6 +243,32 @@ void TestRecordText::everyPositionIsAsPrintfGivesIt()
         QCOMPARE(fields.at(2), expected(y));
         QCOMPARE(fields.at(4), expected(y));
         QCOMPARE(fields.at(5), expected(x));
+    }
+}
+
+void TestRecordText::numbersNearTheMiddleAreRoundedAsPrintfDoes_data()
+{
+    QTest::addColumn<int>("decimals");
+    for (int decimals = 0; decimals <= 5; ++decimals)
+        QTest::addRow("%d decimals", decimals) << decimals;
+}
+
+void TestRecordText::numbersNearTheMiddleAreRoundedAsPrintfDoes()
+{
+    QFETCH(int, decimals);
+    const double power = std::pow(10.0, decimals);
+    // Up to the largest number that fits a field with its sign and all decimals.
+    for (double middle = 0.5; middle < 1e7; middle = std::floor(middle * 1.01) + 1.5) {
+        const double value = middle / power;
+        for (const double off : {0.0, 1e-15, 1e-12, 9e-7, 1.1e-6, 1e-3}) {
+            for (const double near : {value, value * (1 + off), value * (1 - off)}) {
+                const QByteArray expected = printed(near, decimals);
+                if (expected.size() < int(recordtext::maxFieldLength)) {
+                    QCOMPARE(numberOf(near, decimals), expected);
+                    QCOMPARE(numberOf(-near, decimals), '-' + expected);
+                }
+            }
+        }
     }
 }
 
