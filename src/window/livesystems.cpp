@@ -311,10 +311,8 @@ void LiveSystems::setGroup(const Connection* connection, int group)
 void LiveSystems::noteCommonPath(const Connection* connection, Stage stage, bool isOnCommonPath)
 {
     const int index = indexOf(connection);
-    if (index < 0)
-        return;
-    ConnectionStatus& status = at(index).status;
-    (stage == Stage::One ? status.multiplex1 : status.multiplex2) = isOnCommonPath;
+    if (index >= 0)
+        multiplexFlag(at(index).status, stage) = isOnCommonPath;
 }
 
 void LiveSystems::relabel(const Connection* connection, const QString& label)
