@@ -40,8 +40,7 @@ RecordFile::RecordFile(const QString& path)
     : filePath(path)
     , descriptor(openForRecording(path))
 {
-    struct stat state
-    {};
+    struct stat state = {};
     if (!isOpen() || ::fstat(descriptor, &state) != 0) {
         fail(errno);
         return;
@@ -116,7 +115,8 @@ std::size_t RecordFile::portion(std::size_t begin) const
 
 void RecordFile::endWriting(std::size_t count, int error)
 {
-    const bool waitsForRoom = error == EAGAIN && waiting.size() - count <= maxWaitingBytes;
+    const bool waitsForRoom =
+        !isRegular && error == EAGAIN && waiting.size() - count <= maxWaitingBytes;
     if (error != 0 && !waitsForRoom) {
         if (isRegular)
             cutTo(written + off_t(wholeLines(waiting, 0, count)));
@@ -136,7 +136,6 @@ void RecordFile::cutTo(off_t length)
 
 bool RecordFile::isRemoved() const
 {
-    struct stat state
-    {};
+    struct stat state = {};
     return countsLinks && ::fstat(descriptor, &state) == 0 && state.st_nlink == 0;
 }
