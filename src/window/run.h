@@ -1,6 +1,6 @@
 #pragma once
 
-#include "window/stagevalues.h"
+#include "model/stagevalues.h"
 #include "window/statisticssums.h"
 
 #include <QtGlobal>
