@@ -41,11 +41,10 @@ void ExchangeButtons::lock()
 /// Disabled buttons would hand the focus on, and a key meant for them would press another one.
 void ExchangeButtons::takeFocus()
 {
-    focused = dialog.focusWidget();
-    if (has(focused))
-        focused->clearFocus();
-    else
-        focused.clear();
+    QWidget* const before = dialog.focusWidget();
+    focused = has(before) ? before : nullptr;
+    if (focused)
+        before->clearFocus();
 }
 
 bool ExchangeButtons::has(const QWidget* widget) const
@@ -60,8 +59,9 @@ void ExchangeButtons::unlock()
     for (const Entry& entry : entries)
         entry.button->setEnabled(entry.isAllowed);
     // Who has moved the focus meanwhile keeps it.
-    if (focused && focused->isEnabled() && !dialog.focusWidget())
-        focused->setFocus();
+    QWidget* const before = focused;
+    if (before && before->isEnabled() && !dialog.focusWidget())
+        before->setFocus();
 }
 
 void ExchangeButtons::allow(const QPushButton& button, bool allowed)

@@ -78,6 +78,11 @@ LiveSystem* LiveSystems::current()
     return currentIndex < size() ? &at(currentIndex) : nullptr;
 }
 
+const LiveSystem* LiveSystems::current() const
+{
+    return currentIndex < size() ? &at(currentIndex) : nullptr;
+}
+
 QList<ConnectionStatus> LiveSystems::statuses() const
 {
     QList<ConnectionStatus> copies;

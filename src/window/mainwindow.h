@@ -3,6 +3,7 @@
 #include "setup/connectionregistry.h"
 #include "window/acquisition.h"
 #include "window/displaytick.h"
+#include "window/liverecording.h"
 #include "window/livesystems.h"
 #include "window/monitortoolbar.h"
 #include "window/multiplexing.h"
@@ -124,6 +125,11 @@ public slots:
     /// Keeps the pointing plots square and the columns of both stages equal.
     void resizeGraphs();
 
+    /// Records to a file, or every displayed system to one of its own. During a recording it ends
+    /// that one.
+    void startDataRecordingFromDlg(QString fileName, bool multiSave);
+    void stopDataRecordingFromDlg();
+
     void showParametersDialog();
     void closeParametersDialog();
     void showDataloggerDialog();
@@ -170,6 +176,8 @@ private:
     /// For the parameter dialog, of a registered connection.
     SystemState stateOf(const Connection& connection) const;
     void tellLinkFailed();
+    bool mayOverwrite(const QString& path);
+    void tellRecordingFailed(const RecordFailure& failure);
     void leave();
 
     std::unique_ptr<Ui::MainWindow> ui;
@@ -182,6 +190,8 @@ private:
     Acquisition acquisition;
     Stabilisation stabilisation;
     Multiplexing multiplexing;
+    Recorder recorder;
+    LiveRecording recording;
     DisplayTick displayTick;
     PlotFrame plotFrame;
     SystemsView systemsView;
@@ -196,6 +206,7 @@ private:
     RescaleTimeAxisDlg* rescaleTimeAxisDlg = nullptr;
     InformationDialog* informationDialog = nullptr;
     QMessageBox* streamErrorBox = nullptr;
+    QMessageBox* recordingErrorBox = nullptr;
 
     bool leaving = false;
 };
