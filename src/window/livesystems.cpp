@@ -273,7 +273,11 @@ ReconnectResult LiveSystems::reconnect(const Connection* connection, QString& ex
                                           : ReconnectResult::NoController);
     }
     expectedId = identity.id;
-    at(index).status.statusValid = true;
+    ConnectionStatus& status = at(index).status;
+    status.statusValid = true;
+    // Nobody asks for these, and a controller that was off begins on detectors of its own.
+    for (const Stage stage : bothStages)
+        multiplexFlag(status, stage) = false;
     display(index);
     logMessage().info() << "Successfully reconnected";
     return ReconnectResult::Reconnected;
