@@ -142,11 +142,13 @@ void recordLinesCopied(benchmark::State& state)
     countLines(state, text.size());
 }
 
-/// All that a tick does for its recordings after a stall, the writing to files included. The
-/// argument is the number of systems.
+/// All that a tick does for its recordings, the writing to files included, which only every
+/// so many ticks do. The arguments are the number of systems and of the samples of each: 5 at 500
+/// Hz and 100 ticks a second, 501 after a stall.
 void recordTick(benchmark::State& state)
 {
-    const std::vector<MeasureSample> samples = beamSamples();
+    std::vector<MeasureSample> samples = beamSamples();
+    samples.resize(std::size_t(state.range(1)));
     const DetectorPair detectors = detectorsOf(Lengths);
     const QTemporaryDir folder;
     const std::vector<char> places(std::size_t(state.range(0)));
@@ -176,12 +178,17 @@ void recordTick(benchmark::State& state)
     }
     if (!good)
         state.SkipWithError("the recording failed");
-    state.SetItemsProcessed(state.iterations() * linesPerTick * state.range(0));
+    state.SetItemsProcessed(state.iterations() * state.range(0) * state.range(1));
 }
 
 BENCHMARK(recordLines)->ArgName("lengths")->Arg(Volts)->Arg(Lengths);
 BENCHMARK(recordLinesPrinted)->ArgName("lengths")->Arg(Volts)->Arg(Lengths);
 BENCHMARK(recordLinesCopied)->ArgName("lengths")->Arg(Volts)->Arg(Lengths);
-BENCHMARK(recordTick)->ArgName("systems")->Arg(8)->Arg(50)->Unit(benchmark::kMillisecond);
+BENCHMARK(recordTick)
+    ->ArgNames({"systems", "samples"})
+    ->Args({50, 5})
+    ->Args({8, linesPerTick})
+    ->Args({50, linesPerTick})
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -184,6 +184,7 @@ void TestRecorderFailures::aFullDiskIsToldOnceAndKeepsWholeLines()
         bench->take(0, 100);
         failure = bench->recorder.flush(0);
         bench->take(0, 100);
+        QVERIFY(bench->recorder.recordOf(RecordBench::connection(0))->file().lines().empty());
         QVERIFY(!bench->recorder.flush(1000));
         QVERIFY(bench->recorder.isRecording());
         QVERIFY(!bench->recorder.stop());
