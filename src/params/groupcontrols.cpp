@@ -43,6 +43,7 @@ void GroupControls::lockStage(Connection& connection, Stage stage)
     const WaitCursor waiting;
     buttons.lock();
     QPushButton& button = *widgets.lockStage[indexOf(stage)];
+    // Kept: a stage that has left is led away once more, and cannot be asked again.
     if (!sources.stateOf(connection).isOnCommonPath[indexOf(stage)])
         buttons.allow(button, false);
     StreamPause pause(connection);

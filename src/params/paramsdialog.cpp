@@ -206,8 +206,10 @@ bool ParamsDialog::readAndShow()
 void ParamsDialog::showReading(const ParameterReading& reading)
 {
     if (!reading.unread.isEmpty()) {
+        // An Apply behind it writes the values that are shown.
         logMessage().warning() << "Not read from" << current->connection->address()
-                               << "and shown as 0:" << reading.unread.join(QStringLiteral(", "));
+                               << "(missing values are shown as 0):"
+                               << reading.unread.join(QStringLiteral(", "));
     }
     if (reading.statusFlags)
         showFlags(*reading.statusFlags);

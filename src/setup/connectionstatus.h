@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/stage.h"
+
 #include <QColor>
 #include <QString>
 
@@ -30,3 +32,9 @@ struct ConnectionStatus
     bool multiplex1 = false;
     bool multiplex2 = false;
 };
+
+/// Whether a stage measures with the common detector of its group.
+inline bool& multiplexFlag(ConnectionStatus& status, Stage stage)
+{
+    return stage == Stage::One ? status.multiplex1 : status.multiplex2;
+}

@@ -273,7 +273,11 @@ ReconnectResult LiveSystems::reconnect(const Connection* connection, QString& ex
                                           : ReconnectResult::NoController);
     }
     expectedId = identity.id;
-    at(index).status.statusValid = true;
+    ConnectionStatus& status = at(index).status;
+    status.statusValid = true;
+    // Nobody asks for these, and a controller that was off begins on detectors of its own.
+    for (const Stage stage : bothStages)
+        multiplexFlag(status, stage) = false;
     display(index);
     logMessage().info() << "Successfully reconnected";
     return ReconnectResult::Reconnected;
@@ -311,10 +315,8 @@ void LiveSystems::setGroup(const Connection* connection, int group)
 void LiveSystems::noteCommonPath(const Connection* connection, Stage stage, bool isOnCommonPath)
 {
     const int index = indexOf(connection);
-    if (index < 0)
-        return;
-    ConnectionStatus& status = at(index).status;
-    (stage == Stage::One ? status.multiplex1 : status.multiplex2) = isOnCommonPath;
+    if (index >= 0)
+        multiplexFlag(at(index).status, stage) = isOnCommonPath;
 }
 
 void LiveSystems::relabel(const Connection* connection, const QString& label)

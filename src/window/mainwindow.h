@@ -38,6 +38,7 @@ class MainWindow;
 ///
 /// Everything here runs on the GUI thread. Slots that take an address mean the connected system
 /// with that address, or the first one if none is connected; inside, a system is its `Connection`.
+/// `activeStage` and `multiplexSystem` say for themselves whom they mean.
 class MainWindow final : public QMainWindow, public ConnectionRegistry
 {
     Q_OBJECT

@@ -19,11 +19,6 @@ bool isStage(int number)
                        [number](Stage stage) { return numberOf(stage) == number; });
 }
 
-bool& directionOf(ConnectionStatus& status, Stage stage)
-{
-    return stage == Stage::One ? status.multiplex1 : status.multiplex2;
-}
-
 QByteArray sendSwitch(Connection& connection, Stage stage, bool on)
 {
     if (on)
@@ -60,7 +55,7 @@ void Multiplexing::switchStage(const QString& address, bool on, int stage)
 /// first one busy and stays as it is.
 bool Multiplexing::switchSystem(LiveSystem& system, Stage stage, bool on)
 {
-    bool& direction = directionOf(system.status, stage);
+    bool& direction = multiplexFlag(system.status, stage);
     if (direction == on || multiplexBusy)
         return false;
     multiplexBusy = true;

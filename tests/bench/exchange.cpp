@@ -1,3 +1,4 @@
+#include "params/parameterreading.h"
 #include "support/emulatedlink.h"
 
 #include <QDeadlineTimer>
@@ -20,6 +21,22 @@ void exchangeOfTheApplication(benchmark::State& state)
     }
     for ([[maybe_unused]] auto _ : state) {
         if (link.exchange(&Connection::getStatusFlags).size() != statusReplyBytes) {
+            state.SkipWithError("no reply");
+            break;
+        }
+    }
+}
+
+/// Everything that the parameter dialog asks, ten exchanges.
+void readingOfAllParameters(benchmark::State& state)
+{
+    EmulatedLink link;
+    if (!link.connectAndIdentify()) {
+        state.SkipWithError("no link to the emulated controller");
+        return;
+    }
+    for ([[maybe_unused]] auto _ : state) {
+        if (!readParameters(link.client).unread.isEmpty()) {
             state.SkipWithError("no reply");
             break;
         }
@@ -112,6 +129,7 @@ void exchangeOfABareSocket(benchmark::State& state)
 }
 
 BENCHMARK(exchangeOfTheApplication)->UseRealTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(readingOfAllParameters)->UseRealTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(statusPollOfAnAnsweringController)->UseRealTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(statusPollOfASilentController)->UseRealTime()->Unit(benchmark::kMicrosecond);
 BENCHMARK(endOfAConnection)->UseRealTime()->Unit(benchmark::kMicrosecond)->Iterations(50);

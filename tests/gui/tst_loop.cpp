@@ -173,6 +173,9 @@ void TestLoop::lessPFactorHoldsTheBeamLess()
     qInfo("RMS %.4f V with a P-factor of 1 V, %.4f V with 0.1 V", strongRms, weakRms);
     QVERIFY(strongRms > 0.0);
     QVERIFY2(weakRms >= strongRms * 2.0, "The loop does not hear of its P-factor");
+    // Weaker, and not gone.
+    QCOMPARE(fixture.controller().stage(1).pFactorMv, 100);
+    QCOMPARE(fixture.find<QLabel>("label_ActiveText")->text(), QString("Active"));
 }
 
 void TestLoop::adjustInMovesTheBeamToItsValue()

@@ -114,11 +114,14 @@ QString namesOf(const QVector<Question>& questions)
 void addQuestionFaults()
 {
     QTest::addColumn<Question>("question");
-    QTest::addColumn<Rule>("rule");
+    QTest::addColumn<Rule>("always");
+    QTest::addColumn<Rule>("once");
     for (const Question& question : questions()) {
-        for (const Fault& fault : faultsOf(question.command))
+        for (Fault& fault : faultsOf(question.command)) {
+            const Rule always = fault.rule;
             QTest::addRow("%s %s", qPrintable(question.name), fault.name)
-                << question << Rule(fault.rule);
+                << question << always << Rule(fault.rule.once());
+        }
     }
 }
 
@@ -272,8 +275,8 @@ QString FaultBench::difference(const Form& expected) const
 
 QString FaultBench::unread() const
 {
-    const QString beginning =
-        "warning: Not read from \"" + bench.link.client.address() + "\" and shown as 0: ";
+    const QString beginning = "warning: Not read from \"" + bench.link.client.address()
+                              + "\" (missing values are shown as 0): ";
     if (logged.size() == 1 && logged[0].startsWith(beginning))
         return logged[0].mid(beginning.size()).remove('"');
     return logged.isEmpty() ? QString() : logged.join('\n');

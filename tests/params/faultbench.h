@@ -36,7 +36,8 @@ QVector<Fault> faultsOf(const QByteArray& command);
 const QVector<Question>& questions();
 QString namesOf(const QVector<Question>& questions);
 
-/// Rows of every question with each of its faults, in the columns "question" and "rule".
+/// Rows of every question with each of its faults, in the columns "question", "always" and
+/// "once", which are its rules.
 void addQuestionFaults();
 
 /// The dialog on a controller that has values of its own everywhere.
@@ -45,7 +46,7 @@ class FaultBench final
 public:
     static constexpr int rateHz = 300;
     /// Of the exchanges in which something goes wrong: they wait for it once or twice.
-    static constexpr int faultyTimeoutMs = 100;
+    static constexpr int faultyTimeoutMs = 80;
 
     explicit FaultBench(const emulator::ControllerOptions& options = {});
 

@@ -90,15 +90,11 @@ private slots:
     void diameterIsKeptByEveryType();
     void triggersBecomeWhatWasTicked();
     void streamByTriggersFollows();
-    void failureFallsBackAndIsTold_data();
-    void failureFallsBackAndIsTold();
     void failedPFactorSetsBothStagesExternal();
     void silenceForAnExternalPFactorIsTold();
     void lastFailureIsTheOneInTheBox();
     void boxOfFailuresStopsNobody();
     void failureOnceIsForgottenByTheNextApply();
-    void commandsGoOnBehindEveryFailure_data();
-    void commandsGoOnBehindEveryFailure();
     void systemThatIsDownIsLeftAlone();
 };
 
@@ -268,61 +264,6 @@ void TestDialogApplying::streamByTriggersFollows()
     QVERIFY(bench.link.client.isStreaming());
 }
 
-void TestDialogApplying::failureFallsBackAndIsTold_data()
-{
-    QTest::addColumn<Rule>("rule");
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<QString>("external");
-    const auto rows = [](const QByteArray& command, const QString& message,
-                         const QString& external) {
-        const auto row = [&](const char* how, const Rule& rule) {
-            QTest::addRow("%s of %s, %s", how, command.left(3).constData(), qPrintable(external))
-                << rule << message << external;
-        };
-        row("refusal", on(command).refuse());
-        row("silence", on(command).ignore());
-        row("short reply", on(command).cutTo(1));
-        row("refusal, once", on(command).refuse().once());
-    };
-    rows("SPF\1", "P-Factor of stage 1 wasn't set!", "radioButton_PFactor_extern");
-    rows("SPF\2", "P-Factor of stage 2 wasn't set!", "radioButton_PFactor_extern_2");
-    rows("SDS\1", "Sensitivity cable of detector 1 is not connected!",
-         "radioButton_sensitivity_extern");
-    rows("SDS\2", "Sensitivity cable of detector 2 is not connected!",
-         "radioButton_sensitivity_extern_2");
-    rows("SAI\1x", "x-adjust value of stage 1 has not been accepted ", "radioButton_Adjust_extern");
-    rows("SAI\1y", "y-adjust value of stage 1 has not been accepted ", "radioButton_Adjust_extern");
-    rows("SAI\2x", "x-adjust value of stage 2 has not been accepted ",
-         "radioButton_Adjust_extern_2");
-    rows("SAI\2y", "y-adjust value of stage 2 has not been accepted ",
-         "radioButton_Adjust_extern_2");
-}
-
-void TestDialogApplying::failureFallsBackAndIsTold()
-{
-    QFETCH(Rule, rule);
-    QFETCH(QString, message);
-    QFETCH(QString, external);
-    const SensitivityOffered offered;
-    ParamsBench bench({}, recordWithTypes(2, 2));
-    QVERIFY(bench.openStreaming(rateHz));
-    QVERIFY(wishBySoftware(bench));
-    bench.link.controller.setRules({rule});
-    const LogCapture log;
-    QVERIFY(bench.clickAndWait(apply));
-    QCOMPARE(bench.failure(), message);
-    QCOMPARE(log.lines().filter(message.trimmed()).size(), 1);
-    QVERIFY(isChecked(bench, external));
-    QVERIFY(!isChecked(bench, QString(external).replace("_extern", rule.prefix.startsWith("SDS")
-                                                                       ? "_software"
-                                                                       : "_intern")));
-    if (rule.prefix.startsWith("SDS\1"))
-        QCOMPARE(bench.find<QDoubleSpinBox>("doubleSpinBox_sens_1").text(), QString("0.00"));
-    QVERIFY(bench.link.controller.isStreaming());
-    QCOMPARE(bench.link.controller.streamRate(), rateHz);
-    QCOMPARE(bench.streamErrors, 0);
-}
-
 void TestDialogApplying::failedPFactorSetsBothStagesExternal()
 {
     ParamsBench bench;
@@ -386,34 +327,6 @@ void TestDialogApplying::failureOnceIsForgottenByTheNextApply()
     QCOMPARE(bench.commands().value(0), bytes("5350460105dc3b"));
     QCOMPARE(bench.link.controller.stage(1).pFactorMv, 1500);
     QVERIFY(log.lines().filter("warning").isEmpty());
-}
-
-void TestDialogApplying::commandsGoOnBehindEveryFailure_data()
-{
-    QTest::addColumn<Rule>("rule");
-    for (const char* command : {"CLS", "SPF", "SDS", "SAI", "SLS"}) {
-        QTest::addRow("%s refused", command) << Rule(on(command).refuse().once());
-        QTest::addRow("%s silent", command) << Rule(on(command).ignore().once());
-    }
-    // Cut short, the replies around a stream run into its packets.
-    for (const char* command : {"SPF", "SDS", "SAI"})
-        QTest::addRow("%s cut", command) << Rule(on(command).cutTo(1).once());
-    QTest::newRow("SLS short") << Rule(on("SLS").reply(QByteArray("\0;\0", 3)).once());
-}
-
-void TestDialogApplying::commandsGoOnBehindEveryFailure()
-{
-    QFETCH(Rule, rule);
-    ParamsBench bench;
-    QVERIFY(bench.openStreaming(rateHz));
-    bench.link.controller.setRules({rule});
-    QVERIFY(bench.clickAndWait(apply));
-    QCOMPARE(bench.streamErrors, rule.prefix == "SLS" ? 1 : 0);
-    for (const char* button : {"pushButtonSave", "pushButtonRefresh", "pushButtonApply"})
-        QVERIFY(bench.find<QPushButton>(button).isEnabled());
-    QCOMPARE(bench.link.controller.isStreaming(), bench.link.client.isStreaming());
-    if (rule.prefix != "SLS" && rule.prefix != "CLS")
-        QCOMPARE(bench.commands().size(), 10);
 }
 
 void TestDialogApplying::systemThatIsDownIsLeftAlone()

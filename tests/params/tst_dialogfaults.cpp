@@ -13,49 +13,32 @@ class TestDialogFaults : public QObject
     Q_OBJECT
 
 private slots:
-    void questionWithoutAnAnswerIsToldAndTheOthersAreRead_data();
-    void questionWithoutAnAnswerIsToldAndTheOthersAreRead();
-    void questionWithoutAnAnswerOnceIsReadTheNextTime_data();
-    void questionWithoutAnAnswerOnceIsReadTheNextTime();
+    void questionIsToldUntilItIsAnswered_data();
+    void questionIsToldUntilItIsAnswered();
     void acceptanceWithoutAValueIsNoAnswer_data();
     void acceptanceWithoutAValueIsNoAnswer();
 };
 
-void TestDialogFaults::questionWithoutAnAnswerIsToldAndTheOthersAreRead_data()
+void TestDialogFaults::questionIsToldUntilItIsAnswered_data()
 {
     addQuestionFaults();
 }
 
-void TestDialogFaults::questionWithoutAnAnswerIsToldAndTheOthersAreRead()
+void TestDialogFaults::questionIsToldUntilItIsAnswered()
 {
     QFETCH(Question, question);
-    QFETCH(Rule, rule);
+    QFETCH(Rule, always);
+    QFETCH(Rule, once);
     FaultBench faults;
     QVERIFY(faults.open());
-    QVERIFY(faults.refreshUnder(rule));
-    QCOMPARE(faults.difference(FaultBench::formWithout({question})), QString());
-    QCOMPARE(faults.unread(), question.name);
-    QVERIFY(faults.bench.failure().isNull());
-    QVERIFY(faults.isQuiet());
-    QVERIFY(faults.hasButtons());
-}
-
-void TestDialogFaults::questionWithoutAnAnswerOnceIsReadTheNextTime_data()
-{
-    addQuestionFaults();
-}
-
-void TestDialogFaults::questionWithoutAnAnswerOnceIsReadTheNextTime()
-{
-    QFETCH(Question, question);
-    QFETCH(Rule, rule);
-    FaultBench faults;
-    QVERIFY(faults.open());
-    rule.times = 1;
-    QVERIFY(faults.refreshUnder(rule));
-    QCOMPARE(faults.difference(FaultBench::formWithout({question})), QString());
-    QCOMPARE(faults.unread(), question.name);
-    QVERIFY(faults.isQuiet());
+    for (const Rule& rule : {always, once}) {
+        QVERIFY(faults.refreshUnder(rule));
+        QCOMPARE(faults.difference(FaultBench::formWithout({question})), QString());
+        QCOMPARE(faults.unread(), question.name);
+        QVERIFY(faults.bench.failure().isNull());
+        QVERIFY(faults.isQuiet());
+        QVERIFY(faults.hasButtons());
+    }
     QVERIFY(faults.refresh());
     QCOMPARE(faults.difference(FaultBench::formWithout({})), QString());
     QCOMPARE(faults.unread(), QString());

@@ -30,7 +30,8 @@ struct DialogExchange
 
 QString notRead()
 {
-    return "warning: Not read from \"127.0.0.1\" and shown as 0: \"" + namesOf(questions()) + '"';
+    return "warning: Not read from \"127.0.0.1\" (missing values are shown as 0): \""
+           + namesOf(questions()) + '"';
 }
 
 /// Behind a P-factor that failed, the other one is set external.

@@ -27,10 +27,8 @@ private slots:
     void init();
     void cleanup() { home.reset(); }
 
-    void identityWithoutAnAnswerStoresNothing_data();
-    void identityWithoutAnAnswerStoresNothing();
-    void identityWithoutAnAnswerOnceIsStoredTheNextTime_data();
-    void identityWithoutAnAnswerOnceIsStoredTheNextTime();
+    void nothingIsStoredUntilTheIdentityIsTold_data();
+    void nothingIsStoredUntilTheIdentityIsTold();
 
 private:
     bool hasFile() const { return QFile::exists(home->filePath("ConnectionSetup.xml")); }
@@ -44,51 +42,40 @@ void TestDialogSaveFaults::init()
     switches::configDir = QDir(home->path());
 }
 
-void TestDialogSaveFaults::identityWithoutAnAnswerStoresNothing_data()
+void TestDialogSaveFaults::nothingIsStoredUntilTheIdentityIsTold_data()
 {
-    QTest::addColumn<Rule>("rule");
+    QTest::addColumn<Rule>("always");
+    QTest::addColumn<Rule>("once");
     QTest::addColumn<bool>("streams");
     constexpr int wholeIdentity = 50;
     QVector<Fault> faults = faultsOf("GID");
     faults.append({"cut by a byte", on("GID").cutTo(wholeIdentity - 1)});
-    for (const Fault& fault : qAsConst(faults)) {
+    for (Fault& fault : faults) {
+        const Rule always = fault.rule;
+        const Rule once = fault.rule.once();
         for (const bool streams : {false, true})
             QTest::addRow("%s, %s", fault.name, streams ? "stream" : "quiet")
-                << Rule(fault.rule) << streams;
+                << always << once << streams;
     }
 }
 
-void TestDialogSaveFaults::identityWithoutAnAnswerStoresNothing()
+void TestDialogSaveFaults::nothingIsStoredUntilTheIdentityIsTold()
 {
-    QFETCH(Rule, rule);
+    QFETCH(Rule, always);
+    QFETCH(Rule, once);
     QFETCH(bool, streams);
     FaultBench faults;
     QVERIFY(streams ? faults.openStreaming() : faults.open());
-    QVERIFY(faults.clickUnder(rule, save));
-    QCOMPARE(faults.bench.failure(), QString("The settings were not saved."));
-    QCOMPARE(faults.warnings(),
-             QStringList{"warning: Detectors not saved: the controller did not say who it is"});
-    QVERIFY(!hasFile());
-    QCOMPARE(faults.difference(FaultBench::formOfController()), QString());
-    QVERIFY(streams ? faults.streams() : faults.isQuiet());
-    QCOMPARE(faults.bench.streamErrors, 0);
-    QVERIFY(faults.hasButtons());
-}
-
-void TestDialogSaveFaults::identityWithoutAnAnswerOnceIsStoredTheNextTime_data()
-{
-    identityWithoutAnAnswerStoresNothing_data();
-}
-
-void TestDialogSaveFaults::identityWithoutAnAnswerOnceIsStoredTheNextTime()
-{
-    QFETCH(Rule, rule);
-    QFETCH(bool, streams);
-    FaultBench faults;
-    QVERIFY(streams ? faults.openStreaming() : faults.open());
-    rule.times = 1;
-    QVERIFY(faults.clickUnder(rule, save));
-    QVERIFY(!hasFile());
+    for (const Rule& rule : {always, once}) {
+        QVERIFY(faults.clickUnder(rule, save));
+        QCOMPARE(faults.bench.failure(), QString("The settings were not saved."));
+        QCOMPARE(faults.warnings(), QStringList{"warning: Detectors not saved: the controller did "
+                                                "not say who it is"});
+        QVERIFY(!hasFile());
+        QCOMPARE(faults.difference(FaultBench::formOfController()), QString());
+        QVERIFY(streams ? faults.streams() : faults.isQuiet());
+        QVERIFY(faults.hasButtons());
+    }
     QVERIFY(faults.click(save));
     QVERIFY(hasFile());
     QCOMPARE(faults.warnings(), QStringList());

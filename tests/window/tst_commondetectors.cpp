@@ -4,6 +4,7 @@
 #include "commonbench.h"
 
 #include <QtTest>
+#include <qwt_plot_textlabel.h>
 
 namespace {
 
@@ -31,6 +32,7 @@ private slots:
     void withNoneLeftTheControlsAreDisabled();
     void colourOfASubsystemIsNotThatOfItsCommonDetector();
     void statisticsAreOfferedForASingleOne();
+    void shownStatisticsOfASingleOneAreBroughtUpToDate();
     void startBeginsTheStreamsThatDoNotRunYet();
     void stopEndsTheStreamsOfDisplayedSystemsOnly();
     void switchesShowTheStateOfASingleOne();
@@ -152,6 +154,22 @@ void TestCommonDetectors::statisticsAreOfferedForASingleOne()
     QVERIFY(box.isEnabled());
     bench->showCommon(first, false);
     QVERIFY(!box.isEnabled());
+}
+
+void TestCommonDetectors::shownStatisticsOfASingleOneAreBroughtUpToDate()
+{
+    ScriptedConnection& connection = bench->addCommon();
+    bench->statistics.run().setLimit(2);
+    connection.storeCommonSamples(std::vector<MeasureSample>(2));
+    bench->tick.showCommonSamples();
+    StatisticsOverlay& overlay = bench->stages[0].statistics();
+    overlay.setText(QStringLiteral("old"));
+    bench->statistics.show(bench->stages[0], true);
+    const QwtPlotItemList texts =
+        bench->plots().pointing().itemList(QwtPlotItem::Rtti_PlotTextLabel);
+    QCOMPARE(texts.size(), 1);
+    const auto* text = static_cast<const QwtPlotTextLabel*>(texts.first());
+    QVERIFY(text->text().text().contains(QStringLiteral("#samples=2")));
 }
 
 void TestCommonDetectors::startBeginsTheStreamsThatDoNotRunYet()

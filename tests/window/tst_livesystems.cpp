@@ -25,6 +25,10 @@ private slots:
 
     void unknownAddressFindsNothing();
     void recordOfANewSystemSaysWhatIsKnown();
+    void groupOfTheRecordIsThatOfTheSystem();
+    void commonPathIsNotedByStage_data();
+    void commonPathIsNotedByStage();
+    void commonPathOfAStrangerIsNotNoted();
     void systemThatIsDownIsRegisteredAndNotDisplayed();
     void eachGraphHasItsColour_data();
     void eachGraphHasItsColour();
@@ -81,6 +85,47 @@ void TestLiveSystems::recordOfANewSystemSaysWhatIsKnown()
     QVERIFY(statuses[0].statusValid && statuses[0].displayed);
     QVERIFY(!statuses[1].statusValid && !statuses[1].displayed);
     QCOMPARE(systems().at(1).detectors, &bench->detectors[1]);
+}
+
+void TestLiveSystems::groupOfTheRecordIsThatOfTheSystem()
+{
+    ConnectionSettings grouped;
+    grouped.group = 7;
+    bench->add(Link::Up, sharedAddress, grouped);
+    bench->add(Link::Down, sharedAddress, grouped);
+    bench->add();
+    QCOMPARE(systems().at(0).status.groupId, 7);
+    QCOMPARE(systems().at(1).status.groupId, 7);
+    QCOMPARE(systems().at(2).status.groupId, 0);
+}
+
+void TestLiveSystems::commonPathIsNotedByStage_data()
+{
+    QTest::addColumn<int>("stage");
+    QTest::newRow("stage 1") << 1;
+    QTest::newRow("stage 2") << 2;
+}
+
+void TestLiveSystems::commonPathIsNotedByStage()
+{
+    QFETCH(int, stage);
+    addPair();
+    systems().noteCommonPath(connection(1), Stage(stage), true);
+    const ConnectionStatus& status = systems().at(1).status;
+    QCOMPARE(status.multiplex1, stage == 1);
+    QCOMPARE(status.multiplex2, stage == 2);
+    QVERIFY(!systems().at(0).status.multiplex1 && !systems().at(0).status.multiplex2);
+    systems().noteCommonPath(connection(1), Stage(stage), false);
+    QVERIFY(!status.multiplex1 && !status.multiplex2);
+}
+
+void TestLiveSystems::commonPathOfAStrangerIsNotNoted()
+{
+    bench->add();
+    const ScriptedConnection stranger(sharedAddress, 921600);
+    systems().noteCommonPath(&stranger, Stage::One, true);
+    systems().noteCommonPath(nullptr, Stage::One, true);
+    QVERIFY(!systems().at(0).status.multiplex1);
 }
 
 void TestLiveSystems::systemThatIsDownIsRegisteredAndNotDisplayed()
