@@ -528,6 +528,7 @@ void TestDialogReading::nothingOfAnotherSystemIsLeft()
     bench.dialog.openFor(&bench.link.client);
     bench.dialog.openFor(&other.client);
     QCOMPARE(bench.find<QComboBox>("comboBox_DetecType").currentIndex(), 4);
+    QCOMPARE(bench.find<QDoubleSpinBox>("doubleSpinBox_sens_1").text(), QString("0.00"));
     bench.dialog.removeDetectors(&other.client);
 }
 
