@@ -6,13 +6,11 @@
 #include <QPushButton>
 #include <QtTest>
 
-using emulator::ControllerOptions;
 using emulator::on;
 using emulator::Rule;
 using Flags = std::array<bool, 2>;
 
 Q_DECLARE_METATYPE(Flags)
-Q_DECLARE_METATYPE(emulator::ControllerOptions)
 Q_DECLARE_METATYPE(Stage)
 
 namespace {
@@ -295,25 +293,23 @@ void TestDialogGroups::stageLeavesAtTheSecondClick()
 
 void TestDialogGroups::streamGoesOnBehindTheStage_data()
 {
-    addKindsOfStreams();
+    addControllerKinds();
 }
 
 void TestDialogGroups::streamGoesOnBehindTheStage()
 {
-    QFETCH(ControllerOptions, options);
-    QFETCH(bool, byTriggers);
-    QFETCH(QByteArray, startOfCurrent);
-    GroupBench bench(1, options);
+    QFETCH(ControllerKind, kind);
+    GroupBench bench(1, kind.options);
     QVERIFY(bench.open());
-    bench.links[current].client.setTriggerMode(byTriggers);
+    bench.links[current].client.setTriggerMode(kind.byTriggers);
     for (const Stage stage : bothStages) {
         QVERIFY(bench.startStreams());
         QVERIFY(bench.click(lockStage[indexOf(stage)]));
         QCOMPARE(bench.heard(),
                  (QByteArrayList{toCurrent("CLS;"), toCurrent(setSubsystem[indexOf(stage)]),
-                                 toCurrent(startOfCurrent)}));
+                                 toCurrent(kind.start(GroupBench::rateHz(current)))}));
         QVERIFY(!bench.states[current].isOnCommonPath[indexOf(stage)]);
-        QVERIFY(byTriggers ? bench.controller(current).isStreaming() : bench.isStreaming(current));
+        QVERIFY(bench.isStreaming(current));
         QCOMPARE(bench.streamErrors, 0);
         bench.links[current].client.stopStream();
     }

@@ -13,7 +13,6 @@ using emulator::ControllerOptions;
 using emulator::on;
 using emulator::Rule;
 
-Q_DECLARE_METATYPE(emulator::ControllerOptions)
 Q_DECLARE_METATYPE(emulator::Rule)
 
 namespace {
@@ -122,6 +121,17 @@ void addStages()
     QTest::addColumn<Stage>("stage");
     for (const Stage stage : bothStages)
         QTest::addRow("stage %d", numberOf(stage)) << stage;
+}
+
+/// Each stage of each kind of controller.
+void addStagesOfKinds()
+{
+    QTest::addColumn<Stage>("stage");
+    QTest::addColumn<ControllerKind>("kind");
+    for (const Stage stage : bothStages) {
+        for (const ControllerKind& kind : controllerKinds())
+            QTest::addRow("stage %d, %s", numberOf(stage), qPrintable(kind.name)) << stage << kind;
+    }
 }
 
 /// Each way in which a command can fail, once at one of the stages and always at the other.
@@ -278,60 +288,38 @@ void TestDialogHolding::damagedStatusLeavesSet()
 
 void TestDialogHolding::setIsSentAndReadBack_data()
 {
-    QTest::addColumn<Stage>("stage");
-    QTest::addColumn<int>("firmware");
-    for (const Stage stage : bothStages) {
-        for (const int firmware : {10, 30, 31})
-            QTest::addRow("stage %d, firmware %d", numberOf(stage), firmware) << stage << firmware;
-    }
+    addStagesOfKinds();
 }
 
 void TestDialogHolding::setIsSentAndReadBack()
 {
     QFETCH(Stage, stage);
-    QFETCH(int, firmware);
-    ControllerOptions options;
-    options.firmware = firmware;
-    ParamsBench bench(options, recordWithTypes(psd, psd));
+    QFETCH(ControllerKind, kind);
+    ParamsBench bench(kind.options, kind.record(psd, psd));
     QVERIFY(bench.open());
     QVERIFY(set(bench, stage));
-    QCOMPARE(bench.commands(), holding(stage) + readingOf(firmware));
+    QCOMPARE(bench.commands(), holding(stage) + readingOf(kind.options.firmware));
     QVERIFY(!bench.link.client.isStreaming());
     QVERIFY(bench.failure().isNull());
 }
 
 void TestDialogHolding::runningStreamIsStartedAgain_data()
 {
-    QTest::addColumn<Stage>("stage");
-    QTest::addColumn<ControllerOptions>("options");
-    QTest::addColumn<QByteArray>("start");
-    const QByteArray rate("\0\0\x01\x2c;", 5);
-    for (const Stage stage : bothStages) {
-        for (const int firmware : {10, 11, 30, 31}) {
-            ControllerOptions options;
-            options.firmware = firmware;
-            QTest::addRow("stage %d, firmware %d", numberOf(stage), firmware)
-                << stage << options << "SLS" + rate;
-        }
-        ControllerOptions vm;
-        vm.vm = true;
-        QTest::addRow("stage %d, VM", numberOf(stage)) << stage << vm << "SGS" + rate;
-    }
+    addStagesOfKinds();
 }
 
 void TestDialogHolding::runningStreamIsStartedAgain()
 {
     QFETCH(Stage, stage);
-    QFETCH(ControllerOptions, options);
-    QFETCH(QByteArray, start);
-    ParamsBench bench(options, recordWithTypes(psd, psd));
+    QFETCH(ControllerKind, kind);
+    ParamsBench bench(kind.options, kind.record(psd, psd));
     QVERIFY(bench.openStreaming(rateHz));
     QVERIFY(set(bench, stage));
     const QByteArrayList stop{"CLS;"};
-    const QByteArrayList restart{start};
+    const QByteArrayList start{kind.start(rateHz)};
     QCOMPARE(bench.commands(),
-             stop + holding(stage) + restart + stop + readingOf(options.firmware) + restart);
-    QCOMPARE(bench.link.controller.streamRate(), rateHz);
+             stop + holding(stage) + start + stop + readingOf(kind.options.firmware) + start);
+    QVERIFY(bench.streamsAgain(rateHz));
     QCOMPARE(bench.streamErrors, 0);
 }
 

@@ -5,13 +5,11 @@
 #include <QMessageBox>
 #include <QtTest>
 
-using emulator::ControllerOptions;
 using emulator::on;
 using emulator::Rule;
 using Flags = std::array<bool, 2>;
 
 Q_DECLARE_METATYPE(Flags)
-Q_DECLARE_METATYPE(emulator::ControllerOptions)
 Q_DECLARE_METATYPE(Stage)
 Q_DECLARE_METATYPE(std::vector<SystemState>)
 
@@ -248,22 +246,21 @@ void TestDialogPartner::eachFailureOfTheLockIsNotedForThePartner()
 
 void TestDialogPartner::streamOfThePartnerGoesOnBehindTheLock_data()
 {
-    addKindsOfStreams();
+    addControllerKinds();
 }
 
 void TestDialogPartner::streamOfThePartnerGoesOnBehindTheLock()
 {
-    QFETCH(ControllerOptions, options);
-    QFETCH(bool, byTriggers);
-    QFETCH(QByteArray, startOfPartner);
-    GroupBench bench(2, options);
+    QFETCH(ControllerKind, kind);
+    GroupBench bench(2, kind.options);
     QVERIFY(bench.open());
-    bench.links[partner].client.setTriggerMode(byTriggers);
+    bench.links[partner].client.setTriggerMode(kind.byTriggers);
     QVERIFY(bench.startStream(partner));
     QVERIFY(bench.click(lockPartner));
-    QCOMPARE(bench.heard(), (QByteArrayList{toPartner("CLS;"), toCurrent("SSE\1;"),
-                                            toCurrent("SSE\2;"), toPartner(startOfPartner)}));
-    QVERIFY(byTriggers ? bench.controller(partner).isStreaming() : bench.isStreaming(partner));
+    QCOMPARE(bench.heard(),
+             (QByteArrayList{toPartner("CLS;"), toCurrent("SSE\1;"), toCurrent("SSE\2;"),
+                             toPartner(kind.start(GroupBench::rateHz(partner)))}));
+    QVERIFY(bench.isStreaming(partner));
     QCOMPARE(bench.streamErrors, 0);
 }
 
