@@ -112,6 +112,12 @@ bool ParamsBench::clickAndWait(const QString& button) const
     return click(button) && QTest::qWaitFor([&] { return find<QPushButton>(button).isEnabled(); });
 }
 
+bool ParamsBench::clickAndWaitForEnd(const QString& button) const
+{
+    return click(button)
+           && QTest::qWaitFor([&] { return find<QPushButton>("pushButtonRefresh").isEnabled(); });
+}
+
 bool ParamsBench::type(const QString& field, const QString& text) const
 {
     auto& box = find<QDoubleSpinBox>(field);

@@ -65,6 +65,8 @@ public:
     bool click(const QString& name) const;
     /// Clicks a button and waits until it can be clicked again.
     bool clickAndWait(const QString& button) const;
+    /// Clicks a button that may stay disabled, and waits until the exchange that it began is over.
+    bool clickAndWaitForEnd(const QString& button) const;
     /// Types a number into a field and ends with Tab.
     bool type(const QString& field, const QString& text) const;
     /// Goes to a type by the arrow keys, over those between.
