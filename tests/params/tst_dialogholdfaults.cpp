@@ -68,8 +68,8 @@ private slots:
     void holdThatFailsCanBeAskedAgain();
     void positionThatFailsDoesNotStopTheHold_data();
     void positionThatFailsDoesNotStopTheHold();
-    void holdStandsWhateverTheReadingBehindItMisses_data();
-    void holdStandsWhateverTheReadingBehindItMisses();
+    void holdStandsWhereTheReadingBehindItFails_data();
+    void holdStandsWhereTheReadingBehindItFails();
 };
 
 void TestDialogHoldFaults::holdThatFailsCanBeAskedAgain_data()
@@ -115,7 +115,6 @@ void TestDialogHoldFaults::positionThatFailsDoesNotStopTheHold_data()
 {
     addRows({{"refused", on("S1S").refuse()},
              {"ignored", on("S1S").ignore()},
-             {"cut to 1 byte", on("S1S").cutTo(1)},
              {"cut to 24 bytes", on("S1S").cutTo(24)}});
 }
 
@@ -150,19 +149,22 @@ void TestDialogHoldFaults::positionThatFailsDoesNotStopTheHold()
     }
 }
 
-void TestDialogHoldFaults::holdStandsWhateverTheReadingBehindItMisses_data()
+void TestDialogHoldFaults::holdStandsWhereTheReadingBehindItFails_data()
 {
     QTest::addColumn<Stage>("stage");
     QTest::addColumn<Question>("question");
+    const QStringList oneOfEachKind{"GSF", "S1S", "GAI 1x", "GPF 2", "GDS 1"};
     for (const Stage stage : bothStages) {
-        for (const Question& question : questions())
-            QTest::addRow("stage %d, %s", numberOf(stage), qPrintable(question.name))
-                << stage << question;
+        for (const Question& question : questions()) {
+            if (oneOfEachKind.contains(question.name))
+                QTest::addRow("stage %d, %s", numberOf(stage), qPrintable(question.name))
+                    << stage << question;
+        }
     }
 }
 
 /// The odd values that Set shows of a stage stay until a reading replaces them.
-void TestDialogHoldFaults::holdStandsWhateverTheReadingBehindItMisses()
+void TestDialogHoldFaults::holdStandsWhereTheReadingBehindItFails()
 {
     QFETCH(Stage, stage);
     QFETCH(Question, question);
