@@ -27,6 +27,8 @@ namespace {
 constexpr char refresh[] = "pushButtonRefresh";
 constexpr char triggers[] = "checkBoxDisplayLowRepetitionWithTriggers";
 constexpr int rateHz = 300;
+/// Where nobody answers.
+constexpr int silentTimeoutMs = 80;
 
 /// All that is asked of firmware above 30.
 QByteArrayList allQuestions()
@@ -166,6 +168,7 @@ void TestDialogReading::openingReadsOnceIfNobodyAnswers()
     emulator::Faults faults;
     faults.silent = {"GSF", "S1S", "GAI", "GPF"};
     bench.link.controller.setFaults(faults);
+    bench.link.client.setTimeoutMs(silentTimeoutMs);
     bench.dialog.openFor(&bench.link.client);
     QCOMPARE(bench.commands(), questionsOf(30));
     QVERIFY(bench.dialog.isVisible());
