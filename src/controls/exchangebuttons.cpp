@@ -1,7 +1,6 @@
 #include "controls/exchangebuttons.h"
 
 #include <QPushButton>
-#include <QTimer>
 
 #include <algorithm>
 
@@ -17,26 +16,35 @@ ExchangeButtons::ExchangeButtons(QWidget& owner, const std::vector<QPushButton*>
 {
     for (QPushButton* button : buttons)
         entries.push_back({button, button->isEnabledTo(&dialog)});
+    // No event is taken during an exchange, so the first timer is the first thing behind it. What
+    // the window system held back comes a little later.
+    behindExchange.setSingleShot(true);
+    settling.setSingleShot(true);
+    settling.setTimerType(Qt::PreciseTimer);
+    connect(&behindExchange, &QTimer::timeout, this, [this] { settling.start(settleMs); });
+    connect(&settling, &QTimer::timeout, this, &ExchangeButtons::unlock);
 }
 
 void ExchangeButtons::lock()
 {
+    // Another exchange may begin before the buttons are back from the one before.
+    settling.stop();
+    behindExchange.start(0);
     if (isLocked)
         return;
     isLocked = true;
-    // Disabled buttons would hand the focus on, and a key meant for them would press another one.
-    focused = dialog.focusWidget();
-    if (has(focused))
-        focused->clearFocus();
-    else
-        focused.clear();
+    takeFocus();
     for (const Entry& entry : entries)
         entry.button->setEnabled(false);
-    // No event is taken during an exchange, so this is the first thing behind it. What the window
-    // system held back comes a little later.
-    QTimer::singleShot(0, this, [this] {
-        QTimer::singleShot(settleMs, Qt::PreciseTimer, this, &ExchangeButtons::unlock);
-    });
+}
+
+/// Disabled buttons would hand the focus on, and a key meant for them would press another one.
+void ExchangeButtons::takeFocus()
+{
+    QWidget* const before = dialog.focusWidget();
+    focused = has(before) ? before : nullptr;
+    if (focused)
+        before->clearFocus();
 }
 
 bool ExchangeButtons::has(const QWidget* widget) const
@@ -51,8 +59,9 @@ void ExchangeButtons::unlock()
     for (const Entry& entry : entries)
         entry.button->setEnabled(entry.isAllowed);
     // Who has moved the focus meanwhile keeps it.
-    if (focused && focused->isEnabled() && !dialog.focusWidget())
-        focused->setFocus();
+    QWidget* const before = focused;
+    if (before && before->isEnabled() && !dialog.focusWidget())
+        before->setFocus();
 }
 
 void ExchangeButtons::allow(const QPushButton& button, bool allowed)

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 
 #include <vector>
 
@@ -33,11 +34,14 @@ private:
     };
 
     bool has(const QWidget* widget) const;
+    void takeFocus();
     void unlock();
 
     QWidget& dialog;
     std::vector<Entry> entries;
     /// The button that had the focus, if one had it.
     QPointer<QWidget> focused;
+    QTimer behindExchange;
+    QTimer settling;
     bool isLocked = false;
 };

@@ -93,7 +93,7 @@ void OverviewWidget::alignColumns()
         button->setFixedHeight(ui->parameterPushButton->sizeHint().height());
 }
 
-/// Multiplexing, groups and common detectors have no effect in this version.
+/// Multiplexing, groups and common detectors are not offered in this version.
 void OverviewWidget::hideUnusedControls()
 {
     setAllVisible({ui->typeComboBox, ui->type2ComboBox, ui->commonLabel, ui->xColor2, ui->yColor2,

@@ -87,6 +87,7 @@ void Acquisition::startDrawing()
 void Acquisition::stop()
 {
     const WaitCursor waiting;
+    emit stopping();
     for (const int index : systems.displayed())
         systems.connectionAt(index).stopStream();
     toolBar.startAction().setChecked(false);

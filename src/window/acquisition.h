@@ -41,6 +41,8 @@ public:
 signals:
     void started();
     void aboutToStop();
+    /// The streams are stopped next, whoever ended them.
+    void stopping();
     /// A controller did not start its stream; the others go on.
     void streamFailed();
 

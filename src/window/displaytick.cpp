@@ -28,12 +28,13 @@ std::array<UnitChoice, 2> unitsOf(LiveSystems& systems)
 } // namespace
 
 DisplayTick::DisplayTick(LiveSystems& liveSystems, Stages& stageViews, MonitorToolBar& bar,
-                         Statistics& runStatistics, Acquisition& streams)
+                         Statistics& runStatistics, Acquisition& streams, const Recorder& files)
     : systems(liveSystems)
     , stages(stageViews)
     , toolBar(bar)
     , statistics(runStatistics)
     , acquisition(streams)
+    , recorder(files)
 {}
 
 void DisplayTick::run()
@@ -92,7 +93,7 @@ void DisplayTick::limitRatesToLines()
 
 void DisplayTick::showSamples()
 {
-    show(sourceOfDisplayed(systems), mannerOfDisplayed(systems));
+    show(sourceOfDisplayed(systems), mannerOfDisplayed(systems, &recorder));
     for (StageView& stage : stages)
         stage.plots().replot();
 }

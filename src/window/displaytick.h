@@ -9,6 +9,7 @@
 class Acquisition;
 class LiveSystems;
 class MonitorToolBar;
+class Recorder;
 class Statistics;
 struct SampleManner;
 struct SampleSource;
@@ -23,7 +24,7 @@ class DisplayTick final : public QObject
 
 public:
     DisplayTick(LiveSystems& systems, Stages& stages, MonitorToolBar& toolBar,
-                Statistics& statistics, Acquisition& acquisition);
+                Statistics& statistics, Acquisition& acquisition, const Recorder& recorder);
 
     void run();
     /// Shows what waits of the common detectors while the acquisition runs, without painting. The
@@ -52,5 +53,6 @@ private:
     MonitorToolBar& toolBar;
     Statistics& statistics;
     Acquisition& acquisition;
+    const Recorder& recorder;
     RateLimits rates;
 };

@@ -78,6 +78,11 @@ LiveSystem* LiveSystems::current()
     return currentIndex < size() ? &at(currentIndex) : nullptr;
 }
 
+const LiveSystem* LiveSystems::current() const
+{
+    return currentIndex < size() ? &at(currentIndex) : nullptr;
+}
+
 QList<ConnectionStatus> LiveSystems::statuses() const
 {
     QList<ConnectionStatus> copies;
@@ -273,7 +278,11 @@ ReconnectResult LiveSystems::reconnect(const Connection* connection, QString& ex
                                           : ReconnectResult::NoController);
     }
     expectedId = identity.id;
-    at(index).status.statusValid = true;
+    ConnectionStatus& status = at(index).status;
+    status.statusValid = true;
+    // Nobody asks for these, and a controller that was off begins on detectors of its own.
+    for (const Stage stage : bothStages)
+        multiplexFlag(status, stage) = false;
     display(index);
     logMessage().info() << "Successfully reconnected";
     return ReconnectResult::Reconnected;

@@ -54,6 +54,7 @@ public:
     /// The system that the stabilisation buttons and the service tests address. Null if there is
     /// none.
     LiveSystem* current();
+    const LiveSystem* current() const;
 
     /// Copies of the records, in the order of the list.
     QList<ConnectionStatus> statuses() const;

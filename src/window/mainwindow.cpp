@@ -31,7 +31,9 @@ MainWindow::MainWindow(QWidget* parent)
     , acquisition(systems, stages, toolBar, statistics, updateTimer)
     , stabilisation(systems, stages, toolBar)
     , multiplexing(systems, toolBar, updateTimer)
-    , displayTick(systems, stages, toolBar, statistics, acquisition)
+    , recording(systems, toolBar, acquisition, recorder,
+                [this](const QString& path) { return mayOverwrite(path); })
+    , displayTick(systems, stages, toolBar, statistics, acquisition, recorder)
     , plotFrame(stages, {*ui->rescaler, *ui->rescaler_2, *ui->scrollArea})
     , systemsView(systems, stages, toolBar, statistics, *this)
 {
@@ -136,8 +138,14 @@ void MainWindow::createDialogs()
     streamErrorBox = new QMessageBox(QMessageBox::NoIcon, tr("Information"),
                                      tr("Streaming error has occurred."), QMessageBox::Ok, this);
     streamErrorBox->setObjectName(QStringLiteral("streamErrorBox"));
-    streamErrorBox->setDefaultButton(QMessageBox::Ok);
-    streamErrorBox->setModal(false);
+    recordingErrorBox = new QMessageBox(QMessageBox::Critical, tr("Error"),
+                                        tr("The recording has ended. A file can not be written."),
+                                        QMessageBox::Ok, this);
+    recordingErrorBox->setObjectName(QStringLiteral("recordingErrorBox"));
+    for (QMessageBox* box : {streamErrorBox, recordingErrorBox}) {
+        box->setDefaultButton(QMessageBox::Ok);
+        box->setModal(false);
+    }
 }
 
 void MainWindow::dressWindow()
@@ -171,6 +179,10 @@ void MainWindow::wireSystems()
     connect(&acquisition, &Acquisition::started, &stabilisation, &Stabilisation::forgetFailures);
     connect(&acquisition, &Acquisition::aboutToStop, dataLoggerDialog,
             &DataLoggerDialog::emitStopSignal);
+    connect(&acquisition, &Acquisition::stopping, this, [this] {
+        if (recording.isOngoing())
+            emit stopRecording();
+    });
     connect(&acquisition, &Acquisition::streamFailed, this, &MainWindow::errorStreamStart);
     connect(&stabilisation, &Stabilisation::streamFailed, this, &MainWindow::errorStreamStart);
     connect(&multiplexing, &Multiplexing::streamFailed, this, &MainWindow::errorStreamStart);
@@ -221,6 +233,15 @@ void MainWindow::wireDialogs()
 {
     connect(this, &MainWindow::stopRecording, dataLoggerDialog, &DataLoggerDialog::emitStopSignal);
     connect(this, &MainWindow::startTimer, dataLoggerDialog, &DataLoggerDialog::startTimerSaving);
+    connect(dataLoggerDialog, qOverload<QString, bool>(&DataLoggerDialog::dataRecordingStarted),
+            this, &MainWindow::startDataRecordingFromDlg);
+    connect(dataLoggerDialog, &DataLoggerDialog::dataRecordingStopped, this,
+            &MainWindow::stopDataRecordingFromDlg);
+    connect(&recording, &LiveRecording::endWanted, this, &MainWindow::stopRecording);
+    connect(&recording, &LiveRecording::begun, this, &MainWindow::startTimer);
+    connect(&recording, &LiveRecording::saveRateCut, dataLoggerDialog,
+            &DataLoggerDialog::setSaveRate);
+    connect(&recording, &LiveRecording::failed, this, &MainWindow::tellRecordingFailed);
     connect(paramsDialog, &ParamsDialog::errorStream, this, &MainWindow::errorStreamStart);
     connect(rescaleDialog, &RescaleDialog::axisRescaled, this, &MainWindow::rescaleAxis);
     connect(rescaleTimeAxisDlg, &RescaleTimeAxisDlg::axisRescaled, this,

@@ -3,6 +3,7 @@
 #include "setup/connectionregistry.h"
 #include "window/acquisition.h"
 #include "window/displaytick.h"
+#include "window/liverecording.h"
 #include "window/livesystems.h"
 #include "window/monitortoolbar.h"
 #include "window/multiplexing.h"
@@ -38,6 +39,7 @@ class MainWindow;
 ///
 /// Everything here runs on the GUI thread. Slots that take an address mean the connected system
 /// with that address, or the first one if none is connected; inside, a system is its `Connection`.
+/// `activeStage` and `multiplexSystem` say for themselves whom they mean.
 class MainWindow final : public QMainWindow, public ConnectionRegistry
 {
     Q_OBJECT
@@ -123,6 +125,11 @@ public slots:
     /// Keeps the pointing plots square and the columns of both stages equal.
     void resizeGraphs();
 
+    /// Records to a file, or every displayed system to one of its own. During a recording it ends
+    /// that one.
+    void startDataRecordingFromDlg(QString fileName, bool multiSave);
+    void stopDataRecordingFromDlg();
+
     void showParametersDialog();
     void closeParametersDialog();
     void showDataloggerDialog();
@@ -169,6 +176,8 @@ private:
     /// For the parameter dialog, of a registered connection.
     SystemState stateOf(const Connection& connection) const;
     void tellLinkFailed();
+    bool mayOverwrite(const QString& path);
+    void tellRecordingFailed(const RecordFailure& failure);
     void leave();
 
     std::unique_ptr<Ui::MainWindow> ui;
@@ -181,6 +190,8 @@ private:
     Acquisition acquisition;
     Stabilisation stabilisation;
     Multiplexing multiplexing;
+    Recorder recorder;
+    LiveRecording recording;
     DisplayTick displayTick;
     PlotFrame plotFrame;
     SystemsView systemsView;
@@ -195,6 +206,7 @@ private:
     RescaleTimeAxisDlg* rescaleTimeAxisDlg = nullptr;
     InformationDialog* informationDialog = nullptr;
     QMessageBox* streamErrorBox = nullptr;
+    QMessageBox* recordingErrorBox = nullptr;
 
     bool leaving = false;
 };

@@ -67,6 +67,7 @@ void MainWindow::onSystemClosed(int, const Connection* connection)
 {
     if (serviceDialog->connection() == connection)
         serviceDialog->setConnection(nullptr);
+    recorder.forget(connection);
     paramsDialog->removeDetectors(connection);
     // Whoever saves before the next tick needs the overview to know the same systems.
     connectionOverviewDialog->update(systems.statuses());

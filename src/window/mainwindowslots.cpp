@@ -17,6 +17,7 @@
 void MainWindow::updateData()
 {
     displayTick.run();
+    recording.flush();
     connectionOverviewDialog->update(systems.statuses());
     updateTimer.start();
 }
@@ -106,6 +107,34 @@ void MainWindow::enableSamplesCounter(bool on)
 void MainWindow::updateSamplesToTake(int value)
 {
     statistics.run().setLimit(value);
+}
+
+// Recordings.
+
+void MainWindow::startDataRecordingFromDlg(QString fileName, bool multiSave)
+{
+    recording.start(fileName, multiSave, dataLoggerDialog->saveRate());
+}
+
+void MainWindow::stopDataRecordingFromDlg()
+{
+    recording.end();
+}
+
+bool MainWindow::mayOverwrite(const QString& path)
+{
+    const auto answer =
+        QMessageBox::question(dataLoggerDialog, tr("File with extension exist!"),
+                              tr("File\n%1\n already exists!\n\nOverwrite the file?").arg(path),
+                              QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Cancel);
+    return answer == QMessageBox::Ok;
+}
+
+void MainWindow::tellRecordingFailed(const RecordFailure& failure)
+{
+    recordingErrorBox->setInformativeText(failure.path + '\n' + failure.reason);
+    recordingErrorBox->show();
+    recordingErrorBox->raise();
 }
 
 // Statistics.
@@ -205,7 +234,9 @@ void MainWindow::closeParametersDialog()
 
 void MainWindow::showDataloggerDialog()
 {
-    dataLoggerDialog->setSaveRate(toolBar.samplingRateHz());
+    // What is being recorded keeps its rate.
+    if (!recording.isOngoing())
+        dataLoggerDialog->setSaveRate(toolBar.samplingRateHz());
     showOnTop(*dataLoggerDialog);
 }
 

@@ -12,6 +12,8 @@
 #include <QRadioButton>
 #include <QSpinBox>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int iconPx = 22;
@@ -106,14 +108,27 @@ void MonitorToolBar::addModes()
 
 void MonitorToolBar::addRecordingState()
 {
-    QLabel* light =
-        named(scaledPicture(QStringLiteral(":/images/red_light.png"), QSize(iconPx, iconPx), bar),
-              "recordingLight");
-    QLabel* text =
-        named(new QLabel(WindowText::tr("Data recording disabled"), bar), "recordingText");
-    text->setMargin(recordingTextMarginPx);
-    bar->addWidget(light);
-    bar->addWidget(text);
+    recordingLight = named(scaledPicture(QString(), QSize(iconPx, iconPx), bar), "recordingLight");
+    recordingText = named(new QLabel(bar), "recordingText");
+    recordingText->setMargin(recordingTextMarginPx);
+    // What stands behind the text stays where it is, whatever the text says.
+    int width = 0;
+    for (const bool recording : {true, false}) {
+        showRecording(recording);
+        width = std::max(width, recordingText->sizeHint().width());
+    }
+    recordingText->setMinimumWidth(width);
+    bar->addWidget(recordingLight);
+    bar->addWidget(recordingText);
+}
+
+void MonitorToolBar::showRecording(bool recording)
+{
+    const QIcon light(recording ? QStringLiteral(":/images/green_light.png")
+                                : QStringLiteral(":/images/red_light.png"));
+    recordingLight->setPixmap(light.pixmap(recordingLight->maximumSize()));
+    recordingText->setText(recording ? WindowText::tr("Data recording enabled")
+                                     : WindowText::tr("Data recording disabled"));
 }
 
 void MonitorToolBar::addLogo()

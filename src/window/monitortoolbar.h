@@ -2,6 +2,7 @@
 
 class Counter;
 class QAction;
+class QLabel;
 class QMainWindow;
 class QRadioButton;
 class QToolBar;
@@ -31,6 +32,7 @@ public:
     int wantedSamples() const;
 
     void showRunning(bool running, bool rateLocked);
+    void showRecording(bool on);
     void enableStart(bool on) const;
     void enableSamplesToTake(bool on);
 
@@ -54,4 +56,6 @@ private:
     QRadioButton* oscilloscope = nullptr;
     QRadioButton* pointing = nullptr;
     Counter* samplesToTake = nullptr;
+    QLabel* recordingLight = nullptr;
+    QLabel* recordingText = nullptr;
 };

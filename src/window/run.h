@@ -1,12 +1,12 @@
 #pragma once
 
-#include "window/stagevalues.h"
+#include "model/stagevalues.h"
 #include "window/statisticssums.h"
 
 #include <QtGlobal>
 
 /// The counting of a run: how many samples it takes, how many it has, and the figures of each
-/// stage. The first displayed system counts the samples; the sums belong to each system.
+/// stage. The first system on the plots counts the samples; the sums belong to each system.
 ///
 /// Times are milliseconds on any clock that never goes back.
 class Run final
@@ -29,7 +29,7 @@ public:
 
     void startClock(qint64 nowMs) { textTimeMs = nowMs; }
 
-    /// Counts a sample of the first displayed system.
+    /// Counts a sample of the first system on the plots.
     void countSample() { ++taken; }
     /// Adds a sample of a system to its sums. Only behind the first counted sample.
     void add(StatisticsSums& sums, const StagePositions& positions);

@@ -9,10 +9,11 @@ constexpr int commonDecimals = 2;
 
 } // namespace
 
-SampleManner mannerOfDisplayed(const LiveSystems& systems)
+SampleManner mannerOfDisplayed(const LiveSystems& systems, const Recorder* recorder)
 {
     SampleManner manner;
     manner.readOut = systems.displayed().size() == 1;
+    manner.recorder = recorder;
     return manner;
 }
 

@@ -7,6 +7,7 @@
 #include <optional>
 
 class LiveSystems;
+class Recorder;
 
 /// How a tick shows samples: in this, displayed systems and common detectors differ.
 struct SampleManner
@@ -27,10 +28,12 @@ struct SampleManner
     bool sweeps = true;
     /// Whether the last system ends a counted run.
     bool endsRuns = true;
+    /// Takes the samples of the systems that are recorded; null where none is.
+    const Recorder* recorder = nullptr;
     /// Whether the samples tell the state of the stages.
     bool tellsState = true;
 };
 
-SampleManner mannerOfDisplayed(const LiveSystems& systems);
+SampleManner mannerOfDisplayed(const LiveSystems& systems, const Recorder* recorder = nullptr);
 /// Where systems are displayed, the sweeps, the runs and the readouts are theirs.
 SampleManner mannerOfCommon(const LiveSystems& systems);

@@ -3,8 +3,9 @@
 #include "link/connection.h"
 #include "link/packet.h"
 #include "model/detectorpair.h"
+#include "model/displayvalue.h"
+#include "recording/recorder.h"
 #include "window/decimation.h"
-#include "window/displayvalue.h"
 #include "window/livesystems.h"
 #include "window/statistics.h"
 #include "window/statusflags.h"
@@ -70,7 +71,10 @@ bool SamplePass::show(const std::vector<SampleBlock>& blocks)
 bool SamplePass::showBlock(const SampleBlock& block, const Place& place)
 {
     LiveSystem& system = systems.at(block.system);
-    const bool everySample = !manner.decimated || system.detectors->pulsedLaser == 1;
+    const bool isPulsed = system.detectors->pulsedLaser == 1;
+    const bool everySample = !manner.decimated || isPulsed;
+    SystemRecord* record =
+        manner.recorder ? manner.recorder->recordOf(system.connection.get()) : nullptr;
     // The first sample of a system in each tick is always plotted.
     std::array<Decimation, 2> passing{Decimation(decimations[0]), Decimation(decimations[1])};
 
@@ -86,10 +90,13 @@ bool SamplePass::showBlock(const SampleBlock& block, const Place& place)
             for (StageView& stage : stages)
                 stage.plots().wrapSweep(sample.timeMs);
         }
-        // The sample that ends a run tells no state: the controller is asked from now on.
+        // The sample that ends a run is not recorded and tells no state: the controller is asked
+        // from now on.
         const StagePositions counted = manner.statisticsInVolts ? voltsOf(sample) : positions;
         if (!statistics.take(system, counted, place.first, place.last && manner.endsRuns))
             return false;
+        if (record)
+            record->take(sample, {place.last, isPulsed});
     }
     if (manner.tellsState && !block.samples.empty()
         && packet::hasFlags(system.connection->firmwareVersion()))

@@ -1,8 +1,8 @@
 #include "window/stagereadouts.h"
 
+#include "model/displayvalue.h"
 #include "plots/colorscalesframe.h"
 #include "plots/thermoslider.h"
-#include "window/displayvalue.h"
 
 #include <QHBoxLayout>
 #include <QLCDNumber>

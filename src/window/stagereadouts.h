@@ -1,8 +1,8 @@
 #pragma once
 
 #include "model/stage.h"
+#include "model/stagevalues.h"
 #include "window/readoutaverage.h"
-#include "window/stagevalues.h"
 
 class QHBoxLayout;
 class QLCDNumber;

@@ -22,8 +22,9 @@ public:
 
     /// Begins the time that passes between two texts.
     void startClock();
-    /// Takes a sample of a displayed system into the run. `first` and `last` tell the place of the
-    /// system among the displayed ones: the first one counts, and the run ends at the last one.
+    /// Takes a sample of a system into the run. `first` and `last` tell the place of the system
+    /// among those that are shown together: the first one counts, and the run ends at the last one.
+    /// The text has the unit of the system's own detector, also for volts of a common one: kept.
     /// False if the run has come to its end, whose figures are shown then.
     bool take(LiveSystem& system, const StagePositions& positions, bool first, bool last);
     /// Adds the latest sample to the sums of a system once more and shows the figures if they are

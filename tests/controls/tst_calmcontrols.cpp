@@ -1,6 +1,7 @@
-// What a person types into a field with decimals, under any locale, and what the wheel does.
+// What a person types into a field with a number, under any locale, and what the wheel does.
 
 #include "controls/calmcombobox.h"
+#include "controls/calmspinbox.h"
 #include "controls/decimalspinbox.h"
 
 #include <QVBoxLayout>
@@ -15,6 +16,7 @@ struct Controls
     {
         auto* layout = new QVBoxLayout(&window);
         layout->addWidget(field);
+        layout->addWidget(count);
         layout->addWidget(choice);
         layout->addWidget(other);
         choice->addItems({"one", "two"});
@@ -29,6 +31,7 @@ struct Controls
 
     QWidget window;
     DecimalSpinBox* field = new DecimalSpinBox(&window);
+    CalmSpinBox* count = new CalmSpinBox(&window);
     CalmComboBox* choice = new CalmComboBox(&window);
     QDoubleSpinBox* other = new QDoubleSpinBox(&window);
     bool isActive = false;
@@ -57,6 +60,8 @@ private slots:
     void numberIsShownWithAPointEverywhere();
     void wheelCountsOnlyWithFocus();
     void wheelChoosesOnlyWithFocus();
+    void wheelCountsWholeNumbersOnlyWithFocus();
+    void wholeNumberReadsTheSameEverywhere();
 };
 
 void TestCalmControls::commaAndPointAreTheSame_data()
@@ -122,6 +127,30 @@ void TestCalmControls::wheelChoosesOnlyWithFocus()
     controls.choice->setFocus();
     turnWheel(*controls.choice);
     QCOMPARE(controls.choice->currentIndex(), 0);
+}
+
+void TestCalmControls::wheelCountsWholeNumbersOnlyWithFocus()
+{
+    Controls controls;
+    QVERIFY(controls.isActive);
+    QCOMPARE(controls.count->focusPolicy(), Qt::StrongFocus);
+    controls.other->setFocus();
+    turnWheel(*controls.count);
+    QCOMPARE(controls.count->value(), 0);
+
+    controls.count->setFocus();
+    turnWheel(*controls.count);
+    QCOMPARE(controls.count->value(), 1);
+}
+
+void TestCalmControls::wholeNumberReadsTheSameEverywhere()
+{
+    const QLocale arabicDigits(QLocale::Arabic, QLocale::Egypt);
+    QVERIFY(arabicDigits.toString(12) != "12");
+    QLocale::setDefault(arabicDigits);
+    Controls controls;
+    controls.count->setValue(12);
+    QCOMPARE(controls.count->text(), QString("12"));
 }
 
 QTEST_MAIN(TestCalmControls)

@@ -10,6 +10,7 @@
 #include <QtTest>
 
 #include <atomic>
+#include <memory>
 #include <sys/syscall.h>
 #include <thread>
 #include <unistd.h>
@@ -93,6 +94,7 @@ class TestExchangeButtons : public QObject
 private slots:
     void lockedButtonsComeBackByThemselves();
     void clicksMadeDuringAnExchangeAreLost();
+    void clicksMadeDuringASecondExchangeAreLost();
     void buttonThatIsNotAllowedStaysDisabled();
     void permissionDuringAnExchangeCountsBehindIt();
     void permissionActsAtOnceWithoutAnExchange();
@@ -130,6 +132,24 @@ void TestExchangeButtons::clicksMadeDuringAnExchangeAreLost()
         const HeldBackClick behind(*dialog.tell);
         QTRY_COMPARE(clicks.count(), 1);
     }
+}
+
+void TestExchangeButtons::clicksMadeDuringASecondExchangeAreLost()
+{
+    Dialog dialog;
+    const QSignalSpy clicks(dialog.tell, &QPushButton::clicked);
+    std::unique_ptr<HeldBackClick> during;
+    dialog.buttons.lock();
+    // The second one begins before the buttons are back, and ends when they were due.
+    QTimer::singleShot(0, &dialog.window, [&] {
+        dialog.buttons.lock();
+        during = std::make_unique<HeldBackClick>(*dialog.tell);
+        constexpr unsigned long exchangeMs = 40;
+        QThread::msleep(exchangeMs);
+    });
+    QTRY_VERIFY(during && dialog.tell->isEnabled());
+    during.reset();
+    QCOMPARE(clicks.count(), 0);
 }
 
 void TestExchangeButtons::buttonThatIsNotAllowedStaysDisabled()

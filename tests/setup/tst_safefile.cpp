@@ -1,7 +1,7 @@
 #include "app/switches.h"
-#include "fulldisk.h"
 #include "setup/safefile.h"
 #include "support/anotheruser.h"
+#include "support/fulldisk.h"
 
 #include <QFile>
 #include <QTemporaryDir>

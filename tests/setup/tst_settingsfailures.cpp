@@ -1,10 +1,10 @@
 // What is told of setup files that can not be loaded or saved, and what becomes of them.
 
 #include "app/switches.h"
-#include "fulldisk.h"
 #include "records.h"
 #include "setup/settings.h"
 #include "setupfiles.h"
+#include "support/fulldisk.h"
 #include "support/logcapture.h"
 
 #include <QTemporaryDir>

@@ -1,10 +1,10 @@
 // What saving makes of a setup file.
 
 #include "app/switches.h"
-#include "fulldisk.h"
 #include "records.h"
 #include "setup/settings.h"
 #include "setupfiles.h"
+#include "support/fulldisk.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "monitorbench.h"
+#include "recording/recorder.h"
 #include "window/displaytick.h"
 #include "window/systemsview.h"
 
@@ -53,7 +54,8 @@ struct CommonBench : MonitorBench
     const StagePlots& plots(int stage = 1) const { return stages[std::size_t(stage - 1)].plots(); }
 
     SystemsView view{systems, stages, toolBar, statistics, parent};
-    DisplayTick tick{systems, stages, toolBar, statistics, acquisition};
+    Recorder recorder;
+    DisplayTick tick{systems, stages, toolBar, statistics, acquisition, recorder};
 
 private:
     void takeOver(const Connection& connection)

@@ -1,6 +1,7 @@
 // The whole tick over systems that tests make up: what it shows, what it asks and what it leaves.
 
 #include "monitorbench.h"
+#include "recording/recorder.h"
 #include "support/replotcounter.h"
 #include "window/displaytick.h"
 
@@ -47,7 +48,8 @@ private slots:
 private:
     struct Bench : MonitorBench
     {
-        DisplayTick tick{systems, stages, toolBar, statistics, acquisition};
+        Recorder recorder;
+        DisplayTick tick{systems, stages, toolBar, statistics, acquisition, recorder};
     };
 
     /// One that streams and has curves.

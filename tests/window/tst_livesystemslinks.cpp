@@ -40,6 +40,7 @@ private slots:
     void labelGoesToTheMeantControllerPadded();
     void reconnectKeepsOnlyTheExpectedController_data();
     void reconnectKeepsOnlyTheExpectedController();
+    void reconnectForgetsWhichDetectorsWereUsed();
     void reconnectOfOneLeavesTheOtherOfItsAddressAlone();
 
 private:
@@ -229,6 +230,19 @@ void TestLiveSystemsLinks::reconnectKeepsOnlyTheExpectedController()
     QCOMPARE(systems().displayed().contains(0), up);
     QCOMPARE(systems().at(0).status.statusValid, up);
     QCOMPARE(shown.count(), up ? 1 : 0);
+}
+
+void TestLiveSystemsLinks::reconnectForgetsWhichDetectorsWereUsed()
+{
+    ScriptedConnection& connection = bench->add(Link::Down);
+    connection.setTimeoutMs(shortTimeoutMs);
+    for (const Stage stage : bothStages)
+        systems().noteCommonPath(&connection, stage, true);
+    connection.controller().answer("GID", replies::identity("AB000000001"));
+    QString id;
+    QCOMPARE(systems().reconnect(&connection, id), ReconnectResult::Reconnected);
+    QVERIFY(!systems().at(0).status.multiplex1);
+    QVERIFY(!systems().at(0).status.multiplex2);
 }
 
 void TestLiveSystemsLinks::reconnectOfOneLeavesTheOtherOfItsAddressAlone()

@@ -7,6 +7,7 @@
 #include "demo/windowhand.h"
 #include "emulator/emulatorhost.h"
 #include "link/connection.h"
+#include "model/detector.h"
 #include "params/paramsdialog.h"
 #include "plots/counter.h"
 #include "plots/genericplot.h"
@@ -16,8 +17,10 @@
 #include "setup/settingsdialog.h"
 #include "window/mainwindow.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QCommandLineParser>
 #include <QDeadlineTimer>
 #include <QLCDNumber>
@@ -145,6 +148,11 @@ void takeDialogs(MainWindow& window, const WindowHand& hand)
                                     [](const QWidget* button) { return button->isVisible(); });
     QTest::mouseClick(*shown, Qt::LeftButton);
     auto* parameters = window.findChild<ParamsDialog*>();
+    QTest::qWait(dialogMs);
+    for (const QString stage : {"", "_2"})
+        parameters->findChild<QComboBox*>("comboBox_DetecType" + stage)
+            ->setCurrentIndex(PsdDetector);
+    parameters->findChild<QAbstractButton*>("radioButtonPositionInLength")->click();
     QTest::qWait(dialogMs);
     hand.take(*parameters, "parameters");
     parameters->close();

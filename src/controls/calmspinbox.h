@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QSpinBox>
+
+/// A whole number that reads the same under every locale. The wheel changes it only while it has
+/// the focus, so that scrolling past it changes nothing.
+class CalmSpinBox final : public QSpinBox
+{
+    Q_OBJECT
+
+public:
+    explicit CalmSpinBox(QWidget* parent = nullptr);
+
+protected:
+    void wheelEvent(QWheelEvent* event) override;
+};

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "model/detectorpair.h"
+#include "model/measuresample.h"
+#include "recording/recordfile.h"
+
+class QDateTime;
+
+/// What a sample does not say of itself.
+struct SamplePlace
+{
+    /// Whether its system is the last one in the order of display.
+    bool lastDisplayed = false;
+    /// Whether the packets of its system follow the pulses of a laser now.
+    bool pulsedLaser = false;
+};
+
+/// The recording of one system: its file and which of its samples go there.
+class SystemRecord final
+{
+public:
+    /// Whether samples count wherever their system is displayed, or in the last place alone.
+    enum class Counting { Everywhere, LastDisplayed };
+
+    /// Opens the file and writes the header. The detectors are copied, so that all lines are in
+    /// the units of the header, whatever is set meanwhile. Every `divider`-th sample is saved, with
+    /// 0 the first one alone.
+    SystemRecord(const QString& path, const DetectorPair& detectors, int divider, Counting counting,
+                 const QDateTime& start);
+
+    /// Saves the sample if it is due. Writes nothing to the file yet, so that a tick does not wait.
+    void take(const MeasureSample& sample, const SamplePlace& place);
+
+    RecordFile& file() { return recordFile; }
+    const RecordFile& file() const { return recordFile; }
+
+private:
+    bool isDue(const SamplePlace& place);
+
+    RecordFile recordFile;
+    DetectorPair detectors;
+    qint64 divider;
+    Counting counting;
+    /// Samples from the last saved one on, that one included.
+    qint64 counter;
+    bool isFirstLine = true;
+    quint64 startTimeMs = 0;
+};
