@@ -31,8 +31,8 @@ QByteArrayList exchanged(const QByteArrayList& commands, bool streams)
     return QByteArrayList{"CLS;"} + commands + QByteArrayList{QByteArray("SLS\0\0\x01\x2c;", 8)};
 }
 
-/// Sees what every Set leaves behind: the buttons, the stream, and no message.
-bool isAsBefore(const FaultBench& faults, bool streams)
+/// Whether the buttons work, a stream runs if it ran before, and no failure is told.
+bool isUsable(const FaultBench& faults, bool streams)
 {
     return faults.bench.failure().isNull() && faults.hasButtons() && faults.bench.streamErrors == 0
            && (streams ? faults.streams() : faults.isQuiet());
@@ -99,7 +99,7 @@ void TestDialogHoldFaults::holdThatFailsCanBeAskedAgain()
         QCOMPARE(faults.warnings(), QStringList());
         QVERIFY(!isHeld(faults, stage));
         QVERIFY(isSetEnabled(faults.bench, stage));
-        QVERIFY(isAsBefore(faults, streams));
+        QVERIFY(isUsable(faults, streams));
     }
     QVERIFY(faults.click(setButton(stage)));
     QCOMPARE(faults.bench.commands(),
@@ -108,7 +108,7 @@ void TestDialogHoldFaults::holdThatFailsCanBeAskedAgain()
     QVERIFY(isHeld(faults, stage) && !isHeld(faults, otherThan(stage)));
     QVERIFY(!isSetEnabled(faults.bench, stage));
     QVERIFY(isSetEnabled(faults.bench, otherThan(stage)));
-    QVERIFY(isAsBefore(faults, streams));
+    QVERIFY(isUsable(faults, streams));
 }
 
 void TestDialogHoldFaults::positionThatFailsDoesNotStopTheHold_data()
@@ -139,7 +139,7 @@ void TestDialogHoldFaults::positionThatFailsDoesNotStopTheHold()
         QCOMPARE(faults.unread(), unread.isEmpty() ? QString() : position.name);
         QVERIFY(isHeld(faults, stage));
         QVERIFY(!isSetEnabled(faults.bench, stage));
-        QVERIFY(isAsBefore(faults, streams));
+        QVERIFY(isUsable(faults, streams));
 
         // Somebody else frees it.
         faults.bench.link.controller.setRules({});
@@ -188,7 +188,7 @@ void TestDialogHoldFaults::holdStandsWhereTheReadingBehindItFails()
     QCOMPARE(faults.unread(), question.name);
     QVERIFY(isHeld(faults, stage));
     QVERIFY(!isSetEnabled(faults.bench, stage));
-    QVERIFY(isAsBefore(faults, true));
+    QVERIFY(isUsable(faults, true));
 }
 
 QTEST_MAIN(TestDialogHoldFaults)
