@@ -278,8 +278,6 @@ void MainWindow::wireMenus()
 
 void MainWindow::disableWhatIsNotOffered()
 {
-    for (QAction* action :
-         {ui->actionOpenDataLog, ui->actionCloseDataLog, ui->actionAbout_the_Software})
-        action->setEnabled(false);
+    ui->actionAbout_the_Software->setEnabled(false);
     findChild<QAction*>(QStringLiteral("actionOperation_Tests"))->setEnabled(false);
 }
