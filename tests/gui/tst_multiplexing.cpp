@@ -293,7 +293,7 @@ void TestMultiplexing::failedSwitchTakesTheOppositeAndTheStreamRuns()
     const QByteArrayList expected =
         streaming ? QByteArrayList{stopCommand, command, startAt100Hz} : QByteArrayList{command};
     // The same wish again is not ignored.
-    for (const emulator::Rule& rule : {always, always, once}) {
+    for (const emulator::Rule& rule : {always, once}) {
         fixture.controller().setRules({rule});
         wishImpatiently(fixture, direction, 1);
         QCOMPARE(commands(fixture), expected);
