@@ -57,8 +57,8 @@ public:
 
     /// Shows a form, as if a user had filled it.
     void fill(const Form& form) const;
-    /// Clicks a button, and waits until it can be clicked again. What is logged and what passes on
-    /// the wire is kept until the next click.
+    /// Clicks a button, and waits until the exchange that it began is over. What is logged and what
+    /// passes on the wire is kept until the next click.
     bool click(const QString& button);
     /// As `click`, with a controller that follows the rule, and waits that it does not make long.
     bool clickUnder(const emulator::Rule& rule, const QString& button);
