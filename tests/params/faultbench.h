@@ -46,7 +46,7 @@ class FaultBench final
 public:
     static constexpr int rateHz = 300;
     /// Of the exchanges in which something goes wrong: they wait for it once or twice.
-    static constexpr int faultyTimeoutMs = 80;
+    static constexpr int faultyTimeoutMs = 120;
 
     explicit FaultBench(const emulator::ControllerOptions& options = {});
 
