@@ -69,6 +69,16 @@ public:
         return open(name) && click("pushButton_Start") && isRecording();
     }
 
+    /// Records two systems, A and B, to files of their own.
+    bool openAndStartBoth()
+    {
+        if (!open())
+            return false;
+        fixture.window().relabelConnection(&fixture.connection(0), "A");
+        fixture.window().relabelConnection(&fixture.connection(1), "B");
+        return click("checkBox") && click("pushButton_Start") && isRecording();
+    }
+
     DataLoggerDialog& dialog() const { return *fixture.window().findChild<DataLoggerDialog*>(); }
     template <typename Widget>
     Widget& in(const QString& name) const
@@ -240,11 +250,7 @@ void TestRecording::everyFifthSampleIsRecorded()
 void TestRecording::everySystemHasItsFile()
 {
     RecordingBench bench(2);
-    QVERIFY(bench.open());
-    bench.fixture.window().relabelConnection(&bench.fixture.connection(0), "A");
-    bench.fixture.window().relabelConnection(&bench.fixture.connection(1), "B");
-    QVERIFY(bench.click("checkBox"));
-    QVERIFY(bench.click("pushButton_Start"));
+    QVERIFY(bench.openAndStartBoth());
     QVERIFY(bench.ticksUntilLines(5, "run_A.csv") && bench.ticksUntilLines(5, "run_B.csv"));
     QVERIFY(bench.click("pushButton_Stop"));
     QCOMPARE(bench.files(), QStringList({"run_A.csv", "run_B.csv"}));
@@ -356,12 +362,8 @@ void TestRecording::endOfACountedRunEndsTheRecording()
 void TestRecording::hiddenSystemGetsNoLinesUntilItIsShownAgain()
 {
     RecordingBench bench(2);
-    QVERIFY(bench.open());
+    QVERIFY(bench.openAndStartBoth());
     MainWindow& window = bench.fixture.window();
-    window.relabelConnection(&bench.fixture.connection(0), "A");
-    window.relabelConnection(&bench.fixture.connection(1), "B");
-    QVERIFY(bench.click("checkBox"));
-    QVERIFY(bench.click("pushButton_Start"));
     QVERIFY(bench.ticksUntilLines(5, "run_A.csv"));
     window.showConnection(bench.fixture.connection(0).address(), false);
     const int before = bench.lines("run_A.csv").size();
@@ -380,12 +382,8 @@ void TestRecording::hiddenSystemGetsNoLinesUntilItIsShownAgain()
 void TestRecording::removedSystemKeepsWhatItHas()
 {
     RecordingBench bench(2);
-    QVERIFY(bench.open());
+    QVERIFY(bench.openAndStartBoth());
     MainWindow& window = bench.fixture.window();
-    window.relabelConnection(&bench.fixture.connection(0), "A");
-    window.relabelConnection(&bench.fixture.connection(1), "B");
-    QVERIFY(bench.click("checkBox"));
-    QVERIFY(bench.click("pushButton_Start"));
     QVERIFY(bench.ticksUntilLines(5, "run_A.csv"));
     QVERIFY(window.closeConnection(&bench.fixture.connection(0)));
     QVERIFY(bench.isRecording());
