@@ -18,6 +18,8 @@
 #include <QWindow>
 #include <QtTest>
 
+#include <limits>
+
 /// What stands behind the header of a recording.
 inline QStringList linesOf(const QByteArray& recording)
 {
@@ -41,6 +43,47 @@ inline bool isWhole(const QByteArray& recording)
     return true;
 }
 
+/// A controller whose samples count through all numbers of 16 bits from here, over and over.
+inline emulator::ControllerOptions countingController(int first = 0)
+{
+    constexpr int numbers = std::numeric_limits<quint16>::max() + 1;
+    emulator::ControllerOptions options;
+    options.script.reserve(numbers);
+    for (int i = 0; i < numbers; ++i) {
+        emulator::PacketValues values{};
+        values.x1 = qint16(first + i);
+        options.script.append(values);
+    }
+    options.scriptRepeats = true;
+    return options;
+}
+
+/// The numbers of its samples that were recorded.
+inline QVector<quint16> numbersIn(const QByteArray& recording)
+{
+    constexpr int mvPerVolt = 1000;
+    QVector<quint16> numbers;
+    for (const QString& line : linesOf(recording))
+        numbers.append(quint16(qRound(line.section('\t', 1, 1).toDouble() * mvPerVolt)));
+    return numbers;
+}
+
+/// The first line whose number is not so many more than that of the line before; empty if there is
+/// none.
+inline QString gapIn(const QVector<quint16>& numbers, int step = 1)
+{
+    if (numbers.isEmpty())
+        return QStringLiteral("no lines");
+    for (int i = 1; i < numbers.size(); ++i) {
+        if (numbers.at(i) != quint16(numbers.at(i - 1) + step))
+            return QStringLiteral("line %1: %2 behind %3")
+                .arg(i)
+                .arg(numbers.at(i))
+                .arg(numbers.at(i - 1));
+    }
+    return {};
+}
+
 /// A window on controllers, its recording dialog, and a folder for the files.
 class RecordingBench final
 {
@@ -49,11 +92,14 @@ public:
         : fixture(controllers, options)
     {}
 
-    /// Opens the dialog by its menu and types a name.
+    /// Opens the window with all systems, and the dialog.
     bool open(const QString& name = QStringLiteral("run.csv"))
     {
-        if (!fixture.openWithSystems())
-            return false;
+        return fixture.openWithSystems() && openDialog(name);
+    }
+    /// Opens the dialog of an open window by its menu and types a name.
+    bool openDialog(const QString& name = QStringLiteral("run.csv"))
+    {
         fixture.find<QAction>("actionOpenDataLog")->trigger();
         if (!QTest::qWaitForWindowExposed(&dialog()))
             return false;
