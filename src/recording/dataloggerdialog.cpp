@@ -213,8 +213,8 @@ void DataLoggerDialog::emitStopSignal()
 
 void DataLoggerDialog::showRecording(bool on)
 {
-    // Who has started by the keyboard finds Stop under the same key, and the other way round.
-    const bool isStartFocused = focusWidget() == ui->pushButton_Start;
+    // Start hands the focus on to Stop, and gets it back: who works by the keyboard stays between
+    // the two.
     const bool isStopFocused = focusWidget() == ui->pushButton_Stop;
     ui->pushButton_Stop->setEnabled(on);
     ui->pushButton_SaveAs->setEnabled(!on);
@@ -223,12 +223,11 @@ void DataLoggerDialog::showRecording(bool on)
     ui->lineEdit_RecordTime->setReadOnly(on);
     ui->progressBar->setEnabled(on);
     allowStart();
-    if (on && isStartFocused)
-        ui->pushButton_Stop->setFocus();
-    else if (!on && isStopFocused)
+    if (on)
+        return;
+    ui->remainingTimeLabel->clear();
+    if (isStopFocused)
         ui->pushButton_Start->setFocus();
-    if (!on)
-        ui->remainingTimeLabel->clear();
 }
 
 void DataLoggerDialog::updateProgressBar()

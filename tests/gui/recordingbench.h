@@ -111,6 +111,21 @@ public:
         return open(name) && click("pushButton_Start") && isRecording();
     }
 
+    /// Records two systems, A and B, to files of their own.
+    bool openAndStartBoth()
+    {
+        if (!open())
+            return false;
+        fixture.window().relabelConnection(&fixture.connection(0), "A");
+        fixture.window().relabelConnection(&fixture.connection(1), "B");
+        return startAll();
+    }
+    /// Records every displayed system to a file of its own.
+    bool startAll() const
+    {
+        return click("checkBox") && click("pushButton_Start") && isRecording();
+    }
+
     DataLoggerDialog& dialog() const { return *fixture.window().findChild<DataLoggerDialog*>(); }
     template <typename Widget>
     Widget& in(const QString& name) const

@@ -19,6 +19,7 @@
 
 using emulator::on;
 
+Q_DECLARE_METATYPE(emulator::ControllerOptions)
 Q_DECLARE_METATYPE(emulator::Rule)
 
 namespace {
@@ -45,6 +46,15 @@ void wish(const WindowFixture& fixture, bool direction, int stage, int system = 
 {
     auto* overview = fixture.window().findChild<ConnectionOverviewDialog*>();
     emit overview->multiplexDetectors(fixture.controller(system).address(), direction, stage);
+}
+
+/// As `wish`, with shorter waits, for replies that do not come.
+void wishImpatiently(const WindowFixture& fixture, bool direction, int stage)
+{
+    constexpr int faultyTimeoutMs = 80;
+    fixture.connection().setTimeoutMs(faultyTimeoutMs);
+    wish(fixture, direction, stage);
+    fixture.connection().setTimeoutMs(WindowFixture::shortTimeoutMs);
 }
 
 /// Commands that a controller got, but for requests of its status.
@@ -104,12 +114,15 @@ private slots:
     void idleSystemGetsTheCommandAlone();
     void streamIsStoppedForTheCommandAndGoesOnAtItsRate_data() { addRequests(); }
     void streamIsStoppedForTheCommandAndGoesOnAtItsRate();
+    void streamOfEachKindIsStartedAgain_data();
+    void streamOfEachKindIsStartedAgain();
     void directionThatIsSetSendsNothingAndLeavesTheStream();
     void refusedSwitchOfStage2LeavesItOff();
     void failedSwitchTakesTheOppositeAndTheStreamRuns_data();
     void failedSwitchTakesTheOppositeAndTheStreamRuns();
     void stopThatFailsOnceChangesNothing_data();
     void stopThatFailsOnceChangesNothing();
+    void stopThatNeverSucceedsKeepsTheStream_data();
     void stopThatNeverSucceedsKeepsTheStream();
     void onlyAFailedStartIsTold_data();
     void onlyAFailedStartIsTold();
@@ -176,6 +189,39 @@ void TestMultiplexing::streamIsStoppedForTheCommandAndGoesOnAtItsRate()
     QVERIFY(!showsStreamError(fixture));
 }
 
+void TestMultiplexing::streamOfEachKindIsStartedAgain_data()
+{
+    QTest::addColumn<emulator::ControllerOptions>("options");
+    QTest::addColumn<bool>("byTriggers");
+    QTest::addColumn<QByteArray>("start");
+    for (const int firmware : {10, 11, 30, 31})
+        QTest::addRow("firmware %d", firmware) << withFirmware(firmware) << false << startAt100Hz;
+    emulator::ControllerOptions vm = withFirmware(31);
+    vm.vm = true;
+    QTest::newRow("VM") << vm << false << QByteArray("SGS\0\0\0\x64;", 8);
+    emulator::ControllerOptions triggered = withFirmware(31);
+    triggered.triggerCapable = true;
+    QTest::newRow("by triggers") << triggered << true << QByteArray("SPS\0\0;", 6);
+}
+
+void TestMultiplexing::streamOfEachKindIsStartedAgain()
+{
+    QFETCH(emulator::ControllerOptions, options);
+    QFETCH(bool, byTriggers);
+    QFETCH(QByteArray, start);
+    WindowFixture fixture(1, options);
+    QVERIFY(fixture.openWithSystems());
+    fixture.connection().setTriggerMode(byTriggers);
+    QVERIFY(fixture.clickAction("startAction"));
+    fixture.controller().clearWire();
+
+    wish(fixture, true, 1);
+    QCOMPARE(commands(fixture), QByteArrayList({stopCommand, switchCommand(true, 1), start}));
+    QVERIFY(isMultiplexed(fixture, 1));
+    QVERIFY(fixture.connection().isStreaming() && fixture.controller().isStreaming());
+    QVERIFY(!showsStreamError(fixture));
+}
+
 void TestMultiplexing::directionThatIsSetSendsNothingAndLeavesTheStream()
 {
     WindowFixture fixture(1, withFirmware(40));
@@ -212,17 +258,19 @@ void TestMultiplexing::failedSwitchTakesTheOppositeAndTheStreamRuns_data()
 {
     QTest::addColumn<bool>("direction");
     QTest::addColumn<bool>("streaming");
-    QTest::addColumn<emulator::Rule>("rule");
+    QTest::addColumn<emulator::Rule>("always");
+    QTest::addColumn<emulator::Rule>("once");
     for (const bool direction : {true, false}) {
         const char* mnemonic = direction ? "SMD" : "CMD";
         for (const bool streaming : {true, false}) {
-            const char* state = streaming ? "streaming" : "idle";
-            QTest::addRow("%s refused, %s", mnemonic, state)
-                << direction << streaming << emulator::Rule(on(mnemonic).refuse());
-            QTest::addRow("%s unanswered, %s", mnemonic, state)
-                << direction << streaming << emulator::Rule(on(mnemonic).ignore());
-            QTest::addRow("%s cut, %s", mnemonic, state)
-                << direction << streaming << emulator::Rule(on(mnemonic).cutTo(1));
+            const auto row = [&](const char* how, emulator::RuleDraft rule) {
+                const emulator::Rule always = rule;
+                QTest::addRow("%s %s, %s", mnemonic, how, streaming ? "streaming" : "idle")
+                    << direction << streaming << always << emulator::Rule(rule.once());
+            };
+            row("refused", on(mnemonic).refuse());
+            row("unanswered", on(mnemonic).ignore());
+            row("cut", on(mnemonic).cutTo(1));
         }
     }
 }
@@ -231,28 +279,33 @@ void TestMultiplexing::failedSwitchTakesTheOppositeAndTheStreamRuns()
 {
     QFETCH(bool, direction);
     QFETCH(bool, streaming);
-    QFETCH(emulator::Rule, rule);
+    QFETCH(emulator::Rule, always);
+    QFETCH(emulator::Rule, once);
     WindowFixture fixture(1, withFirmware(40));
     QVERIFY(fixture.openWithSystems());
     if (!direction)
         wish(fixture, true, 1);
     if (streaming)
         QVERIFY(fixture.clickAction("startAction"));
-    fixture.controller().addRule(rule);
     fixture.controller().clearWire();
 
     const QByteArray command = switchCommand(direction, 1);
     const QByteArrayList expected =
         streaming ? QByteArrayList{stopCommand, command, startAt100Hz} : QByteArrayList{command};
     // The same wish again is not ignored.
-    for (int request = 0; request < 2; ++request) {
-        wish(fixture, direction, 1);
+    for (const emulator::Rule& rule : {always, once}) {
+        fixture.controller().setRules({rule});
+        wishImpatiently(fixture, direction, 1);
         QCOMPARE(commands(fixture), expected);
         QCOMPARE(isMultiplexed(fixture, 1), !direction);
         QCOMPARE(fixture.connection().isStreaming(), streaming);
         QVERIFY(!showsStreamError(fixture));
         fixture.controller().clearWire();
     }
+    wish(fixture, direction, 1);
+    QCOMPARE(commands(fixture), expected);
+    QCOMPARE(isMultiplexed(fixture, 1), direction);
+    QCOMPARE(fixture.connection().isStreaming(), streaming);
 }
 
 void TestMultiplexing::stopThatFailsOnceChangesNothing_data()
@@ -271,7 +324,7 @@ void TestMultiplexing::stopThatFailsOnceChangesNothing()
     fixture.controller().addRule(rule);
     fixture.controller().clearWire();
 
-    wish(fixture, true, 1);
+    wishImpatiently(fixture, true, 1);
     QCOMPARE(commands(fixture),
              QByteArrayList({stopCommand, stopCommand, switchCommand(true, 1), startAt100Hz}));
     QVERIFY(isMultiplexed(fixture, 1));
@@ -279,20 +332,33 @@ void TestMultiplexing::stopThatFailsOnceChangesNothing()
     QVERIFY(!showsStreamError(fixture));
 }
 
+void TestMultiplexing::stopThatNeverSucceedsKeepsTheStream_data()
+{
+    QTest::addColumn<emulator::Rule>("rule");
+    QTest::newRow("refused") << emulator::Rule(on("CLS").refuse());
+    QTest::newRow("unanswered") << emulator::Rule(on("CLS").ignore());
+}
+
 void TestMultiplexing::stopThatNeverSucceedsKeepsTheStream()
 {
+    QFETCH(emulator::Rule, rule);
     WindowFixture fixture(1, withFirmware(40));
     QVERIFY(fixture.openWithSystems());
     QVERIFY(fixture.clickAction("startAction"));
-    fixture.controller().addRule(on("CLS").ignore());
+    fixture.controller().addRule(rule);
     fixture.controller().clearWire();
 
     // Nothing but a stop is sent to a controller that streams, so the other two fail.
-    wish(fixture, true, 1);
+    wishImpatiently(fixture, true, 1);
     QCOMPARE(commands(fixture), QByteArrayList({stopCommand, stopCommand}));
     QVERIFY(!isMultiplexed(fixture, 1));
     QVERIFY(fixture.connection().isStreaming());
     QVERIFY(showsStreamError(fixture));
+    // The next wish finds a controller that obeys.
+    fixture.controller().setRules({});
+    wish(fixture, true, 1);
+    QVERIFY(isMultiplexed(fixture, 1));
+    QVERIFY(fixture.connection().isStreaming());
 }
 
 void TestMultiplexing::onlyAFailedStartIsTold_data()
@@ -300,9 +366,12 @@ void TestMultiplexing::onlyAFailedStartIsTold_data()
     QTest::addColumn<emulator::Rule>("rule");
     QTest::addColumn<bool>("told");
     QTest::newRow("refused") << emulator::Rule(on("SLS").refuse()) << true;
+    QTest::newRow("refused once") << emulator::Rule(on("SLS").refuse().once()) << true;
     QTest::newRow("unanswered") << emulator::Rule(on("SLS").ignore()) << true;
+    QTest::newRow("unanswered once") << emulator::Rule(on("SLS").ignore().once()) << true;
     // It can run for all that.
     QTest::newRow("cut") << emulator::Rule(on("SLS").cutTo(3)) << false;
+    QTest::newRow("cut once") << emulator::Rule(on("SLS").cutTo(3).once()) << false;
 }
 
 void TestMultiplexing::onlyAFailedStartIsTold()
@@ -316,7 +385,7 @@ void TestMultiplexing::onlyAFailedStartIsTold()
     QVERIFY(fixture.clickAction("startAction"));
     fixture.controller().addRule(rule);
 
-    wish(fixture, true, 1);
+    wishImpatiently(fixture, true, 1);
     QCOMPARE(showsStreamError(fixture), told);
     QVERIFY(isMultiplexed(fixture, 1));
     QVERIFY(fixture.find<QAction>("startAction")->isChecked());

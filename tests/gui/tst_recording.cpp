@@ -152,11 +152,7 @@ void TestRecording::everyFifthSampleIsRecorded()
 void TestRecording::everySystemHasItsFile()
 {
     RecordingBench bench(2);
-    QVERIFY(bench.open());
-    bench.fixture.window().relabelConnection(&bench.fixture.connection(0), "A");
-    bench.fixture.window().relabelConnection(&bench.fixture.connection(1), "B");
-    QVERIFY(bench.click("checkBox"));
-    QVERIFY(bench.click("pushButton_Start"));
+    QVERIFY(bench.openAndStartBoth());
     QVERIFY(bench.ticksUntilLines(5, "run_A.csv") && bench.ticksUntilLines(5, "run_B.csv"));
     QVERIFY(bench.click("pushButton_Stop"));
     QCOMPARE(bench.files(), QStringList({"run_A.csv", "run_B.csv"}));
@@ -268,12 +264,8 @@ void TestRecording::endOfACountedRunEndsTheRecording()
 void TestRecording::hiddenSystemGetsNoLinesUntilItIsShownAgain()
 {
     RecordingBench bench(2);
-    QVERIFY(bench.open());
+    QVERIFY(bench.openAndStartBoth());
     MainWindow& window = bench.fixture.window();
-    window.relabelConnection(&bench.fixture.connection(0), "A");
-    window.relabelConnection(&bench.fixture.connection(1), "B");
-    QVERIFY(bench.click("checkBox"));
-    QVERIFY(bench.click("pushButton_Start"));
     QVERIFY(bench.ticksUntilLines(5, "run_A.csv"));
     window.showConnection(bench.fixture.connection(0).address(), false);
     const int before = bench.lines("run_A.csv").size();
@@ -292,12 +284,8 @@ void TestRecording::hiddenSystemGetsNoLinesUntilItIsShownAgain()
 void TestRecording::removedSystemKeepsWhatItHas()
 {
     RecordingBench bench(2);
-    QVERIFY(bench.open());
+    QVERIFY(bench.openAndStartBoth());
     MainWindow& window = bench.fixture.window();
-    window.relabelConnection(&bench.fixture.connection(0), "A");
-    window.relabelConnection(&bench.fixture.connection(1), "B");
-    QVERIFY(bench.click("checkBox"));
-    QVERIFY(bench.click("pushButton_Start"));
     QVERIFY(bench.ticksUntilLines(5, "run_A.csv"));
     QVERIFY(window.closeConnection(&bench.fixture.connection(0)));
     QVERIFY(bench.isRecording());

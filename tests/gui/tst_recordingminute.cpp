@@ -29,6 +29,29 @@ struct TickRate
     double hz;
 };
 
+TickRate rateUntil(const RecordingBench& bench, const std::function<bool()>& ended, int limitMs)
+{
+    const ReplotCounter ticks(bench.fixture.positionPlot(1));
+    QElapsedTimer time;
+    time.start();
+    const bool hasEnded = QTest::qWaitFor(ended, limitMs);
+    const double seconds = double(time.elapsed()) / msPerSecond;
+    return {hasEnded, seconds, ticks.count / seconds};
+}
+
+TickRate rateWithoutRecording(const RecordingBench& bench)
+{
+    constexpr int longEnoughMs = 4000;
+    return rateUntil(
+        bench, [] { return false; }, longEnoughMs);
+}
+
+TickRate rateWhileRecording(const RecordingBench& bench)
+{
+    return rateUntil(
+        bench, [&bench] { return !bench.isRecording(); }, 2 * RECORD_SECONDS * msPerSecond);
+}
+
 /// As the dialog has it.
 QString recordTime()
 {
@@ -55,6 +78,9 @@ private slots:
     void cleanup() { QCOMPARE(leftWidgets(), QString()); }
 
     void everyFifthSampleOfEverySystemIsRecorded();
+
+private:
+    static void expectEveryFifthSample(const RecordingBench& bench, int number);
 };
 
 void TestRecordingMinute::everyFifthSampleOfEverySystemIsRecorded()
@@ -66,32 +92,16 @@ void TestRecordingMinute::everyFifthSampleOfEverySystemIsRecorded()
                                                  labelOf(number));
     QVERIFY(bench.fixture.type("samplingRateCounter", QString::number(samplingHz)));
 
-    ReplotCounter ticks(bench.fixture.positionPlot(1));
-    const auto rateUntil = [&ticks](const std::function<bool()>& ended, int limitMs) {
-        ticks.count = 0;
-        QElapsedTimer time;
-        time.start();
-        const bool hasEnded = QTest::qWaitFor(ended, limitMs);
-        const double seconds = double(time.elapsed()) / msPerSecond;
-        return TickRate{hasEnded, seconds, ticks.count / seconds};
-    };
-    const auto rateWithoutRecording = [&rateUntil] {
-        constexpr int longEnoughMs = 4000;
-        return rateUntil([] { return false; }, longEnoughMs);
-    };
     QVERIFY(bench.fixture.clickAction("startAction"));
-    const TickRate before = rateWithoutRecording();
+    const TickRate before = rateWithoutRecording(bench);
     QVERIFY(bench.fixture.clickAction("startAction"));
 
     QVERIFY(bench.openDialog());
     bench.in<QLineEdit>("lineEdit_RecordTime").setText(recordTime());
     bench.in<QSpinBox>("spinBox_SaveRate").setValue(saveHz);
-    QVERIFY(bench.click("checkBox"));
-    QVERIFY(bench.click("pushButton_Start"));
-    QVERIFY(bench.isRecording());
-    const TickRate recording =
-        rateUntil([&bench] { return !bench.isRecording(); }, 2 * RECORD_SECONDS * msPerSecond);
-    const TickRate after = rateWithoutRecording();
+    QVERIFY(bench.startAll());
+    const TickRate recording = rateWhileRecording(bench);
+    const TickRate after = rateWithoutRecording(bench);
     qInfo("%.1f ticks a second, %.1f while recording for %.3f s, then %.1f", before.hz,
           recording.hz, recording.seconds, after.hz);
 
@@ -99,19 +109,23 @@ void TestRecordingMinute::everyFifthSampleOfEverySystemIsRecorded()
     QVERIFY(recording.seconds > RECORD_SECONDS - 1 && recording.seconds < RECORD_SECONDS + 2);
     // How busy the machine is otherwise changes meanwhile.
     QVERIFY(recording.hz > std::min(before.hz, after.hz) * 0.7);
-    for (int number = 0; number < systems; ++number) {
-        QVERIFY(bench.isWhole(fileOf(number)));
-        const QStringList lines = bench.lines(fileOf(number));
-        QCOMPARE(gapIn(numbersIn(bench.content(fileOf(number))), divider), QString());
-        QVERIFY(lines.first().startsWith("0\t"));
-        // What the machine's own stalls have left out is accounted for by the controller.
-        const qint64 recorded = lines.size() * divider;
-        QVERIFY(recorded <= qint64(RECORD_SECONDS + 2) * samplingHz);
-        QVERIFY(recorded + bench.fixture.controller(number).packetsLost()
-                >= qint64(RECORD_SECONDS - 1) * samplingHz);
-        QCOMPARE(bench.fixture.connection(number).droppedSamples(), 0U);
-        QCOMPARE(bench.fixture.connection(number).skippedBytes(), 0U);
-    }
+    for (int number = 0; number < systems; ++number)
+        expectEveryFifthSample(bench, number);
+}
+
+void TestRecordingMinute::expectEveryFifthSample(const RecordingBench& bench, int number)
+{
+    QVERIFY(bench.isWhole(fileOf(number)));
+    const QStringList lines = bench.lines(fileOf(number));
+    QVERIFY(lines.first().startsWith("0\t"));
+    QCOMPARE(gapIn(numbersIn(bench.content(fileOf(number))), divider), QString());
+    // What the machine's own stalls have left out is accounted for by the controller.
+    const qint64 recorded = lines.size() * divider;
+    QVERIFY(recorded <= qint64(RECORD_SECONDS + 2) * samplingHz);
+    QVERIFY(recorded + bench.fixture.controller(number).packetsLost()
+            >= qint64(RECORD_SECONDS - 1) * samplingHz);
+    QCOMPARE(bench.fixture.connection(number).droppedSamples(), 0U);
+    QCOMPARE(bench.fixture.connection(number).skippedBytes(), 0U);
 }
 
 QTEST_MAIN(TestRecordingMinute)

@@ -172,8 +172,7 @@ void TestRecordingValues::everyTypeOfDetectorIsRecordedInItsUnit()
         QVERIFY(bench.fixture.registerSystem(record, int(stage)));
     }
     QVERIFY(bench.openDialog());
-    QVERIFY(bench.click("checkBox"));
-    QVERIFY(bench.click("pushButton_Start"));
+    QVERIFY(bench.startAll());
     QVERIFY(bench.ticksUntilLines(1, "run_System_1.csv"));
     QVERIFY(bench.ticksUntilLines(1, "run_System_2.csv"));
     QVERIFY(bench.click("pushButton_Stop"));
@@ -229,8 +228,7 @@ void TestRecordingValues::everySampleOfAPulsedLaserIsRecorded()
     QVERIFY(bench.fixture.type("samplingRateCounter", "500"));
     QVERIFY(bench.openDialog());
     bench.in<QSpinBox>("spinBox_SaveRate").setValue(100);
-    QVERIFY(bench.click("checkBox"));
-    QVERIFY(bench.click("pushButton_Start"));
+    QVERIFY(bench.startAll());
     QVERIFY(bench.ticksUntilLines(20, "run_System_1.csv"));
     QVERIFY(bench.click("pushButton_Stop"));
     QCOMPARE(gapIn(numbersIn(bench.content("run_System_1.csv"))), QString());
@@ -251,8 +249,7 @@ void TestRecordingValues::foldersInLabelsAndEqualLabelsGiveFilesOfTheirOwn()
         QVERIFY(bench.fixture.registerSystem(record, number));
     }
     QVERIFY(bench.openDialog());
-    QVERIFY(bench.click("checkBox"));
-    QVERIFY(bench.click("pushButton_Start"));
+    QVERIFY(bench.startAll());
     const QStringList files{"run_left_upper.csv", "run_right.csv", "run_right_2.csv"};
     for (const QString& name : files)
         QVERIFY(bench.ticksUntilLines(2, name));

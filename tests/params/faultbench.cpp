@@ -198,7 +198,7 @@ bool FaultBench::click(const QString& button)
 {
     bench.link.controller.clearWire();
     const LogCapture log;
-    const bool isClicked = bench.clickAndWait(button);
+    const bool isClicked = bench.clickAndWaitForEnd(button);
     logged = warningsIn(log);
     return isClicked;
 }

@@ -46,7 +46,7 @@ class FaultBench final
 public:
     static constexpr int rateHz = 300;
     /// Of the exchanges in which something goes wrong: they wait for it once or twice.
-    static constexpr int faultyTimeoutMs = 80;
+    static constexpr int faultyTimeoutMs = 120;
 
     explicit FaultBench(const emulator::ControllerOptions& options = {});
 
@@ -57,8 +57,8 @@ public:
 
     /// Shows a form, as if a user had filled it.
     void fill(const Form& form) const;
-    /// Clicks a button, and waits until it can be clicked again. What is logged and what passes on
-    /// the wire is kept until the next click.
+    /// Clicks a button, and waits until the exchange that it began is over. What is logged and what
+    /// passes on the wire is kept until the next click.
     bool click(const QString& button);
     /// As `click`, with a controller that follows the rule, and waits that it does not make long.
     bool clickUnder(const emulator::Rule& rule, const QString& button);

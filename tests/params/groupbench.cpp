@@ -14,8 +14,6 @@ using emulator::on;
 using emulator::Rule;
 using emulator::WireEvent;
 
-Q_DECLARE_METATYPE(emulator::ControllerOptions)
-
 namespace {
 
 constexpr int toolBarRateHz = 100;
@@ -105,7 +103,9 @@ bool GroupBench::startStreams()
 bool GroupBench::isStreaming(std::size_t system) const
 {
     const EmulatedLink& link = links[system];
-    return link.client.isStreaming() && link.controller.streamRate() == rateHz(system);
+    if (!link.client.isStreaming() || !link.controller.isStreaming())
+        return false;
+    return link.client.triggerMode() || link.controller.streamRate() == rateHz(system);
 }
 
 bool GroupBench::click(const char* button) const
@@ -190,28 +190,6 @@ QByteArray toPartner(const QByteArray& command)
 QByteArray bytes(const char* hex)
 {
     return QByteArray::fromHex(hex);
-}
-
-void addKindsOfStreams()
-{
-    QTest::addColumn<ControllerOptions>("options");
-    QTest::addColumn<bool>("byTriggers");
-    QTest::addColumn<QByteArray>("startOfCurrent");
-    QTest::addColumn<QByteArray>("startOfPartner");
-    const QByteArray rateOfCurrent = bytes("0000012c3b");
-    const QByteArray rateOfPartner = bytes("000000c83b");
-    ControllerOptions options;
-    for (const int firmware : {10, 11, 30, 31}) {
-        options.firmware = firmware;
-        QTest::newRow(qPrintable(QString::number(firmware)))
-            << options << false << "SLS" + rateOfCurrent << "SLS" + rateOfPartner;
-    }
-    options.vm = true;
-    QTest::newRow("VM") << options << false << "SGS" + rateOfCurrent << "SGS" + rateOfPartner;
-    options.vm = false;
-    options.triggerCapable = true;
-    QTest::newRow("by triggers") << options << true << bytes("53505300003b")
-                                 << bytes("53505300003b");
 }
 
 std::vector<Failure> failuresOf(const QByteArray& command)

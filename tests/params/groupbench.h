@@ -27,7 +27,7 @@ public:
     bool startStream(std::size_t system);
     /// Starts the streams of all systems; the wire logs begin behind that.
     bool startStreams();
-    /// Whether a system streams at the rate of `startStreams`.
+    /// Whether a system streams at the rate of `startStreams`, or by triggers.
     bool isStreaming(std::size_t system) const;
 
     /// Clicks a button and waits until the exchange that it began is over.
@@ -65,10 +65,6 @@ QByteArray toPartner(const QByteArray& command);
 
 /// Bytes of hexadecimal digits.
 QByteArray bytes(const char* hex);
-
-/// Columns `options`, `byTriggers` and the commands `startOfCurrent` and `startOfPartner`, and a
-/// row for each kind of stream that a firmware starts.
-void addKindsOfStreams();
 
 /// A failure of a command, and how often it happens.
 struct Failure

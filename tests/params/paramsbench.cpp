@@ -8,8 +8,51 @@
 #include <QWindow>
 #include <QtTest>
 
-ParamsBench::ParamsBench(const emulator::ControllerOptions& options,
-                         const ConnectionSettings& record)
+using emulator::ControllerOptions;
+
+QByteArray ControllerKind::start(int rateHz) const
+{
+    if (byTriggers)
+        return QByteArray("SPS\0\0;", 6);
+    const QByteArray rate = QByteArray(2, '\0').append(char(rateHz >> 8)).append(char(rateHz));
+    return (options.vm ? "SGS" : "SLS") + rate + ';';
+}
+
+ConnectionSettings ControllerKind::record(int type1, int type2) const
+{
+    ConnectionSettings record = recordWithTypes(type1, type2);
+    record.pulsedLaser = byTriggers;
+    return record;
+}
+
+const QVector<ControllerKind>& controllerKinds()
+{
+    static const QVector<ControllerKind> all = [] {
+        QVector<ControllerKind> kinds;
+        ControllerOptions options;
+        for (const int firmware : {10, 11, 30, 31}) {
+            options.firmware = firmware;
+            kinds.append({"firmware " + QString::number(firmware), options});
+        }
+        ControllerOptions vm = options;
+        vm.vm = true;
+        kinds.append({"VM", vm});
+        ControllerOptions triggered = options;
+        triggered.triggerCapable = true;
+        kinds.append({"by triggers", triggered, true});
+        return kinds;
+    }();
+    return all;
+}
+
+void addControllerKinds()
+{
+    QTest::addColumn<ControllerKind>("kind");
+    for (const ControllerKind& kind : controllerKinds())
+        QTest::newRow(qPrintable(kind.name)) << kind;
+}
+
+ParamsBench::ParamsBench(const ControllerOptions& options, const ConnectionSettings& record)
     : link(options)
     , dialog({[this](const Connection&) { return state; },
               [this](const Connection&, Stage stage, bool isOnCommonPath) {
@@ -36,11 +79,27 @@ bool ParamsBench::open()
            && QTest::qWaitFor([&] { return find<QPushButton>("pushButtonApply").isEnabled(); });
 }
 
+bool ParamsBench::startStream(int rateHz)
+{
+    if (!link.connectAndIdentify())
+        return false;
+    link.client.setTriggerMode(detectors.pulsedLaser != 0);
+    const bool runs = link.startStream(rateHz);
+    link.controller.clearWire();
+    return runs;
+}
+
 bool ParamsBench::openStreaming(int rateHz)
 {
-    if (!link.connectAndIdentify() || !link.startStream(rateHz))
+    return startStream(rateHz) && open() && link.client.isStreaming();
+}
+
+bool ParamsBench::streamsAgain(int rateHz) const
+{
+    if (!link.client.isStreaming() || !link.controller.isStreaming())
         return false;
-    return open() && link.client.isStreaming();
+    return link.client.triggerMode()
+           || (link.client.samplingRate() == rateHz && link.controller.streamRate() == rateHz);
 }
 
 bool ParamsBench::click(const QString& name) const
@@ -51,6 +110,12 @@ bool ParamsBench::click(const QString& name) const
 bool ParamsBench::clickAndWait(const QString& button) const
 {
     return click(button) && QTest::qWaitFor([&] { return find<QPushButton>(button).isEnabled(); });
+}
+
+bool ParamsBench::clickAndWaitForEnd(const QString& button) const
+{
+    return click(button)
+           && QTest::qWaitFor([&] { return find<QPushButton>("pushButtonRefresh").isEnabled(); });
 }
 
 bool ParamsBench::type(const QString& field, const QString& text) const

@@ -6,6 +6,7 @@
 #include "support/emulatedlink.h"
 
 #include <QMessageBox>
+#include <QVector>
 
 /// Offers the detectors' sensitivity in dialogs that are opened while it lives.
 class SensitivityOffered final
@@ -16,6 +17,27 @@ public:
     SensitivityOffered(const SensitivityOffered&) = delete;
     SensitivityOffered& operator=(const SensitivityOffered&) = delete;
 };
+
+/// A kind of controller, and how it streams.
+struct ControllerKind
+{
+    QString name;
+    emulator::ControllerOptions options;
+    /// Whether its packets come by triggers.
+    bool byTriggers = false;
+
+    /// What starts its stream.
+    QByteArray start(int rateHz) const;
+    /// A record that knows whether its packets come by triggers.
+    ConnectionSettings record(int type1 = 0, int type2 = 0) const;
+};
+
+Q_DECLARE_METATYPE(ControllerKind)
+
+/// All that differ in what is said to them.
+const QVector<ControllerKind>& controllerKinds();
+/// Column "kind", and a row for each.
+void addControllerKinds();
 
 /// The parameter dialog on an emulated controller, without the window.
 class ParamsBench final
@@ -28,8 +50,13 @@ public:
 
     /// Brings the link up, adds the system and opens the dialog; the wire log begins behind that.
     bool open();
-    /// As `open`, with a stream that runs.
+    /// Brings the link up and starts a stream, by triggers if the record says so. The wire log
+    /// begins behind that.
+    bool startStream(int rateHz);
+    /// As `open`, behind `startStream`.
     bool openStreaming(int rateHz);
+    /// Whether a stream runs at both ends, at this rate unless it runs by triggers.
+    bool streamsAgain(int rateHz) const;
 
     /// A control of the dialog. The test ends here if there is none.
     template <typename Widget>
@@ -38,6 +65,8 @@ public:
     bool click(const QString& name) const;
     /// Clicks a button and waits until it can be clicked again.
     bool clickAndWait(const QString& button) const;
+    /// Clicks a button that may stay disabled, and waits until the exchange that it began is over.
+    bool clickAndWaitForEnd(const QString& button) const;
     /// Types a number into a field and ends with Tab.
     bool type(const QString& field, const QString& text) const;
     /// Goes to a type by the arrow keys, over those between.

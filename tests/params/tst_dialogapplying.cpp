@@ -14,7 +14,6 @@ using emulator::ControllerOptions;
 using emulator::on;
 using emulator::Rule;
 
-Q_DECLARE_METATYPE(emulator::ControllerOptions)
 Q_DECLARE_METATYPE(emulator::Rule)
 
 namespace {
@@ -112,49 +111,37 @@ void TestDialogApplying::everythingBySoftwareIsSent()
 
 void TestDialogApplying::everythingExternalIsSentAsZeros_data()
 {
-    QTest::addColumn<int>("firmware");
-    for (const int firmware : {10, 30, 31})
-        QTest::newRow(qPrintable(QString::number(firmware))) << firmware;
+    addControllerKinds();
 }
 
 void TestDialogApplying::everythingExternalIsSentAsZeros()
 {
-    QFETCH(int, firmware);
-    ControllerOptions options = externalController();
-    options.firmware = firmware;
-    ParamsBench bench(options, recordWithTypes(2, 2));
+    QFETCH(ControllerKind, kind);
+    kind.options.pFactorMv = 0;
+    ParamsBench bench(kind.options, kind.record(2, 2));
     QVERIFY(bench.open());
     QVERIFY(bench.clickAndWait(apply));
     // The sensitivity is set whatever the firmware. Kept: one that does not know it refuses.
     QCOMPARE(bench.commands(), externalEverywhere());
     QVERIFY(bench.failure().isNull());
+    QVERIFY(!bench.link.client.isStreaming());
 }
 
 void TestDialogApplying::runningStreamIsStartedAgain_data()
 {
-    QTest::addColumn<ControllerOptions>("options");
-    QTest::addColumn<QByteArray>("start");
-    const QByteArray rate("\0\0\x01\x2c;", 5);
-    for (const int firmware : {10, 11, 30, 31}) {
-        ControllerOptions options = externalController();
-        options.firmware = firmware;
-        QTest::newRow(qPrintable(QString::number(firmware))) << options << QByteArray("SLS") + rate;
-    }
-    ControllerOptions vm = externalController();
-    vm.vm = true;
-    QTest::newRow("VM") << vm << QByteArray("SGS") + rate;
+    addControllerKinds();
 }
 
 void TestDialogApplying::runningStreamIsStartedAgain()
 {
-    QFETCH(ControllerOptions, options);
-    QFETCH(QByteArray, start);
-    ParamsBench bench(options);
+    QFETCH(ControllerKind, kind);
+    kind.options.pFactorMv = 0;
+    ParamsBench bench(kind.options, kind.record());
     QVERIFY(bench.openStreaming(rateHz));
     QVERIFY(bench.clickAndWait(apply));
     QCOMPARE(bench.commands(),
-             QByteArrayList{"CLS;"} + externalEverywhere() + QByteArrayList{start});
-    QCOMPARE(bench.link.controller.streamRate(), rateHz);
+             QByteArrayList{"CLS;"} + externalEverywhere() + QByteArrayList{kind.start(rateHz)});
+    QVERIFY(bench.streamsAgain(rateHz));
     QCOMPARE(bench.streamErrors, 0);
 }
 

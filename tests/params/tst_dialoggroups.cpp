@@ -6,13 +6,11 @@
 #include <QPushButton>
 #include <QtTest>
 
-using emulator::ControllerOptions;
 using emulator::on;
 using emulator::Rule;
 using Flags = std::array<bool, 2>;
 
 Q_DECLARE_METATYPE(Flags)
-Q_DECLARE_METATYPE(emulator::ControllerOptions)
 Q_DECLARE_METATYPE(Stage)
 
 namespace {
@@ -36,14 +34,19 @@ void addStages()
     QTest::newRow("stage 2") << Stage::Two;
 }
 
-/// A row for each failure to lead a stage away.
+/// A row for each failure to lead a stage away, quiet and with a stream.
 void addFailuresOfTheStages()
 {
     QTest::addColumn<Stage>("stage");
+    QTest::addColumn<bool>("streams");
     QTest::addColumn<Rule>("rule");
     for (const Stage stage : bothStages) {
-        for (const Failure& failure : failuresOf(setSubsystem[indexOf(stage)]))
-            QTest::addRow("stage %d %s", numberOf(stage), failure.name) << stage << failure.rule;
+        for (const bool streams : {false, true}) {
+            for (const Failure& failure : failuresOf(setSubsystem[indexOf(stage)]))
+                QTest::addRow("stage %d, %s, %s", numberOf(stage), streams ? "stream" : "quiet",
+                              failure.name)
+                    << stage << streams << failure.rule;
+        }
     }
 }
 
@@ -239,17 +242,24 @@ void TestDialogGroups::stageThatDoesNotLeaveIsOnTheCommonDetector_data()
 void TestDialogGroups::stageThatDoesNotLeaveIsOnTheCommonDetector()
 {
     QFETCH(Stage, stage);
+    QFETCH(bool, streams);
     QFETCH(Rule, rule);
     const std::size_t place = indexOf(stage);
     GroupBench bench(1);
     bench.states[current].isOnCommonPath = {true, true};
     QVERIFY(bench.open());
-    QVERIFY(bench.startStreams());
+    QVERIFY(!streams || bench.startStreams());
     bench.controller(current).setRules({rule});
     QVERIFY(bench.clickImpatiently(lockStage[place]));
+    QByteArrayList expected{toCurrent(setSubsystem[place])};
+    if (streams) {
+        expected.prepend(toCurrent("CLS;"));
+        expected.append(toCurrent(bytes("534c530000012c3b")));
+    }
+    QCOMPARE(bench.heard(), expected);
     QVERIFY(bench.states[current].isOnCommonPath[place]);
     QCOMPARE(bench.notes, 1);
-    QVERIFY(bench.isStreaming(current));
+    QCOMPARE(bench.isStreaming(current), streams);
     QCOMPARE(bench.streamErrors, 0);
     QVERIFY(bench.failure().isNull());
     QVERIFY(bench.areGroupButtonsEnabled());
@@ -295,25 +305,23 @@ void TestDialogGroups::stageLeavesAtTheSecondClick()
 
 void TestDialogGroups::streamGoesOnBehindTheStage_data()
 {
-    addKindsOfStreams();
+    addControllerKinds();
 }
 
 void TestDialogGroups::streamGoesOnBehindTheStage()
 {
-    QFETCH(ControllerOptions, options);
-    QFETCH(bool, byTriggers);
-    QFETCH(QByteArray, startOfCurrent);
-    GroupBench bench(1, options);
+    QFETCH(ControllerKind, kind);
+    GroupBench bench(1, kind.options);
     QVERIFY(bench.open());
-    bench.links[current].client.setTriggerMode(byTriggers);
+    bench.links[current].client.setTriggerMode(kind.byTriggers);
     for (const Stage stage : bothStages) {
         QVERIFY(bench.startStreams());
         QVERIFY(bench.click(lockStage[indexOf(stage)]));
         QCOMPARE(bench.heard(),
                  (QByteArrayList{toCurrent("CLS;"), toCurrent(setSubsystem[indexOf(stage)]),
-                                 toCurrent(startOfCurrent)}));
+                                 toCurrent(kind.start(GroupBench::rateHz(current)))}));
         QVERIFY(!bench.states[current].isOnCommonPath[indexOf(stage)]);
-        QVERIFY(byTriggers ? bench.controller(current).isStreaming() : bench.isStreaming(current));
+        QVERIFY(bench.isStreaming(current));
         QCOMPARE(bench.streamErrors, 0);
         bench.links[current].client.stopStream();
     }
@@ -348,29 +356,40 @@ void TestDialogGroups::streamThatDoesNotStartAgainIsTold()
 
 void TestDialogGroups::streamThatDoesNotStopKeepsTheStage_data()
 {
+    QTest::addColumn<Stage>("stage");
     QTest::addColumn<Rule>("rule");
     QTest::addColumn<bool>("stops");
-    QTest::newRow("unanswered once") << Rule(on("CLS").ignore().once()) << true;
-    QTest::newRow("unanswered") << Rule(on("CLS").ignore()) << false;
-    QTest::newRow("refused once") << Rule(on("CLS").refuse().once()) << true;
-    QTest::newRow("refused") << Rule(on("CLS").refuse()) << false;
+    for (const Stage stage : bothStages) {
+        const auto row = [stage](const char* how, const Rule& rule, bool stops) {
+            QTest::addRow("stage %d %s", numberOf(stage), how) << stage << rule << stops;
+        };
+        row("unanswered once", on("CLS").ignore().once(), true);
+        row("unanswered", on("CLS").ignore(), false);
+        row("refused once", on("CLS").refuse().once(), true);
+        row("refused", on("CLS").refuse(), false);
+    }
 }
 
 void TestDialogGroups::streamThatDoesNotStopKeepsTheStage()
 {
+    QFETCH(Stage, stage);
     QFETCH(Rule, rule);
     QFETCH(bool, stops);
+    const std::size_t place = indexOf(stage);
     GroupBench bench(1);
     bench.states[current].isOnCommonPath = {true, true};
     QVERIFY(bench.open());
     QVERIFY(bench.startStreams());
     bench.controller(current).setRules({rule});
-    QVERIFY(bench.clickImpatiently(lockStage[0]));
-    QCOMPARE(bench.heard().mid(0, 2), (QByteArrayList{toCurrent("CLS;"), toCurrent("CLS;")}));
+    QVERIFY(bench.clickImpatiently(lockStage[place]));
+    QByteArrayList expected{toCurrent("CLS;"), toCurrent("CLS;")};
     // Into a stream nothing is written.
-    QCOMPARE(bench.controller(current).count("SSE"), stops ? 1 : 0);
-    QCOMPARE(bench.states[current].isOnCommonPath[0], !stops);
-    QCOMPARE(bench.isEnabled(lockStage[0]), !stops);
+    if (stops)
+        expected << toCurrent(setSubsystem[place]) << toCurrent(bytes("534c530000012c3b"));
+    QCOMPARE(bench.heard(), expected);
+    QCOMPARE(bench.states[current].isOnCommonPath[place], !stops);
+    QVERIFY(bench.states[current].isOnCommonPath[1 - place]);
+    QCOMPARE(bench.isEnabled(lockStage[place]), !stops);
     QCOMPARE(bench.streamErrors, stops ? 0 : 1);
     QVERIFY(bench.isStreaming(current));
 }

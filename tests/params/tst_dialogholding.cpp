@@ -1,11 +1,10 @@
 // Set & Hold in the parameter dialog: when it is offered, what goes over the wire, what the fields
-// show, and what becomes of the detectors.
+// show, and what becomes of the detectors. tst_dialogholdfaults.cpp and
+// tst_dialogholdstreamfaults.cpp have what goes wrong.
 
-#include "paramsbench.h"
+#include "holdexpectations.h"
 #include "support/logcapture.h"
 
-#include <QDoubleSpinBox>
-#include <QPushButton>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -13,7 +12,6 @@ using emulator::ControllerOptions;
 using emulator::on;
 using emulator::Rule;
 
-Q_DECLARE_METATYPE(emulator::ControllerOptions)
 Q_DECLARE_METATYPE(emulator::Rule)
 
 namespace {
@@ -22,53 +20,15 @@ constexpr char triggers[] = "checkBoxDisplayLowRepetitionWithTriggers";
 constexpr int rateHz = 300;
 constexpr int psd = 2;
 
-/// The ending of the names of a stage's controls.
-QString endingOf(Stage stage)
-{
-    return stage == Stage::One ? QString() : QStringLiteral("_2");
-}
-
-QString setButton(Stage stage)
-{
-    return "pushButton_SetHold" + endingOf(stage);
-}
-
-bool isSetEnabled(const ParamsBench& bench, Stage stage)
-{
-    return bench.find<QPushButton>(setButton(stage)).isEnabled();
-}
-
 /// Clicks a Set button and waits until the dialog can be used again.
 bool set(const ParamsBench& bench, Stage stage)
 {
-    return bench.click(setButton(stage)) && QTest::qWaitFor([&] {
-               return bench.find<QPushButton>("pushButtonRefresh").isEnabled();
-           });
-}
-
-QByteArray holdCommand(Stage stage)
-{
-    return QByteArray("SSH").append(char(numberOf(stage))).append(';');
-}
-
-/// What firmware above 30 is asked when the dialog is read.
-QByteArrayList reading()
-{
-    return {"GSF;",      "S1S;",     "GAI\x01x;", "GAI\x01y;", "GAI\x02x;",
-            "GAI\x02y;", "GPF\x01;", "GPF\x02;",  "GDS\x01;",  "GDS\x02;"};
+    return bench.clickAndWaitForEnd(setButton(stage));
 }
 
 QByteArrayList readingOf(int firmware)
 {
     return firmware > 30 ? reading() : reading().mid(0, 8);
-}
-
-/// What is sent for Set. The first stage reads the position before, the second behind it.
-QByteArrayList holding(Stage stage)
-{
-    if (stage == Stage::One)
-        return {"S1S;", holdCommand(stage)};
-    return {holdCommand(stage), "S1S;"};
 }
 
 QByteArray flagsReply(char flags)
@@ -94,6 +54,12 @@ ControllerOptions withPositions(qint16 x1, qint16 y1, qint16 x2, qint16 y2)
     options.script = {values};
     options.scriptRepeats = true;
     return options;
+}
+
+QVector<QDoubleSpinBox*> positionFields(const ParamsBench& bench, Stage stage)
+{
+    return {&bench.find<QDoubleSpinBox>("doubleSpinBox_SetHoldX" + endingOf(stage)),
+            &bench.find<QDoubleSpinBox>("doubleSpinBox_SetHoldY" + endingOf(stage))};
 }
 
 /// All values that a field of the position has shown since this was made.
@@ -124,20 +90,15 @@ void addStages()
         QTest::addRow("stage %d", numberOf(stage)) << stage;
 }
 
-/// Each way in which a command can fail, once at one of the stages and always at the other.
-void addFailures(const QByteArray& command)
+/// Each stage of each kind of controller.
+void addStagesOfKinds()
 {
     QTest::addColumn<Stage>("stage");
-    QTest::addColumn<Rule>("rule");
-    const auto row = [](const char* how, Stage stage, const Rule& rule) {
-        QTest::addRow("%s, stage %d", how, numberOf(stage)) << stage << rule;
-    };
-    row("refused", Stage::One, on(command).refuse());
-    row("refused once", Stage::Two, on(command).refuse().once());
-    row("silent once", Stage::One, on(command).ignore().once());
-    row("silent", Stage::Two, on(command).ignore());
-    row("cut", Stage::One, on(command).cutTo(1));
-    row("cut once", Stage::Two, on(command).cutTo(1).once());
+    QTest::addColumn<ControllerKind>("kind");
+    for (const Stage stage : bothStages) {
+        for (const ControllerKind& kind : controllerKinds())
+            QTest::addRow("stage %d, %s", numberOf(stage), qPrintable(kind.name)) << stage << kind;
+    }
 }
 
 } // namespace
@@ -173,12 +134,10 @@ private slots:
     void stageThatDidNotGoOnHoldCanBeSetAgain();
     void acceptedByAnySecondByte_data();
     void acceptedByAnySecondByte();
-    void failedHoldLeavesTheButton_data();
-    void failedHoldLeavesTheButton();
-    void failedPositionStopsNothing_data();
-    void failedPositionStopsNothing();
-    void failedStopAndStartAreSurvived_data();
-    void failedStopAndStartAreSurvived();
+    void refusedHoldLeavesTheButton_data();
+    void refusedHoldLeavesTheButton();
+    void holdWhoseReplyIsCutIsKnownFromTheStatus_data();
+    void holdWhoseReplyIsCutIsKnownFromTheStatus();
 
     void detectorBecomesWhatWasChosen_data();
     void detectorBecomesWhatWasChosen();
@@ -189,6 +148,8 @@ private slots:
 
     void clicksMadeMeanwhileAreLost_data();
     void clicksMadeMeanwhileAreLost();
+    void setShutsTheFieldsOfItsStage_data();
+    void setShutsTheFieldsOfItsStage();
     void withoutASystemOnlyTheSecondStageShutsItsFields();
 };
 
@@ -278,60 +239,38 @@ void TestDialogHolding::damagedStatusLeavesSet()
 
 void TestDialogHolding::setIsSentAndReadBack_data()
 {
-    QTest::addColumn<Stage>("stage");
-    QTest::addColumn<int>("firmware");
-    for (const Stage stage : bothStages) {
-        for (const int firmware : {10, 30, 31})
-            QTest::addRow("stage %d, firmware %d", numberOf(stage), firmware) << stage << firmware;
-    }
+    addStagesOfKinds();
 }
 
 void TestDialogHolding::setIsSentAndReadBack()
 {
     QFETCH(Stage, stage);
-    QFETCH(int, firmware);
-    ControllerOptions options;
-    options.firmware = firmware;
-    ParamsBench bench(options, recordWithTypes(psd, psd));
+    QFETCH(ControllerKind, kind);
+    ParamsBench bench(kind.options, kind.record(psd, psd));
     QVERIFY(bench.open());
     QVERIFY(set(bench, stage));
-    QCOMPARE(bench.commands(), holding(stage) + readingOf(firmware));
+    QCOMPARE(bench.commands(), holding(stage) + readingOf(kind.options.firmware));
     QVERIFY(!bench.link.client.isStreaming());
     QVERIFY(bench.failure().isNull());
 }
 
 void TestDialogHolding::runningStreamIsStartedAgain_data()
 {
-    QTest::addColumn<Stage>("stage");
-    QTest::addColumn<ControllerOptions>("options");
-    QTest::addColumn<QByteArray>("start");
-    const QByteArray rate("\0\0\x01\x2c;", 5);
-    for (const Stage stage : bothStages) {
-        for (const int firmware : {10, 11, 30, 31}) {
-            ControllerOptions options;
-            options.firmware = firmware;
-            QTest::addRow("stage %d, firmware %d", numberOf(stage), firmware)
-                << stage << options << "SLS" + rate;
-        }
-        ControllerOptions vm;
-        vm.vm = true;
-        QTest::addRow("stage %d, VM", numberOf(stage)) << stage << vm << "SGS" + rate;
-    }
+    addStagesOfKinds();
 }
 
 void TestDialogHolding::runningStreamIsStartedAgain()
 {
     QFETCH(Stage, stage);
-    QFETCH(ControllerOptions, options);
-    QFETCH(QByteArray, start);
-    ParamsBench bench(options, recordWithTypes(psd, psd));
+    QFETCH(ControllerKind, kind);
+    ParamsBench bench(kind.options, kind.record(psd, psd));
     QVERIFY(bench.openStreaming(rateHz));
     QVERIFY(set(bench, stage));
     const QByteArrayList stop{"CLS;"};
-    const QByteArrayList restart{start};
+    const QByteArrayList start{kind.start(rateHz)};
     QCOMPARE(bench.commands(),
-             stop + holding(stage) + restart + stop + readingOf(options.firmware) + restart);
-    QCOMPARE(bench.link.controller.streamRate(), rateHz);
+             stop + holding(stage) + start + stop + readingOf(kind.options.firmware) + start);
+    QVERIFY(bench.streamsAgain(rateHz));
     QCOMPARE(bench.streamErrors, 0);
 }
 
@@ -452,80 +391,37 @@ void TestDialogHolding::acceptedByAnySecondByte()
         QCOMPARE(isSetEnabled(bench, each), each != stage);
 }
 
-void TestDialogHolding::failedHoldLeavesTheButton_data()
+void TestDialogHolding::refusedHoldLeavesTheButton_data()
 {
-    addFailures("SSH");
+    addStages();
 }
 
-void TestDialogHolding::failedHoldLeavesTheButton()
+void TestDialogHolding::refusedHoldLeavesTheButton()
 {
     QFETCH(Stage, stage);
-    QFETCH(Rule, rule);
     ParamsBench bench({}, recordWithTypes(psd, psd));
-    QVERIFY(bench.openStreaming(rateHz));
-    bench.link.controller.setRules({rule, noStatus()});
+    QVERIFY(bench.open());
+    bench.link.controller.setRules({on("SSH").refuse(), noStatus()});
     QVERIFY(set(bench, stage));
-    const QByteArrayList start{QByteArray("SLS\0\0\x01\x2c;", 8)};
-    const QByteArrayList stop{"CLS;"};
-    // The second stage reads its position behind an accepted hold only.
-    const QByteArrayList hold{holdCommand(stage)};
-    const QByteArrayList held = stage == Stage::One ? holding(stage) : hold;
-    QCOMPARE(bench.commands(), stop + held + start + stop + reading() + start);
     QVERIFY(isSetEnabled(bench, stage));
     QVERIFY(bench.failure().isNull());
-    QCOMPARE(bench.link.controller.streamRate(), rateHz);
-    QCOMPARE(bench.streamErrors, 0);
 }
 
-void TestDialogHolding::failedPositionStopsNothing_data()
+void TestDialogHolding::holdWhoseReplyIsCutIsKnownFromTheStatus_data()
 {
-    addFailures("S1S");
+    addStages();
 }
 
-void TestDialogHolding::failedPositionStopsNothing()
+void TestDialogHolding::holdWhoseReplyIsCutIsKnownFromTheStatus()
 {
     QFETCH(Stage, stage);
-    QFETCH(Rule, rule);
     ParamsBench bench({}, recordWithTypes(psd, psd));
-    QVERIFY(bench.openStreaming(rateHz));
-    bench.link.controller.setRules({rule});
+    QVERIFY(bench.open());
+    bench.link.controller.setRules({on("SSH").cutTo(1)});
     QVERIFY(set(bench, stage));
     QVERIFY(bench.link.controller.stage(numberOf(stage)).held);
-    QCOMPARE(bench.commands().mid(1, 2), holding(stage));
     QVERIFY(!isSetEnabled(bench, stage));
-    QCOMPARE(bench.link.controller.streamRate(), rateHz);
-    QCOMPARE(bench.streamErrors, 0);
-}
-
-void TestDialogHolding::failedStopAndStartAreSurvived_data()
-{
-    QTest::addColumn<Stage>("stage");
-    QTest::addColumn<Rule>("rule");
-    QTest::addColumn<int>("streamErrors");
-    const auto row = [&](const char* what, Stage stage, const Rule& rule, int errors) {
-        QTest::addRow("%s, stage %d", what, numberOf(stage)) << stage << rule << errors;
-    };
-    row("stop silent once", Stage::One, on("CLS").ignore().once(), 0);
-    row("stop refused once", Stage::Two, on("CLS").refuse().once(), 0);
-    row("start silent", Stage::Two, on("SLS").ignore(), 1);
-    row("start refused", Stage::One, on("SLS").refuse(), 1);
-    row("start refused once", Stage::Two, on("SLS").refuse().once(), 1);
-    row("start short", Stage::One, on("SLS").reply(QByteArray("\0;\0", 3)), 1);
-}
-
-void TestDialogHolding::failedStopAndStartAreSurvived()
-{
-    QFETCH(Stage, stage);
-    QFETCH(Rule, rule);
-    ParamsBench bench({}, recordWithTypes(psd, psd));
-    QVERIFY(bench.openStreaming(rateHz));
-    bench.link.controller.setRules({rule});
-    QVERIFY(set(bench, stage));
-    QTEST(bench.streamErrors, "streamErrors");
-    QCOMPARE(bench.link.client.isStreaming(), bench.link.controller.isStreaming());
-    for (const char* button : {"pushButtonSave", "pushButtonRefresh", "pushButtonApply"})
-        QVERIFY(bench.find<QPushButton>(button).isEnabled());
-    QVERIFY(!isSetEnabled(bench, stage));
+    QVERIFY(bench.failure().isNull());
 }
 
 void TestDialogHolding::detectorBecomesWhatWasChosen_data()
@@ -601,17 +497,39 @@ void TestDialogHolding::clicksMadeMeanwhileAreLost()
     QCOMPARE(bench.link.controller.count("SSH"), 1);
 }
 
+void TestDialogHolding::setShutsTheFieldsOfItsStage_data()
+{
+    addStages();
+}
+
+void TestDialogHolding::setShutsTheFieldsOfItsStage()
+{
+    QFETCH(Stage, stage);
+    ParamsBench bench({}, recordWithTypes(psd, psd));
+    QVERIFY(bench.open());
+    for (const Stage each : bothStages) {
+        for (QDoubleSpinBox* field : positionFields(bench, each))
+            field->setReadOnly(false);
+    }
+    QVERIFY(set(bench, stage));
+    for (const Stage each : bothStages) {
+        for (const QDoubleSpinBox* field : positionFields(bench, each))
+            QCOMPARE(field->isReadOnly(), each == stage);
+    }
+}
+
 void TestDialogHolding::withoutASystemOnlyTheSecondStageShutsItsFields()
 {
     ParamsBench bench({}, recordWithTypes(psd, psd));
     QVERIFY(bench.open());
     bench.dialog.removeDetectors(&bench.link.client);
     for (const Stage stage : bothStages) {
-        auto& field = bench.find<QDoubleSpinBox>("doubleSpinBox_SetHoldX" + endingOf(stage));
-        field.setReadOnly(false);
+        for (QDoubleSpinBox* field : positionFields(bench, stage))
+            field->setReadOnly(false);
         const QString slot = "on_" + setButton(stage) + "_clicked";
         QVERIFY(QMetaObject::invokeMethod(&bench.dialog, qPrintable(slot)));
-        QCOMPARE(field.isReadOnly(), stage == Stage::Two);
+        for (const QDoubleSpinBox* field : positionFields(bench, stage))
+            QCOMPARE(field->isReadOnly(), stage == Stage::Two);
     }
     QVERIFY(bench.commands().isEmpty());
 }

@@ -13,7 +13,6 @@ using emulator::Rule;
 using Flags = std::array<bool, 2>;
 
 Q_DECLARE_METATYPE(Flags)
-Q_DECLARE_METATYPE(emulator::ControllerOptions)
 
 namespace {
 
@@ -141,27 +140,25 @@ void TestDialogOverlay::partnerThatIsHalfThereIsLedThereWhole()
 
 void TestDialogOverlay::streamsGoOn_data()
 {
-    addKindsOfStreams();
+    addControllerKinds();
 }
 
 void TestDialogOverlay::streamsGoOn()
 {
-    QFETCH(ControllerOptions, options);
-    QFETCH(bool, byTriggers);
-    QFETCH(QByteArray, startOfCurrent);
-    QFETCH(QByteArray, startOfPartner);
-    GroupBench bench(2, options);
+    QFETCH(ControllerKind, kind);
+    GroupBench bench(2, kind.options);
     QVERIFY(bench.open());
     for (EmulatedLink& link : bench.links)
-        link.client.setTriggerMode(byTriggers);
+        link.client.setTriggerMode(kind.byTriggers);
     QVERIFY(bench.startStreams());
     bench.controller(current).setRules({tellPositions()});
     QVERIFY(bench.click(align));
     QCOMPARE(bench.heard(),
              stops() + multiplexCommands() + overlayCommands()
-                 + (QByteArrayList{toCurrent(startOfCurrent), toPartner(startOfPartner)}));
+                 + (QByteArrayList{toCurrent(kind.start(GroupBench::rateHz(current))),
+                                   toPartner(kind.start(GroupBench::rateHz(partner)))}));
     for (const std::size_t system : {current, partner})
-        QVERIFY(byTriggers ? bench.controller(system).isStreaming() : bench.isStreaming(system));
+        QVERIFY(bench.isStreaming(system));
     QCOMPARE(bench.streamErrors, 0);
     QVERIFY(bench.failure().isNull());
 }

@@ -5,13 +5,11 @@
 #include <QMessageBox>
 #include <QtTest>
 
-using emulator::ControllerOptions;
 using emulator::on;
 using emulator::Rule;
 using Flags = std::array<bool, 2>;
 
 Q_DECLARE_METATYPE(Flags)
-Q_DECLARE_METATYPE(emulator::ControllerOptions)
 Q_DECLARE_METATYPE(Stage)
 Q_DECLARE_METATYPE(std::vector<SystemState>)
 
@@ -59,6 +57,8 @@ private slots:
     void streamOfThePartnerGoesOnBehindTheLock_data();
     void streamOfThePartnerGoesOnBehindTheLock();
     void currentSystemThatStreamsIsNotAsked();
+    void partnerIsLockedWhetherItStopsOrNot_data();
+    void partnerIsLockedWhetherItStopsOrNot();
     void streamOfThePartnerThatDoesNotStartAgainIsTold_data();
     void streamOfThePartnerThatDoesNotStartAgainIsTold();
 };
@@ -218,29 +218,39 @@ void TestDialogPartner::lockOfThePartnerIsNotedForThePartner()
 void TestDialogPartner::eachFailureOfTheLockIsNotedForThePartner_data()
 {
     QTest::addColumn<Stage>("stage");
+    QTest::addColumn<bool>("streams");
     QTest::addColumn<Rule>("rule");
-    for (const Failure& failure : failuresOf("SSE\1"))
-        QTest::addRow("stage 1 %s", failure.name) << Stage::One << failure.rule;
-    for (const Failure& failure : failuresOf("SSE\2"))
-        QTest::addRow("stage 2 %s", failure.name) << Stage::Two << failure.rule;
+    for (const Stage stage : bothStages) {
+        for (const bool streams : {false, true}) {
+            const QByteArray command = stage == Stage::One ? "SSE\1" : "SSE\2";
+            for (const Failure& failure : failuresOf(command))
+                QTest::addRow("stage %d, %s, %s", numberOf(stage), streams ? "stream" : "quiet",
+                              failure.name)
+                    << stage << streams << failure.rule;
+        }
+    }
 }
 
 void TestDialogPartner::eachFailureOfTheLockIsNotedForThePartner()
 {
     QFETCH(Stage, stage);
+    QFETCH(bool, streams);
     QFETCH(Rule, rule);
     const std::size_t place = indexOf(stage);
     GroupBench bench;
     QVERIFY(bench.open());
-    QVERIFY(bench.startStream(partner));
+    QVERIFY(!streams || bench.startStream(partner));
     bench.controller(current).setRules({rule});
     QVERIFY(bench.clickImpatiently(lockPartner));
     QVERIFY(bench.states[partner].isOnCommonPath[place]);
     QVERIFY(!bench.states[partner].isOnCommonPath[1 - place]);
-    QCOMPARE(bench.heard(),
-             (QByteArrayList{toPartner("CLS;"), toCurrent("SSE\1;"), toCurrent("SSE\2;"),
-                             toPartner(bytes("534c53000000c83b"))}));
-    QVERIFY(bench.isStreaming(partner));
+    QByteArrayList expected{toCurrent("SSE\1;"), toCurrent("SSE\2;")};
+    if (streams) {
+        expected.prepend(toPartner("CLS;"));
+        expected.append(toPartner(bytes("534c53000000c83b")));
+    }
+    QCOMPARE(bench.heard(), expected);
+    QCOMPARE(bench.isStreaming(partner), streams);
     QCOMPARE(bench.streamErrors, 0);
     QVERIFY(!bench.isEnabled(lockPartner));
     QVERIFY(bench.failure().isNull());
@@ -248,22 +258,21 @@ void TestDialogPartner::eachFailureOfTheLockIsNotedForThePartner()
 
 void TestDialogPartner::streamOfThePartnerGoesOnBehindTheLock_data()
 {
-    addKindsOfStreams();
+    addControllerKinds();
 }
 
 void TestDialogPartner::streamOfThePartnerGoesOnBehindTheLock()
 {
-    QFETCH(ControllerOptions, options);
-    QFETCH(bool, byTriggers);
-    QFETCH(QByteArray, startOfPartner);
-    GroupBench bench(2, options);
+    QFETCH(ControllerKind, kind);
+    GroupBench bench(2, kind.options);
     QVERIFY(bench.open());
-    bench.links[partner].client.setTriggerMode(byTriggers);
+    bench.links[partner].client.setTriggerMode(kind.byTriggers);
     QVERIFY(bench.startStream(partner));
     QVERIFY(bench.click(lockPartner));
-    QCOMPARE(bench.heard(), (QByteArrayList{toPartner("CLS;"), toCurrent("SSE\1;"),
-                                            toCurrent("SSE\2;"), toPartner(startOfPartner)}));
-    QVERIFY(byTriggers ? bench.controller(partner).isStreaming() : bench.isStreaming(partner));
+    QCOMPARE(bench.heard(),
+             (QByteArrayList{toPartner("CLS;"), toCurrent("SSE\1;"), toCurrent("SSE\2;"),
+                             toPartner(kind.start(GroupBench::rateHz(partner)))}));
+    QVERIFY(bench.isStreaming(partner));
     QCOMPARE(bench.streamErrors, 0);
 }
 
@@ -280,6 +289,40 @@ void TestDialogPartner::currentSystemThatStreamsIsNotAsked()
     QVERIFY(bench.isEnabled(lockPartner));
     QVERIFY(bench.isStreaming(current) && bench.isStreaming(partner));
     QCOMPARE(bench.streamErrors, 0);
+}
+
+void TestDialogPartner::partnerIsLockedWhetherItStopsOrNot_data()
+{
+    QTest::addColumn<Rule>("rule");
+    QTest::addColumn<bool>("stops");
+    QTest::newRow("unanswered once") << Rule(on("CLS").ignore().once()) << true;
+    QTest::newRow("unanswered") << Rule(on("CLS").ignore()) << false;
+    QTest::newRow("refused once") << Rule(on("CLS").refuse().once()) << true;
+    QTest::newRow("refused") << Rule(on("CLS").refuse()) << false;
+}
+
+/// Kept: the commands go to the current system, which a stream of the partner does not hold back.
+void TestDialogPartner::partnerIsLockedWhetherItStopsOrNot()
+{
+    QFETCH(Rule, rule);
+    QFETCH(bool, stops);
+    GroupBench bench;
+    bench.states[partner].isOnCommonPath = {true, true};
+    QVERIFY(bench.open());
+    QVERIFY(bench.startStream(partner));
+    bench.controller(partner).setRules({rule});
+    QVERIFY(bench.clickImpatiently(lockPartner));
+    QByteArrayList expected{toPartner("CLS;"), toPartner("CLS;"), toCurrent("SSE\1;"),
+                            toCurrent("SSE\2;")};
+    // Into a stream not even a start is written.
+    if (stops)
+        expected.append(toPartner(bytes("534c53000000c83b")));
+    QCOMPARE(bench.heard(), expected);
+    QCOMPARE(bench.states[partner].isOnCommonPath, (Flags{false, false}));
+    QVERIFY(!bench.isEnabled(lockPartner));
+    QCOMPARE(bench.streamErrors, stops ? 0 : 1);
+    QVERIFY(bench.isStreaming(partner));
+    QVERIFY(bench.failure().isNull());
 }
 
 void TestDialogPartner::streamOfThePartnerThatDoesNotStartAgainIsTold_data()

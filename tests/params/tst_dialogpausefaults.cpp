@@ -259,7 +259,7 @@ void TestDialogPauseFaults::streamThatDoesNotStartAgainIsTold()
 
 void TestDialogPauseFaults::silentStartHoldsEverythingBackUntilTheLinkIsMadeAgain_data()
 {
-    addRows({{"ignored once", on("SLS").ignore().once()}});
+    addRows({{"ignored", on("SLS").ignore()}, {"ignored once", on("SLS").ignore().once()}});
 }
 
 /// Kept: a start that nothing answers is awaited for as long as the link is up, and holds back what

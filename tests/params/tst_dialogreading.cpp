@@ -27,6 +27,8 @@ namespace {
 constexpr char refresh[] = "pushButtonRefresh";
 constexpr char triggers[] = "checkBoxDisplayLowRepetitionWithTriggers";
 constexpr int rateHz = 300;
+/// Where nobody answers.
+constexpr int silentTimeoutMs = 80;
 
 /// All that is asked of firmware above 30.
 QByteArrayList allQuestions()
@@ -88,6 +90,8 @@ class TestDialogReading : public QObject
 private slots:
     void openingReadsTwice_data();
     void openingReadsTwice();
+    void openingWithARunningStreamStartsItAgainTwice_data();
+    void openingWithARunningStreamStartsItAgainTwice();
     void openingReadsOnceIfNobodyAnswers();
     void openingAgainReadsAgain();
     void comingBackFromTheTaskBarReadsNothing();
@@ -126,18 +130,35 @@ private slots:
 
 void TestDialogReading::openingReadsTwice_data()
 {
-    QTest::addColumn<int>("firmware");
-    for (const int firmware : {10, 30, 31})
-        QTest::newRow(qPrintable(QString::number(firmware))) << firmware;
+    addControllerKinds();
 }
 
 void TestDialogReading::openingReadsTwice()
 {
-    QFETCH(int, firmware);
-    ParamsBench bench(withFirmware(firmware));
+    QFETCH(ControllerKind, kind);
+    ParamsBench bench(kind.options, kind.record());
     QVERIFY(bench.link.connectAndIdentify());
     bench.dialog.openFor(&bench.link.client);
-    QCOMPARE(bench.commands(), questionsOf(firmware) + questionsOf(firmware));
+    const QByteArrayList questions = questionsOf(kind.options.firmware);
+    QCOMPARE(bench.commands(), questions + questions);
+}
+
+void TestDialogReading::openingWithARunningStreamStartsItAgainTwice_data()
+{
+    addControllerKinds();
+}
+
+void TestDialogReading::openingWithARunningStreamStartsItAgainTwice()
+{
+    QFETCH(ControllerKind, kind);
+    ParamsBench bench(kind.options, kind.record());
+    QVERIFY(bench.startStream(rateHz));
+    bench.dialog.openFor(&bench.link.client);
+    const QByteArrayList reading = QByteArrayList{"CLS;"} + questionsOf(kind.options.firmware)
+                                   + QByteArrayList{kind.start(rateHz)};
+    QCOMPARE(bench.commands(), reading + reading);
+    QVERIFY(bench.streamsAgain(rateHz));
+    QCOMPARE(bench.streamErrors, 0);
 }
 
 void TestDialogReading::openingReadsOnceIfNobodyAnswers()
@@ -147,6 +168,7 @@ void TestDialogReading::openingReadsOnceIfNobodyAnswers()
     emulator::Faults faults;
     faults.silent = {"GSF", "S1S", "GAI", "GPF"};
     bench.link.controller.setFaults(faults);
+    bench.link.client.setTimeoutMs(silentTimeoutMs);
     bench.dialog.openFor(&bench.link.client);
     QCOMPARE(bench.commands(), questionsOf(30));
     QVERIFY(bench.dialog.isVisible());
@@ -200,46 +222,34 @@ void TestDialogReading::headerTellsTheSystem()
 
 void TestDialogReading::refreshAsksEverythingOnce_data()
 {
-    openingReadsTwice_data();
+    addControllerKinds();
 }
 
 void TestDialogReading::refreshAsksEverythingOnce()
 {
-    QFETCH(int, firmware);
-    ParamsBench bench(withFirmware(firmware));
+    QFETCH(ControllerKind, kind);
+    ParamsBench bench(kind.options, kind.record());
     QVERIFY(bench.open());
     QVERIFY(bench.clickAndWait(refresh));
-    QCOMPARE(bench.commands(), questionsOf(firmware));
+    QCOMPARE(bench.commands(), questionsOf(kind.options.firmware));
     QVERIFY(!bench.link.client.isStreaming());
     QCOMPARE(bench.streamErrors, 0);
 }
 
 void TestDialogReading::refreshWithARunningStreamStartsItAgain_data()
 {
-    QTest::addColumn<ControllerOptions>("options");
-    QTest::addColumn<QByteArray>("start");
-    const QByteArray rate("\0\0\x01\x2c;", 5);
-    for (const int firmware : {10, 11, 30, 31}) {
-        QTest::newRow(qPrintable(QString::number(firmware)))
-            << withFirmware(firmware) << QByteArray("SLS") + rate;
-    }
-    ControllerOptions vm;
-    vm.vm = true;
-    QTest::newRow("VM") << vm << QByteArray("SGS") + rate;
+    addControllerKinds();
 }
 
 void TestDialogReading::refreshWithARunningStreamStartsItAgain()
 {
-    QFETCH(ControllerOptions, options);
-    QFETCH(QByteArray, start);
-    ParamsBench bench(options);
+    QFETCH(ControllerKind, kind);
+    ParamsBench bench(kind.options, kind.record());
     QVERIFY(bench.openStreaming(rateHz));
     QVERIFY(bench.clickAndWait(refresh));
-    QCOMPARE(bench.commands(),
-             QByteArrayList{"CLS;"} + questionsOf(options.firmware) + QByteArrayList{start});
-    QVERIFY(bench.link.client.isStreaming());
-    QCOMPARE(bench.link.client.samplingRate(), rateHz);
-    QCOMPARE(bench.link.controller.streamRate(), rateHz);
+    QCOMPARE(bench.commands(), QByteArrayList{"CLS;"} + questionsOf(kind.options.firmware)
+                                   + QByteArrayList{kind.start(rateHz)});
+    QVERIFY(bench.streamsAgain(rateHz));
     QCOMPARE(bench.streamErrors, 0);
 }
 
@@ -528,6 +538,7 @@ void TestDialogReading::nothingOfAnotherSystemIsLeft()
     bench.dialog.openFor(&bench.link.client);
     bench.dialog.openFor(&other.client);
     QCOMPARE(bench.find<QComboBox>("comboBox_DetecType").currentIndex(), 4);
+    QCOMPARE(bench.find<QDoubleSpinBox>("doubleSpinBox_sens_1").text(), QString("0.00"));
     bench.dialog.removeDetectors(&other.client);
 }
 

@@ -32,6 +32,8 @@ private slots:
 
     void savingAsksForTheIdentityOnly_data();
     void savingAsksForTheIdentityOnly();
+    void runningStreamIsStartedAgain_data();
+    void runningStreamIsStartedAgain();
     void whatWasAppliedIsSaved();
     void whatWasNotAppliedIsNotSaved();
     void otherRecordsAreKept();
@@ -67,22 +69,38 @@ ConnectionSettings TestDialogSaving::stored(const ParamsBench& bench) const
 
 void TestDialogSaving::savingAsksForTheIdentityOnly_data()
 {
-    QTest::addColumn<bool>("streams");
-    QTest::addColumn<QByteArrayList>("commands");
-    QTest::newRow("without a stream") << false << QByteArrayList{"GID;"};
-    QTest::newRow("with a stream")
-        << true << QByteArrayList{"CLS;", "GID;", QByteArray("SLS\0\0\x01\x2c;", 8)};
+    addControllerKinds();
 }
 
 void TestDialogSaving::savingAsksForTheIdentityOnly()
 {
-    QFETCH(bool, streams);
-    ParamsBench bench;
-    QVERIFY(streams ? bench.openStreaming(rateHz) : bench.open());
+    QFETCH(ControllerKind, kind);
+    ParamsBench bench(kind.options, kind.record(1, 2));
+    QVERIFY(bench.open());
     QVERIFY(bench.clickAndWait(save));
-    QTEST(bench.commands(), "commands");
+    QCOMPARE(bench.commands(), QByteArrayList{"GID;"});
     QVERIFY(bench.failure().isNull());
-    QCOMPARE(bench.link.client.isStreaming(), streams);
+    QVERIFY(!bench.link.client.isStreaming());
+    QCOMPARE(stored(bench).model, (std::array<int, 2>{1, 2}));
+    QCOMPARE(stored(bench).pulsedLaser, kind.byTriggers);
+}
+
+void TestDialogSaving::runningStreamIsStartedAgain_data()
+{
+    addControllerKinds();
+}
+
+void TestDialogSaving::runningStreamIsStartedAgain()
+{
+    QFETCH(ControllerKind, kind);
+    ParamsBench bench(kind.options, kind.record(1, 2));
+    QVERIFY(bench.openStreaming(rateHz));
+    QVERIFY(bench.clickAndWait(save));
+    QCOMPARE(bench.commands(), (QByteArrayList{"CLS;", "GID;", kind.start(rateHz)}));
+    QVERIFY(bench.streamsAgain(rateHz));
+    QCOMPARE(bench.streamErrors, 0);
+    QVERIFY(bench.failure().isNull());
+    QCOMPARE(stored(bench).model, (std::array<int, 2>{1, 2}));
 }
 
 void TestDialogSaving::whatWasAppliedIsSaved()

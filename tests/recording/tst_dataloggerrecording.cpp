@@ -22,6 +22,7 @@ private slots:
     void clockWaitsForTheFirstData();
     void clockWithoutARecordingDoesNotStart();
     void clockEndsTheRecording();
+    void clockOutlivesItsOwnSignal();
     void recordingOfNoSecondsStartsAndEndsAtOnce();
     void longTimeIsCutTo32Bits_data();
     void longTimeIsCutTo32Bits();
@@ -187,6 +188,21 @@ void TestDataLoggerRecording::clockEndsTheRecording()
     QCOMPARE(bench.progress().value(), 100);
     QTRY_VERIFY(!clock);
     QCOMPARE(bench.stopped.count(), 1);
+}
+
+void TestDataLoggerRecording::clockOutlivesItsOwnSignal()
+{
+    DataLoggerBench bench;
+    QVERIFY(bench.open());
+    QVERIFY(bench.type("lineEdit_RecordTime", "000:00:00"));
+    QVERIFY(bench.startRecording());
+    const QPointer<LargeTimer> clock = bench.clock();
+    bool isThere = false;
+    // Called behind the dialog, which has let the clock go.
+    connect(clock, &LargeTimer::timeout, this, [&] { isThere = !clock.isNull(); });
+    QTRY_COMPARE(bench.stopped.count(), 1);
+    QVERIFY(isThere);
+    QTRY_VERIFY(!clock);
 }
 
 void TestDataLoggerRecording::recordingOfNoSecondsStartsAndEndsAtOnce()

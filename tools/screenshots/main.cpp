@@ -11,6 +11,7 @@
 #include "params/paramsdialog.h"
 #include "plots/counter.h"
 #include "plots/genericplot.h"
+#include "recording/dataloggerdialog.h"
 #include "setup/connectionoverviewdialog.h"
 #include "setup/overviewwidget.h"
 #include "setup/settings.h"
@@ -24,6 +25,7 @@
 #include <QCommandLineParser>
 #include <QDeadlineTimer>
 #include <QLCDNumber>
+#include <QLineEdit>
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -157,6 +159,12 @@ void takeDialogs(MainWindow& window, const WindowHand& hand)
     hand.take(*parameters, "parameters");
     parameters->close();
     overview->close();
+    auto* recording = window.findChild<DataLoggerDialog*>();
+    window.findChild<QAction*>("actionOpenDataLog")->trigger();
+    recording->findChild<QLineEdit*>("lineEdit_FileName")->setText(QStringLiteral("beam.csv"));
+    QTest::qWait(dialogMs);
+    hand.take(*recording, "recording");
+    recording->close();
 
     auto* settings = window.findChild<SettingsDialog*>();
     window.findChild<QAction*>("actionSetup")->trigger();
