@@ -9,6 +9,7 @@
 #include <QMessageBox>
 #include <QScreen>
 
+#include <csignal>
 #include <omp.h>
 #include <pwd.h>
 #include <unistd.h>
@@ -109,6 +110,8 @@ QPoint windowCorner(const QSize& window, const QSize& available)
 int run(int argc, char** argv, const WindowHook& whenShown)
 {
     useDecimalPoint();
+    // A file that would grow beyond a limit is an error of its write, not the end of the program.
+    std::signal(SIGXFSZ, SIG_IGN);
     prepareConfigDir(argc, argv);
     prepareWorkers();
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);

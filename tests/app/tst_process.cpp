@@ -4,7 +4,28 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <csignal>
 #include <memory>
+
+namespace {
+
+/// Whether another process ignores a signal.
+bool ignores(qint64 process, int signal)
+{
+    QFile status(QStringLiteral("/proc/%1/status").arg(process));
+    if (!status.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray name = "SigIgn:";
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith(name)) {
+            const quint64 mask = line.mid(name.size()).trimmed().toULongLong(nullptr, 16);
+            return mask >> (signal - 1) & 1U;
+        }
+    }
+    return false;
+}
+
+} // namespace
 
 /// The application as its users start it, in a process of its own.
 class TestProcess final : public QObject
@@ -23,6 +44,7 @@ private slots:
     void decimalPointIsAPointWhateverTheLocale_data();
     void decimalPointIsAPointWhateverTheLocale();
     void executableComesUpAndLogs();
+    void executableOutlivesAFileBeyondALimit();
 
 private:
     /// Runs the application, which ends by itself.
@@ -152,6 +174,19 @@ void TestProcess::executableComesUpAndLogs()
     QVERIFY(process.waitForFinished());
     QCOMPARE(log().mid(0, 1), QStringList{"[Info]:Activated logging"});
     QCOMPARE(process.readAllStandardError(), QByteArray());
+}
+
+void TestProcess::executableOutlivesAFileBeyondALimit()
+{
+    // A process takes over what its parent ignores.
+    std::signal(SIGXFSZ, SIG_DFL);
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(LUMETRA_EXECUTABLE, {"-l", "-a"});
+    QTRY_VERIFY_WITH_TIMEOUT(log().contains("[Debug]:Finished constructing main window"), 60000);
+    QVERIFY(ignores(process.processId(), SIGXFSZ));
+    process.terminate();
+    QVERIFY(process.waitForFinished());
 }
 
 QTEST_GUILESS_MAIN(TestProcess)

@@ -1,30 +1,14 @@
 // Recordings in the real window: worked by the dialog, fed by emulated controllers, and ended by
 // whatever ends them. What is on disk are whole lines, and the window goes on.
 
-#include "link/connection.h"
-#include "recording/dataloggerdialog.h"
-#include "setup/settingsdialog.h"
+#include "recordingbench.h"
 #include "support/boxanswers.h"
-#include "support/userinput.h"
 #include "support/widgetcheck.h"
-#include "support/windowfixture.h"
-#include "window/mainwindow.h"
 
-#include <QAction>
-#include <QDir>
-#include <QFile>
-#include <QLabel>
-#include <QLineEdit>
 #include <QMessageBox>
-#include <QPushButton>
-#include <QSpinBox>
-#include <QTemporaryDir>
-#include <QWindow>
 #include <QtTest>
 
 namespace {
-
-constexpr int columns = 11;
 
 /// The samples of the file that was made by hand. The one before them answers the start and is
 /// shown to nobody.
@@ -44,88 +28,6 @@ QStringList handMadeLines()
             "0.005\t-0.005\t4.00\t1.000\t-1.000\t0.01\t0.01\t0.03\t5.00\t5.00",
             "0.250\t-0.250\t4.01\t0.001\t-0.002\t3.50\t5.01\t5.03\t5.04\t5.04"};
 }
-
-/// A window on controllers, its recording dialog, and a folder for the files.
-class RecordingBench final
-{
-public:
-    explicit RecordingBench(int controllers = 1, const emulator::ControllerOptions& options = {})
-        : fixture(controllers, options)
-    {}
-
-    /// Opens the dialog by its menu and types a name.
-    bool open(const QString& name = QStringLiteral("run.csv"))
-    {
-        if (!fixture.openWithSystems())
-            return false;
-        fixture.find<QAction>("actionOpenDataLog")->trigger();
-        if (!QTest::qWaitForWindowExposed(&dialog()))
-            return false;
-        in<QLineEdit>("lineEdit_FileName").setText(path(name));
-        return true;
-    }
-    bool openAndStart(const QString& name = QStringLiteral("run.csv"))
-    {
-        return open(name) && click("pushButton_Start") && isRecording();
-    }
-
-    /// Records two systems, A and B, to files of their own.
-    bool openAndStartBoth()
-    {
-        if (!open())
-            return false;
-        fixture.window().relabelConnection(&fixture.connection(0), "A");
-        fixture.window().relabelConnection(&fixture.connection(1), "B");
-        return click("checkBox") && click("pushButton_Start") && isRecording();
-    }
-
-    DataLoggerDialog& dialog() const { return *fixture.window().findChild<DataLoggerDialog*>(); }
-    template <typename Widget>
-    Widget& in(const QString& name) const
-    {
-        return *dialog().findChild<Widget*>(name);
-    }
-    bool click(const QString& name) const { return user::click(&in<QWidget>(name)); }
-
-    QString state() const { return fixture.find<QLabel>("recordingText")->text(); }
-    bool isRecording() const { return state() == "Data recording enabled"; }
-    bool isRunning() const { return fixture.find<QAction>("startAction")->isChecked(); }
-
-    QString path(const QString& name) const { return folder.filePath(name); }
-    QStringList files() const { return QDir(folder.path()).entryList(QDir::Files, QDir::Name); }
-    QByteArray content(const QString& name = QStringLiteral("run.csv")) const
-    {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-    /// What stands behind the header.
-    QStringList lines(const QString& name = QStringLiteral("run.csv")) const
-    {
-        return QString::fromUtf8(content(name)).split('\n', Qt::SkipEmptyParts).mid(2);
-    }
-    bool ticksUntilLines(int count, const QString& name = QStringLiteral("run.csv")) const
-    {
-        return fixture.tickUntil([&] { return lines(name).size() >= count; });
-    }
-    /// Whether the file holds whole lines only, in the order of their times.
-    bool isWhole(const QString& name = QStringLiteral("run.csv")) const
-    {
-        if (!content(name).endsWith('\n'))
-            return false;
-        qulonglong before = 0;
-        for (const QString& line : lines(name)) {
-            const QStringList fields = line.split('\t');
-            const qulonglong ms = fields.first().toULongLong();
-            if (fields.size() != columns || ms < before)
-                return false;
-            before = ms;
-        }
-        return true;
-    }
-
-    WindowFixture fixture;
-    QTemporaryDir folder;
-};
 
 QString withoutTime(const QString& line)
 {
