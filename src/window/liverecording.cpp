@@ -1,5 +1,6 @@
 #include "window/liverecording.h"
 
+#include "link/connection.h"
 #include "window/acquisition.h"
 #include "window/livesystems.h"
 #include "window/monitortoolbar.h"
@@ -29,7 +30,10 @@ LiveRecording::LiveRecording(LiveSystems& liveSystems, MonitorToolBar& bar, Acqu
     , acquisition(streams)
     , recorder(files)
     , mayOverwrite(std::move(question))
-{}
+{
+    // What is planned behind a question is of the systems that were there before it.
+    connect(&systems, &LiveSystems::closed, this, [this] { isAsking = false; });
+}
 
 void LiveRecording::start(const QString& fileName, bool everySystem, int saveRateHz)
 {

@@ -132,7 +132,8 @@ bool MainWindow::mayOverwrite(const QString& path)
 
 void MainWindow::tellRecordingFailed(const RecordFailure& failure)
 {
-    recordingErrorBox->setInformativeText(failure.path + '\n' + failure.reason);
+    // The first line decides whether a box reads its text as markup, which a name can look like.
+    recordingErrorBox->setInformativeText(tr("File\n%1\n%2").arg(failure.path, failure.reason));
     recordingErrorBox->show();
     recordingErrorBox->raise();
 }

@@ -140,12 +140,15 @@ void TestExchangeButtons::clicksMadeDuringASecondExchangeAreLost()
     const QSignalSpy clicks(dialog.tell, &QPushButton::clicked);
     std::unique_ptr<HeldBackClick> during;
     dialog.buttons.lock();
-    // The second one begins before the buttons are back, and ends when they were due.
-    QTimer::singleShot(0, &dialog.window, [&] {
+    // The second one begins, by an event, before the buttons are back, and ends when they were due.
+    const auto exchangeAgain = [&] {
         dialog.buttons.lock();
         during = std::make_unique<HeldBackClick>(*dialog.tell);
         constexpr unsigned long exchangeMs = 40;
         QThread::msleep(exchangeMs);
+    };
+    QTimer::singleShot(0, &dialog.window, [&] {
+        QMetaObject::invokeMethod(&dialog.window, exchangeAgain, Qt::QueuedConnection);
     });
     QTRY_VERIFY(during && dialog.tell->isEnabled());
     during.reset();

@@ -105,7 +105,8 @@ void TestRecordingEnds::fullDiskEndsTheRecordingAndIsTold()
         QVERIFY(bench.fixture.tickUntil([&] { return !bench.isRecording(); }));
     }
     QVERIFY(errorBox(bench).isVisible() && !errorBox(bench).isModal());
-    QCOMPARE(errorBox(bench).informativeText(), bench.path("run.csv") + "\nFile too large");
+    QCOMPARE(errorBox(bench).informativeText(),
+             "File\n" + bench.path("run.csv") + "\nFile too large");
     QVERIFY(bench.in<QPushButton>("pushButton_Start").isEnabled());
     QVERIFY(bench.isWhole());
     QCOMPARE(gapIn(numbersIn(bench.content())), QString());
@@ -142,7 +143,7 @@ void TestRecordingEnds::removedFolderEndsTheRecordingAndIsTold()
     QVERIFY(bench.fixture.tickUntil([&] { return !bench.isRecording(); }));
     QVERIFY(errorBox(bench).isVisible() && !errorBox(bench).isModal());
     QCOMPARE(errorBox(bench).informativeText(),
-             bench.path("there/run.csv") + "\nNo such file or directory");
+             "File\n" + bench.path("there/run.csv") + "\nNo such file or directory");
     QVERIFY(bench.in<QPushButton>("pushButton_Start").isEnabled());
     QVERIFY(!QFile::exists(bench.path("there")));
     QVERIFY(bench.isRunning() && bench.windowTicksOn());
@@ -168,7 +169,7 @@ void TestRecordingEnds::fullPipeHoldsUpNothingAndIsToldAtTheEnd()
     QCOMPARE(answers.titles(), QStringList("File exists!"));
     QVERIFY(errorBox(bench).isVisible());
     QCOMPARE(errorBox(bench).informativeText(),
-             bench.path("run.csv") + "\nResource temporarily unavailable");
+             "File\n" + bench.path("run.csv") + "\nResource temporarily unavailable");
     const QByteArray taken = pipe.content();
     QVERIFY(isWhole(taken));
     QCOMPARE(gapIn(numbersIn(taken)), QString());

@@ -284,7 +284,7 @@ void TestRecordingValues::everySystemIsToldTheFileThatADotInAFolderGives()
     auto* box = bench.fixture.find<QMessageBox>("recordingErrorBox");
     QVERIFY(box->isVisible());
     QCOMPARE(box->informativeText(),
-             bench.path("of_System_1.today/run.csv") + "\nNo such file or directory");
+             "File\n" + bench.path("of_System_1.today/run.csv") + "\nNo such file or directory");
     QVERIFY(QDir(bench.path("of.today")).isEmpty());
     box->close();
 }

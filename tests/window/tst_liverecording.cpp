@@ -114,6 +114,7 @@ private slots:
     void allQuestionsComeBeforeAnyFile();
     void refusalLeavesEveryFileWhole();
     void endDuringAQuestionBeginsNoRecording();
+    void systemThatIsClosedDuringAQuestionBeginsNoRecording();
     void fileOfOneSystemIsNotAskedFor();
     void withoutADisplayedSystemNothingIsRecorded();
     void fileThatCanNotBeOpenedIsTold();
@@ -287,6 +288,18 @@ void TestLiveRecording::endDuringAQuestionBeginsNoRecording()
     QVERIFY(!bench->recorder.isRecording());
     QVERIFY(bench->isOld("run_A.csv"));
     QCOMPARE(bench->endsWanted, 1);
+}
+
+void TestLiveRecording::systemThatIsClosedDuringAQuestionBeginsNoRecording()
+{
+    bench->addNamed("A");
+    const ScriptedConnection& closed = bench->addNamed("B");
+    bench->putFile("run_A.csv");
+    bench->answer = [&] { return bench->systems.close(&closed); };
+    bench->recording.start(bench->path("run.csv"), true, 100);
+    QCOMPARE(bench->asked.size(), 1);
+    QVERIFY(!bench->recorder.isRecording());
+    QVERIFY(bench->isOld("run_A.csv"));
 }
 
 void TestLiveRecording::fileOfOneSystemIsNotAskedFor()
