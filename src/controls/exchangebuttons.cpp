@@ -27,8 +27,8 @@ ExchangeButtons::ExchangeButtons(QWidget& owner, const std::vector<QPushButton*>
 
 void ExchangeButtons::lock()
 {
-    // Another exchange may begin before the buttons are back from the one before.
-    settling.stop();
+    // Another exchange may begin before the buttons are back from the one before. This begins the
+    // settling anew: it is due first, however long the exchange takes.
     behindExchange.start(0);
     if (isLocked)
         return;
