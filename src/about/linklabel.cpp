@@ -38,9 +38,15 @@ void LinkLabel::focusInEvent(QFocusEvent* event)
     QLabel::focusInEvent(event);
     const bool forward = event->reason() == Qt::TabFocusReason;
     const bool backward = event->reason() == Qt::BacktabFocusReason;
-    const auto* document = findChild<QTextDocument*>();
-    if (document && (forward || backward)) {
-        setSelection(forward ? 0 : document->characterCount() - 1, 0);
+    if (forward || backward)
         focusNextPrevChild(forward);
-    }
+}
+
+/// Backwards from its first link, a label of Qt comes to the same link for ever.
+bool LinkLabel::focusNextPrevChild(bool next)
+{
+    const int link = selectionStart();
+    const bool moved = QLabel::focusNextPrevChild(next);
+    const bool isStuck = hasFocus() && hasSelectedText() && selectionStart() == link;
+    return isStuck ? QFrame::focusNextPrevChild(next) : moved;
 }

@@ -70,6 +70,7 @@ private slots:
     void keysAndTheButtonClose_data();
     void keysAndTheButtonClose();
     void eachShowingBeginsAtTheButton();
+    void aWindowThatWasMinimisedKeepsItsFocus();
 
 private:
     bool show();
@@ -309,6 +310,18 @@ void TestInformationDialog::eachShowingBeginsAtTheButton()
         QVERIFY(!find<QPushButton>("exit")->hasFocus());
         QTest::keyClick(dialog->windowHandle(), Qt::Key_Escape);
     }
+}
+
+void TestInformationDialog::aWindowThatWasMinimisedKeepsItsFocus()
+{
+    QVERIFY(show());
+    QTest::keyClick(dialog->windowHandle(), Qt::Key_Tab);
+    QVERIFY(find<QLabel>("libs")->hasFocus());
+    // The window system shows it again.
+    QShowEvent event;
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    qApp->notify(dialog.get(), &event);
+    QVERIFY(find<QLabel>("libs")->hasFocus());
 }
 
 QTEST_MAIN(TestInformationDialog)

@@ -22,6 +22,8 @@ private slots:
     void cleanup() { dialog.reset(); }
 
     void keyboardAloneOpensEveryLinkAndCloses();
+    void tabGoesRoundTheLinksInBothDirections_data();
+    void tabGoesRoundTheLinksInBothDirections();
     void aClickOpensTheWebSite();
     void aMissingDocumentIsNotReported();
 
@@ -56,6 +58,35 @@ void TestInformationLinks::keyboardAloneOpensEveryLinkAndCloses()
     press(Qt::Key_Return);
     QVERIFY(!dialog->isVisible());
     QCOMPARE(desktop.opened.size(), 3);
+}
+
+void TestInformationLinks::tabGoesRoundTheLinksInBothDirections_data()
+{
+    QTest::addColumn<int>("key");
+    QTest::addColumn<QStringList>("names");
+    const QString web = QUrl(QLatin1String(maker::webAddress)).fileName();
+    QTest::newRow("forward") << int(Qt::Key_Tab) << QStringList{"QT_LICENSE.html", "QWT.html", web};
+    QTest::newRow("backward") << int(Qt::Key_Backtab)
+                              << QStringList{web, "QWT.html", "QT_LICENSE.html"};
+}
+
+void TestInformationLinks::tabGoesRoundTheLinksInBothDirections()
+{
+    QFETCH(int, key);
+    QFETCH(QStringList, names);
+    for (int round = 1; round <= 2; ++round) {
+        const Desktop desktop;
+        for (int link = 0; link < names.size(); ++link) {
+            press(Qt::Key(key));
+            press(Qt::Key_Return);
+        }
+        QStringList opened;
+        for (const QUrl& url : desktop.opened)
+            opened.append(url.fileName());
+        QCOMPARE(opened, names);
+        // To the button, from which the next round begins.
+        press(Qt::Key(key));
+    }
 }
 
 void TestInformationLinks::aClickOpensTheWebSite()
