@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QDate>
+#include <QFontInfo>
 #include <QGuiApplication>
 #include <QImage>
 #include <QScreen>
@@ -14,6 +15,9 @@
 #include <QUrl>
 
 namespace {
+
+/// Size of the title against that of the other texts.
+constexpr double titleScale = 1.75;
 
 /// A link to a document in the folder `licenses` beside the executable. Blanks in its path are
 /// encoded, as the attribute has no quotes. The path's own slash makes four of them, which browsers
@@ -46,12 +50,20 @@ InformationDialog::InformationDialog(QWidget* parent)
     , ui(std::make_unique<Ui::InformationDialog>())
 {
     ui->setupUi(this);
+    enlargeTitle();
     showRelease();
     showMaker();
     showLinks();
 }
 
 InformationDialog::~InformationDialog() = default;
+
+void InformationDialog::enlargeTitle()
+{
+    QFont title = ui->label_9->font();
+    title.setPointSizeF(titleScale * QFontInfo(title).pointSizeF());
+    ui->label_9->setFont(title);
+}
 
 void InformationDialog::showRelease()
 {

@@ -24,6 +24,7 @@ private slots:
     void on_exit_clicked();
 
 private:
+    void enlargeTitle();
     void showRelease();
     void showMaker();
     void showLinks();

@@ -64,6 +64,7 @@ private slots:
     void qrCodeFillsItsFrameInSharpModules();
     void sizeIsFixedAndNothingIsCut_data();
     void sizeIsFixedAndNothingIsCut();
+    void titleIsLargerThanTheRestInEveryFont();
     void standsInTheMiddleOfTheScreen();
     void secondShowingKeepsTheQrCodeAndCentresAgain();
 
@@ -251,6 +252,19 @@ void TestInformationDialog::sizeIsFixedAndNothingIsCut()
         QVERIFY2(part->width() >= needed.width() && part->height() >= needed.height(),
                  qPrintable(part->objectName()));
     }
+}
+
+void TestInformationDialog::titleIsLargerThanTheRestInEveryFont()
+{
+    const QFont usual = QApplication::font();
+    for (const int fontPt : {desktopFontPt, 3 * desktopFontPt}) {
+        QApplication::setFont(QFont(QStringLiteral("DejaVu Sans"), fontPt));
+        const InformationDialog other(nullptr);
+        const auto* title = other.findChild<QLabel*>("label_9");
+        QVERIFY(title->sizeHint().height()
+                > 1.5 * other.findChild<QLabel*>("label")->sizeHint().height());
+    }
+    QApplication::setFont(usual);
 }
 
 void TestInformationDialog::standsInTheMiddleOfTheScreen()
