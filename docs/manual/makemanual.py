@@ -79,6 +79,7 @@ class Chapter:
         except etree.ParseError as error:
             raise ManualError(f"{path.name}: {error}") from error
         self.place_pictures()
+        self.caption_pictures()
 
     def place_pictures(self):
         for picture in self.tree.iter("img"):
@@ -87,6 +88,14 @@ class Chapter:
                 raise ManualError(f"{self.path.name}: there is no picture {picture.get('src')}")
             picture.set("src", file.as_uri())
             self.pictures.append(file)
+
+    def caption_pictures(self):
+        """A picture that is a paragraph of its own shows below what its text says."""
+        for paragraph in self.tree.iter("p"):
+            if [child.tag for child in paragraph] == ["img"]:
+                paragraph.tag = "figure"
+                caption = etree.SubElement(paragraph, "figcaption")
+                caption.text = paragraph[0].get("alt")
 
     def headings(self):
         return [element for element in self.tree.iter() if element.tag in HEADINGS]
