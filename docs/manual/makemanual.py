@@ -74,12 +74,13 @@ class Chapter:
         self.pictures = []
         body = converter.reset().convert(path.read_text(encoding="utf-8"))
         try:
-            self.tree = etree.fromstring(f"<section>{body}</section>",
-                                         etree.XMLParser(encoding="utf-8"))
+            self.tree = etree.fromstring(f"<section>{body}</section>")
         except etree.ParseError as error:
             raise ManualError(f"{path.name}: {error}") from error
+        self.tree.set("class", self.headings()[0].get("id"))
         self.place_pictures()
         self.caption_pictures()
+        self.keep_introductions()
 
     def place_pictures(self):
         for picture in self.tree.iter("img"):
@@ -96,6 +97,13 @@ class Chapter:
                 paragraph.tag = "figure"
                 caption = etree.SubElement(paragraph, "figcaption")
                 caption.text = paragraph[0].get("alt")
+
+    def keep_introductions(self):
+        """A paragraph in front of a table or a list is not left alone at the end of a page."""
+        for parent in self.tree.iter():
+            for element, follower in zip(parent, list(parent)[1:]):
+                if element.tag == "p" and follower.tag in {"table", "ul", "ol", "pre", "figure"}:
+                    element.set("class", "introduction")
 
     def headings(self):
         return [element for element in self.tree.iter() if element.tag in HEADINGS]
