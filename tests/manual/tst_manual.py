@@ -174,7 +174,8 @@ class Manual(unittest.TestCase):
             subprocess.run(["cmake", "--install", places.build, "--component", "manual",
                             "--prefix", folder], capture_output=True, check=True)
             installed = list(pathlib.Path(folder).rglob(named_manual()))
-            self.assertEqual([path.parent.name for path in installed], ["bin"])
+            self.assertEqual([path.parent for path in installed],
+                             [pathlib.Path(folder) / "lib/lumetra"])
             self.assertEqual(installed[0].read_bytes(), self.pdf.read_bytes())
 
 
