@@ -14,6 +14,7 @@ With --check only what the manual needs of the machine is looked for.
 The same chapters give the same bytes at any time on any machine with the same packages.
 """
 
+import datetime
 import html
 import os
 import pathlib
@@ -30,7 +31,6 @@ SUBTITLE = "User manual of the software"
 EDITION = "Version 2.3"
 # The day that the program itself tells in its about box.
 DATE = "2025-04-15"
-SECONDS_OF_DATE = "1744675200"
 
 HEADINGS = {"h1", "h2", "h3", "h4"}
 LISTED_HEADINGS = {"h1", "h2"}
@@ -77,6 +77,8 @@ class Chapter:
             self.tree = etree.fromstring(f"<section>{body}</section>")
         except etree.ParseError as error:
             raise ManualError(f"{path.name}: {error}") from error
+        if not self.headings():
+            raise ManualError(f"{path.name}: there is no heading")
         self.tree.set("class", self.headings()[0].get("id"))
         self.place_pictures()
         self.caption_pictures()
@@ -173,7 +175,8 @@ def make_pdf(chapters):
     import weasyprint
 
     # The fonts that are embedded get a date, too.
-    os.environ["SOURCE_DATE_EPOCH"] = SECONDS_OF_DATE
+    day = datetime.datetime.fromisoformat(DATE).replace(tzinfo=datetime.timezone.utc)
+    os.environ["SOURCE_DATE_EPOCH"] = str(int(day.timestamp()))
     style = weasyprint.CSS(filename=str(pathlib.Path(__file__).with_name("manual.css")))
     return weasyprint.HTML(string=make_page(chapters)).write_pdf(stylesheets=[style])
 

@@ -208,6 +208,10 @@ class Making(unittest.TestCase):
         made = make(self.pdf, self.chapter("# One {#same}\n"), self.chapter("# Two {#same}\n"))
         self.assert_refused(made, "#same")
 
+    def test_refuses_a_chapter_without_a_heading(self):
+        made = make(self.pdf, self.chapter("One.\n"))
+        self.assert_refused(made, "no heading")
+
     def test_links_from_chapter_to_chapter(self):
         made = make(self.pdf, self.chapter("# One {#one}\n\n[two](#two)\n"),
                     self.chapter("# Two {#two}\n"))
