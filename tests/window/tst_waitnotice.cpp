@@ -30,19 +30,22 @@ void TestWaitNotice::hiddenUntilItHasSomethingToSay()
 
 void TestWaitNotice::saysWhatIsAwaited_data()
 {
-    QTest::addColumn<bool>("connecting");
+    QTest::addColumn<int>("connecting");
     QTest::addColumn<QString>("text");
-    QTest::newRow("connecting") << true << QString::fromUtf8("Connecting to north (ttyUSB0) …");
-    QTest::newRow("disconnecting") << false << "Disconnecting ...";
+    QTest::newRow("connecting one") << 1 << QString::fromUtf8("Connecting to north (ttyUSB0) …");
+    QTest::newRow("connecting several")
+        << 5 << QString::fromUtf8("Connecting: 2 of 5 systems are up …");
+    QTest::newRow("disconnecting") << 0 << "Disconnecting ...";
 }
 
 void TestWaitNotice::saysWhatIsAwaited()
 {
-    QFETCH(bool, connecting);
+    QFETCH(int, connecting);
     const QWidget window;
     WaitNotice notice(window);
-    if (connecting)
-        notice.showConnecting(QStringLiteral("north"), QStringLiteral("ttyUSB0"));
+    if (connecting > 0)
+        notice.showConnecting(QStringLiteral("north"), QStringLiteral("ttyUSB0"), connecting / 2,
+                              connecting);
     else
         notice.showDisconnecting();
     QTEST(notice.text(), "text");
@@ -54,7 +57,7 @@ void TestWaitNotice::namesAreShownAsTheyAre()
     const QWidget window;
     WaitNotice notice(window);
     QCOMPARE(notice.textFormat(), Qt::PlainText);
-    notice.showConnecting(QStringLiteral("<b>%2</b>"), QStringLiteral("ttyUSB0"));
+    notice.showConnecting(QStringLiteral("<b>%2</b>"), QStringLiteral("ttyUSB0"), 0, 1);
     QCOMPARE(notice.text(), QString::fromUtf8("Connecting to <b>%2</b> (ttyUSB0) …"));
 }
 
