@@ -35,6 +35,7 @@ MainWindow::MainWindow(QWidget* parent)
                 [this](const QString& path) { return mayOverwrite(path); })
     , displayTick(systems, stages, toolBar, statistics, acquisition, recorder)
     , plotFrame(stages, {*ui->rescaler, *ui->rescaler_2, *ui->scrollArea})
+    , axisClicks(stages)
     , systemsView(systems, stages, toolBar, statistics, *this)
 {
     addServiceMenu();
@@ -243,6 +244,7 @@ void MainWindow::wireDialogs()
             &DataLoggerDialog::setSaveRate);
     connect(&recording, &LiveRecording::failed, this, &MainWindow::tellRecordingFailed);
     connect(paramsDialog, &ParamsDialog::errorStream, this, &MainWindow::errorStreamStart);
+    connect(&axisClicks, &AxisClicks::clicked, this, &MainWindow::askForLimits);
     connect(rescaleDialog, &RescaleDialog::axisRescaled, this, &MainWindow::rescaleAxis);
     connect(rescaleTimeAxisDlg, &RescaleTimeAxisDlg::axisRescaled, this,
             &MainWindow::rescaleTimeAxis);

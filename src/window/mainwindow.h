@@ -2,6 +2,7 @@
 
 #include "setup/connectionregistry.h"
 #include "window/acquisition.h"
+#include "window/axisclicks.h"
 #include "window/displaytick.h"
 #include "window/liverecording.h"
 #include "window/livesystems.h"
@@ -138,6 +139,11 @@ public slots:
     void showAboutSoftwareDialog();
     void showUserManualSoftware();
     void showUserManualHardware();
+    /// Asks for new limits of axis 1, 2, 5 or 6, beginning with `max` and `min`. Does nothing for
+    /// other axes.
+    void showRescaleDialog(int axisID, double max, double min);
+    /// Asks for new limits of axis 3 or 4, in seconds. Does nothing for other axes.
+    void showRescaleTimeAxisDlg(int axisID, int min, int max);
 
 signals:
     void stopRecording();
@@ -176,6 +182,8 @@ private:
     /// For the parameter dialog, of a registered connection.
     SystemState stateOf(const Connection& connection) const;
     void tellLinkFailed();
+    /// Asks for new limits of any axis.
+    void askForLimits(int axisId);
     bool mayOverwrite(const QString& path);
     void tellRecordingFailed(const RecordFailure& failure);
     void leave();
@@ -194,6 +202,7 @@ private:
     LiveRecording recording;
     DisplayTick displayTick;
     PlotFrame plotFrame;
+    AxisClicks axisClicks;
     SystemsView systemsView;
 
     // Children of this window.
