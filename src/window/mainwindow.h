@@ -2,7 +2,7 @@
 
 #include "setup/connectionregistry.h"
 #include "window/acquisition.h"
-#include "window/axisclicks.h"
+#include "window/axisdialogs.h"
 #include "window/displaytick.h"
 #include "window/liverecording.h"
 #include "window/livesystems.h"
@@ -25,8 +25,6 @@ class DataLoggerDialog;
 class InformationDialog;
 class ParamsDialog;
 class QMessageBox;
-class RescaleDialog;
-class RescaleTimeAxisDlg;
 class ServiceDialog;
 class SettingsDialog;
 struct SystemState;
@@ -182,8 +180,6 @@ private:
     /// For the parameter dialog, of a registered connection.
     SystemState stateOf(const Connection& connection) const;
     void tellLinkFailed();
-    /// Asks for new limits of any axis.
-    void askForLimits(int axisId);
     bool mayOverwrite(const QString& path);
     void tellRecordingFailed(const RecordFailure& failure);
     void leave();
@@ -202,7 +198,7 @@ private:
     LiveRecording recording;
     DisplayTick displayTick;
     PlotFrame plotFrame;
-    AxisClicks axisClicks;
+    AxisDialogs axisDialogs;
     SystemsView systemsView;
 
     // Children of this window.
@@ -211,8 +207,6 @@ private:
     ParamsDialog* paramsDialog = nullptr;
     ServiceDialog* serviceDialog = nullptr;
     ConnectionOverviewDialog* connectionOverviewDialog = nullptr;
-    RescaleDialog* rescaleDialog = nullptr;
-    RescaleTimeAxisDlg* rescaleTimeAxisDlg = nullptr;
     InformationDialog* informationDialog = nullptr;
     QMessageBox* streamErrorBox = nullptr;
     QMessageBox* recordingErrorBox = nullptr;

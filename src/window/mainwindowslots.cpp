@@ -3,8 +3,6 @@
 #include "about/informationdialog.h"
 #include "link/connection.h"
 #include "params/paramsdialog.h"
-#include "plots/rescaledialog.h"
-#include "plots/rescaletimeaxisdlg.h"
 #include "recording/dataloggerdialog.h"
 #include "service/servicedialog.h"
 #include "setup/connectionoverviewdialog.h"
@@ -273,44 +271,12 @@ void MainWindow::showUserManualHardware()
     openUserManual(QStringLiteral("Manual_Lumetra_Compact_en_vers15.pdf"), *this);
 }
 
-void MainWindow::askForLimits(int axisId)
-{
-    const QwtInterval limits = plotFrame.limits(axisId);
-    // One of the two knows the axis.
-    showRescaleDialog(axisId, limits.maxValue(), limits.minValue());
-    showRescaleTimeAxisDlg(axisId, int(limits.minValue()), int(limits.maxValue()));
-}
-
 void MainWindow::showRescaleDialog(int axisID, double max, double min)
 {
-    const std::optional<StageAxis> axis = axisOfId(axisID);
-    if (!axis || axis->kind == AxisKind::Time)
-        return;
-    const StageView& stage = stages[axis->stage];
-    const bool isPosition = axis->kind == AxisKind::Position;
-    const double highest = isPosition ? stage.plots().positionMax() : StagePlots::intensityMaxV;
-    const double lowest = isPosition ? stage.plots().positionMin() : StagePlots::intensityMinV;
-    const QString title =
-        isPosition ? tr("Stage %1: Rescale x/y axis") : tr("Stage %1: Rescale i axis");
-    rescaleDialog->setAxis(axisID);
-    rescaleDialog->setLimits(highest, lowest, highest, lowest);
-    rescaleDialog->setWindowTitle(title.arg(numberOf(stage.stage())));
-    rescaleDialog->setUpperValue(max);
-    rescaleDialog->setLowerValue(min);
-    showOnTop(*rescaleDialog);
-    rescaleDialog->startInput();
+    axisDialogs.askForValues(axisID, max, min);
 }
 
 void MainWindow::showRescaleTimeAxisDlg(int axisID, int min, int max)
 {
-    const std::optional<StageAxis> axis = axisOfId(axisID);
-    if (!axis || axis->kind != AxisKind::Time)
-        return;
-    const int stage = numberOf(stages[axis->stage].stage());
-    rescaleTimeAxisDlg->setAxis(axisID);
-    rescaleTimeAxisDlg->setWindowTitle(tr("Stage %1:  Rescale Time Axis").arg(stage));
-    rescaleTimeAxisDlg->setLowerTime(min);
-    rescaleTimeAxisDlg->setUpperTime(max);
-    showOnTop(*rescaleTimeAxisDlg);
-    rescaleTimeAxisDlg->startInput();
+    axisDialogs.askForTimes(axisID, min, max);
 }
