@@ -182,6 +182,7 @@ private:
     void tellLinkFailed();
     bool mayOverwrite(const QString& path);
     void tellRecordingFailed(const RecordFailure& failure);
+    void letRecordingErrorBeRead();
     void leave();
 
     std::unique_ptr<Ui::MainWindow> ui;
