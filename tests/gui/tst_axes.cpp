@@ -92,6 +92,8 @@ private slots:
     void otherButtonsOpenNothing();
     void eachAxisShowsItsPresentLimits();
     void anAxisClickedWhileADialogIsOpenTakesItOver();
+    void theFirstFieldIsTypedOverAtEachClick_data();
+    void theFirstFieldIsTypedOverAtEachClick();
     void otherNumbersOpenNothing();
     void theHandComesAndGoes();
     void theHandEndsUnderWhateverOpens_data();
@@ -257,7 +259,32 @@ void TestAxes::anAxisClickedWhileADialogIsOpenTakesItOver()
     QCOMPARE(bench->shown(), bench->values);
     QCOMPARE(bench->values->windowTitle(), QString("Stage 2: Rescale i axis"));
     QCOMPARE(bench->limitsShown(), QString("2.00 .. 7.00"));
-    QCOMPARE(bench->values->focusWidget()->objectName(), QString("doubleSpinBox_UpperBound"));
+}
+
+void TestAxes::theFirstFieldIsTypedOverAtEachClick_data()
+{
+    QTest::addColumn<int>("axisId");
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("position") << 1 << "doubleSpinBox_UpperBound"
+                              << "5.00";
+    QTest::newRow("time") << 3 << "lineEdit_LowerTime"
+                          << "000:00:00";
+    QTest::newRow("intensity") << 5 << "doubleSpinBox_UpperBound"
+                               << "8.00";
+}
+
+void TestAxes::theFirstFieldIsTypedOverAtEachClick()
+{
+    QFETCH(int, axisId);
+    for (int click = 0; click < 2; ++click) {
+        QVERIFY(bench->clickAxis(axisId));
+        const QWidget* focused = bench->shown()->focusWidget();
+        QTEST(focused->objectName(), "field");
+        const auto* edit = qobject_cast<const QLineEdit*>(focused);
+        QTEST((edit ? edit : focused->findChild<QLineEdit*>())->selectedText(), "text");
+        bench->press(Qt::Key_Tab);
+    }
 }
 
 void TestAxes::otherNumbersOpenNothing()
