@@ -25,11 +25,12 @@ public:
     void setAxis(int axis);
     /// Sets the unit of the positions of stage 1 or 2. Limits that are open keep their numbers.
     void setUnit(int unit, int stage);
-    /// The ranges of both fields. Before the values, which they hold to these ranges.
+    /// The ranges of both fields. To be set before the values, which are held to them.
     void setLimits(double upperMax, double upperMin, double lowerMax, double lowerMin);
     void setUpperValue(double value);
     void setLowerValue(double value);
-    /// Gives the keyboard to the first field, to be typed over. Behind showing the dialog.
+    /// Gives the keyboard to the first field and selects its text. To be called after the dialog was
+    /// shown, which takes such a selection back.
     void startInput();
 
     int axis() const { return axisId; }

@@ -11,7 +11,7 @@ class ToolDialog : public QDialog
 protected:
     explicit ToolDialog(QWidget* parent);
 
-    /// Behind the set-up of the form.
+    /// To be called once the form is set up.
     void fixSize();
     bool event(QEvent* event) override;
 };
