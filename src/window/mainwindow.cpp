@@ -271,6 +271,5 @@ void MainWindow::wireMenus()
 
 void MainWindow::disableWhatIsNotOffered()
 {
-    ui->actionAbout_the_Software->setEnabled(false);
     findChild<QAction*>(QStringLiteral("actionOperation_Tests"))->setEnabled(false);
 }
