@@ -30,6 +30,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <qwt_plot_curve.h>
+#include <qwt_scale_widget.h>
 
 #include <algorithm>
 #include <cmath>
@@ -190,6 +191,17 @@ void takeOtherDialogs(MainWindow& window, const WindowHand& hand)
     takeDialog(window, hand, "about", entry("actionAbout_the_Software"));
 }
 
+void takeLimits(MainWindow& window, const WindowHand& hand)
+{
+    const auto axis = [&window, &hand](int side) {
+        return [&window, &hand, side] {
+            hand.clickOn(*window.findChild<GenericPlot*>("positionPlot1")->axisWidget(side));
+        };
+    };
+    takeDialog(window, hand, "axis-limits", axis(QwtPlot::yLeft));
+    takeDialog(window, hand, "time-limits", axis(QwtPlot::xTop));
+}
+
 void takeSmallest(MainWindow& window, const WindowHand& hand)
 {
     show(window, 1, false);
@@ -248,6 +260,7 @@ int main(int argc, char** argv)
     takeThreeSystems(window, hand);
     takeOverviewAndParameters(window, hand);
     takeOtherDialogs(window, hand);
+    takeLimits(window, hand);
     takeSmallest(window, hand);
     return 0;
 }
