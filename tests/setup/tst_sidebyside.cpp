@@ -97,6 +97,7 @@ private slots:
     void fiftySystemsAreUnderWayBeforeTheFirstWaitsAreOver();
     void controllersThatFailCostTheOthersNothing();
     void systemsWithOneAddressComeUpOneAfterTheOther();
+    void theSecondSystemOfOnePlaceFindsWhatTheFirstHasLeft();
     void aSystemWithoutALinkEndsBeforeTheNextOfItsAddress();
 
     // What comes meanwhile.
@@ -312,6 +313,18 @@ void TestSideBySide::systemsWithOneAddressComeUpOneAfterTheOther()
     QVERIFY(timeOf(first, 3) < timeOf(second, 0));
     QVERIFY(timeOf(between, 0) < timeOf(first, 2));
     QCOMPARE(registered(), QStringList({"s0", "s1", "s2"}));
+}
+
+/// Two controllers are used in turn on one port, and the second one of the file is there.
+void TestSideBySide::theSecondSystemOfOnePlaceFindsWhatTheFirstHasLeft()
+{
+    const ControllerHandle present = add();
+    list.append(stored(present, "s1"));
+    list[0].id.set(records::idWithKey("XX000000009"));
+    loadAll();
+    QCOMPARE(present.commands(), QByteArrayList({"CLS;", "CLS;", "GID;"}) + framesOfAConnect("s1"));
+    QCOMPARE(bench->registry.statesWhenNew,
+             QList<LinkState>({LinkState::Disconnected, LinkState::Connected}));
 }
 
 void TestSideBySide::aSystemWithoutALinkEndsBeforeTheNextOfItsAddress()
