@@ -99,7 +99,7 @@ LinkOutcome connectAndIdentify(Connection& connection, LinkWait wait, const QStr
     if (!bringUp(connection, wait))
         return LinkOutcome::NoLink;
     finish(introduction);
-    if (introduction.outcome() != LinkOutcome::NotIdentified)
+    if (introduction.outcome() == LinkOutcome::Up)
         id = introduction.foundId();
     return introduction.outcome();
 }

@@ -48,10 +48,10 @@ bool bringUp(Connection& connection, LinkWait wait);
 bool changeBaudRate(Connection& connection, LinkWait wait, int baudRate);
 
 /// Starts the connection's thread, waits for the link, finds out who answers and gives that
-/// controller the label. `id` is the expected identification, or becomes the one that was found
-/// if it is empty. A controller whose identification is not `isUsable` is refused before it gets
-/// the label. Blocks for the waits and the exchanges. Unless the result is `Up`, the thread may
-/// still run.
+/// controller the label. `id` is the expected identification; an empty one expects any
+/// controller, and becomes its identification if the result is `Up`. A controller whose
+/// identification is not `isUsable` is refused before it gets the label. Blocks for the waits and
+/// the exchanges. Unless the result is `Up`, the thread may still run.
 LinkOutcome connectAndIdentify(Connection& connection, LinkWait wait, const QString& label,
                                QString& id, const std::function<bool(const QString&)>& isUsable);
 

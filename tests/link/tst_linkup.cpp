@@ -57,6 +57,8 @@ private slots:
     void linkThatIsLostByTheLabelIsNotUp();
     void arrivalHasTheOutcomeOfAWait_data();
     void arrivalHasTheOutcomeOfAWait();
+    void arrivalEndsWithTheThread();
+    void arrivalEndsAtItsLimit();
     void twoArrivalsAreUnderWayAtTheSameTime();
 };
 
@@ -261,6 +263,28 @@ void TestLinkUp::arrivalHasTheOutcomeOfAWait()
     }
     QTEST(*outcome, "outcome");
     QTEST(link.controller.commands(), "commands");
+}
+
+void TestLinkUp::arrivalEndsWithTheThread()
+{
+    EmulatedLink link;
+    link.controller.stopListening();
+    const Arrival arrival =
+        beginArrival(link.client, longLimitMs, "a", link.controller.id(), everyId);
+    // Much earlier than at its limit.
+    QTRY_COMPARE(arrival(), std::make_optional(LinkOutcome::NoLink));
+    QVERIFY(!link.client.isRunning());
+}
+
+void TestLinkUp::arrivalEndsAtItsLimit()
+{
+    constexpr int briefLimitMs = 50;
+    EmulatedLink link({}, longLimitMs);
+    link.controller.stopListening();
+    const Arrival arrival =
+        beginArrival(link.client, briefLimitMs, "a", link.controller.id(), everyId);
+    QTRY_COMPARE(arrival(), std::make_optional(LinkOutcome::NoLink));
+    QVERIFY(link.client.isRunning());
 }
 
 void TestLinkUp::twoArrivalsAreUnderWayAtTheSameTime()

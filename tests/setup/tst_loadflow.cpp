@@ -31,6 +31,7 @@ private slots:
     void theLoadStopsWhenTheApplicationLeaves();
     void whoIsConnectedIsToldBefore();
     void howManyAreUpIsToldWithEachThatComesUp();
+    void aSecondLoadCountsAnew();
     void aSystemThatIsUpWaitsForThoseBeforeIt();
     void anUnmarkedSystemOfTheSameAddressHoldsNobodyUp();
 
@@ -185,6 +186,14 @@ void TestLoadFlow::howManyAreUpIsToldWithEachThatComesUp()
     QCOMPARE(told, QStringList({"connecting a 127.0.0.5: 0 of 3", "up a 127.0.0.5: 1 of 3",
                                 "connecting b 127.0.0.6: 1 of 3", "connecting d 127.0.0.8: 1 of 3",
                                 "up d 127.0.0.8: 2 of 3"}));
+}
+
+void TestLoadFlow::aSecondLoadCountsAnew()
+{
+    load({at("AB000000001", "127.0.0.5", "a")});
+    told.clear();
+    load({at("CD000000002", "127.0.0.6", "b")});
+    QCOMPARE(told, QStringList({"connecting b 127.0.0.6: 0 of 1", "up b 127.0.0.6: 1 of 1"}));
 }
 
 void TestLoadFlow::aSystemThatIsUpWaitsForThoseBeforeIt()

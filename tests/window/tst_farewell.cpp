@@ -33,6 +33,7 @@ private slots:
     void whatIsNotRegisteredIsLeftOut();
     void aSystemWithoutALinkIsToldNothing();
     void aHiddenSystemIsToldNothing();
+    void aHiddenSystemThatStillStreamsIsStoppedOnce();
     void anUnansweredPollHoldsOnlyItsOwnSystemUp();
     void systemsWithOneAddressAreStoppedInTurn();
 
@@ -142,6 +143,19 @@ void TestFarewell::aHiddenSystemIsToldNothing()
     connection.controller().forgetMessages();
     systems().dismiss({&connection});
     QCOMPARE(connection.controller().mnemonics(), Mnemonics());
+}
+
+void TestFarewell::aHiddenSystemThatStillStreamsIsStoppedOnce()
+{
+    ScriptedConnection& connection = bench->addStreaming();
+    connection.setTimeoutMs(shortTimeoutMs);
+    connection.controller().stayQuiet("CLS");
+    systems().show(&connection, false);
+    QVERIFY(connection.isStreaming());
+    connection.controller().forgetMessages();
+    systems().dismiss({&connection});
+    // It is repeated, as nothing answers.
+    QCOMPARE(connection.controller().mnemonics(), Mnemonics({"CLS", "CLS"}));
 }
 
 void TestFarewell::anUnansweredPollHoldsOnlyItsOwnSystemUp()

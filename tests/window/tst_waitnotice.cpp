@@ -4,6 +4,23 @@
 #include <QScreen>
 #include <QtTest>
 
+namespace {
+
+class PaintWatch final : public QObject
+{
+public:
+    int paints = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        paints += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+};
+
+} // namespace
+
 class TestWaitNotice final : public QObject
 {
     Q_OBJECT
@@ -16,6 +33,7 @@ private slots:
     void standsInTheMiddleOfTheScreen();
     void standsInTheMiddleOfAWindowThatIsShown();
     void isPaintedAtOnce();
+    void sameTextIsNotPaintedAgain();
 };
 
 void TestWaitNotice::hiddenUntilItHasSomethingToSay()
@@ -88,18 +106,6 @@ void TestWaitNotice::standsInTheMiddleOfAWindowThatIsShown()
 /// Whoever says it blocks the window next.
 void TestWaitNotice::isPaintedAtOnce()
 {
-    class PaintWatch final : public QObject
-    {
-    public:
-        int paints = 0;
-
-    protected:
-        bool eventFilter(QObject*, QEvent* event) override
-        {
-            paints += event->type() == QEvent::Paint ? 1 : 0;
-            return false;
-        }
-    };
     const QWidget window;
     WaitNotice notice(window);
     notice.say(QStringLiteral("first"));
@@ -108,6 +114,22 @@ void TestWaitNotice::isPaintedAtOnce()
     notice.installEventFilter(&watch);
     notice.say(QStringLiteral("second"));
     QVERIFY(watch.paints > 0);
+}
+
+/// A load says how many are up with every system that it begins.
+void TestWaitNotice::sameTextIsNotPaintedAgain()
+{
+    const QWidget window;
+    WaitNotice notice(window);
+    notice.say(QStringLiteral("text"));
+    QVERIFY(QTest::qWaitForWindowExposed(&notice));
+    PaintWatch watch;
+    notice.installEventFilter(&watch);
+    notice.say(QStringLiteral("text"));
+    QCOMPARE(watch.paints, 0);
+    notice.hide();
+    notice.say(QStringLiteral("text"));
+    QVERIFY(notice.isVisible());
 }
 
 QTEST_MAIN(TestWaitNotice)
