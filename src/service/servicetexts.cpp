@@ -2,6 +2,7 @@
 
 #include "link/packet.h"
 #include "link/replyforms.h"
+#include "service/speedtest.h"
 
 #include <QCoreApplication>
 
@@ -122,6 +123,19 @@ QStringList memory(const QByteArray& reply)
                                                   QString::number(byte, hexadecimal)));
     }
     return lines;
+}
+
+QString speed(const SpeedResult& result)
+{
+    switch (result.outcome) {
+    case SpeedResult::Outcome::NotStarted:
+        return tr("Speed Test: Failed - stream couldn't start\n");
+    case SpeedResult::Outcome::NotStopped:
+        return tr("Speed Test: Failed - stream couldn't be stopped - maybe reconnect\n");
+    case SpeedResult::Outcome::Counted:
+        break;
+    }
+    return tr("Speed Test: %1 of 500 received").arg(result.received);
 }
 
 } // namespace servicetexts

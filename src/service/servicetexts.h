@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+struct SpeedResult;
+
 // What the service dialog says of replies, as plain text. A text that ends in a line end leaves an
 // empty line behind it in the result box, where each text is a paragraph of its own.
 
@@ -27,5 +29,6 @@ QStringList oneShot(const QByteArray& reply, int firmwareVersion);
 QString lastError(const QByteArray& reply);
 /// The memory of the controller, a line for each byte.
 QStringList memory(const QByteArray& reply);
+QString speed(const SpeedResult& result);
 
 } // namespace servicetexts

@@ -129,7 +129,7 @@ void MainWindow::createDialogs()
                           },
                           [this] { return toolBar.samplingRateHz(); }},
                          this);
-    serviceDialog = new ServiceDialog(this);
+    serviceDialog = new ServiceDialog([this] { return toolBar.samplingRateHz(); }, this);
     dataLoggerDialog = new DataLoggerDialog(this);
     settingsDialog = new SettingsDialog(*this, this);
     informationDialog = new InformationDialog(this);
@@ -243,6 +243,7 @@ void MainWindow::wireDialogs()
             &DataLoggerDialog::setSaveRate);
     connect(&recording, &LiveRecording::failed, this, &MainWindow::tellRecordingFailed);
     connect(paramsDialog, &ParamsDialog::errorStream, this, &MainWindow::errorStreamStart);
+    connect(serviceDialog, &ServiceDialog::baudRateChanged, this, &MainWindow::onBaudRateChanged);
     connect(rescaleDialog, &RescaleDialog::axisRescaled, this, &MainWindow::rescaleAxis);
     connect(rescaleTimeAxisDlg, &RescaleTimeAxisDlg::axisRescaled, this,
             &MainWindow::rescaleTimeAxis);
@@ -279,5 +280,4 @@ void MainWindow::wireMenus()
 void MainWindow::disableWhatIsNotOffered()
 {
     ui->actionAbout_the_Software->setEnabled(false);
-    findChild<QAction*>(QStringLiteral("actionOperation_Tests"))->setEnabled(false);
 }

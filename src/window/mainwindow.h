@@ -172,6 +172,7 @@ private:
     void disableWhatIsNotOffered();
 
     void onSystemClosed(int index, const Connection* connection);
+    void onBaudRateChanged(const Connection* connection);
     void showSystem(const Connection* connection, bool show);
     /// For the parameter dialog, of a registered connection.
     SystemState stateOf(const Connection& connection) const;
