@@ -39,11 +39,16 @@ bool ServiceBench::isReady() const
     return find<QPushButton>("buttonGIN_1").isEnabled();
 }
 
+bool ServiceBench::press(const QString& control) const
+{
+    return user::click(&find<QWidget>(control));
+}
+
 bool ServiceBench::click(const QString& button)
 {
     link.controller.clearWire();
     find<QTextBrowser>("result_textBrowser").clear();
-    return user::click(&find<QPushButton>(button)) && QTest::qWaitFor([this] { return isReady(); });
+    return press(button) && QTest::qWaitFor([this] { return isReady(); });
 }
 
 bool ServiceBench::clickUnder(const emulator::Rule& rule, const QString& button)

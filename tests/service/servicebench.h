@@ -27,6 +27,8 @@ public:
     template <typename Widget>
     Widget& find(const QString& name) const;
 
+    /// Clicks a control.
+    bool press(const QString& control) const;
     /// Clicks a button whose test takes place at once, and waits until the dialog is ready again.
     /// Wire log and results begin anew before.
     bool click(const QString& button);
