@@ -1,9 +1,10 @@
 // The service dialog in its window: who opens and closes it, and what goes on meanwhile.
 
 #include "app/switches.h"
-#include "link/connection.h"
+#include "link/tcpclient.h"
 #include "plots/counter.h"
 #include "service/servicedialog.h"
+#include "setup/settingsdialog.h"
 #include "support/userinput.h"
 #include "support/widgetcheck.h"
 #include "support/windowfixture.h"
@@ -53,13 +54,22 @@ QString results(const WindowFixture& fixture)
     return in<QTextBrowser>(service(fixture), "result_textBrowser").toPlainText();
 }
 
-/// Two systems that the connection dialog knows, too.
-bool openWithLines(WindowFixture& fixture)
+/// Systems that the connection dialog knows, too. It stops each of them, idle, for whole time-outs.
+bool openWithLines(WindowFixture& fixture, int systems)
 {
     if (!fixture.open())
         return false;
-    makeShortConnections(fixture);
-    return connectByDialog(fixture, 0, "one") && connectByDialog(fixture, 1, "two");
+    settingsDialog(fixture).setConnectionFactory([](ConnectionType) {
+        constexpr int timeoutMs = 100;
+        auto client = std::make_unique<TcpClient>();
+        client->setTimeoutMs(timeoutMs);
+        return client;
+    });
+    for (int number = 0; number < systems; ++number) {
+        if (!connectByDialog(fixture, number, QStringLiteral("system %1").arg(number)))
+            return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -185,7 +195,7 @@ void TestService::streamWithoutARateGetsThatOfTheToolBar()
 void TestService::dialogClosesWhenItsSystemIsDeleted()
 {
     WindowFixture fixture(2);
-    QVERIFY(openWithLines(fixture));
+    QVERIFY(openWithLines(fixture, 2));
     QVERIFY(open(fixture));
     QCOMPARE(service(fixture).connection(), &fixture.connection(0));
     QVERIFY(clickInLine(fixture, 0, "deleteButton"));
@@ -199,7 +209,7 @@ void TestService::dialogClosesWhenItsSystemIsDeleted()
 void TestService::dialogStaysWhenAnotherSystemIsDeleted()
 {
     WindowFixture fixture(2);
-    QVERIFY(openWithLines(fixture));
+    QVERIFY(openWithLines(fixture, 2));
     QVERIFY(open(fixture));
     QVERIFY(clickInLine(fixture, 1, "deleteButton"));
     QVERIFY(service(fixture).isVisible());
@@ -209,8 +219,8 @@ void TestService::dialogStaysWhenAnotherSystemIsDeleted()
 
 void TestService::dialogOutlivesTheLossOfItsLink()
 {
-    WindowFixture fixture(2);
-    QVERIFY(openWithLines(fixture));
+    WindowFixture fixture(1);
+    QVERIFY(openWithLines(fixture, 1));
     QVERIFY(open(fixture));
     fixture.controller(0).closeConnection();
     QTRY_COMPARE(lineButtonText(fixture, 0), QString("Reconnect"));
@@ -221,8 +231,8 @@ void TestService::dialogOutlivesTheLossOfItsLink()
 
 void TestService::dialogWorksAgainBehindAReconnect()
 {
-    WindowFixture fixture(2);
-    QVERIFY(openWithLines(fixture));
+    WindowFixture fixture(1);
+    QVERIFY(openWithLines(fixture, 1));
     QVERIFY(open(fixture));
     QVERIFY(clickInLine(fixture, 0, "Button"));
     QCOMPARE(lineButtonText(fixture, 0), QString("Reconnect"));

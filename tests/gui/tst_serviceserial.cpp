@@ -30,7 +30,7 @@ constexpr int slowRate = 115200;
 constexpr int fastRate = 921600;
 constexpr int streamRateHz = 300;
 /// The library's thread and the kernel's worker come between: more than over TCP.
-constexpr int timeoutMs = 150;
+constexpr int timeoutMs = 120;
 
 emulator::ControllerOptions atRate(int baudRate)
 {
@@ -179,7 +179,6 @@ void TestServiceSerial::bothEndsChangeAndTheStreamGoesOn_data()
 {
     QTest::addColumn<int>("index");
     QTest::addColumn<int>("baudRate");
-    QTest::newRow("the same") << 0 << slowRate;
     QTest::newRow("middle") << 1 << 460800;
     QTest::newRow("fast") << 2 << fastRate;
 }

@@ -51,9 +51,9 @@ bool ServiceBench::click(const QString& button)
     return press(button) && QTest::qWaitFor([this] { return isReady(); });
 }
 
-bool ServiceBench::clickUnder(const emulator::Rule& rule, const QString& button)
+bool ServiceBench::clickUnder(const QList<emulator::Rule>& rules, const QString& button)
 {
-    link.controller.setRules({rule});
+    link.controller.setRules(rules);
     link.client.setTimeoutMs(faultyTimeoutMs);
     const bool isClicked = click(button);
     link.client.setTimeoutMs(EmulatedLink::shortTimeoutMs);

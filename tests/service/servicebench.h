@@ -12,7 +12,7 @@ public:
     static constexpr int windowRateHz = 100;
     static constexpr int streamRateHz = 300;
     /// Wait of exchanges in which something goes wrong.
-    static constexpr int faultyTimeoutMs = 50;
+    static constexpr int faultyTimeoutMs = 40;
 
     explicit ServiceBench(const emulator::ControllerOptions& options = {});
 
@@ -32,8 +32,9 @@ public:
     /// Clicks a button whose test takes place at once, and waits until the dialog is ready again.
     /// Wire log and results begin anew before.
     bool click(const QString& button);
-    /// As `click`, with a controller that follows the rule and waits that this does not make long.
-    bool clickUnder(const emulator::Rule& rule, const QString& button);
+    /// As `click`, with a controller that follows the rules and waits that these do not make long.
+    /// All of them have to act.
+    bool clickUnder(const QList<emulator::Rule>& rules, const QString& button);
     bool isReady() const;
 
     /// The box with the results, as one reads it.

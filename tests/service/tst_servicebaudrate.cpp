@@ -131,7 +131,7 @@ void TestServiceBaudRate::aRateThatIsNotTakenLeavesTheStreamStopped()
     ServiceBench bench;
     QVERIFY(bench.openStreaming());
     const QSignalSpy changes(&bench.dialog, &ServiceDialog::baudRateChanged);
-    QVERIFY(bench.clickUnder(rule, "baudrateChange"));
+    QVERIFY(bench.clickUnder({rule}, "baudrateChange"));
     QCOMPARE(bench.results(), QString(refused));
     QCOMPARE(bench.commands(), QByteArrayList({"CLS;", QByteArray("SBR\x01;", 5)}));
     QCOMPARE(bench.labelText("config_Label"), QString("Siehe Ethernet Adapter"));
@@ -145,7 +145,7 @@ void TestServiceBaudRate::oneByteThatAcceptsIsEnough()
 {
     ServiceBench bench;
     QVERIFY(bench.open());
-    QVERIFY(bench.clickUnder(on("SBR").reply(QByteArray("\0A", 2)), "baudrateChange"));
+    QVERIFY(bench.clickUnder({on("SBR").reply(QByteArray("\0A", 2))}, "baudrateChange"));
     QCOMPARE(bench.results(), QString(changed));
 }
 

@@ -20,6 +20,8 @@ private slots:
     void streamIsStoppedForTheCommandAndStartsAgain();
 
 private:
+    static constexpr int timeoutMs = 120;
+
     /// Opened once for all rows: opening takes longer than a test.
     std::unique_ptr<ServiceBench> quiet;
     std::unique_ptr<ServiceBench> streaming;
@@ -31,6 +33,9 @@ void TestServiceButtons::initTestCase()
     QVERIFY(quiet->open());
     streaming = std::make_unique<ServiceBench>(steadyController());
     QVERIFY(streaming->openStreaming());
+    // Trigger freeze and a stop without a stream take whole time-outs.
+    for (ServiceBench* bench : {quiet.get(), streaming.get()})
+        bench->link.client.setTimeoutMs(timeoutMs);
 }
 
 void TestServiceButtons::cleanupTestCase()

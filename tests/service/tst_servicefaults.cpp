@@ -68,18 +68,18 @@ void TestServiceFaults::failureIsTold()
             ? QByteArrayList{"CLS;", button.command, streamStart(ServiceBench::streamRateHz)}
             : QByteArrayList{button.command};
 
-    QVERIFY(bench->clickUnder(onCommandOf(button).refuse(), button.name));
+    QVERIFY(bench->clickUnder({onCommandOf(button).refuse()}, button.name));
     QCOMPARE(bench->results(), button.failure);
     QCOMPARE(bench->commands(), expected);
     QVERIFY(isAsBefore());
 
-    QVERIFY(bench->clickUnder(onCommandOf(button).ignore(), button.name));
+    QVERIFY(bench->clickUnder({onCommandOf(button).ignore()}, button.name));
     QCOMPARE(bench->results(), button.failure);
     QCOMPARE(bench->commands(), expected);
     QVERIFY(isAsBefore());
 
     for (const int length : cutsOf(button)) {
-        QVERIFY(bench->clickUnder(onCommandOf(button).cutTo(length), button.name));
+        QVERIFY(bench->clickUnder({onCommandOf(button).cutTo(length)}, button.name));
         QCOMPARE(bench->results(), resultOfCut(button, length));
         QCOMPARE(bench->commands(), expected);
         QVERIFY(isAsBefore());

@@ -134,7 +134,7 @@ void TestServiceReadings::memoryIsLoggedAsItStands()
     ServiceBench bench;
     QVERIFY(bench.open());
     const LogCapture log;
-    QVERIFY(bench.clickUnder(on("RFR").cutTo(2), "fram_PushButton"));
+    QVERIFY(bench.clickUnder({on("RFR").cutTo(2)}, "fram_PushButton"));
     QCOMPARE(log.count("debug: \"\\x00;\""), 1);
 }
 
@@ -153,7 +153,7 @@ void TestServiceReadings::memoryThatIsNotWholeIsNotSupported()
     QFETCH(Rule, rule);
     ServiceBench bench;
     QVERIFY(bench.open());
-    QVERIFY(bench.clickUnder(rule, "fram_PushButton"));
+    QVERIFY(bench.clickUnder({rule}, "fram_PushButton"));
     QCOMPARE(bench.results(), QString("Not supported! \n"));
     QCOMPARE(bench.commands(), QByteArrayList{memoryCommand});
 }

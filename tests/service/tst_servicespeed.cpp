@@ -113,7 +113,7 @@ void TestServiceSpeed::aRefusedStartIsAStreamOfNothing()
 {
     ServiceBench bench;
     QVERIFY(bench.openStreaming());
-    QVERIFY(bench.clickUnder(on("SLS").once().refuse(), "speed_pushButton"));
+    QVERIFY(bench.clickUnder({on("SLS").once().refuse()}, "speed_pushButton"));
     QCOMPARE(bench.results(), received(0));
     QCOMPARE(bench.commands(), QByteArrayList{"CLS;"} + startAndStop()
                                    + QByteArrayList{streamStart(ServiceBench::streamRateHz)});
@@ -132,7 +132,7 @@ void TestServiceSpeed::aStartThatFailsIsTold()
     QFETCH(Rule, rule);
     ServiceBench bench;
     QVERIFY(bench.openStreaming());
-    QVERIFY(bench.clickUnder(rule, "speed_pushButton"));
+    QVERIFY(bench.clickUnder({rule}, "speed_pushButton"));
     QCOMPARE(bench.results(), QString(notStarted));
     QCOMPARE(bench.commands(), QByteArrayList({"CLS;", streamStart(fastestHz)}));
     QVERIFY(bench.isQuiet());
@@ -142,7 +142,7 @@ void TestServiceSpeed::behindASilentStartTheLinkIsDeafUntilItIsDisconnected()
 {
     ServiceBench bench;
     QVERIFY(bench.open());
-    QVERIFY(bench.clickUnder(on("SLS").ignore(), "speed_pushButton"));
+    QVERIFY(bench.clickUnder({on("SLS").ignore()}, "speed_pushButton"));
     bench.link.controller.setRules({});
     QVERIFY(bench.click("buttonGIN_1"));
     QCOMPARE(bench.results(), QString("Get Intensity: failed - no response\n"));
@@ -168,8 +168,7 @@ void TestServiceSpeed::aStopThatFailsIsTold()
     QFETCH(bool, streamsOn);
     ServiceBench bench;
     QVERIFY(bench.open());
-    bench.link.controller.setRules(rules);
-    QVERIFY(bench.click("speed_pushButton"));
+    QVERIFY(bench.clickUnder(rules, "speed_pushButton"));
     QCOMPARE(bench.results(), QString(notStopped));
     QCOMPARE(bench.commands(), startAndStop());
     QCOMPARE(bench.link.controller.isStreaming(), streamsOn);

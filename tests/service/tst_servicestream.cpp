@@ -148,7 +148,7 @@ void TestServiceStream::aStreamThatDoesNotStartAgainIsNotTold()
     QFETCH(Rule, rule);
     ServiceBench bench;
     QVERIFY(bench.openStreaming());
-    QVERIFY(bench.clickUnder(rule, "buttonCTF_1"));
+    QVERIFY(bench.clickUnder({rule}, "buttonCTF_1"));
     QCOMPARE(bench.results(), QString("Clear Trigger Freeze Stage 1: Success\n"));
     QVERIFY(bench.isQuiet());
     QCOMPARE(QApplication::topLevelWidgets().count(), 1);
