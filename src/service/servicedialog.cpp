@@ -7,6 +7,7 @@
 #include "link/linkup.h"
 #include "link/replyforms.h"
 #include "link/streampause.h"
+#include "model/connectionsettings.h"
 #include "service/servicetests.h"
 #include "service/servicetexts.h"
 #include "service/speedtest.h"
@@ -19,7 +20,6 @@ namespace {
 
 /// Nothing is taken from the queue of events while a test runs.
 constexpr LinkWait reopenWait{200, LinkWait::Manner::WithoutEvents};
-constexpr int tcpType = 1;
 
 } // namespace
 
@@ -42,15 +42,14 @@ ServiceDialog::~ServiceDialog() = default;
 void ServiceDialog::setConnection(Connection& connection)
 {
     serviceConnection = &connection;
-    const WaitCursor waiting;
-    buttons.lock();
-    pauseStream();
-    connection.getControllerId();
-    QByteArray reply;
-    connection.fetchReply(reply);
-    ui->boardId_Label->setText(servicetexts::boardId(reply));
-    showAddress();
-    restartStream();
+    onQuietLink([this] {
+        serviceConnection->getControllerId();
+        QByteArray reply;
+        serviceConnection->fetchReply(reply);
+        ui->boardId_Label->setText(servicetexts::boardId(reply));
+        showAddress();
+        restartStream();
+    });
 }
 
 void ServiceDialog::forget(const Connection* connection)
@@ -63,7 +62,8 @@ void ServiceDialog::forget(const Connection* connection)
 
 void ServiceDialog::showAddress()
 {
-    const bool overNetwork = serviceConnection->connectionType() == tcpType;
+    const auto type = static_cast<ConnectionType>(serviceConnection->connectionType());
+    const bool overNetwork = type == ConnectionType::Tcp;
     for (QLabel* label : {ui->PortText, ui->portLabel})
         label->setVisible(overNetwork);
     if (overNetwork)
@@ -91,22 +91,30 @@ void ServiceDialog::restartStream()
         startStreamAtRate(*serviceConnection, rateToStart(savedRate, windowRateHz()));
 }
 
-void ServiceDialog::run(const ServiceTest& test)
+/// Does nothing without a connection.
+void ServiceDialog::onQuietLink(const std::function<void()>& work)
 {
     if (!serviceConnection)
         return;
     const WaitCursor waiting;
     buttons.lock();
     pauseStream();
-    test.send(*serviceConnection);
-    QByteArray reply;
-    serviceConnection->fetchReply(reply);
-    if (test.order == ServiceTest::Order::RestartFirst)
-        restartStream();
-    for (const QString& result : test.results(reply, serviceConnection->firmwareVersion()))
-        tell(result);
-    if (test.order == ServiceTest::Order::ResultFirst)
-        restartStream();
+    work();
+}
+
+void ServiceDialog::run(const ServiceTest& test)
+{
+    onQuietLink([this, &test] {
+        test.send(*serviceConnection);
+        QByteArray reply;
+        serviceConnection->fetchReply(reply);
+        if (test.order == ServiceTest::Order::RestartFirst)
+            restartStream();
+        for (const QString& result : test.results(reply, serviceConnection->firmwareVersion()))
+            tell(result);
+        if (test.order == ServiceTest::Order::ResultFirst)
+            restartStream();
+    });
 }
 
 /// Appends a paragraph. `append` of the box would take what looks like markup for markup.
@@ -150,11 +158,6 @@ void ServiceDialog::setAdjustInTest(Stage stage, BeamAxis axis, int valueMv)
 /// A start or stop that fails leaves the stream as it is.
 void ServiceDialog::testSpeed()
 {
-    if (!serviceConnection)
-        return;
-    const WaitCursor waiting;
-    buttons.lock();
-    pauseStream();
     const SpeedResult speed = measureSpeed(*serviceConnection);
     tell(servicetexts::speed(speed));
     if (speed.outcome == SpeedResult::Outcome::Counted)
@@ -163,11 +166,6 @@ void ServiceDialog::testSpeed()
 
 void ServiceDialog::changeBaudRate()
 {
-    if (!serviceConnection)
-        return;
-    const WaitCursor waiting;
-    buttons.lock();
-    pauseStream();
     const QString rate = ui->comboBox->itemText(qMax(ui->comboBox->currentIndex(), 0));
     serviceConnection->setControllerBaudRate(command::baudRateArgument(rate.toInt()));
     QByteArray reply;

@@ -86,11 +86,13 @@ private:
 
     void pauseStream();
     void restartStream();
+    void onQuietLink(const std::function<void()>& work);
     void run(const ServiceTest& test);
     void driveActuator(Stage stage, BeamAxis axis);
     void setPFactorTest(Stage stage, int valueMv);
     void setSensitivityTest(Stage stage, int valueMv);
     void setAdjustInTest(Stage stage, BeamAxis axis, int valueMv);
+    // On a quiet link.
     void testSpeed();
     void changeBaudRate();
     void reopen(int baudRate);

@@ -153,7 +153,7 @@ void ServiceDialog::on_buttonClose_clicked()
 
 void ServiceDialog::on_speed_pushButton_clicked()
 {
-    testSpeed();
+    onQuietLink([this] { testSpeed(); });
 }
 
 void ServiceDialog::on_clear_pushButton_clicked()
@@ -163,7 +163,7 @@ void ServiceDialog::on_clear_pushButton_clicked()
 
 void ServiceDialog::on_baudrateChange_clicked()
 {
-    changeBaudRate();
+    onQuietLink([this] { changeBaudRate(); });
 }
 
 void ServiceDialog::on_manalPosition_checkBox_clicked(bool checked)

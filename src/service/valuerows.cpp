@@ -41,17 +41,16 @@ void align(QGridLayout& one, QGridLayout& other)
     const int labelWidth = widest(labelColumn, firstButtonColumn);
     const int buttonWidth = widest(firstButtonColumn, columns);
     for (QGridLayout* layout : {&one, &other}) {
-        for (int column = labelColumn; column < columns; ++column) {
-            layout->setColumnMinimumWidth(column, column == labelColumn ? labelWidth : buttonWidth);
-        }
+        layout->setColumnMinimumWidth(labelColumn, labelWidth);
+        for (int column = firstButtonColumn; column < columns; ++column)
+            layout->setColumnMinimumWidth(column, buttonWidth);
     }
 }
 
 } // namespace
 
 ValueRows::ValueRows(QWidget& owner, QGridLayout& form)
-    : QObject(&owner)
-    , dialog(owner)
+    : dialog(owner)
     , grid(new QGridLayout)
 {
     form.addLayout(grid, formRow, labelColumn, 1, columns);
@@ -79,7 +78,7 @@ void ValueRows::addValueRow(int row, Stage stage, const QString& label, const QS
             addButton(row, column++, QStringLiteral("%1mV").arg(valueMv),
                       QStringLiteral("%1%2_%3").arg(name).arg(numberOf(stage)).arg(valueMv));
         connect(&button, &QPushButton::clicked, this,
-                [this, wanted, stage, valueMv] { emit(this->*wanted)(stage, valueMv); });
+                [this, wanted, stage, valueMv] { (this->*wanted)(stage, valueMv); });
     }
 }
 
