@@ -54,7 +54,7 @@ void ServiceDialog::setConnection(Connection& connection)
 
 void ServiceDialog::forget(const Connection* connection)
 {
-    if (!serviceConnection || serviceConnection != connection)
+    if (serviceConnection != connection)
         return;
     serviceConnection = nullptr;
     close();

@@ -4,6 +4,7 @@
 #include "link/tcpclient.h"
 #include "plots/counter.h"
 #include "service/servicedialog.h"
+#include "setup/settings.h"
 #include "setup/settingsdialog.h"
 #include "support/userinput.h"
 #include "support/widgetcheck.h"
@@ -92,6 +93,7 @@ private slots:
     void dialogStaysWhenAnotherSystemIsDeleted();
     void dialogOutlivesTheLossOfItsLink();
     void dialogWorksAgainBehindAReconnect();
+    void savingKeepsThePortOfAnAddressThatCanNotBeUsed();
     void windowClosesWithTheDialogOpen_data();
     void windowClosesWithTheDialogOpen();
 };
@@ -240,6 +242,26 @@ void TestService::dialogWorksAgainBehindAReconnect()
     QCOMPARE(lineButtonText(fixture, 0), QString("Disconnect"));
     QVERIFY(clickAndWait(fixture, "buttonCTF_1"));
     QCOMPARE(results(fixture), QString("Clear Trigger Freeze Stage 1: Success\n"));
+}
+
+/// Its connection knows no port. Only the rate of a serial one is taken from the connection.
+void TestService::savingKeepsThePortOfAnAddressThatCanNotBeUsed()
+{
+    constexpr int port = 3000;
+    WindowFixture fixture(1);
+    ConnectionSettings record = fixture.record();
+    record.name.set(QStringLiteral("no address"));
+    record.baudRateOrPort = port;
+    QVERIFY(fixture.writeSetupFile({record}));
+    QVERIFY(fixture.open());
+    fixture.find<QAction>("actionSetup")->trigger();
+    QVERIFY(user::click(&in<QPushButton>(settingsDialog(fixture), "saveConnectionButton")));
+    Settings settings;
+    QList<ConnectionSettings> records;
+    QVERIFY(settings.read(QString()));
+    settings.getList(records);
+    QCOMPARE(records.size(), 1);
+    QCOMPARE(records[0].baudRateOrPort, port);
 }
 
 void TestService::windowClosesWithTheDialogOpen_data()

@@ -78,6 +78,8 @@ private slots:
     void stagesAreNotHeldTogether();
     void rowsOfValuesStandInRow26();
     void columnsAreAligned();
+    void rowsOfValuesTakeTheColumnsOfAnyForm_data();
+    void rowsOfValuesTakeTheColumnsOfAnyForm();
     void everythingFitsOnASmallScreen();
     void rateThatTheSearchDoesNotFindIsTold();
     void tabFollowsTheEye();
@@ -268,6 +270,40 @@ void TestServiceForm::columnsAreAligned()
     QCOMPARE(sidesOf("pFactor1_2500"), sidesOf("buttonSSH_2"));
     QCOMPARE(sidesOf("pFactor1_100"), sidesOf("buttonSSH_3"));
     QCOMPARE(sidesOf("adjustIn2Y"), sidesOf("buttonSDA_2y"));
+}
+
+void TestServiceForm::rowsOfValuesTakeTheColumnsOfAnyForm_data()
+{
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<QString>("button");
+    const QString wide(80, 'm');
+    QTest::newRow("narrow") << "m"
+                            << "m";
+    QTest::newRow("wide label") << wide << "m";
+    QTest::newRow("wide button") << "m" << wide;
+}
+
+void TestServiceForm::rowsOfValuesTakeTheColumnsOfAnyForm()
+{
+    QFETCH(QString, label);
+    QFETCH(QString, button);
+    QWidget window;
+    QGridLayout form(&window);
+    form.addWidget(new QLabel(label, &window), 0, 0);
+    QPushButton first(button, &window);
+    QPushButton third(QStringLiteral("m"), &window);
+    form.addWidget(&first, 0, 1);
+    form.addWidget(&third, 0, 3);
+    const ValueRows rows(window, form);
+    // As in the dialog, what is left goes elsewhere.
+    form.setColumnStretch(4, 1);
+    form.activate();
+    const auto sidesOf = [](const QPushButton& each) {
+        return QPoint(each.geometry().left(), each.geometry().right());
+    };
+    QCOMPARE(sidesOf(*rows.buttons()[0]), sidesOf(first));
+    QCOMPARE(sidesOf(*rows.buttons()[2]), sidesOf(third));
+    QCOMPARE(first.width(), third.width());
 }
 
 /// With room for the frame of the window and a bar of the desktop.
