@@ -14,8 +14,9 @@ struct RecordFailure
     QString reason;
 };
 
-/// One file that lines are recorded to. What is appended waits until the next flush. However the
-/// recording ends, what stands in a regular file are whole lines. One thread only.
+/// One file that lines are recorded to. What is appended waits until the next flush. What stands in
+/// a regular file are whole lines, also behind an error or a crash. Only the end of the process in
+/// the very moment of a write can cut a line, as the system writes page by page. One thread only.
 ///
 /// A file that has failed is closed and takes nothing any more. A pipe that is full does not block:
 /// its lines wait here, up to a limit.

@@ -14,6 +14,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QMessageBox>
 
 #include <algorithm>
 
@@ -193,9 +194,19 @@ void MainWindow::closeEvent(QCloseEvent* event)
 {
     // Stopping idle controllers takes a second each: nobody has to watch it.
     hide();
+    const bool wasTold = recordingErrorBox->isVisible();
     leave();
+    if (recordingErrorBox->isVisible() && !wasTold)
+        letRecordingErrorBeRead();
     QApplication::closeAllWindows();
     event->accept();
+}
+
+/// The last lines of a recording can fail when the window closes, and take the box with them.
+void MainWindow::letRecordingErrorBeRead()
+{
+    recordingErrorBox->hide();
+    recordingErrorBox->exec();
 }
 
 void MainWindow::leave()

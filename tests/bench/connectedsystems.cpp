@@ -3,8 +3,11 @@
 #include "link/identification.h"
 #include "link/tcpclient.h"
 #include "plots/counter.h"
+#include "recording/dataloggerdialog.h"
 
 #include <QAction>
+#include <QCheckBox>
+#include <QLineEdit>
 #include <QSpinBox>
 #include <QtTest>
 
@@ -93,6 +96,16 @@ bool ConnectedSystems::start()
     for (const Connection* connection : window.liveConnections())
         streaming = streaming && connection->isStreaming();
     return streaming;
+}
+
+bool ConnectedSystems::record(const QString& folder)
+{
+    auto& dialog = *screen.window().findChild<DataLoggerDialog*>();
+    dialog.setSaveRate(samplingRateHz);
+    dialog.findChild<QLineEdit*>("lineEdit_FileName")->setText(folder + "/run.csv");
+    dialog.findChild<QCheckBox*>("checkBox")->setChecked(true);
+    dialog.emitStartSignal();
+    return dialog.isRecording();
 }
 
 void ConnectedSystems::silence(int count)

@@ -18,6 +18,8 @@ public:
     bool areUp() const { return allUp; }
     /// Begins an acquisition. False if not all systems stream.
     bool start();
+    /// Records every sample of every system to files in this folder. False if none is recorded.
+    bool record(const QString& folder);
     /// From now on the first `count` controllers keep their links and say nothing, or all speak
     /// again for 0.
     void silence(int count);

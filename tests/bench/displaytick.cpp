@@ -1,5 +1,7 @@
 #include "connectedsystems.h"
 
+#include <QTemporaryDir>
+
 #include <benchmark/benchmark.h>
 #include <chrono>
 #include <ctime>
@@ -15,6 +17,9 @@ constexpr std::chrono::milliseconds tickPeriod(10);
 /// One sweep of the time plots, from empty to full.
 constexpr int ticksPerSweep = 1000;
 constexpr int idleTicks = 200;
+/// Longer than the samples of one tick last, so that a tick takes as many as it ever does.
+constexpr std::chrono::milliseconds stall(1050);
+constexpr int stalledTicks = 10;
 
 double threadCpuSeconds()
 {
@@ -67,6 +72,29 @@ void displayTick(benchmark::State& state)
         (systems.samplesStored() - storedBefore) / ticks / double(state.range(0));
 }
 
+/// The processor's time of a tick that comes late and of its painting: what it costs with a
+/// recording of every sample less what it costs without is the recording's share.
+void stalledTick(benchmark::State& state)
+{
+    const QTemporaryDir folder;
+    ConnectedSystems systems(int(state.range(0)));
+    if (!systems.start() || (state.range(1) != 0 && !systems.record(folder.path()))) {
+        state.SkipWithError("not all systems stream or are recorded");
+        return;
+    }
+    double tickS = 0.0;
+    for ([[maybe_unused]] auto _ : state) {
+        std::this_thread::sleep_for(stall);
+        const double cpuAtBegin = threadCpuSeconds();
+        systems.onScreen().tick();
+        tickS += threadCpuSeconds() - cpuAtBegin;
+        systems.onScreen().paint();
+        state.SetIterationTime(threadCpuSeconds() - cpuAtBegin);
+    }
+    constexpr double msPerS = 1000.0;
+    state.counters["tick_ms"] = tickS / double(state.iterations()) * msPerS;
+}
+
 /// Without an acquisition the tick asks every system for its status and takes what came of the last
 /// request. The time is that of tick and painting; the pause between two ticks, in which the
 /// controllers answer, does not count.
@@ -94,6 +122,13 @@ BENCHMARK(displayTick)
     ->Arg(8)
     ->Arg(50)
     ->Iterations(ticksPerSweep)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(stalledTick)
+    ->ArgNames({"systems", "recorded"})
+    ->Args({50, 0})
+    ->Args({50, 1})
+    ->Iterations(stalledTicks)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(idleTick)

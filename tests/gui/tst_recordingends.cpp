@@ -90,6 +90,9 @@ private slots:
     void removedFolderEndsTheRecordingAndIsTold();
     void fullPipeHoldsUpNothingAndIsToldAtTheEnd();
     void fourthCommunicationErrorEndsTheRecording();
+    void failureAtTheCloseOfTheWindowIsStillTold();
+    void startDuringARecordingEndsIt();
+    void endOfTheAcquisitionBehindAQuestionBeginsNoRecording();
     void killedApplicationLeavesWholeLines();
 };
 
@@ -197,6 +200,55 @@ void TestRecordingEnds::fourthCommunicationErrorEndsTheRecording()
     // Without a stream the tick asks for the status.
     bench.fixture.controller().clearWire();
     QVERIFY(QTest::qWaitFor([&] { return bench.fixture.controller().count("GSF") > 0; }));
+}
+
+void TestRecordingEnds::failureAtTheCloseOfTheWindowIsStillTold()
+{
+    RecordingBench bench;
+    QVERIFY(bench.openAndStart());
+    QVERIFY(bench.ticksUntilLines(5));
+    const BoxAnswers answers;
+    // No tick comes between the two, so that the closing finds it out.
+    QVERIFY(QFile::remove(bench.path("run.csv")));
+    bench.fixture.window().close();
+    QCOMPARE(answers.texts(), QStringList{"The recording has ended. A file can not be written."});
+    QVERIFY(!bench.fixture.window().isVisible());
+}
+
+/// The button is disabled then; a start can still come from elsewhere.
+void TestRecordingEnds::startDuringARecordingEndsIt()
+{
+    RecordingBench bench;
+    QVERIFY(bench.openAndStart());
+    QVERIFY(bench.ticksUntilLines(5));
+    const BoxAnswers answers(QMessageBox::Ok);
+    bench.dialog().emitStartSignal();
+    QCOMPARE(answers.titles(), QStringList{"File exists!"});
+    QVERIFY(!bench.isRecording() && !bench.dialog().isRecording());
+    QVERIFY(bench.in<QPushButton>("pushButton_Start").isEnabled());
+    QVERIFY(bench.isWhole());
+    QVERIFY(bench.isRunning());
+}
+
+void TestRecordingEnds::endOfTheAcquisitionBehindAQuestionBeginsNoRecording()
+{
+    RecordingBench bench;
+    QVERIFY(bench.open());
+    bench.fixture.window().relabelConnection(&bench.fixture.connection(), "A");
+    QFile old(bench.path("run_A.csv"));
+    QVERIFY(old.open(QIODevice::WriteOnly) && old.write("old") == 3);
+    old.close();
+    QVERIFY(bench.click("checkBox"));
+    // What ends a run or a broken link does while the user still thinks about the answer.
+    auto* startAction = bench.fixture.find<QAction>("startAction");
+    QTimer::singleShot(0, startAction, &QAction::trigger);
+    const BoxAnswers answers(QMessageBox::Ok);
+    QVERIFY(bench.click("pushButton_Start"));
+    QCOMPARE(answers.titles(), QStringList{"File with extension exist!"});
+    QVERIFY(!bench.isRunning());
+    QVERIFY(!bench.isRecording() && !bench.dialog().isRecording());
+    QVERIFY(bench.in<QPushButton>("pushButton_Start").isEnabled());
+    QCOMPARE(bench.content("run_A.csv"), QByteArray("old"));
 }
 
 void TestRecordingEnds::killedApplicationLeavesWholeLines()
