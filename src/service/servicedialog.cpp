@@ -97,7 +97,9 @@ void ServiceDialog::onQuietLink(const std::function<void()>& work)
     if (!serviceConnection)
         return;
     const WaitCursor waiting;
-    buttons.lock();
+    // Before it is shown nobody clicks it, and its first button shall have the focus then.
+    if (isVisible())
+        buttons.lock();
     pauseStream();
     work();
 }

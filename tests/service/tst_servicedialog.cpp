@@ -5,6 +5,7 @@
 #include "support/logcapture.h"
 #include "testedbuttons.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QMetaMethod>
 #include <QMouseEvent>
@@ -56,6 +57,7 @@ private slots:
     void openingPausesTheStream();
     void anUnansweredQuestionLeavesTheIdEmpty_data();
     void anUnansweredQuestionLeavesTheIdEmpty();
+    void theFirstTestHasTheFocusWhenTheDialogOpens();
     void escapeClosesAndOpeningAsksAnew();
     void closeButtonCloses();
     void choicesSurviveClosing();
@@ -147,6 +149,18 @@ void TestServiceDialog::anUnansweredQuestionLeavesTheIdEmpty()
     bench.dialog.setConnection(bench.link.client);
     QCOMPARE(bench.labelText("boardId_Label"), QString());
     QCOMPARE(bench.labelText("portLabel"), QString::number(bench.link.controller.port()));
+}
+
+void TestServiceDialog::theFirstTestHasTheFocusWhenTheDialogOpens()
+{
+    ServiceBench bench;
+    QVERIFY(bench.link.connectAndIdentify());
+    bench.dialog.setConnection(bench.link.client);
+    bench.dialog.show();
+    QApplication::setActiveWindow(&bench.dialog);
+    QVERIFY(QTest::qWaitForWindowActive(&bench.dialog));
+    QVERIFY(bench.isReady());
+    QVERIFY(bench.find<QWidget>("buttonGIN_1").hasFocus());
 }
 
 void TestServiceDialog::escapeClosesAndOpeningAsksAnew()
