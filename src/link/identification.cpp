@@ -61,7 +61,7 @@ bool IdentityTalk::advance()
         return true;
     QByteArray reply;
     if (!clearing.advance()
-        || !question.advance(connection, command::identityRequest(), reply).has_value())
+        || !turn.advance(connection, command::identityRequest(), reply).has_value())
         return false;
     keep(reply);
     isOver = true;

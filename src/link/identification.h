@@ -52,7 +52,7 @@ private:
 
     Connection& connection;
     StopTalk clearing;
-    Question question;
+    TalkTurn turn;
     bool isOver = false;
     ControllerIdentity found;
 };

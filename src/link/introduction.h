@@ -64,7 +64,7 @@ private:
     const IdTest isUsable;
     const LossWatch watch;
     IdentityTalk asking;
-    Question labelling;
+    TalkTurn labelling;
     QDeadlineTimer lossReport;
     Step step = Step::Asking;
     LinkOutcome result = LinkOutcome::NoLink;

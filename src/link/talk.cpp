@@ -4,7 +4,7 @@
 
 #include <utility>
 
-std::optional<bool> Question::advance(Connection& connection, const CommandFrame& frame,
+std::optional<bool> TalkTurn::advance(Connection& connection, const CommandFrame& frame,
                                       QByteArray& reply)
 {
     if (!isSent)
@@ -25,7 +25,7 @@ bool StopTalk::advance()
 {
     QByteArray ignored;
     while (left > 0) {
-        const std::optional<bool> answered = question.advance(connection, command::stop(), ignored);
+        const std::optional<bool> answered = turn.advance(connection, command::stop(), ignored);
         if (!answered)
             return false;
         --left;

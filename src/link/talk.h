@@ -19,7 +19,7 @@ class Connection;
 constexpr unsigned long talkPaceMs = 1;
 
 /// One command of a talk, and the wait for its reply.
-class Question final
+class TalkTurn final
 {
 public:
     /// Sends the command at the first call. As long as nothing is known of the reply, nothing;
@@ -49,7 +49,7 @@ private:
     Connection& connection;
     int left;
     bool repeats;
-    Question question;
+    TalkTurn turn;
 };
 
 /// Advances a talk until it is over. Blocks for the waits.

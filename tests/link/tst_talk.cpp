@@ -36,7 +36,7 @@ private slots:
     void twoTalksAreUnderWayAtTheSameTime();
     void talkBeginsBehindAPoll();
     void talkThatIsOverSendsNothingMore();
-    void questionGivesItsReplyAndCanBeAskedAgain();
+    void turnGivesItsReplyAndCanBeTakenAgain();
 };
 
 void TestTalk::stopsAreSentAsOftenAsAsked_data()
@@ -130,16 +130,16 @@ void TestTalk::talkThatIsOverSendsNothingMore()
     QCOMPARE(link.controller.count("CLS;"), 1);
 }
 
-void TestTalk::questionGivesItsReplyAndCanBeAskedAgain()
+void TestTalk::turnGivesItsReplyAndCanBeTakenAgain()
 {
     EmulatedLink link;
     QVERIFY(link.connect());
-    Question question;
+    TalkTurn turn;
     for (int times = 1; times <= 2; ++times) {
         QByteArray reply;
         std::optional<bool> answered;
         while (!answered) {
-            answered = question.advance(link.client, command::identityRequest(), reply);
+            answered = turn.advance(link.client, command::identityRequest(), reply);
             QThread::msleep(talkPaceMs);
         }
         QVERIFY(*answered);
