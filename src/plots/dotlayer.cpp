@@ -1,0 +1,298 @@
+#include "plots/dotlayer.h"
+
+#include "plots/dotcurve.h"
+
+#include <QPaintEngine>
+#include <QtMath>
+#include <qwt_painter.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numeric>
+#include <optional>
+
+namespace {
+
+constexpr int quarters = PixelGrid::quarters;
+/// A curve has one for its marks and one for its ellipses.
+constexpr std::size_t ranksPerCurve = 2;
+constexpr std::size_t mostCurves = std::numeric_limits<quint16>::max() / ranksPerCurve - 1;
+
+bool isSame(const QwtScaleMap& one, const QwtScaleMap& other)
+{
+    return one.p1() == other.p1() && one.p2() == other.p2() && one.s1() == other.s1()
+           && one.s2() == other.s2();
+}
+
+bool hasFewDots(const DotLayer::Member& member)
+{
+    return member.curve->samples().size() <= DotLayer::fewDots;
+}
+
+/// Whether the library draws the curve in a way that the layer knows.
+bool isKnownKind(const DotLayer::Member& member)
+{
+    return !member.curve->testRenderHint(QwtPlotItem::RenderAntialiased)
+           && !member.xMap.transformation() && !member.yMap.transformation()
+           && DotLook::describes(*member.curve);
+}
+
+bool isPlainPainter(const QPainter& painter)
+{
+    return painter.paintEngine()->type() == QPaintEngine::Raster
+           && painter.worldTransform().type() <= QTransform::TxTranslate
+           && !painter.viewTransformEnabled() && QwtPainter::roundingAlignment()
+           && painter.opacity() == 1.0
+           && painter.compositionMode() == QPainter::CompositionMode_SourceOver;
+}
+
+/// The length in quarters of a pixel, if it is a whole number of them.
+std::optional<int> inQuarters(double pixels)
+{
+    constexpr double tolerance = 1e-6;
+    const double exact = pixels * quarters;
+    const int rounded = qRound(exact);
+    return std::abs(exact - rounded) < tolerance ? std::optional<int>(rounded) : std::nullopt;
+}
+
+int floorQuarters(int length)
+{
+    return length >> 2;
+}
+
+int ceilQuarters(int length)
+{
+    return (length + quarters - 1) >> 2;
+}
+
+int phaseOf(int length)
+{
+    return length & (quarters - 1);
+}
+
+/// Pixels with the ranks of what they show.
+struct Surface
+{
+    void stamp(const DotStamp::Shape& shape, int x, int y, quint16 rank) const
+    {
+        const bool isInside = x + shape.bounds.left() >= 0 && y + shape.bounds.top() >= 0
+                              && x + shape.bounds.right() < width
+                              && y + shape.bounds.bottom() < height;
+        for (const QPoint& pixel : shape.pixels) {
+            const int px = x + pixel.x();
+            const int py = y + pixel.y();
+            if (!isInside && (px < 0 || py < 0 || px >= width || py >= height))
+                continue;
+            const std::ptrdiff_t at = std::ptrdiff_t(py) * width + px;
+            // Equal ranks have equal colours.
+            if (ranks[at] >= rank)
+                continue;
+            ranks[at] = rank;
+            pixels[at] = shape.color;
+        }
+    }
+
+    QRgb* pixels;
+    quint16* ranks;
+    int width;
+    int height;
+};
+
+} // namespace
+
+bool DotLayer::Place::operator==(const Place& other) const
+{
+    return canvas == other.canvas && grid == other.grid && origin == other.origin
+           && devicePixels == other.devicePixels;
+}
+
+bool DotLayer::Painted::continuesAs(const Member& now) const
+{
+    return member.curve == now.curve && isSame(member.xMap, now.xMap)
+           && isSame(member.yMap, now.yMap) && generation == now.curve->samples().generation()
+           && look == DotLook::of(*now.curve);
+}
+
+DotLayer::DotLayer(std::size_t sliceLength)
+    : dotsPerSlice(sliceLength)
+{}
+
+void DotLayer::beginPicture(const QPainter& painter, const QRectF& canvasRect,
+                            const std::vector<Member>& members)
+{
+    standsIn = false;
+    added = 0;
+    if (std::all_of(members.begin(), members.end(), hasFewDots) || members.size() > mostCurves
+        || !std::all_of(members.begin(), members.end(), isKnownKind) || !isPlainPainter(painter))
+        return;
+    const Place oldPlace = place;
+    if (!locate(painter, canvasRect))
+        return;
+    if (!continues(oldPlace, members))
+        beginAnew(members);
+    for (std::size_t i = curves.size(); i < members.size(); ++i)
+        addMember(members[i], {});
+    if (!std::all_of(curves.begin(), curves.end(),
+                     [](const Painted& painted) { return painted.stamp->isPlain(); }))
+        return;
+
+    standsIn = true;
+    stampNewDots();
+    stampHistory();
+    if (!isComplete())
+        emit incomplete();
+}
+
+bool DotLayer::standsInFor(const DotCurve& curve, QPainter& painter) const
+{
+    if (!standsIn)
+        return false;
+    if (curves.front().member.curve != &curve)
+        return true;
+    // The picture has device pixels: it is drawn without the painter's own density.
+    const QTransform toCorner = QTransform::fromTranslate(corner.x(), corner.y());
+    painter.save();
+    painter.setWorldTransform(toCorner * painter.deviceTransform().inverted()
+                              * painter.worldTransform());
+    painter.drawImage(0, 0, picture);
+    painter.restore();
+    return true;
+}
+
+bool DotLayer::isComplete() const
+{
+    return std::all_of(curves.begin(), curves.end(),
+                       [](const Painted& painted) { return painted.begin == 0; });
+}
+
+/// False if places and device pixels meet in a way that has no phases.
+bool DotLayer::locate(const QPainter& painter, const QRectF& canvasRect)
+{
+    const QTransform& device = painter.deviceTransform();
+    const std::optional<int> step = inQuarters(device.m11());
+    const std::optional<int> x = inQuarters(device.dx());
+    const std::optional<int> y = inQuarters(device.dy());
+    if (!step || *step <= 0 || device.m22() != device.m11() || !x || !y)
+        return false;
+    const int pixelsMeetEvery = std::gcd(*step, quarters);
+    if (*x % pixelsMeetEvery != 0 || *y % pixelsMeetEvery != 0)
+        return false;
+    place.canvas = canvasRect.toAlignedRect();
+    place.grid.step = *step;
+    place.grid.hints = painter.renderHints() & ~QPainter::Antialiasing;
+    corner = QPoint(floorQuarters(*x + place.canvas.left() * *step),
+                    floorQuarters(*y + place.canvas.top() * *step));
+    const QPoint end(ceilQuarters(*x + (place.canvas.right() + 1) * *step),
+                     ceilQuarters(*y + (place.canvas.bottom() + 1) * *step));
+    place.origin = QPoint(*x, *y) - corner * quarters;
+    place.devicePixels = QSize(end.x() - corner.x(), end.y() - corner.y());
+    return !place.devicePixels.isEmpty();
+}
+
+/// Curves may have come above those that were there.
+bool DotLayer::continues(const Place& oldPlace, const std::vector<Member>& members) const
+{
+    return place == oldPlace && !picture.isNull() && curves.size() <= members.size()
+           && std::equal(curves.begin(), curves.end(), members.begin(),
+                         [](const Painted& painted, const Member& member) {
+                             return painted.continuesAs(member);
+                         });
+}
+
+void DotLayer::beginAnew(const std::vector<Member>& members)
+{
+    if (picture.size() != place.devicePixels)
+        picture = QImage(place.devicePixels, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    ranks.assign(std::size_t(picture.width()) * std::size_t(picture.height()), 0);
+    const std::vector<Painted> known = std::move(curves);
+    curves.clear();
+    for (const Member& member : members)
+        addMember(member, known);
+}
+
+void DotLayer::addMember(const Member& member, const std::vector<Painted>& known)
+{
+    const CurveData& samples = member.curve->samples();
+    curves.push_back({member, DotLook::of(*member.curve), samples.generation(),
+                      stampOf(member, known), samples.size(), samples.size()});
+}
+
+/// Takes over the stamp of a curve that looked the same so far.
+std::shared_ptr<const DotStamp> DotLayer::stampOf(const Member& member,
+                                                  const std::vector<Painted>& known) const
+{
+    const DotLook look = DotLook::of(*member.curve);
+    const auto same = std::find_if(known.begin(), known.end(), [&](const Painted& painted) {
+        return painted.member.curve == member.curve && painted.look == look
+               && painted.stamp->grid() == place.grid;
+    });
+    return same != known.end() ? same->stamp : std::make_shared<DotStamp>(look, place.grid);
+}
+
+void DotLayer::stampNewDots()
+{
+    for (std::size_t i = 0; i < curves.size(); ++i) {
+        Painted& painted = curves[i];
+        const std::size_t size = painted.member.curve->samples().size();
+        if (size - painted.end > dotsPerSlice) {
+            // Too many to be stamped at once. What is there already is stamped once more.
+            painted.begin = painted.end = size;
+            continue;
+        }
+        stamp(i, painted.end, size);
+        painted.end = size;
+    }
+}
+
+/// Each curve gets its share of the slice, so that all of them grow backwards side by side.
+void DotLayer::stampHistory()
+{
+    while (added < dotsPerSlice && !isComplete()) {
+        const auto missing = std::count_if(curves.begin(), curves.end(),
+                                           [](const Painted& p) { return p.begin > 0; });
+        const std::size_t share =
+            std::max<std::size_t>(1, (dotsPerSlice - added) / std::size_t(missing));
+        for (std::size_t i = 0; i < curves.size() && added < dotsPerSlice; ++i) {
+            const std::size_t end = curves[i].begin;
+            const std::size_t begin = end - std::min(end, share);
+            stamp(i, begin, end);
+            curves[i].begin = begin;
+        }
+    }
+}
+
+// This runs for every dot, so it stays short. The library leaves out what lies beyond the canvas
+// after it rounded the place.
+void DotLayer::stamp(std::size_t index, std::size_t begin, std::size_t end)
+{
+    const Painted& painted = curves[index];
+    const auto markRank = Rank(index * ranksPerCurve + 1);
+    const auto ellipseRank = Rank(markRank + 1);
+    const Surface surface{reinterpret_cast<QRgb*>(picture.bits()), ranks.data(), picture.width(),
+                          picture.height()};
+    const double left = place.canvas.left() - 1.0;
+    const double top = place.canvas.top() - 1.0;
+    const double right = place.canvas.right() + 1.0;
+    const double bottom = place.canvas.bottom() + 1.0;
+    const QPointF* const samples = painted.member.curve->samples().first();
+    for (const QPointF* sample = samples + begin; sample != samples + end; ++sample) {
+        const double exactX = painted.member.xMap.transform(sample->x());
+        const double exactY = painted.member.yMap.transform(sample->y());
+        // Not so for what is no number, too.
+        if (!(exactX > left && exactX < right && exactY > top && exactY < bottom))
+            continue;
+        const int x = qRound(exactX);
+        const int y = qRound(exactY);
+        if (x < place.canvas.left() || x > place.canvas.right() || y < place.canvas.top()
+            || y > place.canvas.bottom())
+            continue;
+        const int deviceX = place.origin.x() + x * place.grid.step;
+        const int deviceY = place.origin.y() + y * place.grid.step;
+        const DotStamp::Shapes& shapes = painted.stamp->shapes(phaseOf(deviceX), phaseOf(deviceY));
+        surface.stamp(shapes.mark, floorQuarters(deviceX), floorQuarters(deviceY), markRank);
+        surface.stamp(shapes.ellipse, floorQuarters(deviceX), floorQuarters(deviceY), ellipseRank);
+    }
+    added += end - begin;
+}
