@@ -1,8 +1,9 @@
 #include "ordinarypicture.h"
-#include "plots/genericplot.h"
+#include "plots/dotlayer.h"
 #include "support/widgetcheck.h"
 
 #include <QPainter>
+#include <QTimer>
 #include <qwt_plot_canvas.h>
 
 #include <random>
@@ -70,6 +71,8 @@ private slots:
     void dotsStandOnANewBackground();
     void curveThatIsAddedBelowIsShown();
     void removedCurveLeavesTheOthers();
+    void eachPictureAddsTheDotsAppendedSinceTheOneBefore();
+    void longHistoryComesBackPieceByPiece();
     void curvesThatKeepFewDotsShowTheNewest();
     void itemBetweenTwoCurvesKeepsItsPlace();
     void softDotsAreShown();
@@ -360,6 +363,43 @@ void TestDotPictures::removedCurveLeavesTheOthers()
     plot->clearCurve(1);
     plot->removeCurve(1);
     verifyAfterMoreDots();
+}
+
+void TestDotPictures::eachPictureAddsTheDotsAppendedSinceTheOneBefore()
+{
+    addCurves(3);
+    appendToAll(manyDots);
+    verifyPicture();
+    for (const int count : {1, 0, 5, 50}) {
+        appendToAll(count);
+        plot->replot();
+        pictureOf(*plot);
+        QCOMPARE(plot->dotLayer().dotsAdded(), std::size_t(3 * count));
+    }
+}
+
+// Whatever else waits in the event loop gets its turn between the pieces.
+void TestDotPictures::longHistoryComesBackPieceByPiece()
+{
+    constexpr int pieces = 6;
+    addCurves(2);
+    appendToAll(pieces * int(DotLayer::usualDotsPerSlice) / 2);
+    plot->show();
+    QVERIFY(QTest::qWaitForWindowExposed(plot.get()));
+    QTRY_VERIFY(plot->dotLayer().isComplete());
+
+    const DotLayer& layer = plot->dotLayer();
+    const QSignalSpy asked(&layer, &DotLayer::incomplete);
+    bool wasCompleteBetween = true;
+    connect(&layer, &DotLayer::incomplete, plot.get(), [&] {
+        if (asked.count() == 1)
+            QTimer::singleShot(0, plot.get(), [&] { wasCompleteBetween = layer.isComplete(); });
+    });
+    plot->resize(300, 220);
+    QTRY_COMPARE(asked.count(), pieces - 1);
+    QTRY_VERIFY(layer.isComplete());
+    QVERIFY(!wasCompleteBetween);
+    verifyPicture();
 }
 
 void TestDotPictures::curvesThatKeepFewDotsShowTheNewest()
