@@ -111,6 +111,7 @@ void GenericPlot::addMidLine(const QString& title, const QRectF& line)
     item->setShape(path);
     item->setPen(Qt::darkGray, 1.0);
     item.release()->attach(this);
+    setChanged();
 }
 
 void GenericPlot::disableZoomer()

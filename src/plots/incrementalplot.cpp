@@ -103,6 +103,7 @@ void IncrementalPlot::appendData(const int& index, const QPointF& point)
     IndexedCurve& curve = curves[std::size_t(index)];
     CurveData& samples = curve.item->samples();
     samples.append(point);
+    hasNewPoints = true;
     if (curve.mayLookOld)
         updateSymbol(curve);
     if (!keepAllPoints && samples.size() > maxPoints)
@@ -139,6 +140,31 @@ void IncrementalPlot::setKeepAllPoints(bool keep)
         clearAllCurves();
     keepAllPoints = keep;
     replot();
+}
+
+void IncrementalPlot::setAxisScale(int axis, double min, double max, double stepSize)
+{
+    QwtPlot::setAxisScale(axis, min, max, stepSize);
+    hasNewScales = true;
+}
+
+void IncrementalPlot::replotIfChanged()
+{
+    if (hasNewScales) {
+        replot();
+    } else if (hasNewPoints) {
+        hasNewPoints = false;
+        replotCanvas();
+        emit replotted();
+    }
+}
+
+void IncrementalPlot::replot()
+{
+    hasNewPoints = false;
+    hasNewScales = false;
+    QwtPlot::replot();
+    emit replotted();
 }
 
 const QwtPlotCurve& IncrementalPlot::curve(int index) const

@@ -49,6 +49,11 @@ public:
     /// False holds each curve to its newest `maxPoints` samples, and empties all curves first.
     void setKeepAllPoints(bool keep);
 
+    /// As that of the library, which it hides; `replotIfChanged` draws the scales anew after it.
+    void setAxisScale(int axis, double min, double max, double stepSize = 0.0);
+    /// Replots if points or scales came since the last replot: the canvas alone, unless scales did.
+    void replotIfChanged();
+
     int curveCount() const { return int(curves.size()); }
     bool keepsAllPoints() const { return keepAllPoints; }
     const QwtPlotCurve& curve(int index) const;
@@ -59,6 +64,17 @@ public:
 
     void drawItems(QPainter* painter, const QRectF& canvasRect,
                    const QwtScaleMap maps[axisCnt]) const override;
+
+public slots:
+    void replot() override;
+
+signals:
+    /// Emitted by every replot that was asked for, of the canvas alone, too.
+    void replotted();
+
+protected:
+    /// For changes that `replotIfChanged` does not see by itself.
+    void setChanged() { hasNewScales = true; }
 
 private:
     struct IndexedCurve
@@ -77,5 +93,7 @@ private:
     std::unique_ptr<DotLayer> layer;
     std::vector<IndexedCurve> curves;
     bool keepAllPoints = false;
+    bool hasNewPoints = false;
+    bool hasNewScales = false;
     QSize symbolSize = QSize(2, 2);
 };
