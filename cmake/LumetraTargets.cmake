@@ -42,6 +42,9 @@ else()
   set(_room_kind STATIC)
 endif()
 
+# Where the program is installed: a folder of its own, since it looks for its documents beside itself.
+set(LUMETRA_PROGRAM_DESTINATION lib/lumetra)
+
 # lumetra_room(<target> FOLDER <folder> SOURCES <file>... [LINK <target>...])
 # A library whose headers are included as "<folder>/<header>".
 function(lumetra_room target)

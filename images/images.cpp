@@ -5,4 +5,5 @@
 void initImages()
 {
     Q_INIT_RESOURCE(images);
+    Q_INIT_RESOURCE(qr);
 }

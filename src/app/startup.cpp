@@ -1,5 +1,6 @@
 #include "app/startup.h"
 
+#include "about/release.h"
 #include "app/logging.h"
 #include "app/messagelog.h"
 #include "app/switches.h"
@@ -19,8 +20,6 @@ namespace startup {
 
 namespace {
 
-constexpr char version[] = "2.3.1";
-constexpr char build[] = "B10624";
 constexpr QSize initialSize(1280, 960);
 
 /// Numbers are read and printed with a decimal point, whatever the locale.
@@ -121,7 +120,7 @@ int run(int argc, char** argv, const WindowHook& whenShown)
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     qInstallMessageHandler(writeToMessageLog);
     readArguments(argc, argv);
-    logMessage().info() << "Starting" << version << build;
+    logMessage().info() << "Starting" << release::version << release::build;
 
     const int argumentsPassed = argc - 1;
     QApplication application(argc, argv);

@@ -53,6 +53,16 @@ int Connection::takeCommonSample(MeasureSample& out)
     return commonStore.takeSample(out);
 }
 
+void Connection::takeLiveSamples(std::vector<MeasureSample>& out, std::size_t most)
+{
+    liveStore.takeSamples(out, most);
+}
+
+void Connection::takeCommonSamples(std::vector<MeasureSample>& out, std::size_t most)
+{
+    commonStore.takeSamples(out, most);
+}
+
 bool Connection::fetchReply(QByteArray& out)
 {
     out.clear();

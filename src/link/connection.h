@@ -82,6 +82,9 @@ public:
     /// Moves the oldest sample of the stream to `out`; 0 if there is none.
     int takeLiveSample(MeasureSample& out);
     int takeCommonSample(MeasureSample& out);
+    /// Moves the oldest samples behind those of `out`, in their order and at most so many.
+    void takeLiveSamples(std::vector<MeasureSample>& out, std::size_t most);
+    void takeCommonSamples(std::vector<MeasureSample>& out, std::size_t most);
 
     // What was stored and what was lost, since this object was made. On any thread.
     /// Samples of the stream that were stored.

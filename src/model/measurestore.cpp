@@ -1,5 +1,7 @@
 #include "model/measurestore.h"
 
+#include <algorithm>
+
 measureStore::measureStore(int slotCount)
     : capacity(slotCount)
     , samples(std::make_unique<MeasureSample[]>(static_cast<std::size_t>(slotCount)))
@@ -30,10 +32,21 @@ int measureStore::takeSample(MeasureSample& out)
     return 1;
 }
 
+void measureStore::takeSamples(std::vector<MeasureSample>& out, std::size_t most)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    const int taken = int(std::min(most, std::size_t(count())));
+    // Up to the end of the ring, and what lies behind its beginning.
+    const int unbroken = std::min(taken, capacity - tail);
+    out.insert(out.end(), &samples[std::size_t(tail)], &samples[std::size_t(tail)] + unbroken);
+    out.insert(out.end(), samples.get(), samples.get() + (taken - unbroken));
+    tail = (tail + taken) % capacity;
+}
+
 int measureStore::sampleCount() const
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    return (head + capacity - tail) % capacity;
+    return count();
 }
 
 void measureStore::clearSamples()

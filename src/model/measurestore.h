@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <mutex>
+#include <vector>
 
 /// Ring of samples between a connection's thread, which stores, and the GUI thread, which takes.
 /// It never grows and never makes the writer wait: when the reader falls behind, the oldest
@@ -24,6 +25,8 @@ public:
     /// Moves the oldest sample to `out` and returns 1; returns 0 and leaves `out` alone if the
     /// store is empty.
     int takeSample(MeasureSample& out);
+    /// Moves the oldest samples behind those of `out`, in their order and at most so many.
+    void takeSamples(std::vector<MeasureSample>& out, std::size_t most);
     int sampleCount() const;
     /// Throws the samples away. They are not counted as dropped: nobody wants them.
     void clearSamples();
@@ -35,6 +38,9 @@ public:
     quint64 droppedCount() const;
 
 private:
+    /// Whoever calls holds the mutex.
+    int count() const { return (head + capacity - tail) % capacity; }
+
     const int capacity;
     std::unique_ptr<MeasureSample[]> samples;
     mutable std::mutex mutex;

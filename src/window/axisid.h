@@ -31,3 +31,18 @@ constexpr std::optional<StageAxis> axisOfId(int axisId)
         return std::nullopt;
     }
 }
+
+/// The number of an axis; the reverse of `axisOfId`.
+constexpr int idOfAxis(const StageAxis& axis)
+{
+    const int stage = int(axis.stage);
+    switch (axis.kind) {
+    case AxisKind::Position:
+        break;
+    case AxisKind::Time:
+        return 3 + stage;
+    case AxisKind::Intensity:
+        return 5 + stage;
+    }
+    return 1 + stage;
+}

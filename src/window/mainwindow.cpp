@@ -8,8 +8,6 @@
 #include "params/paramsdialog.h"
 #include "plots/counter.h"
 #include "plots/genericplot.h"
-#include "plots/rescaledialog.h"
-#include "plots/rescaletimeaxisdlg.h"
 #include "recording/dataloggerdialog.h"
 #include "service/servicedialog.h"
 #include "setup/connectionoverviewdialog.h"
@@ -35,6 +33,7 @@ MainWindow::MainWindow(QWidget* parent)
                 [this](const QString& path) { return mayOverwrite(path); })
     , displayTick(systems, stages, toolBar, statistics, acquisition, recorder)
     , plotFrame(stages, {*ui->rescaler, *ui->rescaler_2, *ui->scrollArea})
+    , axisDialogs(stages, plotFrame, *this)
     , systemsView(systems, stages, toolBar, statistics, *this)
 {
     addServiceMenu();
@@ -120,8 +119,6 @@ void MainWindow::addServiceMenu()
 
 void MainWindow::createDialogs()
 {
-    rescaleDialog = new RescaleDialog(this);
-    rescaleTimeAxisDlg = new RescaleTimeAxisDlg(this);
     paramsDialog =
         new ParamsDialog({[this](const Connection& connection) { return stateOf(connection); },
                           [this](const Connection& connection, Stage stage, bool isOnCommonPath) {
@@ -172,10 +169,7 @@ void MainWindow::wireSystems()
             &DataLoggerDialog::setRecordingEnabled);
 
     connect(&updateTimer, &TickTimer::timeout, this, &MainWindow::updateData);
-    connect(&displayTick, &DisplayTick::unitShown, rescaleDialog,
-            [this](PositionUnit unit, Stage stage) {
-                rescaleDialog->setUnit(int(unit), numberOf(stage));
-            });
+    connect(&displayTick, &DisplayTick::unitShown, &axisDialogs, &AxisDialogs::showUnit);
     connect(&acquisition, &Acquisition::started, &stabilisation, &Stabilisation::forgetFailures);
     connect(&acquisition, &Acquisition::aboutToStop, dataLoggerDialog,
             &DataLoggerDialog::emitStopSignal);
@@ -243,9 +237,8 @@ void MainWindow::wireDialogs()
             &DataLoggerDialog::setSaveRate);
     connect(&recording, &LiveRecording::failed, this, &MainWindow::tellRecordingFailed);
     connect(paramsDialog, &ParamsDialog::errorStream, this, &MainWindow::errorStreamStart);
-    connect(rescaleDialog, &RescaleDialog::axisRescaled, this, &MainWindow::rescaleAxis);
-    connect(rescaleTimeAxisDlg, &RescaleTimeAxisDlg::axisRescaled, this,
-            &MainWindow::rescaleTimeAxis);
+    connect(&axisDialogs, &AxisDialogs::valuesChosen, this, &MainWindow::rescaleAxis);
+    connect(&axisDialogs, &AxisDialogs::timesChosen, this, &MainWindow::rescaleTimeAxis);
 
     for (QAction* action : {ui->actionOpenParams, ui->actionCloseParams}) {
         connect(settingsDialog, &SettingsDialog::connected, action, &QAction::setEnabled);
@@ -278,6 +271,5 @@ void MainWindow::wireMenus()
 
 void MainWindow::disableWhatIsNotOffered()
 {
-    ui->actionAbout_the_Software->setEnabled(false);
     findChild<QAction*>(QStringLiteral("actionOperation_Tests"))->setEnabled(false);
 }

@@ -2,6 +2,7 @@
 
 #include "setup/connectionregistry.h"
 #include "window/acquisition.h"
+#include "window/axisdialogs.h"
 #include "window/displaytick.h"
 #include "window/liverecording.h"
 #include "window/livesystems.h"
@@ -24,8 +25,6 @@ class DataLoggerDialog;
 class InformationDialog;
 class ParamsDialog;
 class QMessageBox;
-class RescaleDialog;
-class RescaleTimeAxisDlg;
 class ServiceDialog;
 class SettingsDialog;
 struct SystemState;
@@ -138,6 +137,11 @@ public slots:
     void showAboutSoftwareDialog();
     void showUserManualSoftware();
     void showUserManualHardware();
+    /// Asks for new limits of axis 1, 2, 5 or 6, beginning with `max` and `min`. Does nothing for
+    /// other axes.
+    void showRescaleDialog(int axisID, double max, double min);
+    /// Asks for new limits of axis 3 or 4, in seconds. Does nothing for other axes.
+    void showRescaleTimeAxisDlg(int axisID, int min, int max);
 
 signals:
     void stopRecording();
@@ -195,6 +199,7 @@ private:
     LiveRecording recording;
     DisplayTick displayTick;
     PlotFrame plotFrame;
+    AxisDialogs axisDialogs;
     SystemsView systemsView;
 
     // Children of this window.
@@ -203,8 +208,6 @@ private:
     ParamsDialog* paramsDialog = nullptr;
     ServiceDialog* serviceDialog = nullptr;
     ConnectionOverviewDialog* connectionOverviewDialog = nullptr;
-    RescaleDialog* rescaleDialog = nullptr;
-    RescaleTimeAxisDlg* rescaleTimeAxisDlg = nullptr;
     InformationDialog* informationDialog = nullptr;
     QMessageBox* streamErrorBox = nullptr;
     QMessageBox* recordingErrorBox = nullptr;

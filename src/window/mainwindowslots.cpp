@@ -270,3 +270,13 @@ void MainWindow::showUserManualHardware()
 {
     openUserManual(QStringLiteral("Manual_Lumetra_Compact_en_vers15.pdf"), *this);
 }
+
+void MainWindow::showRescaleDialog(int axisID, double max, double min)
+{
+    axisDialogs.askForValues(axisID, max, min);
+}
+
+void MainWindow::showRescaleTimeAxisDlg(int axisID, int min, int max)
+{
+    axisDialogs.askForTimes(axisID, min, max);
+}

@@ -47,6 +47,23 @@ bool PlotFrame::eventFilter(QObject* object, QEvent* event)
     return QObject::eventFilter(object, event);
 }
 
+QwtInterval PlotFrame::limits(int axisId) const
+{
+    const std::optional<StageAxis> axis = axisOfId(axisId);
+    if (!axis)
+        return {};
+    const StagePlots& plots = stages[axis->stage].plots();
+    switch (axis->kind) {
+    case AxisKind::Position:
+        return plots.position().axisInterval(QwtPlot::yLeft);
+    case AxisKind::Time:
+        return plots.position().axisInterval(QwtPlot::xBottom);
+    case AxisKind::Intensity:
+        break;
+    }
+    return plots.intensity().axisInterval(QwtPlot::yLeft);
+}
+
 void PlotFrame::rescaleAxis(int axisId, double min, double max, bool pairCheck)
 {
     const std::optional<StageAxis> axis = axisOfId(axisId);

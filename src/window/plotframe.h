@@ -4,6 +4,7 @@
 #include "window/stageview.h"
 
 #include <QObject>
+#include <qwt_interval.h>
 
 class QScrollArea;
 
@@ -24,6 +25,8 @@ public:
 
     PlotFrame(Stages& stages, const Room& room);
 
+    /// What an axis shows at present, times in seconds; invalid for other numbers.
+    QwtInterval limits(int axisId) const;
     /// Rescales a position or intensity axis; other numbers do nothing. With `pairCheck` the other
     /// stage follows, for positions only if it shows the same unit.
     void rescaleAxis(int axisId, double min, double max, bool pairCheck);

@@ -24,12 +24,12 @@ StagePositions voltsOf(const MeasureSample& sample)
 
 SampleSource sourceOfDisplayed(const LiveSystems& systems)
 {
-    return {systems.displayed(), &Connection::takeLiveSample, std::nullopt};
+    return {systems.displayed(), &Connection::takeLiveSamples, std::nullopt};
 }
 
 SampleSource sourceOfCommon(const LiveSystems& systems)
 {
-    return {systems.common(), &Connection::takeCommonSample, systems.commonCurve(0)};
+    return {systems.common(), &Connection::takeCommonSamples, systems.commonCurve(0)};
 }
 
 std::vector<SampleBlock> drain(const LiveSystems& systems, const SampleSource& source)
@@ -39,10 +39,7 @@ std::vector<SampleBlock> drain(const LiveSystems& systems, const SampleSource& s
     for (const int index : source.systems) {
         const int curve = source.firstCurve ? *source.firstCurve + int(blocks.size()) : index;
         SampleBlock block{index, curve, {}};
-        Connection& connection = systems.connectionAt(index);
-        MeasureSample sample;
-        while (block.samples.size() < maxSamplesPerTick && (connection.*source.store)(sample) != 0)
-            block.samples.push_back(sample);
+        (systems.connectionAt(index).*source.store)(block.samples, maxSamplesPerTick);
         blocks.push_back(std::move(block));
     }
     return blocks;
@@ -60,15 +57,27 @@ SamplePass::SamplePass(LiveSystems& liveSystems, Stages& stageViews, Statistics&
 
 bool SamplePass::show(const std::vector<SampleBlock>& blocks)
 {
-    for (std::size_t i = 0; i < blocks.size(); ++i) {
-        const Place place{i == 0, i + 1 == blocks.size()};
-        if (!showBlock(blocks[i], place))
-            return false;
-    }
-    return true;
+    bool goesOn = true;
+    for (std::size_t i = 0; i < blocks.size() && goesOn; ++i)
+        goesOn = showBlock(blocks[i], {i == 0, i + 1 == blocks.size()});
+    statistics.showTaken();
+    return goesOn;
 }
 
 bool SamplePass::showBlock(const SampleBlock& block, const Place& place)
+{
+    if (block.samples.empty())
+        return true;
+    LiveSystem& system = systems.at(block.system);
+    const bool goesOn = takeSamples(block, place);
+    if (manner.readOut)
+        showReadouts(system);
+    if (goesOn && manner.tellsState && packet::hasFlags(system.connection->firmwareVersion()))
+        statusflags::takeSample(system.status, block.samples.back());
+    return goesOn;
+}
+
+bool SamplePass::takeSamples(const SampleBlock& block, const Place& place)
 {
     LiveSystem& system = systems.at(block.system);
     const bool isPulsed = system.detectors->pulsedLaser == 1;
@@ -85,7 +94,7 @@ bool SamplePass::showBlock(const SampleBlock& block, const Place& place)
             plot(sample, stage, block.curve, positions[stage], intoTimePlots);
         }
         if (manner.readOut)
-            showReadouts(sample, positions, system);
+            takeReadouts(sample, positions);
         if (place.first && manner.sweeps) {
             for (StageView& stage : stages)
                 stage.plots().wrapSweep(sample.timeMs);
@@ -98,9 +107,6 @@ bool SamplePass::showBlock(const SampleBlock& block, const Place& place)
         if (record)
             record->take(sample, {place.last, isPulsed});
     }
-    if (manner.tellsState && !block.samples.empty()
-        && packet::hasFlags(system.connection->firmwareVersion()))
-        statusflags::takeSample(system.status, block.samples.back());
     return true;
 }
 
@@ -128,13 +134,16 @@ void SamplePass::plot(const MeasureSample& sample, std::size_t stage, int curve,
     plots.appendPointingPoint(curve, position);
 }
 
-void SamplePass::showReadouts(const MeasureSample& sample, const StagePositions& positions,
-                              const LiveSystem& system)
+void SamplePass::takeReadouts(const MeasureSample& sample, const StagePositions& positions)
 {
-    for (std::size_t stage = 0; stage < stages.size(); ++stage) {
-        const int decimals =
-            manner.decimals.value_or((*system.detectors)[stage]->displayDecimals());
-        stages[stage].readouts().show(positions[stage], stageValues(sample, stage), decimals,
+    for (std::size_t stage = 0; stage < stages.size(); ++stage)
+        stages[stage].readouts().take(positions[stage], stageValues(sample, stage),
                                       manner.averagedSamples);
-    }
+}
+
+void SamplePass::showReadouts(const LiveSystem& system)
+{
+    for (std::size_t stage = 0; stage < stages.size(); ++stage)
+        stages[stage].readouts().show(
+            manner.decimals.value_or((*system.detectors)[stage]->displayDecimals()));
 }

@@ -18,8 +18,8 @@ struct LiveSystem;
 /// connection.
 struct SampleSource
 {
-    /// Moves the oldest sample of a store to its argument; 0 if there is none.
-    using Store = int (Connection::*)(MeasureSample&);
+    /// Moves the oldest samples of a store behind those of its argument, at most so many.
+    using Store = void (Connection::*)(std::vector<MeasureSample>&, std::size_t);
 
     /// Indices of the systems, in the order in which they are shown.
     QList<int> systems;
@@ -66,11 +66,12 @@ private:
     };
 
     bool showBlock(const SampleBlock& block, const Place& place);
+    bool takeSamples(const SampleBlock& block, const Place& place);
     StagePositions positionsOf(const MeasureSample& sample, const LiveSystem& system) const;
     void plot(const MeasureSample& sample, std::size_t stage, int curve, const QPointF& position,
               bool intoTimePlots);
-    void showReadouts(const MeasureSample& sample, const StagePositions& positions,
-                      const LiveSystem& system);
+    void takeReadouts(const MeasureSample& sample, const StagePositions& positions);
+    void showReadouts(const LiveSystem& system);
 
     LiveSystems& systems;
     Stages& stages;

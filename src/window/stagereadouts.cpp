@@ -50,15 +50,22 @@ StageReadouts::StageReadouts(Stage stage, const Numbers& lcds, const BarLayouts&
     reset();
 }
 
-void StageReadouts::show(const QPointF& position, const StageValues& values, int decimals,
+void StageReadouts::take(const QPointF& position, const StageValues& values,
                          std::size_t averagedSamples)
 {
-    const double intensityV = values.intensity * intensityScale;
-    display(numbers.x, averageX.add(position.x(), averagedSamples), decimals);
-    display(numbers.y, averageY.add(position.y(), averagedSamples), decimals);
-    display(numbers.intensity, averageI.add(intensityV, averagedSamples), intensityDecimals);
-    barX.setValue(values.rx * piezoScale);
-    barY.setValue(values.ry * piezoScale);
+    averageX.add(position.x(), averagedSamples);
+    averageY.add(position.y(), averagedSamples);
+    averageI.add(values.intensity * intensityScale, averagedSamples);
+    latest = values;
+}
+
+void StageReadouts::show(int decimals)
+{
+    display(numbers.x, averageX.mean(), decimals);
+    display(numbers.y, averageY.mean(), decimals);
+    display(numbers.intensity, averageI.mean(), intensityDecimals);
+    barX.setValue(latest.rx * piezoScale);
+    barY.setValue(latest.ry * piezoScale);
 }
 
 void StageReadouts::clearAverages()

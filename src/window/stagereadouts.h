@@ -32,10 +32,13 @@ public:
     StageReadouts(const StageReadouts&) = delete;
     StageReadouts& operator=(const StageReadouts&) = delete;
 
-    /// Shows a sample: `position` in the unit of the stage with `decimals` behind the point, as
-    /// mean over the latest samples, and the piezo drives as they are.
-    void show(const QPointF& position, const StageValues& values, int decimals,
+    /// Takes a sample into the means; `position` is in the unit of the stage. Shows nothing yet: a
+    /// tick shows its last sample alone.
+    void take(const QPointF& position, const StageValues& values,
               std::size_t averagedSamples = ReadoutAverage::usualLength);
+    /// Shows the means over the latest samples, positions with `decimals` behind the point, and the
+    /// piezo drives of the last one.
+    void show(int decimals);
     /// The next sample begins a new mean.
     void clearAverages();
     /// Shows 0 everywhere.
@@ -48,4 +51,5 @@ private:
     ReadoutAverage averageX;
     ReadoutAverage averageY;
     ReadoutAverage averageI;
+    StageValues latest;
 };

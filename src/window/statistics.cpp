@@ -3,6 +3,8 @@
 #include "model/detectorpair.h"
 #include "window/livesystems.h"
 
+#include <utility>
+
 Statistics::Statistics(LiveSystems& liveSystems, Stages& stageViews)
     : systems(liveSystems)
     , stages(stageViews)
@@ -23,23 +25,32 @@ bool Statistics::take(LiveSystem& system, const StagePositions& positions, bool 
         if (first)
             currentRun.countSample();
         // The first system counts; until it has delivered there is nothing to divide by.
-        if (currentRun.samplesTaken() > 0)
-            add(system, positions, currentRun.samplesTaken());
+        if (currentRun.samplesTaken() > 0) {
+            currentRun.add(system.sums, positions);
+            unshown = &system;
+        }
     }
     if (currentRun.isCounting() || !last)
         return true;
+    unshown = nullptr;
     refresh(system, currentRun.samplesTaken());
     return false;
 }
 
 void Statistics::addLatest(LiveSystem& system, int count)
 {
-    add(system, currentRun.latest(), count);
+    currentRun.add(system.sums, currentRun.latest());
+    showFigures(system, count);
 }
 
-void Statistics::add(LiveSystem& system, const StagePositions& positions, int count)
+void Statistics::showTaken()
 {
-    currentRun.add(system.sums, positions);
+    if (unshown)
+        showFigures(*std::exchange(unshown, nullptr), currentRun.samplesTaken());
+}
+
+void Statistics::showFigures(const LiveSystem& system, int count)
+{
     if (currentRun.isTextDue(clock.elapsed()))
         refresh(system, count);
     else

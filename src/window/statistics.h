@@ -25,8 +25,12 @@ public:
     /// Takes a sample of a system into the run. `first` and `last` tell the place of the system
     /// among those that are shown together: the first one counts, and the run ends at the last one.
     /// The text has the unit of the system's own detector, also for volts of a common one: kept.
-    /// False if the run has come to its end, whose figures are shown then.
+    /// False if the run has come to its end, whose figures are shown then; other figures wait for
+    /// `showTaken`.
     bool take(LiveSystem& system, const StagePositions& positions, bool first, bool last);
+    /// Shows the figures behind the last sample that was taken: the text if it is due, the crosses
+    /// in any case. Does nothing if none was taken since.
+    void showTaken();
     /// Adds the latest sample to the sums of a system once more and shows the figures if they are
     /// due.
     void addLatest(LiveSystem& system, int count);
@@ -40,11 +44,13 @@ public:
     void show(StageView& stage, bool on);
 
 private:
-    void add(LiveSystem& system, const StagePositions& positions, int count);
+    void showFigures(const LiveSystem& system, int count);
     void moveCrosses();
 
     LiveSystems& systems;
     Stages& stages;
     Run currentRun;
     QElapsedTimer clock;
+    /// The system of the last sample that was taken and not shown yet.
+    const LiveSystem* unshown = nullptr;
 };

@@ -20,6 +20,6 @@ void openUserManual(const QString& fileName, QWidget& window)
         return;
     }
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
-        QMessageBox::warning(&window, window.windowTitle(),
+        QMessageBox::warning(&window, WindowText::tr("Error"),
                              WindowText::tr("Error with opening user manual"));
 }

@@ -345,8 +345,10 @@ void TestAcquisition::clearWhileStoppedEmptiesTheDisplay()
     fixture.controller().clearWire();
 
     QVERIFY(fixture.clickAction("clearAction"));
-    QCOMPARE(readout->value(), 0.0);
-    QCOMPARE(fixture.find<ThermoSlider>("thermoRX1")->value(), 0.0);
+    for (const QLCDNumber* number : fixture.window().findChildren<QLCDNumber*>())
+        QCOMPARE(number->value(), 0.0);
+    for (const ThermoSlider* bar : fixture.window().findChildren<ThermoSlider*>())
+        QCOMPARE(bar->value(), 0.0);
     for (int stage = 1; stage <= 2; ++stage) {
         QVERIFY(pointsOf(fixture.pointingPlot(stage), 0).isEmpty());
         QVERIFY(pointsOf(fixture.positionPlot(stage), 0).isEmpty());

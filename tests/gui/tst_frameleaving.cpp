@@ -10,6 +10,7 @@
 #include "setup/connectionoverviewdialog.h"
 #include "setup/settingsdialog.h"
 #include "support/boxanswers.h"
+#include "support/desktop.h"
 #include "support/logcapture.h"
 #include "support/samplefeed.h"
 #include "support/widgetcheck.h"
@@ -17,7 +18,6 @@
 #include "window/mainwindow.h"
 
 #include <QAction>
-#include <QDesktopServices>
 #include <QFile>
 #include <QMessageBox>
 #include <QPushButton>
@@ -30,24 +30,6 @@ namespace {
 
 const char* const softwareManual = "Manual_Zev-Qor-Software_vers2.3.pdf";
 const char* const hardwareManual = "Manual_Lumetra_Compact_en_vers15.pdf";
-
-/// Stands in for the desktop: keeps the addresses that are to be opened.
-class Desktop final : public QObject
-{
-    Q_OBJECT
-
-public:
-    explicit Desktop(const char* slot = "open")
-    {
-        QDesktopServices::setUrlHandler("file", this, slot);
-    }
-    ~Desktop() override { QDesktopServices::unsetUrlHandler("file"); }
-
-    QList<QUrl> opened;
-
-public slots:
-    void open(const QUrl& url) { opened.append(url); }
-};
 
 /// A file in the program's folder for as long as it lives.
 class ProgramFile final
@@ -414,9 +396,10 @@ void TestFrameLeaving::failedOpeningIsTold()
     WindowFixture fixture;
     QVERIFY(fixture.open());
     const ProgramFile manual(softwareManual);
-    const Desktop desktop("thereIsNoSuchSlot");
+    const Desktop desktop(Desktop::Readers::Missing);
     const BoxAnswers answers;
     fixture.find<QAction>("actionSoftware")->trigger();
+    QCOMPARE(answers.titles(), QStringList{"Error"});
     QCOMPARE(answers.texts(), QStringList{"Error with opening user manual"});
 }
 

@@ -1,4 +1,4 @@
-// The plots as the frame presents them: ranges, zoom and what a click on an axis does.
+// The plots as the frame presents them: ranges and zoom.
 
 #include "plots/colorscalesframe.h"
 #include "plots/genericplot.h"
@@ -9,14 +9,11 @@
 #include "support/windowfixture.h"
 #include "window/mainwindow.h"
 
-#include <QApplication>
-#include <QDialog>
 #include <QPushButton>
 #include <QtTest>
 #include <qwt_plot_canvas.h>
 #include <qwt_plot_shapeitem.h>
 #include <qwt_scale_draw.h>
-#include <qwt_scale_widget.h>
 
 namespace {
 
@@ -83,7 +80,6 @@ private slots:
     void aRubberBandZoomsPointingPlotsOnly();
     void keysChangeNothingInTheTimePlots_data();
     void keysChangeNothingInTheTimePlots();
-    void aClickOnAnAxisDoesNothingYet();
 
 private:
     std::unique_ptr<WindowFixture> fixture;
@@ -345,29 +341,6 @@ void TestFrameView::keysChangeNothingInTheTimePlots()
             QCOMPARE(plot->axisScaleDraw(QwtPlot::yLeft)->minimumExtent(), extent);
         }
     }
-}
-
-void TestFrameView::aClickOnAnAxisDoesNothingYet()
-{
-    const auto windows = [] {
-        int visible = 0;
-        for (const QWidget* widget : QApplication::topLevelWidgets())
-            visible += widget->isVisible() ? 1 : 0;
-        return visible;
-    };
-    const int before = windows();
-    for (int stage = 1; stage <= 2; ++stage) {
-        for (QwtScaleWidget* axis : {fixture->positionPlot(stage).axisWidget(QwtPlot::yLeft),
-                                     fixture->positionPlot(stage).axisWidget(QwtPlot::xTop),
-                                     fixture->intensityPlot(stage).axisWidget(QwtPlot::yLeft),
-                                     fixture->intensityPlot(stage).axisWidget(QwtPlot::xBottom)}) {
-            user::hover(*axis, axis->rect().center());
-            QVERIFY(!QApplication::overrideCursor());
-            QVERIFY(user::click(axis));
-            QCOMPARE(windows(), before);
-        }
-    }
-    QCOMPARE(valueRanges(*fixture), (QStringList{"-5..5", "-5..5", "0..8", "0..8"}));
 }
 
 QTEST_MAIN(TestFrameView)

@@ -37,6 +37,9 @@ private slots:
     void clearingKeepsTheCountOfTheDropped();
     void emptyStoreLeavesTheOutputAlone();
     void samplesComeOutInOrder();
+    void samplesCanBeTakenAtOnce_data();
+    void samplesCanBeTakenAtOnce();
+    void takenSamplesComeBehindThoseThatAreThere();
     void writerAndReaderLoseNothingWhileThereIsRoom();
 };
 
@@ -147,6 +150,61 @@ void TestMeasureStore::samplesComeOutInOrder()
         QCOMPARE(sample.timeMs, number);
     }
     QCOMPARE(store.takeSample(sample), 0);
+}
+
+void TestMeasureStore::samplesCanBeTakenAtOnce_data()
+{
+    QTest::addColumn<int>("takenBefore");
+    QTest::addColumn<int>("stored");
+    QTest::addColumn<int>("most");
+    QTest::addColumn<int>("expected");
+    // The ring has eight slots.
+    QTest::newRow("none") << 0 << 0 << 10 << 0;
+    QTest::newRow("all") << 0 << 5 << 10 << 5;
+    QTest::newRow("as many as wanted") << 0 << 5 << 3 << 3;
+    QTest::newRow("none wanted") << 0 << 5 << 0 << 0;
+    QTest::newRow("up to the end of the ring") << 5 << 3 << 10 << 3;
+    QTest::newRow("over the end of the ring") << 5 << 6 << 10 << 6;
+    QTest::newRow("over the end, not all") << 5 << 6 << 4 << 4;
+    QTest::newRow("a full ring") << 3 << 7 << 10 << 7;
+}
+
+void TestMeasureStore::samplesCanBeTakenAtOnce()
+{
+    QFETCH(int, takenBefore);
+    QFETCH(int, stored);
+    QFETCH(int, most);
+    QFETCH(int, expected);
+    measureStore store(8);
+    MeasureSample sample;
+    for (int i = 0; i < takenBefore; ++i) {
+        storeNumbers(store, 100, 101);
+        store.takeSample(sample);
+    }
+    if (stored > 0)
+        storeNumbers(store, 1, quint64(stored) + 1);
+    std::vector<MeasureSample> taken;
+    store.takeSamples(taken, std::size_t(most));
+    QCOMPARE(int(taken.size()), expected);
+    for (int i = 0; i < expected; ++i)
+        QCOMPARE(taken[std::size_t(i)].timeMs, quint64(i + 1));
+    QCOMPARE(store.sampleCount(), stored - expected);
+    if (stored > expected) {
+        QCOMPARE(store.takeSample(sample), 1);
+        QCOMPARE(sample.timeMs, quint64(expected + 1));
+    }
+}
+
+void TestMeasureStore::takenSamplesComeBehindThoseThatAreThere()
+{
+    measureStore store(8);
+    std::vector<MeasureSample> taken;
+    storeNumbers(store, 1, 3);
+    store.takeSamples(taken, 10);
+    storeNumbers(store, 3, 4);
+    store.takeSamples(taken, 10);
+    QCOMPARE(taken.size(), std::size_t(3));
+    QCOMPARE(taken.back().timeMs, quint64(3));
 }
 
 void TestMeasureStore::writerAndReaderLoseNothingWhileThereIsRoom()

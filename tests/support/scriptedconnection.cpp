@@ -5,6 +5,7 @@
 #include <QDeadlineTimer>
 #include <QIODevice>
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 
@@ -160,13 +161,11 @@ void ScriptedConnection::storeCommonSamples(const std::vector<MeasureSample>& sa
         commonSamples().storeSample(sample);
 }
 
-int ScriptedConnection::takeGivenSample(MeasureSample& out)
+void ScriptedConnection::takeGivenSamples(std::vector<MeasureSample>& out, std::size_t most)
 {
-    if (given.empty())
-        return 0;
-    out = given.front();
-    given.erase(given.begin());
-    return 1;
+    const auto end = given.begin() + std::ptrdiff_t(std::min(most, given.size()));
+    out.insert(out.end(), given.begin(), end);
+    given.erase(given.begin(), end);
 }
 
 void ScriptedConnection::run()

@@ -62,10 +62,11 @@ public:
     /// Samples of the common detector, as if the controller had sent them.
     void storeCommonSamples(const std::vector<MeasureSample>& samples);
 
-    /// Samples that `takeGivenSample` gives, oldest first.
+    /// Samples that `takeGivenSamples` gives, oldest first.
     std::vector<MeasureSample> given;
-    /// As the stores of a connection do: moves the oldest sample to `out`; 0 if there is none.
-    int takeGivenSample(MeasureSample& out);
+    /// As the stores of a connection do: moves the oldest samples behind those of `out`, at most so
+    /// many.
+    void takeGivenSamples(std::vector<MeasureSample>& out, std::size_t most);
 
 protected:
     void run() override;

@@ -190,7 +190,8 @@ void TestAcquisition::resetEmptiesTheStagesAndBeginsAtTimeZero()
     plots.addCurves(0);
     plots.appendPointingPoint(0, QPointF(1.0, 1.0));
     plots.appendTimePoints(0, 0, QPointF(1.0, 1.0), 1.0);
-    bench->stages[1].readouts().show(QPointF(1.0, 1.0), {0, 0, 1000, 1000, 1000}, 2);
+    bench->stages[1].readouts().take(QPointF(1.0, 1.0), {0, 0, 1000, 1000, 1000});
+    bench->stages[1].readouts().show(2);
     bench->statistics.run().countSample();
     acquisition().reset();
     QVERIFY(pointsOf(plots.pointing(), 0).isEmpty());

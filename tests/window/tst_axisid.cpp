@@ -36,6 +36,7 @@ void TestAxisId::numberStandsForAnAxisOfAStage()
     QVERIFY(axis);
     QTEST(axis->kind, "kind");
     QTEST(int(axis->stage) + 1, "stageNumber");
+    QCOMPARE(idOfAxis(*axis), number);
 }
 
 void TestAxisId::otherNumbersStandForNothing_data()

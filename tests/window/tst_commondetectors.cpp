@@ -72,7 +72,8 @@ void TestCommonDetectors::singleOneHasReadoutsInItsColours()
     status.commonColorX = Qt::red;
     status.commonColorY = Qt::green;
     status.commonColorI = Qt::blue;
-    bench->stages[0].readouts().show(QPointF(1.0, 1.0), {}, 2);
+    bench->stages[0].readouts().take(QPointF(1.0, 1.0), {});
+    bench->stages[0].readouts().show(2);
 
     bench->showCommon(connection);
     QVERIFY(showsSingle());
@@ -81,7 +82,8 @@ void TestCommonDetectors::singleOneHasReadoutsInItsColours()
     QCOMPARE(colorOf(bench->forms[0].xAxis), QColor(Qt::red));
     QCOMPARE(colorOf(bench->forms[1].yAxis), QColor(Qt::green));
     QCOMPARE(colorOf(bench->forms[1].intensityAxis), QColor(Qt::blue));
-    bench->stages[0].readouts().show(QPointF(3.0, 3.0), {}, 2);
+    bench->stages[0].readouts().take(QPointF(3.0, 3.0), {});
+    bench->stages[0].readouts().show(2);
     QCOMPARE(bench->forms[0].lcdX.value(), 3.0);
 }
 

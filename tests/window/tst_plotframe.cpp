@@ -55,6 +55,8 @@ private slots:
     void timeAxisIsRescaledByItsNumber_data();
     void timeAxisIsRescaledByItsNumber();
     void rescalingATimeMarksZeroOverItsWindow();
+    void limitsAreThoseOfTheAxis();
+    void otherNumbersHaveNoLimits();
     void resetBringsTheUsualAxesBack();
     void positionsAreResetToTheRangeOfTheStage();
     void pointingBoxesAreEquallyWide();
@@ -160,6 +162,25 @@ void TestPlotFrame::rescalingATimeMarksZeroOverItsWindow()
     QVERIFY(before > 0);
     bench->frame.rescaleTimeAxis(3, 0, 20, false);
     QCOMPARE(midLineCount(other), before + 1);
+}
+
+void TestPlotFrame::limitsAreThoseOfTheAxis()
+{
+    PlotFrame& frame = bench->frame;
+    for (const int axisId : {1, 2, 5, 6})
+        frame.rescaleAxis(axisId, axisId, axisId + 0.5, false);
+    frame.rescaleTimeAxis(3, 3, 30, false);
+    frame.rescaleTimeAxis(4, 4, 40, false);
+    for (const int axisId : {1, 2, 5, 6})
+        QCOMPARE(frame.limits(axisId), QwtInterval(axisId, axisId + 0.5));
+    QCOMPARE(frame.limits(3), QwtInterval(3.0, 30.0));
+    QCOMPARE(frame.limits(4), QwtInterval(4.0, 40.0));
+}
+
+void TestPlotFrame::otherNumbersHaveNoLimits()
+{
+    for (const int number : {-1, 0, 7})
+        QVERIFY(!bench->frame.limits(number).isValid());
 }
 
 void TestPlotFrame::resetBringsTheUsualAxesBack()

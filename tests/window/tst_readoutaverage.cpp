@@ -7,6 +7,7 @@ class TestReadoutAverage final : public QObject
     Q_OBJECT
 
 private slots:
+    void withoutAValueTheMeanIsZero();
     void theFirstValueIsItsOwnMean();
     void itIsTheMeanOfAllWhileTheyAreFew();
     void theForty_firstValueIsStillAveragedWithTheFirst();
@@ -17,20 +18,31 @@ private slots:
 
 namespace {
 
+double meanWith(ReadoutAverage& average, double value,
+                std::size_t length = ReadoutAverage::usualLength)
+{
+    average.add(value, length);
+    return average.mean();
+}
+
 double addMany(ReadoutAverage& average, double value, int count)
 {
-    double mean = 0.0;
     for (int i = 0; i < count; ++i)
-        mean = average.add(value);
-    return mean;
+        average.add(value);
+    return average.mean();
 }
 
 } // namespace
 
+void TestReadoutAverage::withoutAValueTheMeanIsZero()
+{
+    QCOMPARE(ReadoutAverage().mean(), 0.0);
+}
+
 void TestReadoutAverage::theFirstValueIsItsOwnMean()
 {
     ReadoutAverage average;
-    QCOMPARE(average.add(-3.25), -3.25);
+    QCOMPARE(meanWith(average, -3.25), -3.25);
 }
 
 void TestReadoutAverage::itIsTheMeanOfAllWhileTheyAreFew()
@@ -38,7 +50,7 @@ void TestReadoutAverage::itIsTheMeanOfAllWhileTheyAreFew()
     ReadoutAverage average;
     average.add(1.0);
     average.add(2.0);
-    QCOMPARE(average.add(6.0), 3.0);
+    QCOMPARE(meanWith(average, 6.0), 3.0);
 }
 
 void TestReadoutAverage::theForty_firstValueIsStillAveragedWithTheFirst()
@@ -53,7 +65,7 @@ void TestReadoutAverage::theForty_secondValueDropsTheFirst()
     ReadoutAverage average;
     average.add(41.0);
     QCOMPARE(addMany(average, 0.0, 41), 0.0);
-    QCOMPARE(average.add(82.0), 2.0);
+    QCOMPARE(meanWith(average, 82.0), 2.0);
 }
 
 void TestReadoutAverage::shorterAverageDropsTheFirstEarlier()
@@ -62,8 +74,8 @@ void TestReadoutAverage::shorterAverageDropsTheFirstEarlier()
     ReadoutAverage average;
     average.add(9.0, length);
     average.add(0.0, length);
-    QCOMPARE(average.add(0.0, length), 3.0);
-    QCOMPARE(average.add(0.0, length), 0.0);
+    QCOMPARE(meanWith(average, 0.0, length), 3.0);
+    QCOMPARE(meanWith(average, 0.0, length), 0.0);
 }
 
 void TestReadoutAverage::clearingForgetsEverything()
@@ -71,7 +83,7 @@ void TestReadoutAverage::clearingForgetsEverything()
     ReadoutAverage average;
     addMany(average, 100.0, 60);
     average.clear();
-    QCOMPARE(average.add(1.5), 1.5);
+    QCOMPARE(meanWith(average, 1.5), 1.5);
 }
 
 QTEST_GUILESS_MAIN(TestReadoutAverage)

@@ -15,7 +15,7 @@ constexpr quint64 originMs = 1700000000000;
 constexpr int rateHz = 500;
 
 constexpr auto givenSamples =
-    static_cast<SampleSource::Store>(&ScriptedConnection::takeGivenSample);
+    static_cast<SampleSource::Store>(&ScriptedConnection::takeGivenSamples);
 
 /// Samples a millisecond apart, whose x of stage 1 counts in volts from 1.
 std::vector<MeasureSample> countedSamples(int count)
@@ -169,7 +169,7 @@ void TestSamplePass::displayedSystemsGiveTheirStreams()
     addSystems(2);
     const SampleSource source = sourceOfDisplayed(bench->systems);
     QCOMPARE(source.systems, QList<int>({0, 1}));
-    QVERIFY(source.store == &Connection::takeLiveSample);
+    QVERIFY(source.store == &Connection::takeLiveSamples);
     QVERIFY(!source.firstCurve);
 }
 

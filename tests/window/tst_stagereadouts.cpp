@@ -26,6 +26,7 @@ private slots:
     void numbersAreMeansOverTheLatest41();
     void numbersCanBeMeansOverFewerSamples();
     void barsShowTheLatestSampleOnly();
+    void takenSamplesAreShownTogether();
     void clearedAveragesBeginWithTheNextSample();
     void resetShowsZeroEverywhere();
     void resetBeginsANewAverage();
@@ -33,6 +34,12 @@ private slots:
 
 private:
     StageReadouts& readouts() const { return bench->stages[0].readouts(); }
+    void showSample(const QPointF& position, const StageValues& sample, int decimals,
+                    std::size_t averaged = ReadoutAverage::usualLength) const
+    {
+        readouts().take(position, sample, averaged);
+        readouts().show(decimals);
+    }
     StageForm& form() const { return bench->forms[0]; }
 
     std::unique_ptr<StageBench> bench;
@@ -40,7 +47,7 @@ private:
 
 void TestStageReadouts::eachNumberShowsItsValue()
 {
-    readouts().show(QPointF(1.25, -2.5), values(3750, 1500, 2500), 2);
+    showSample(QPointF(1.25, -2.5), values(3750, 1500, 2500), 2);
     QCOMPARE(form().lcdX.value(), 1.25);
     QCOMPARE(form().lcdY.value(), -2.5);
     QCOMPARE(form().lcdIntensity.value(), 3.75);
@@ -63,7 +70,7 @@ void TestStageReadouts::positionsHaveTheDecimalsOfTheDetector_data()
 void TestStageReadouts::positionsHaveTheDecimalsOfTheDetector()
 {
     QFETCH(int, decimals);
-    readouts().show(QPointF(1.2346, -2.3457), values(1239), decimals);
+    showSample(QPointF(1.2346, -2.3457), values(1239), decimals);
     QTEST(form().lcdX.value(), "x");
     QTEST(form().lcdY.value(), "y");
     QCOMPARE(form().lcdIntensity.value(), 1.24);
@@ -71,11 +78,11 @@ void TestStageReadouts::positionsHaveTheDecimalsOfTheDetector()
 
 void TestStageReadouts::numbersAreMeansOverTheLatest41()
 {
-    readouts().show(QPointF(42.0, 0.0), values(0), 2);
+    showSample(QPointF(42.0, 0.0), values(0), 2);
     for (int i = 0; i < 40; ++i)
-        readouts().show(QPointF(1.0, 0.0), values(0), 2);
+        showSample(QPointF(1.0, 0.0), values(0), 2);
     QCOMPARE(form().lcdX.value(), 2.0);
-    readouts().show(QPointF(1.0, 0.0), values(0), 2);
+    showSample(QPointF(1.0, 0.0), values(0), 2);
     QCOMPARE(form().lcdX.value(), 1.0);
 }
 
@@ -83,7 +90,7 @@ void TestStageReadouts::numbersCanBeMeansOverFewerSamples()
 {
     constexpr std::size_t two = 2;
     for (const double x : {100.0, 1.0, 3.0})
-        readouts().show(QPointF(x, -x), values(unsigned(1000 * x)), 2, two);
+        showSample(QPointF(x, -x), values(unsigned(1000 * x)), 2, two);
     QCOMPARE(form().lcdX.value(), 2.0);
     QCOMPARE(form().lcdY.value(), -2.0);
     QCOMPARE(form().lcdIntensity.value(), 2.0);
@@ -91,18 +98,32 @@ void TestStageReadouts::numbersCanBeMeansOverFewerSamples()
 
 void TestStageReadouts::barsShowTheLatestSampleOnly()
 {
-    readouts().show(QPointF(), values(0, 1000, 2000), 2);
-    readouts().show(QPointF(), values(0, 3000, 4000), 2);
+    showSample(QPointF(), values(0, 1000, 2000), 2);
+    showSample(QPointF(), values(0, 3000, 4000), 2);
+    QCOMPARE(bench->bar("thermoRX1").value(), 3.0);
+    QCOMPARE(bench->bar("thermoRY1").value(), 4.0);
+}
+
+void TestStageReadouts::takenSamplesAreShownTogether()
+{
+    readouts().take(QPointF(1.0, 2.0), values(1000, 1000, 2000));
+    readouts().take(QPointF(3.0, 4.0), values(3000, 3000, 4000));
+    QCOMPARE(form().lcdX.value(), 0.0);
+    QCOMPARE(bench->bar("thermoRX1").value(), 0.0);
+    readouts().show(2);
+    QCOMPARE(form().lcdX.value(), 2.0);
+    QCOMPARE(form().lcdY.value(), 3.0);
+    QCOMPARE(form().lcdIntensity.value(), 2.0);
     QCOMPARE(bench->bar("thermoRX1").value(), 3.0);
     QCOMPARE(bench->bar("thermoRY1").value(), 4.0);
 }
 
 void TestStageReadouts::clearedAveragesBeginWithTheNextSample()
 {
-    readouts().show(QPointF(1.0, 1.0), values(1000), 2);
+    showSample(QPointF(1.0, 1.0), values(1000), 2);
     readouts().clearAverages();
     QCOMPARE(form().lcdX.value(), 1.0);
-    readouts().show(QPointF(3.0, 4.0), values(5000), 2);
+    showSample(QPointF(3.0, 4.0), values(5000), 2);
     QCOMPARE(form().lcdX.value(), 3.0);
     QCOMPARE(form().lcdY.value(), 4.0);
     QCOMPARE(form().lcdIntensity.value(), 5.0);
@@ -110,7 +131,7 @@ void TestStageReadouts::clearedAveragesBeginWithTheNextSample()
 
 void TestStageReadouts::resetShowsZeroEverywhere()
 {
-    readouts().show(QPointF(1.0, 1.0), values(1000, 1000, 1000), 2);
+    showSample(QPointF(1.0, 1.0), values(1000, 1000, 1000), 2);
     readouts().reset();
     for (const QLCDNumber* number : {&form().lcdX, &form().lcdY, &form().lcdIntensity})
         QCOMPARE(number->value(), 0.0);
@@ -120,9 +141,9 @@ void TestStageReadouts::resetShowsZeroEverywhere()
 
 void TestStageReadouts::resetBeginsANewAverage()
 {
-    readouts().show(QPointF(1.0, 0.0), values(0), 2);
+    showSample(QPointF(1.0, 0.0), values(0), 2);
     readouts().reset();
-    readouts().show(QPointF(3.0, 0.0), values(0), 2);
+    showSample(QPointF(3.0, 0.0), values(0), 2);
     QCOMPARE(form().lcdX.value(), 3.0);
 }
 

@@ -81,9 +81,11 @@ void TestStageView::newUnitEmptiesThePlots()
 
 void TestStageView::newUnitBeginsANewAverage()
 {
-    stage().readouts().show(QPointF(1.0, 1.0), {}, 2);
+    stage().readouts().take(QPointF(1.0, 1.0), {});
+    stage().readouts().show(2);
     stage().showUnit(inMillimetres(), true);
-    stage().readouts().show(QPointF(3.0, 3.0), {}, 2);
+    stage().readouts().take(QPointF(3.0, 3.0), {});
+    stage().readouts().show(2);
     QCOMPARE(form().lcdX.value(), 3.0);
 }
 

@@ -3,7 +3,10 @@
 #include "window/statistics.h"
 
 #include <QtTest>
+#include <qwt_plot_shapeitem.h>
 #include <qwt_plot_textlabel.h>
+
+#include <limits>
 
 namespace {
 
@@ -34,6 +37,9 @@ private slots:
     void withTwoSystemsShowingRefreshesNothing();
     void disablingUnchecksAndHides();
     void enablingShowsWhatIsChecked();
+    void figuresWaitForTheLastSampleOfATick();
+    void crossFollowsWhileTheTextWaits();
+    void withoutANewSampleNothingIsShownAnew();
     void latestSampleCanBeAddedOnceMore();
 
 private:
@@ -47,8 +53,10 @@ private:
     {
         return statistics().take(bench->systems.at(0), both(x, 0.0), true, true);
     }
+    void letTextBeDue() const { statistics().run().startClock(-Run::textPeriodMs); }
     /// Null while it is not shown.
     QString text(std::size_t stageIndex = 0) const;
+    QPointF crossCentre() const;
 
     std::unique_ptr<Bench> bench;
 };
@@ -59,6 +67,16 @@ QString TestStatistics::text(std::size_t stageIndex) const
         bench->stages[stageIndex].plots().pointing().itemList(QwtPlotItem::Rtti_PlotTextLabel);
     return items.isEmpty() ? QString()
                            : static_cast<const QwtPlotTextLabel*>(items.first())->text().text();
+}
+
+QPointF TestStatistics::crossCentre() const
+{
+    for (const QwtPlotItem* item :
+         bench->stages[0].plots().pointing().itemList(QwtPlotItem::Rtti_PlotShape)) {
+        if (item->title().text().startsWith("Zielkreuz"))
+            return static_cast<const QwtPlotShapeItem*>(item)->shape().boundingRect().center();
+    }
+    return {};
 }
 
 void TestStatistics::withoutALimitNothingIsCounted()
@@ -196,6 +214,51 @@ void TestStatistics::enablingShowsWhatIsChecked()
     QVERIFY(text(0).isNull());
     QCOMPARE(text(1), emptyStatisticsText());
     QVERIFY(bench->forms[0].statisticsBox.isEnabled());
+}
+
+void TestStatistics::figuresWaitForTheLastSampleOfATick()
+{
+    bench->add();
+    statistics().run().setLimit(5);
+    letTextBeDue();
+    bench->stages[0].statistics().show(true);
+    for (const double x : {1.0, 2.0, 3.0})
+        QVERIFY(takeAlone(x));
+    QCOMPARE(text(), QString());
+    statistics().showTaken();
+    QVERIFY(text().contains("x=2.000 [V]"));
+    QVERIFY(text().contains("#samples=3"));
+}
+
+void TestStatistics::crossFollowsWhileTheTextWaits()
+{
+    bench->add();
+    statistics().run().setLimit(5);
+    letTextBeDue();
+    bench->stages[0].statistics().show(true);
+    takeAlone(1.0);
+    takeAlone(3.0);
+    statistics().showTaken();
+    // As if the text had been built in the time to come.
+    statistics().run().startClock(std::numeric_limits<int>::max());
+    takeAlone(8.0);
+    statistics().showTaken();
+    QVERIFY(text().contains("#samples=2"));
+    QCOMPARE(crossCentre(), QPointF(4.0, 0.0));
+}
+
+void TestStatistics::withoutANewSampleNothingIsShownAnew()
+{
+    bench->add();
+    statistics().run().setLimit(5);
+    letTextBeDue();
+    takeAlone(1.0);
+    statistics().showTaken();
+    bench->stages[0].statistics().setText(QStringLiteral("old"));
+    bench->stages[0].statistics().show(true);
+    letTextBeDue();
+    statistics().showTaken();
+    QCOMPARE(text(), QStringLiteral("old"));
 }
 
 void TestStatistics::latestSampleCanBeAddedOnceMore()

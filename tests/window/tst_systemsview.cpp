@@ -93,7 +93,7 @@ void TestSystemsView::firstDisplayedSystemBringsUpItsReadouts()
     for (StageView& stage : bench->stages)
         stage.setSingleSystemVisible(false);
     const QSignalSpy enabled(&bench->view, &SystemsView::controlsEnabled);
-    bench->stages[0].readouts().show(QPointF(1.0, 1.0), {}, 2);
+    bench->stages[0].readouts().take(QPointF(1.0, 1.0), {});
     bench->add(SystemsBench::Link::Up, QStringLiteral("ttyUSB1"),
                colored("#ff0000", "#00ff00", "#0000ff"));
     QVERIFY(showsSingle());
@@ -103,7 +103,8 @@ void TestSystemsView::firstDisplayedSystemBringsUpItsReadouts()
     QCOMPARE(axisColor(), QColor(Qt::red));
     QCOMPARE(colorOf(bench->forms[0].yAxis), QColor(Qt::green));
     QCOMPARE(colorOf(bench->forms[0].intensityAxis), QColor(Qt::blue));
-    bench->stages[0].readouts().show(QPointF(3.0, 3.0), {}, 2);
+    bench->stages[0].readouts().take(QPointF(3.0, 3.0), {});
+    bench->stages[0].readouts().show(2);
     QCOMPARE(bench->forms[0].lcdX.value(), 3.0);
 }
 

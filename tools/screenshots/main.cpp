@@ -11,11 +11,9 @@
 #include "params/paramsdialog.h"
 #include "plots/counter.h"
 #include "plots/genericplot.h"
-#include "recording/dataloggerdialog.h"
 #include "setup/connectionoverviewdialog.h"
 #include "setup/overviewwidget.h"
 #include "setup/settings.h"
-#include "setup/settingsdialog.h"
 #include "window/mainwindow.h"
 
 #include <QAbstractButton>
@@ -24,12 +22,15 @@
 #include <QComboBox>
 #include <QCommandLineParser>
 #include <QDeadlineTimer>
+#include <QDialog>
 #include <QLCDNumber>
 #include <QLineEdit>
 #include <QSpinBox>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <qwt_plot_curve.h>
+#include <qwt_scale_widget.h>
 
 #include <algorithm>
 #include <cmath>
@@ -135,7 +136,23 @@ void takeThreeSystems(MainWindow& window, const WindowHand& hand)
     hand.take(window, "three-systems");
 }
 
-void takeDialogs(MainWindow& window, const WindowHand& hand)
+/// Opens a dialog of the window, prepares it, takes its picture and closes it.
+void takeDialog(
+    MainWindow& window, const WindowHand& hand, const QString& name,
+    const std::function<void()>& open,
+    const std::function<void(QDialog&)>& prepare = [](QDialog&) {})
+{
+    open();
+    const auto dialogs = window.findChildren<QDialog*>();
+    const auto dialog = std::find_if(dialogs.begin(), dialogs.end(),
+                                     [](const QDialog* one) { return one->isVisible(); });
+    prepare(**dialog);
+    QTest::qWait(dialogMs);
+    hand.take(**dialog, name);
+    (*dialog)->close();
+}
+
+void takeOverviewAndParameters(MainWindow& window, const WindowHand& hand)
 {
     auto* overview = window.findChild<ConnectionOverviewDialog*>();
     window.findChild<QAction*>("actionConfiguration")->trigger();
@@ -159,19 +176,30 @@ void takeDialogs(MainWindow& window, const WindowHand& hand)
     hand.take(*parameters, "parameters");
     parameters->close();
     overview->close();
-    auto* recording = window.findChild<DataLoggerDialog*>();
-    window.findChild<QAction*>("actionOpenDataLog")->trigger();
-    recording->findChild<QLineEdit*>("lineEdit_FileName")->setText(QStringLiteral("beam.csv"));
-    QTest::qWait(dialogMs);
-    hand.take(*recording, "recording");
-    recording->close();
+}
 
-    auto* settings = window.findChild<SettingsDialog*>();
-    window.findChild<QAction*>("actionSetup")->trigger();
-    settings->findChild<QTabWidget*>()->setCurrentIndex(1);
-    QTest::qWait(dialogMs);
-    hand.take(*settings, "connections");
-    settings->close();
+void takeOtherDialogs(MainWindow& window, const WindowHand& hand)
+{
+    const auto entry = [&window](const char* action) {
+        return [&window, action] { window.findChild<QAction*>(action)->trigger(); };
+    };
+    takeDialog(window, hand, "recording", entry("actionOpenDataLog"), [](QDialog& dialog) {
+        dialog.findChild<QLineEdit*>("lineEdit_FileName")->setText(QStringLiteral("beam.csv"));
+    });
+    takeDialog(window, hand, "connections", entry("actionSetup"),
+               [](QDialog& dialog) { dialog.findChild<QTabWidget*>()->setCurrentIndex(1); });
+    takeDialog(window, hand, "about", entry("actionAbout_the_Software"));
+}
+
+void takeLimits(MainWindow& window, const WindowHand& hand)
+{
+    const auto axis = [&window, &hand](int side) {
+        return [&window, &hand, side] {
+            hand.clickOn(*window.findChild<GenericPlot*>("positionPlot1")->axisWidget(side));
+        };
+    };
+    takeDialog(window, hand, "axis-limits", axis(QwtPlot::yLeft));
+    takeDialog(window, hand, "time-limits", axis(QwtPlot::xTop));
 }
 
 void takeSmallest(MainWindow& window, const WindowHand& hand)
@@ -230,7 +258,9 @@ int main(int argc, char** argv)
     takeOneSystem(window, hand);
     takePointingMode(window, hand);
     takeThreeSystems(window, hand);
-    takeDialogs(window, hand);
+    takeOverviewAndParameters(window, hand);
+    takeOtherDialogs(window, hand);
+    takeLimits(window, hand);
     takeSmallest(window, hand);
     return 0;
 }
