@@ -3,6 +3,8 @@
 #include "support/widgetcheck.h"
 
 #include <QPainter>
+#include <QScopeGuard>
+#include <QScreen>
 #include <QTimer>
 #include <qwt_plot_canvas.h>
 
@@ -36,6 +38,16 @@ private:
     std::uniform_real_distribution<double> spread{-1.2 * range, 1.2 * range};
     int count = 0;
 };
+
+int pixelsOf(const QColor& colour, const QImage& picture)
+{
+    int count = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            count += picture.pixelColor(x, y) == colour ? 1 : 0;
+    }
+    return count;
+}
 
 } // namespace
 
@@ -79,6 +91,8 @@ private slots:
     void translucentDotsAreShown();
     void twoColouredDotsAreShown();
     void stoppedPlotShowsTheSameFromItsBackingStore();
+    void windowShowsWhatTheLibraryWouldShow_data();
+    void windowShowsWhatTheLibraryWouldShow();
     void partOfTheCanvasIsPainted();
     void plotDrawnToAnotherSizeIsWhole();
 
@@ -488,6 +502,58 @@ void TestDotPictures::stoppedPlotShowsTheSameFromItsBackingStore()
         ->setPaintAttribute(QwtPlotCanvas::BackingStore, true);
     plot->replot();
     verifyAfterMoreDots();
+}
+
+void TestDotPictures::windowShowsWhatTheLibraryWouldShow_data()
+{
+    QTest::addColumn<QPoint>("place");
+    QTest::newRow("in the corner") << QPoint(0, 0);
+    QTest::newRow("inside") << QPoint(7, 2);
+    QTest::newRow("further inside") << QPoint(13, 21);
+}
+
+// The other pictures are painted for the test. This one is what painting left on the screen, after
+// points came one replot after the other.
+void TestDotPictures::windowShowsWhatTheLibraryWouldShow()
+{
+    QFETCH(QPoint, place);
+    addCurves(3);
+    const auto shown = [place](QwtPlot& subject) {
+        auto window = std::make_unique<QWidget>();
+        window->resize(300, 260);
+        subject.setParent(window.get());
+        subject.move(place);
+        subject.show();
+        window->show();
+        return window;
+    };
+    const auto screenOf = [](QWidget& window) {
+        QCoreApplication::processEvents();
+        return window.screen()->grabWindow(window.winId()).toImage();
+    };
+
+    const auto window = shown(*plot);
+    const auto leaveWindow = qScopeGuard([this] { plot->setParent(nullptr); });
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    for (const int count : {manyDots, 1, 5, 5}) {
+        appendToAll(count);
+        plot->replotIfChanged();
+        QCoreApplication::processEvents();
+    }
+    const QImage picture = screenOf(*window);
+
+    auto ordinary = std::make_unique<OrdinaryPlot>(*plot);
+    const auto ordinaryWindow = shown(*ordinary);
+    const auto leaveOrdinaryWindow = qScopeGuard([&ordinary] { ordinary->setParent(nullptr); });
+    QVERIFY(QTest::qWaitForWindowExposed(ordinaryWindow.get()));
+    const QImage expected = screenOf(*ordinaryWindow);
+    QVERIFY(!picture.isNull());
+    QCOMPARE(plot->dotLayer().dotsAdded(), std::size_t(15));
+    const QRect canvas(plot->canvas()->mapTo(window.get(), QPoint(0, 0))
+                           * plot->devicePixelRatioF(),
+                       plot->canvas()->size() * plot->devicePixelRatioF());
+    QVERIFY(pixelsOf(colours.first(), expected.copy(canvas)) > someDots);
+    QCOMPARE(differingPixels(picture.copy(canvas), expected.copy(canvas)), 0);
 }
 
 // As after another window covered a part of it. The library leaves out dots whose middle is not
