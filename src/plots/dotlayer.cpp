@@ -2,14 +2,8 @@
 
 #include "plots/dotcurve.h"
 
-#include <QPaintEngine>
-#include <QtMath>
-#include <qwt_painter.h>
-
 #include <algorithm>
-#include <cmath>
 #include <limits>
-#include <numeric>
 #include <optional>
 
 namespace {
@@ -18,12 +12,6 @@ constexpr int quarters = PixelGrid::quarters;
 /// A curve has one for its marks and one for its ellipses.
 constexpr std::size_t ranksPerCurve = 2;
 constexpr std::size_t mostCurves = std::numeric_limits<quint16>::max() / ranksPerCurve - 1;
-
-bool isSame(const QwtScaleMap& one, const QwtScaleMap& other)
-{
-    return one.p1() == other.p1() && one.p2() == other.p2() && one.s1() == other.s1()
-           && one.s2() == other.s2();
-}
 
 bool hasFewDots(const DotLayer::Member& member)
 {
@@ -38,32 +26,9 @@ bool isKnownKind(const DotLayer::Member& member)
            && DotLook::describes(*member.curve);
 }
 
-bool isPlainPainter(const QPainter& painter)
-{
-    return painter.paintEngine()->type() == QPaintEngine::Raster
-           && painter.worldTransform().type() <= QTransform::TxTranslate
-           && !painter.viewTransformEnabled() && QwtPainter::roundingAlignment()
-           && painter.opacity() == 1.0
-           && painter.compositionMode() == QPainter::CompositionMode_SourceOver;
-}
-
-/// The length in quarters of a pixel, if it is a whole number of them.
-std::optional<int> inQuarters(double pixels)
-{
-    constexpr double tolerance = 1e-6;
-    const double exact = pixels * quarters;
-    const int rounded = qRound(exact);
-    return std::abs(exact - rounded) < tolerance ? std::optional<int>(rounded) : std::nullopt;
-}
-
 int floorQuarters(int length)
 {
     return length >> 2;
-}
-
-int ceilQuarters(int length)
-{
-    return (length + quarters - 1) >> 2;
 }
 
 int phaseOf(int length)
@@ -101,16 +66,10 @@ struct Surface
 
 } // namespace
 
-bool DotLayer::Place::operator==(const Place& other) const
-{
-    return canvas == other.canvas && grid == other.grid && origin == other.origin
-           && devicePixels == other.devicePixels;
-}
-
 bool DotLayer::Painted::continuesAs(const Member& now) const
 {
-    return member.curve == now.curve && isSame(member.xMap, now.xMap)
-           && isSame(member.yMap, now.yMap) && generation == now.curve->samples().generation()
+    return member.curve == now.curve && isSameScale(member.xMap, now.xMap)
+           && isSameScale(member.yMap, now.yMap) && generation == now.curve->samples().generation()
            && look == DotLook::of(*now.curve);
 }
 
@@ -124,12 +83,14 @@ void DotLayer::beginPicture(const QPainter& painter, const QRectF& canvasRect,
     standsIn = false;
     added = 0;
     if (std::all_of(members.begin(), members.end(), hasFewDots) || members.size() > mostCurves
-        || !std::all_of(members.begin(), members.end(), isKnownKind) || !isPlainPainter(painter))
+        || !std::all_of(members.begin(), members.end(), isKnownKind))
         return;
-    const Place oldPlace = place;
-    if (!locate(painter, canvasRect))
+    const std::optional<CanvasPlace> newPlace = CanvasPlace::of(painter, canvasRect);
+    if (!newPlace)
         return;
-    if (!continues(oldPlace, members))
+    const bool isContinued = continues(*newPlace, members);
+    place = *newPlace;
+    if (!isContinued)
         beginAnew(members);
     for (std::size_t i = curves.size(); i < members.size(); ++i)
         addMember(members[i], {});
@@ -148,15 +109,8 @@ bool DotLayer::standsInFor(const DotCurve& curve, QPainter& painter) const
 {
     if (!standsIn)
         return false;
-    if (curves.front().member.curve != &curve)
-        return true;
-    // The picture has device pixels: it is drawn without the painter's own density.
-    const QTransform toCorner = QTransform::fromTranslate(corner.x(), corner.y());
-    painter.save();
-    painter.setWorldTransform(toCorner * painter.deviceTransform().inverted()
-                              * painter.worldTransform());
-    painter.drawImage(0, 0, picture);
-    painter.restore();
+    if (curves.front().member.curve == &curve)
+        place.drawPixels(painter, picture);
     return true;
 }
 
@@ -166,34 +120,10 @@ bool DotLayer::isComplete() const
                        [](const Painted& painted) { return painted.begin == 0; });
 }
 
-/// False if places and device pixels meet in a way that has no phases.
-bool DotLayer::locate(const QPainter& painter, const QRectF& canvasRect)
-{
-    const QTransform& device = painter.deviceTransform();
-    const std::optional<int> step = inQuarters(device.m11());
-    const std::optional<int> x = inQuarters(device.dx());
-    const std::optional<int> y = inQuarters(device.dy());
-    if (!step || *step <= 0 || device.m22() != device.m11() || !x || !y)
-        return false;
-    const int pixelsMeetEvery = std::gcd(*step, quarters);
-    if (*x % pixelsMeetEvery != 0 || *y % pixelsMeetEvery != 0)
-        return false;
-    place.canvas = canvasRect.toAlignedRect();
-    place.grid.step = *step;
-    place.grid.hints = painter.renderHints() & ~QPainter::Antialiasing;
-    corner = QPoint(floorQuarters(*x + place.canvas.left() * *step),
-                    floorQuarters(*y + place.canvas.top() * *step));
-    const QPoint end(ceilQuarters(*x + (place.canvas.right() + 1) * *step),
-                     ceilQuarters(*y + (place.canvas.bottom() + 1) * *step));
-    place.origin = QPoint(*x, *y) - corner * quarters;
-    place.devicePixels = QSize(end.x() - corner.x(), end.y() - corner.y());
-    return !place.devicePixels.isEmpty();
-}
-
 /// Curves may have come above those that were there.
-bool DotLayer::continues(const Place& oldPlace, const std::vector<Member>& members) const
+bool DotLayer::continues(const CanvasPlace& newPlace, const std::vector<Member>& members) const
 {
-    return place == oldPlace && !picture.isNull() && curves.size() <= members.size()
+    return newPlace.meetsPixelsAs(place) && !picture.isNull() && curves.size() <= members.size()
            && std::equal(curves.begin(), curves.end(), members.begin(),
                          [](const Painted& painted, const Member& member) {
                              return painted.continuesAs(member);

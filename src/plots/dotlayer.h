@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plots/canvasplace.h"
 #include "plots/dotstamp.h"
 
 #include <QImage>
@@ -49,8 +50,7 @@ public:
     /// visible curves from the lowest to the highest, with nothing else between them.
     ///
     /// The layer stands in for none of them if one is translucent, antialiased or of several
-    /// colours, if the painter does more than move the picture, has another engine than the raster
-    /// one or a density that is no multiple of a quarter, or if they all have few dots.
+    /// colours, if `CanvasPlace` knows no place for the painter, or if they all have few dots.
     void beginPicture(const QPainter& painter, const QRectF& canvasRect,
                       const std::vector<Member>& members);
     void endPicture() { standsIn = false; }
@@ -68,17 +68,6 @@ signals:
     void incomplete();
 
 private:
-    /// Where the canvas lies on the device.
-    struct Place
-    {
-        bool operator==(const Place& other) const;
-
-        QRect canvas;
-        PixelGrid grid;
-        /// Of the place (0, 0), from the layer's corner, in quarters of a device pixel.
-        QPoint origin;
-        QSize devicePixels;
-    };
     /// What is in the picture of a curve.
     struct Painted
     {
@@ -94,8 +83,7 @@ private:
     };
     using Rank = quint16;
 
-    bool locate(const QPainter& painter, const QRectF& canvasRect);
-    bool continues(const Place& oldPlace, const std::vector<Member>& members) const;
+    bool continues(const CanvasPlace& newPlace, const std::vector<Member>& members) const;
     void beginAnew(const std::vector<Member>& members);
     void addMember(const Member& member, const std::vector<Painted>& known);
     std::shared_ptr<const DotStamp> stampOf(const Member& member,
@@ -106,9 +94,7 @@ private:
 
     const std::size_t dotsPerSlice;
 
-    Place place;
-    /// In device pixels of the painter.
-    QPoint corner;
+    CanvasPlace place;
     QImage picture;
     /// One for each pixel of the picture; 0 where no dot is.
     std::vector<Rank> ranks;

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "plots/canvasplace.h"
+
 #include <QBrush>
-#include <QPainter>
 #include <QPen>
 #include <QPoint>
 #include <QRect>
@@ -30,23 +31,6 @@ struct DotLook
 };
 
 bool operator==(const DotLook& one, const DotLook& other);
-
-/// How the pixels of a screen lie under the whole-numbered places of a canvas. Lengths are in
-/// quarters of a device pixel, so that all usual densities are whole numbers.
-struct PixelGrid
-{
-    static constexpr int quarters = 4;
-
-    /// Quarters of a device pixel per place.
-    int step = quarters;
-    /// Hints of the painter, without antialiasing.
-    QPainter::RenderHints hints;
-};
-
-inline bool operator==(const PixelGrid& one, const PixelGrid& other)
-{
-    return one.step == other.step && one.hints == other.hints;
-}
 
 /// The device pixels that one dot covers, as the library paints them. Where the density of the
 /// screen is not a whole number, dots differ by where they begin within a pixel (their phase).

@@ -7,6 +7,7 @@
 #include <QtTest>
 #include <qwt_plot_canvas.h>
 #include <qwt_plot_curve.h>
+#include <qwt_plot_grid.h>
 #include <qwt_symbol.h>
 
 /// The library's own drawing of a plot's curves: a plot without any class of ours, with the same
@@ -24,9 +25,12 @@ public:
         setContentsMargins(like.contentsMargins());
         for (int axis = 0; axis < axisCnt; ++axis) {
             enableAxis(axis, like.axisEnabled(axis));
+            setAxisMaxMinor(axis, like.axisMaxMinor(axis));
             const QwtInterval scale = like.axisInterval(axis);
             setAxisScale(axis, scale.minValue(), scale.maxValue());
         }
+        for (const QwtPlotItem* item : like.itemList(QwtPlotItem::Rtti_PlotGrid))
+            copyGrid(static_cast<const QwtPlotGrid&>(*item));
         for (const QwtPlotItem* item : like.itemList(QwtPlotItem::Rtti_PlotCurve))
             copyCurve(static_cast<const QwtPlotCurve&>(*item));
         resize(like.size());
@@ -55,6 +59,20 @@ private:
         for (std::size_t i = 0; i < curve.dataSize(); ++i)
             points.append(curve.sample(int(i)));
         return points;
+    }
+
+    void copyGrid(const QwtPlotGrid& grid)
+    {
+        auto copy = std::make_unique<QwtPlotGrid>();
+        copy->setMajorPen(grid.majorPen());
+        copy->setMinorPen(grid.minorPen());
+        copy->enableX(grid.xEnabled());
+        copy->enableXMin(grid.xMinEnabled());
+        copy->enableY(grid.yEnabled());
+        copy->enableYMin(grid.yMinEnabled());
+        copy->setVisible(grid.isVisible());
+        copy->setRenderHint(RenderAntialiased, grid.testRenderHint(RenderAntialiased));
+        copy.release()->attach(this);
     }
 
     void copyCurve(const QwtPlotCurve& curve)
