@@ -355,8 +355,11 @@ void TestDotLayer::curvesDrawThemselvesWhereTheLayerIsNotExact_data()
     });
     row("turned",
         [](Canvas& canvas) { canvas.prepare = [](QPainter& painter) { painter.rotate(20.0); }; });
-    row("half a place away", [](Canvas& canvas) {
+    row("half a place aside", [](Canvas& canvas) {
         canvas.prepare = [](QPainter& painter) { painter.translate(0.5, 0.0); };
+    });
+    row("half a place below", [](Canvas& canvas) {
+        canvas.prepare = [](QPainter& painter) { painter.translate(0.0, 0.5); };
     });
     row("faded", [](Canvas& canvas) {
         canvas.prepare = [](QPainter& painter) { painter.setOpacity(0.5); };

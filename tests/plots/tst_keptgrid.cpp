@@ -23,6 +23,7 @@ private slots:
     void pictureIsMadeOnceWhileNothingChanges();
     void changeIsShown_data();
     void changeIsShown();
+    void gridIsDrawnForItsScalesAndItsCanvas();
     void gridThatCanNotBeKeptIsDrawn_data();
     void gridThatCanNotBeKeptIsDrawn();
 
@@ -122,6 +123,41 @@ void TestKeptGrid::changeIsShown()
     change(*plot, *grid);
     QVERIFY(differingPixels(picture(), before) != 0);
     verifyPicture();
+}
+
+// A plot that aligns its scales to the canvas moves their ends while ticks and canvas stay.
+void TestKeptGrid::gridIsDrawnForItsScalesAndItsCanvas()
+{
+    picture();
+    struct Scale
+    {
+        double begin;
+        double end;
+    };
+    const auto drawn = [this](const Scale& x, const Scale& y, const QRectF& canvas, bool kept) {
+        const auto mapOf = [](const Scale& scale) {
+            QwtScaleMap map;
+            map.setScaleInterval(-5.0, 5.0);
+            map.setPaintInterval(scale.begin, scale.end);
+            return map;
+        };
+        QImage image(120, 100, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        if (kept)
+            grid->draw(&painter, mapOf(x), mapOf(y), canvas);
+        else
+            grid->QwtPlotGrid::draw(&painter, mapOf(x), mapOf(y), canvas);
+        return image;
+    };
+    const QRectF canvas(0.0, 0.0, 120.0, 100.0);
+    const auto verify = [&](const Scale& x, const Scale& y, const QRectF& rect) {
+        QCOMPARE(drawn(x, y, rect, true), drawn(x, y, rect, false));
+    };
+    verify({0.0, 120.0}, {100.0, 0.0}, canvas);
+    verify({5.0, 115.0}, {100.0, 0.0}, canvas);
+    verify({5.0, 115.0}, {90.0, 10.0}, canvas);
+    verify({5.0, 115.0}, {90.0, 10.0}, canvas.adjusted(20.0, 10.0, -30.0, -20.0));
 }
 
 void TestKeptGrid::gridThatCanNotBeKeptIsDrawn_data()
