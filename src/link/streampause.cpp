@@ -16,9 +16,13 @@ StreamStart StreamPause::resume(int fallbackRateHz)
 {
     if (!wasStreaming)
         return StreamStart::NotNeeded;
+    return startStreamAtRate(connection, rateToStart(rateHz, fallbackRateHz));
+}
+
+int rateToStart(int rateHz, int fallbackRateHz)
+{
     const bool neverAccepted = rateHz < 1;
-    const int rate = neverAccepted ? qMin(fallbackRateHz, command::maxSamplingRateHz) : rateHz;
-    return startStreamAtRate(connection, rate);
+    return neverAccepted ? qMin(fallbackRateHz, command::maxSamplingRateHz) : rateHz;
 }
 
 StreamStart startStreamAtRate(Connection& connection, int rateHz)

@@ -45,6 +45,10 @@ private:
     int rateHz;
 };
 
+/// The rate at which a stream is started that had `rateHz`: that, or the fallback, cut to what a
+/// connection accepts, if the connection never accepted one.
+int rateToStart(int rateHz, int fallbackRateHz);
+
 /// Sets the rate, starts the stream and takes the reply. The command carries `rateHz` also where
 /// the connection refuses to store it.
 StreamStart startStreamAtRate(Connection& connection, int rateHz);

@@ -45,7 +45,6 @@ MainWindow::MainWindow(QWidget* parent)
     wireDialogs();
     wireMenus();
     systemsView.enableControls(false);
-    disableWhatIsNotOffered();
     settingsDialog->loadConnection(QString());
     logMessage().debug() << "Finished constructing main window";
 }
@@ -126,7 +125,7 @@ void MainWindow::createDialogs()
                           },
                           [this] { return toolBar.samplingRateHz(); }},
                          this);
-    serviceDialog = new ServiceDialog(this);
+    serviceDialog = new ServiceDialog([this] { return toolBar.samplingRateHz(); }, this);
     dataLoggerDialog = new DataLoggerDialog(this);
     settingsDialog = new SettingsDialog(*this, this);
     informationDialog = new InformationDialog(this);
@@ -237,6 +236,7 @@ void MainWindow::wireDialogs()
             &DataLoggerDialog::setSaveRate);
     connect(&recording, &LiveRecording::failed, this, &MainWindow::tellRecordingFailed);
     connect(paramsDialog, &ParamsDialog::errorStream, this, &MainWindow::errorStreamStart);
+    connect(serviceDialog, &ServiceDialog::baudRateChanged, this, &MainWindow::onBaudRateChanged);
     connect(&axisDialogs, &AxisDialogs::valuesChosen, this, &MainWindow::rescaleAxis);
     connect(&axisDialogs, &AxisDialogs::timesChosen, this, &MainWindow::rescaleTimeAxis);
 
@@ -267,9 +267,4 @@ void MainWindow::wireMenus()
             &MainWindow::showAboutSoftwareDialog);
     connect(ui->actionSoftware, &QAction::triggered, this, &MainWindow::showUserManualSoftware);
     connect(ui->actionLumetra, &QAction::triggered, this, &MainWindow::showUserManualHardware);
-}
-
-void MainWindow::disableWhatIsNotOffered()
-{
-    findChild<QAction*>(QStringLiteral("actionOperation_Tests"))->setEnabled(false);
 }

@@ -173,9 +173,9 @@ private:
     void wireOverview();
     void wireDialogs();
     void wireMenus();
-    void disableWhatIsNotOffered();
 
     void onSystemClosed(int index, const Connection* connection);
+    void onBaudRateChanged(const Connection* connection);
     void showSystem(const Connection* connection, bool show);
     /// For the parameter dialog, of a registered connection.
     SystemState stateOf(const Connection& connection) const;

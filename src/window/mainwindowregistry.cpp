@@ -66,12 +66,19 @@ bool MainWindow::closeConnection(const Connection* connection)
 
 void MainWindow::onSystemClosed(int, const Connection* connection)
 {
-    if (serviceDialog->connection() == connection)
-        serviceDialog->setConnection(nullptr);
+    serviceDialog->forget(connection);
     recorder.forget(connection);
     paramsDialog->removeDetectors(connection);
     // Whoever saves before the next tick needs the overview to know the same systems.
     connectionOverviewDialog->update(systems.statuses());
+}
+
+void MainWindow::onBaudRateChanged(const Connection* connection)
+{
+    displayTick.limitRatesToLines();
+    // Its port was refused: nobody else tells, as it was not up when its thread ended.
+    if (!connection->isRunning())
+        settingsDialog->onLinkLost(connection);
 }
 
 void MainWindow::relabelConnection(const Connection* connection, const QString& label)
@@ -108,6 +115,9 @@ bool MainWindow::updateSettingsAndParameters(QList<ConnectionSettings>& settings
         settings[i].colorY = toName(system.status.colorY);
         settings[i].colorI = toName(system.status.colorI);
         system.detectors->copyTo(settings[i]);
+        // At any other rate the next start would not reach the controller.
+        if (settings[i].type == ConnectionType::Serial)
+            settings[i].baudRateOrPort = system.connection->portOrBaud();
         settings[i].position = order[i];
     }
     updateTimer.start();

@@ -252,7 +252,7 @@ void MainWindow::showServiceDialog()
     const LiveSystem* system = systems.current();
     if (!system)
         return;
-    serviceDialog->setConnection(system->connection.get());
+    serviceDialog->setConnection(*system->connection);
     showOnTop(*serviceDialog);
 }
 

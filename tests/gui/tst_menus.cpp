@@ -43,6 +43,7 @@ constexpr Opening dialogs[] = {
     {"actionConfiguration", "System Configuration"},
     {"actionOpenDataLog", "Data recording"},
     {"actionAbout_the_Software", "About this software"},
+    {"actionOperation_Tests", "Operation Tests Qor-Digital"},
 };
 
 /// Entries that say in a box that a file is missing, as it is beside this test.

@@ -188,6 +188,12 @@ void takeOtherDialogs(MainWindow& window, const WindowHand& hand)
     });
     takeDialog(window, hand, "connections", entry("actionSetup"),
                [](QDialog& dialog) { dialog.findChild<QTabWidget*>()->setCurrentIndex(1); });
+    takeDialog(window, hand, "service", entry("actionOperation_Tests"), [](QDialog& dialog) {
+        for (const char* test : {"buttonGAS", "buttonS1S", "buttonSDA_1x"}) {
+            dialog.findChild<QAbstractButton*>(test)->click();
+            QTest::qWait(dialogMs);
+        }
+    });
     takeDialog(window, hand, "about", entry("actionAbout_the_Software"));
 }
 
