@@ -66,11 +66,11 @@ struct Surface
 
 } // namespace
 
+// No two curves have samples of the same generation.
 bool DotLayer::Painted::continuesAs(const Member& now) const
 {
-    return member.curve == now.curve && isSameScale(member.xMap, now.xMap)
-           && isSameScale(member.yMap, now.yMap) && generation == now.curve->samples().generation()
-           && look == DotLook::of(*now.curve);
+    return generation == now.curve->samples().generation() && isSameScale(member.xMap, now.xMap)
+           && isSameScale(member.yMap, now.yMap) && look == DotLook::of(*now.curve);
 }
 
 DotLayer::DotLayer(std::size_t sliceLength)
