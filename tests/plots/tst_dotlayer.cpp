@@ -130,6 +130,7 @@ private slots:
     void changeBeginsThePictureAnew();
     void marksAloneAreThoseOfTheLibrary_data();
     void marksAloneAreThoseOfTheLibrary();
+    void pictureFollowsAPlaceBetweenPixels();
     void curveWithoutEllipsesShowsItsMarks();
     void fewDotsAreDrawnByTheCurves();
     void curvesDrawThemselvesWhereTheLayerIsNotExact_data();
@@ -300,6 +301,21 @@ void TestDotLayer::marksAloneAreThoseOfTheLibrary()
                 canvas.append(0, QPointF(x, y));
         }
         QCOMPARE(canvas.paint(), canvas.ordinary());
+    }
+}
+
+// A step aside by one place is a step by a pixel and a quarter.
+void TestDotLayer::pictureFollowsAPlaceBetweenPixels()
+{
+    Canvas canvas(2);
+    canvas.ratio = 1.25;
+    canvas.appendDots(0, manyDots);
+    canvas.appendDots(1, manyDots);
+    canvas.paint();
+    for (const QPointF& step : {QPointF(1.0, 0.0), QPointF(1.0, 2.0), QPointF(0.0, 3.0)}) {
+        canvas.prepare = [step](QPainter& painter) { painter.translate(step); };
+        QCOMPARE(canvas.paint(), canvas.ordinary());
+        QCOMPARE(canvas.layer.dotsAdded(), std::size_t(2 * manyDots));
     }
 }
 
