@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <limits>
 
 namespace {
 
@@ -77,8 +78,21 @@ SystemRecord* Recorder::recordOf(const Connection* connection) const
     return nullptr;
 }
 
+bool Recorder::isBehind() const
+{
+    return std::any_of(systems.begin(), systems.end(),
+                       [](const System& system) { return system.record->isBehind(); });
+}
+
+void Recorder::form(std::size_t most)
+{
+    for (const System& system : systems)
+        most -= system.record->form(most);
+}
+
 std::optional<RecordFailure> Recorder::flush(qint64 nowMs)
 {
+    form(linesPerTurn);
     if (flushedMs && nowMs - *flushedMs < flushPeriodMs)
         return std::nullopt;
     flushedMs = nowMs;
@@ -89,6 +103,7 @@ std::optional<RecordFailure> Recorder::flush(qint64 nowMs)
 
 std::optional<RecordFailure> Recorder::stop()
 {
+    form(std::numeric_limits<std::size_t>::max());
     for (const System& system : systems)
         system.record->file().close();
     const std::optional<RecordFailure> failure = newFailure();

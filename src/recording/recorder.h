@@ -19,6 +19,9 @@ public:
     /// A crash loses what was taken since the last flush. That stays well below a second, also
     /// where a tick comes late.
     static constexpr qint64 flushPeriodMs = 250;
+    /// Half a millisecond of work, and ten times what 50 systems send between two usual ticks. A
+    /// tick that comes late brings a hundred times as much, which would hold up the window.
+    static constexpr std::size_t linesPerTurn = 2500;
 
     Recorder() = default;
     ~Recorder();
@@ -36,10 +39,13 @@ public:
     /// system is not recorded.
     SystemRecord* recordOf(const Connection* connection) const;
 
-    /// Writes what was taken, if it is time. Called at every tick, also without new samples.
-    /// `nowMs` is of any clock that only moves forward. Returns what failed, once for a recording,
-    /// which should then be stopped.
+    /// Forms the lines of what was taken, up to `linesPerTurn`, and writes lines if it is time.
+    /// Called at every tick, also without new samples, and again while it is behind. `nowMs` is of
+    /// any clock that only moves forward. Returns what failed, once for a recording, which should
+    /// then be stopped.
     std::optional<RecordFailure> flush(qint64 nowMs);
+    /// Whether samples were taken whose lines are not formed yet.
+    bool isBehind() const;
 
     /// Writes the rest and closes all files. Returns a failure that was not returned before.
     std::optional<RecordFailure> stop();
@@ -58,6 +64,7 @@ private:
     std::unique_ptr<SystemRecord> open(const QString& path, const RecordableSystem& system,
                                        const RecordRates& rates, SystemRecord::Counting counting,
                                        const QDateTime& now) const;
+    void form(std::size_t most);
     std::optional<RecordFailure> newFailure();
 
     std::vector<System> systems;

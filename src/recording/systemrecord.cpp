@@ -2,6 +2,8 @@
 
 #include "recording/recordtext.h"
 
+#include <algorithm>
+
 SystemRecord::SystemRecord(const QString& path, const DetectorPair& currentDetectors,
                            int saveDivider, Counting sampleCounting, const QDateTime& start)
     : recordFile(path)
@@ -25,7 +27,23 @@ void SystemRecord::take(const MeasureSample& sample, const SamplePlace& place)
         startTimeMs = sample.timeMs;
         isFirstLine = false;
     }
-    recordtext::appendLine(recordFile.lines(), sample.timeMs - startTimeMs, sample, detectors);
+    kept.push_back(sample);
+}
+
+std::size_t SystemRecord::form(std::size_t most)
+{
+    // What a file that has failed would have got is nobody's.
+    const std::size_t wanted = recordFile.isOpen() ? kept.size() - formed : 0;
+    const std::size_t count = std::min(most, wanted);
+    for (const std::size_t end = formed + count; formed < end; ++formed) {
+        const MeasureSample& sample = kept[formed];
+        recordtext::appendLine(recordFile.lines(), sample.timeMs - startTimeMs, sample, detectors);
+    }
+    if (!isBehind() || !recordFile.isOpen()) {
+        kept.clear();
+        formed = 0;
+    }
+    return count;
 }
 
 /// The recording of one system alone counts only while that system is displayed last: elsewhere it

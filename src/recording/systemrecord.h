@@ -4,6 +4,8 @@
 #include "model/measuresample.h"
 #include "recording/recordfile.h"
 
+#include <vector>
+
 class QDateTime;
 
 /// What a sample does not say of itself.
@@ -28,8 +30,12 @@ public:
     SystemRecord(const QString& path, const DetectorPair& detectors, int divider, Counting counting,
                  const QDateTime& start);
 
-    /// Saves the sample if it is due. Writes nothing to the file yet, so that a tick does not wait.
+    /// Keeps the sample if it is due. Its line is not formed yet, so that a tick does not wait.
     void take(const MeasureSample& sample, const SamplePlace& place);
+    /// Forms the lines of kept samples, at most so many and the oldest first. Returns how many.
+    std::size_t form(std::size_t most);
+    /// Whether kept samples wait for their lines.
+    bool isBehind() const { return formed < kept.size(); }
 
     RecordFile& file() { return recordFile; }
     const RecordFile& file() const { return recordFile; }
@@ -45,4 +51,7 @@ private:
     qint64 counter;
     bool isFirstLine = true;
     quint64 startTimeMs = 0;
+    std::vector<MeasureSample> kept;
+    /// How many of the kept samples have their lines.
+    std::size_t formed = 0;
 };

@@ -33,6 +33,8 @@ LiveRecording::LiveRecording(LiveSystems& liveSystems, MonitorToolBar& bar, Acqu
 {
     // What is planned behind a question is of the systems that were there before it.
     connect(&systems, &LiveSystems::closed, this, [this] { isAsking = false; });
+    catchUp.setSingleShot(true);
+    connect(&catchUp, &QTimer::timeout, this, &LiveRecording::flush);
 }
 
 void LiveRecording::start(const QString& fileName, bool everySystem, int saveRateHz)
@@ -119,4 +121,6 @@ void LiveRecording::flush()
         emit endWanted();
         emit failed(*failure);
     }
+    if (recorder.isBehind())
+        catchUp.start();
 }

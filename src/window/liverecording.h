@@ -3,6 +3,7 @@
 #include "recording/recorder.h"
 
 #include <QObject>
+#include <QTimer>
 
 #include <functional>
 
@@ -32,7 +33,8 @@ public:
     void end();
     /// Whether a recording runs or its questions are asked.
     bool isOngoing() const { return isAsking || recorder.isRecording(); }
-    /// Behind each tick: what was recorded reaches the disk. A failure ends the recording.
+    /// Behind each tick: what was recorded reaches the disk, a late tick's many samples by turns
+    /// between the events of the window. A failure ends the recording.
     void flush();
 
 signals:
@@ -57,4 +59,6 @@ private:
     Recorder& recorder;
     Question mayOverwrite;
     bool isAsking = false;
+    /// Fires as long as the recorder is behind.
+    QTimer catchUp;
 };

@@ -169,8 +169,10 @@ void recordTick(benchmark::State& state)
             for (const MeasureSample& sample : samples)
                 record->take(sample, {true, false});
         }
-        nowMs += Recorder::flushPeriodMs;
-        good = good && !recorder.flush(nowMs);
+        do {
+            nowMs += Recorder::flushPeriodMs;
+            good = good && !recorder.flush(nowMs);
+        } while (recorder.isBehind());
         // The files must not fill the disk.
         state.PauseTiming();
         good = good && start();

@@ -102,6 +102,7 @@ void recordRegularly(const QString& path, const ConnectionSettings& settings,
         record.take(sample, {true, false});
         sample.timeMs += periodMs;
     }
+    record.form(std::size_t(samples.size()));
 }
 
 /// The names of the columns.

@@ -60,6 +60,9 @@ private slots:
     void detectorsThatChangeDoNotContradictTheHeader();
     void aClockThatWasSetBackGivesTimesAsTheyCome();
 
+    void linesOfALateTickAreFormedByTurns();
+    void whatIsBehindAtTheStopIsRecorded();
+
     void systemsThatWentBehindTheQuestionsAreLeftOut();
     void withoutASystemNothingRuns();
     void aSecondStartEndsTheFirst();
@@ -397,6 +400,39 @@ void TestRecorder::systemsThatWentBehindTheQuestionsAreLeftOut()
     QCOMPARE(QDir(bench->folder.path()).entryList(QDir::Files), QStringList("run_B.csv"));
     QVERIFY(!bench->recorder.recordOf(RecordBench::connection(0)));
     QVERIFY(!bench->recorder.recordOf(RecordBench::connection(2)));
+}
+
+void TestRecorder::linesOfALateTickAreFormedByTurns()
+{
+    constexpr int many = 2000;
+    constexpr int turn = int(Recorder::linesPerTurn);
+    QVERIFY(!bench->startAll({0, 1}, everySample));
+    bench->take(0, many);
+    bench->take(1, many);
+    QVERIFY(!bench->recorder.flush(0));
+    QVERIFY(bench->recorder.isBehind());
+    QCOMPARE(bench->numbers("run_A.csv").size(), many);
+    QCOMPARE(bench->numbers("run_B.csv").size(), turn - many);
+    QVERIFY(!bench->recorder.flush(Recorder::flushPeriodMs));
+    QVERIFY(!bench->recorder.isBehind());
+    QCOMPARE(bench->numbers("run_B.csv").size(), many);
+    for (const char* name : {"run_A.csv", "run_B.csv"}) {
+        QCOMPARE(bench->numbers(name).last(), many);
+        QVERIFY(bench->lines(name).last().startsWith(QByteArray::number(2 * (many - 1)) + '\t'));
+    }
+}
+
+void TestRecorder::whatIsBehindAtTheStopIsRecorded()
+{
+    constexpr int many = int(Recorder::linesPerTurn) + 10;
+    QVERIFY(!bench->startAll({0}, everySample));
+    bench->take(0, many);
+    QVERIFY(!bench->recorder.flush(0));
+    QVERIFY(bench->recorder.isBehind());
+    bench->take(0, 1);
+    QVERIFY(!bench->recorder.stop());
+    QCOMPARE(bench->numbers("run_A.csv").size(), many + 1);
+    QCOMPARE(bench->numbers("run_A.csv").last(), many + 1);
 }
 
 void TestRecorder::withoutASystemNothingRuns()

@@ -110,6 +110,7 @@ private slots:
     void saveRateIsCutToTheSamplingRate();
     void lowerSaveRateStays();
     void samplesOfTheTickAreRecorded();
+    void lateTickIsCaughtUpBetweenEvents();
     void sampleThatEndsARunIsNotRecorded();
     void allQuestionsComeBeforeAnyFile();
     void refusalLeavesEveryFileWhole();
@@ -229,6 +230,21 @@ void TestLiveRecording::samplesOfTheTickAreRecorded()
     QCOMPARE(bench->linesOf("run_A.csv").size(), 3);
     QCOMPARE(bench->linesOf("run_B.csv").size(), 2);
     QVERIFY(bench->linesOf("run_A.csv").at(1).startsWith("10\t"));
+}
+
+void TestLiveRecording::lateTickIsCaughtUpBetweenEvents()
+{
+    constexpr int most = 501;
+    QList<int> counts;
+    for (const char* label : {"A", "B", "C", "D", "E", "F"}) {
+        bench->addNamed(label);
+        counts.append(most);
+    }
+    bench->recording.start(bench->path("run.csv"), true, 500);
+    bench->tick(counts);
+    bench->recording.flush();
+    QVERIFY(bench->recorder.isBehind());
+    QTRY_VERIFY(!bench->recorder.isBehind());
 }
 
 void TestLiveRecording::sampleThatEndsARunIsNotRecorded()
