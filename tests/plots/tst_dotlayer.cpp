@@ -312,7 +312,8 @@ void TestDotLayer::pictureFollowsAPlaceBetweenPixels()
     canvas.appendDots(0, manyDots);
     canvas.appendDots(1, manyDots);
     canvas.paint();
-    for (const QPointF& step : {QPointF(1.0, 0.0), QPointF(1.0, 2.0), QPointF(0.0, 3.0)}) {
+    for (const QPointF& step :
+         {QPointF(1.0, 0.0), QPointF(2.0, 0.0), QPointF(2.0, 1.0), QPointF(2.0, 2.0)}) {
         canvas.prepare = [step](QPainter& painter) { painter.translate(step); };
         QCOMPARE(canvas.paint(), canvas.ordinary());
         QCOMPARE(canvas.layer.dotsAdded(), std::size_t(2 * manyDots));
