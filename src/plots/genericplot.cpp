@@ -1,12 +1,12 @@
 #include "plots/genericplot.h"
 
+#include "plots/keptgrid.h"
 #include "plots/zoomer.h"
 
 #include <QFont>
 #include <QPainterPath>
 #include <QPen>
 #include <qwt_plot_canvas.h>
-#include <qwt_plot_grid.h>
 #include <qwt_plot_layout.h>
 #include <qwt_plot_shapeitem.h>
 
@@ -55,7 +55,7 @@ QSize GenericPlot::sizeHint() const
 
 void GenericPlot::attachGrid()
 {
-    auto grid = std::make_unique<QwtPlotGrid>();
+    auto grid = std::make_unique<KeptGrid>();
     const QPen pen(Qt::gray, 0.0, Qt::DotLine);
     grid->setMajorPen(pen);
     grid->setMinorPen(pen);
@@ -111,6 +111,7 @@ void GenericPlot::addMidLine(const QString& title, const QRectF& line)
     item->setShape(path);
     item->setPen(Qt::darkGray, 1.0);
     item.release()->attach(this);
+    setChanged();
 }
 
 void GenericPlot::disableZoomer()

@@ -1,46 +1,61 @@
 #include "plots/incrementalplot.h"
 
-#include "plots/curvedata.h"
+#include "plots/dotcurve.h"
+#include "plots/dotlayer.h"
 
 #include <QBrush>
 #include <QPen>
 #include <qwt_painter.h>
-#include <qwt_plot_curve.h>
+#include <qwt_plot_canvas.h>
 #include <qwt_symbol.h>
-
-#include <memory>
 
 namespace {
 
 const QColor initialColor(0, 0, 254);
 
-/// Every curve of the plot was given a CurveData when it was made.
-CurveData& dataOf(QwtPlotCurve& curve)
+/// The visible curves from the lowest to the highest; none if something else is drawn between them.
+std::vector<DotLayer::Member> adjoiningCurves(const QwtPlot& plot, const QwtScaleMap* maps)
 {
-    return *static_cast<CurveData*>(curve.data());
+    std::vector<DotLayer::Member> members;
+    bool isInterrupted = false;
+    for (const QwtPlotItem* item : plot.itemList()) {
+        if (!item->isVisible())
+            continue;
+        const auto* curve = dynamic_cast<const DotCurve*>(item);
+        if (curve && isInterrupted)
+            return {};
+        if (curve)
+            members.push_back({curve, maps[curve->xAxis()], maps[curve->yAxis()]});
+        else
+            isInterrupted = !members.empty();
+    }
+    return members;
 }
 
 } // namespace
 
 IncrementalPlot::IncrementalPlot(QWidget* parent)
     : QwtPlot(parent)
+    , layer(std::make_unique<DotLayer>())
 {
     if (QwtPainter::isX11GraphicsSystem())
         canvas()->setAttribute(Qt::WA_PaintOnScreen, true);
     setAutoReplot(false);
+    // Behind all that waits already, so that a long history stops neither painting nor input.
+    connect(layer.get(), &DotLayer::incomplete, this, &IncrementalPlot::replotCanvas,
+            Qt::QueuedConnection);
 }
+
+IncrementalPlot::~IncrementalPlot() = default;
 
 bool IncrementalPlot::addCurve(int index)
 {
-    if (index < 0 || index > curves.size())
+    if (index < 0 || index > curveCount())
         return false;
 
-    auto curve = std::make_unique<QwtPlotCurve>(QString::number(curves.size()));
-    curve->setData(new CurveData); // owned by the curve
-    curve->setStyle(QwtPlotCurve::Dots);
+    auto curve = std::make_unique<DotCurve>(QString::number(curveCount()), *layer);
     curve->attach(this);
-    curves.insert(index, curve.release());
-    colors.insert(index, initialColor);
+    curves.insert(curves.begin() + index, {curve.release(), initialColor, true});
     return true;
 }
 
@@ -49,61 +64,73 @@ bool IncrementalPlot::addCurves(int count)
     if (count < 0)
         return false;
     for (int i = 0; i < count; ++i)
-        addCurve(curves.size());
+        addCurve(curveCount());
     return true;
 }
 
 bool IncrementalPlot::removeCurve(int index)
 {
-    if (index >= curves.size())
+    if (index >= curveCount())
         return false;
     if (index < 0)
         return true;
-    curves.removeAt(index);
-    colors.removeAt(index);
+    curves.erase(curves.begin() + index);
     return true;
 }
 
 void IncrementalPlot::setCurveColor(const QColor& color, int index)
 {
-    if (index < 0 || index >= colors.size())
+    if (!hasCurve(index))
         return;
-    colors[index] = color;
+    IndexedCurve& curve = curves[std::size_t(index)];
+    curve.color = color;
+    curve.mayLookOld = true;
 }
 
+void IncrementalPlot::setSymbolSize(const QSize& size)
+{
+    symbolSize = size;
+    for (IndexedCurve& curve : curves)
+        curve.mayLookOld = true;
+}
+
+// This runs for every sample and each of its curves, so it stays short.
 void IncrementalPlot::appendData(const int& index, const QPointF& point)
 {
-    if (index < 0 || index >= curves.size())
+    if (!hasCurve(index))
         return;
 
-    CurveData& samples = dataOf(*curves.at(index));
+    IndexedCurve& curve = curves[std::size_t(index)];
+    CurveData& samples = curve.item->samples();
     samples.append(point);
-    updateSymbol(index);
+    hasNewPoints = true;
+    if (curve.mayLookOld)
+        updateSymbol(curve);
     if (!keepAllPoints && samples.size() > maxPoints)
         samples.removeOldest();
 }
 
-// This runs for every sample, so a new symbol is made only if size or colour differ.
-void IncrementalPlot::updateSymbol(int index)
+// A new symbol is made only if size or colour differ: it costs as much as a hundred points.
+void IncrementalPlot::updateSymbol(IndexedCurve& curve) const
 {
-    QwtPlotCurve& curve = *curves.at(index);
-    const QColor& color = colors.at(index);
-    const QwtSymbol* shown = curve.symbol();
-    if (shown && shown->size() == symbolSize && shown->brush().color() == color)
+    curve.mayLookOld = false;
+    const QwtSymbol* shown = curve.item->symbol();
+    if (shown && shown->size() == symbolSize && shown->brush().color() == curve.color)
         return;
-    curve.setSymbol(new QwtSymbol(QwtSymbol::Ellipse, QBrush(color), QPen(color), symbolSize));
+    curve.item->setSymbol(
+        new QwtSymbol(QwtSymbol::Ellipse, QBrush(curve.color), QPen(curve.color), symbolSize));
 }
 
 void IncrementalPlot::clearCurve(int index)
 {
-    dataOf(*curves.at(index)).clear();
+    curves[std::size_t(index)].item->samples().clear();
     replot();
 }
 
 void IncrementalPlot::clearAllCurves()
 {
-    for (QwtPlotCurve* curve : qAsConst(curves))
-        dataOf(*curve).clear();
+    for (const IndexedCurve& curve : curves)
+        curve.item->samples().clear();
     replot();
 }
 
@@ -115,7 +142,50 @@ void IncrementalPlot::setKeepAllPoints(bool keep)
     replot();
 }
 
+void IncrementalPlot::setAxisScale(int axis, double min, double max, double stepSize)
+{
+    QwtPlot::setAxisScale(axis, min, max, stepSize);
+    hasNewScales = true;
+}
+
+void IncrementalPlot::replotIfChanged()
+{
+    if (hasNewScales) {
+        replot();
+    } else if (hasNewPoints) {
+        hasNewPoints = false;
+        replotCanvas();
+        emit replotted();
+    }
+}
+
+void IncrementalPlot::replot()
+{
+    hasNewPoints = false;
+    hasNewScales = false;
+    QwtPlot::replot();
+    emit replotted();
+}
+
+const QwtPlotCurve& IncrementalPlot::curve(int index) const
+{
+    return *curves.at(std::size_t(index)).item;
+}
+
 const CurveData& IncrementalPlot::curveData(int index) const
 {
-    return dataOf(*curves.at(index));
+    return curves.at(std::size_t(index)).item->samples();
+}
+
+void IncrementalPlot::drawItems(QPainter* painter, const QRectF& canvasRect,
+                                const QwtScaleMap maps[axisCnt]) const
+{
+    layer->beginPicture(*painter, canvasRect, adjoiningCurves(*this, maps));
+    QwtPlot::drawItems(painter, canvasRect, maps);
+    layer->endPicture();
+}
+
+void IncrementalPlot::replotCanvas()
+{
+    static_cast<QwtPlotCanvas*>(canvas())->replot();
 }

@@ -1,12 +1,16 @@
 #pragma once
 
 #include <QColor>
-#include <QList>
 #include <QPointF>
 #include <QSize>
 #include <qwt_plot.h>
 
+#include <memory>
+#include <vector>
+
 class CurveData;
+class DotCurve;
+class DotLayer;
 class QwtPlotCurve;
 
 /// A plot of dot curves that are addressed by index and grow point by point. Appending paints
@@ -21,6 +25,7 @@ public:
     static constexpr int maxPoints = 10;
 
     explicit IncrementalPlot(QWidget* parent);
+    ~IncrementalPlot() override;
 
     /// Inserts an empty curve at `index`, 0 to `curveCount()`; false for any other index.
     bool addCurve(int index);
@@ -34,7 +39,7 @@ public:
     /// The colour that the curve takes on with its next appended point.
     void setCurveColor(const QColor& color, int index);
     /// The size in pixels that each curve's dots take on with its next appended point.
-    void setSymbolSize(const QSize& size) { symbolSize = size; }
+    void setSymbolSize(const QSize& size);
 
     /// Adds a point; an index without a curve is ignored. Nothing is repainted.
     void appendData(const int& index, const QPointF& point);
@@ -44,18 +49,51 @@ public:
     /// False holds each curve to its newest `maxPoints` samples, and empties all curves first.
     void setKeepAllPoints(bool keep);
 
-    int curveCount() const { return curves.size(); }
+    /// As that of the library, which it hides; `replotIfChanged` draws the scales anew after it.
+    void setAxisScale(int axis, double min, double max, double stepSize = 0.0);
+    /// Replots if points or scales came since the last replot: the canvas alone, unless scales did.
+    void replotIfChanged();
+
+    int curveCount() const { return int(curves.size()); }
     bool keepsAllPoints() const { return keepAllPoints; }
-    const QwtPlotCurve& curve(int index) const { return *curves.at(index); }
+    const QwtPlotCurve& curve(int index) const;
     const CurveData& curveData(int index) const;
-    QColor curveColor(int index) const { return colors.at(index); }
+    QColor curveColor(int index) const { return curves.at(std::size_t(index)).color; }
+    /// What the dots were painted to.
+    const DotLayer& dotLayer() const { return *layer; }
+
+    void drawItems(QPainter* painter, const QRectF& canvasRect,
+                   const QwtScaleMap maps[axisCnt]) const override;
+
+public slots:
+    void replot() override;
+
+signals:
+    /// Emitted by every replot that was asked for, of the canvas alone, too.
+    void replotted();
+
+protected:
+    /// For changes that `replotIfChanged` does not see by itself.
+    void setChanged() { hasNewScales = true; }
 
 private:
-    void updateSymbol(int index);
+    struct IndexedCurve
+    {
+        /// Owned by the plot as an attached item.
+        DotCurve* item;
+        QColor color;
+        /// Whether colour or size may have changed since the last point.
+        bool mayLookOld;
+    };
 
-    /// Owned by the plot as attached items.
-    QList<QwtPlotCurve*> curves;
-    QList<QColor> colors;
+    bool hasCurve(int index) const { return index >= 0 && index < curveCount(); }
+    void updateSymbol(IndexedCurve& curve) const;
+    void replotCanvas();
+
+    std::unique_ptr<DotLayer> layer;
+    std::vector<IndexedCurve> curves;
     bool keepAllPoints = false;
+    bool hasNewPoints = false;
+    bool hasNewScales = false;
     QSize symbolSize = QSize(2, 2);
 };

@@ -186,7 +186,7 @@ void StagePlots::resetPointingZoom()
 
 void StagePlots::replot()
 {
-    positionPlot->replot();
-    intensityPlot->replot();
-    pointingPlot->replot();
+    positionPlot->replotIfChanged();
+    intensityPlot->replotIfChanged();
+    pointingPlot->replotIfChanged();
 }

@@ -75,6 +75,7 @@ public:
     /// Gives the position plot its usual look and axes.
     void dressPositionPlot();
 
+    /// Replots those that have new points, scales or lines.
     void replot();
 
 private:

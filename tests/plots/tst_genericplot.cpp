@@ -80,6 +80,7 @@ private slots:
 
     void crossHairsAreTwoDarkGreyLinesOverTheRange();
     void midLineOfNoHeightShowsOnThePlot();
+    void midLineIsShownWithTheNextChange();
     void smallerRangeLeavesTheLongerMidLines();
     void rangeSetsAllAxesAndTheZoomBase();
 
@@ -223,6 +224,16 @@ void TestGenericPlot::midLineOfNoHeightShowsOnThePlot()
     plot.show();
     QVERIFY(QTest::qWaitForWindowExposed(&plot));
     QVERIFY(pixelsOf(Qt::darkGray, plot.canvas()->grab().toImage()) > 100);
+}
+
+void TestGenericPlot::midLineIsShownWithTheNextChange()
+{
+    GenericPlot plot(nullptr);
+    plot.replot();
+    const ReplotCounter replots(plot);
+    plot.addMidLine(horizontal, QRectF(0.0, 2.5, 10000.0, 0.0));
+    plot.replotIfChanged();
+    QCOMPARE(replots.count, 1);
 }
 
 // Mid-lines of earlier ranges are never removed.

@@ -22,6 +22,35 @@ public:
     int replots = 0;
 };
 
+/// Sees how often scales and canvas of a plot are replotted.
+class ChangeCounter final
+{
+public:
+    explicit ChangeCounter(IncrementalPlot& plot)
+    {
+        scales.setItemInterest(QwtPlotItem::ScaleInterest);
+        scales.attach(&plot);
+        scales.count = 0;
+        QObject::connect(&plot, &IncrementalPlot::replotted, &context, [this] { ++replots; });
+    }
+
+    int replots = 0;
+    int scaleReplots() const { return scales.count; }
+
+private:
+    struct Scales final : QwtPlotItem
+    {
+        void updateScaleDiv(const QwtScaleDiv&, const QwtScaleDiv&) override { ++count; }
+        void draw(QPainter*, const QwtScaleMap&, const QwtScaleMap&, const QRectF&) const override
+        {}
+
+        int count = 0;
+    };
+
+    Scales scales;
+    QObject context;
+};
+
 void appendRamp(IncrementalPlot& plot, int curve, int first, int last)
 {
     for (int i = first; i <= last; ++i)
@@ -69,6 +98,11 @@ private slots:
     void colourWithoutCurveIsIgnored();
     void symbolSizeReachesTheCurveWithTheNextPoint();
     void symbolStaysWhileNothingAboutItChanges();
+
+    void plotWithoutChangesIsNotReplotted();
+    void newPointsReplotTheCanvasAlone();
+    void newScaleIsShownWithTheScales();
+    void replotShowsAllThatIsNew();
 
     void clearingOneCurveLeavesTheOthersAndReplotsOnce();
     void clearingAllCurvesReplotsOnce();
@@ -317,6 +351,58 @@ void TestIncrementalPlot::symbolStaysWhileNothingAboutItChanges()
     const QwtSymbol* symbol = plot.curve(0).symbol();
     appendRamp(plot, 0, 2, 50);
     QCOMPARE(plot.curve(0).symbol(), symbol);
+}
+
+void TestIncrementalPlot::plotWithoutChangesIsNotReplotted()
+{
+    IncrementalPlot plot(nullptr);
+    plot.addCurve(0);
+    appendRamp(plot, 0, 1, 3);
+    plot.replot();
+    const ChangeCounter changes(plot);
+    plot.replotIfChanged();
+    plot.setCurveColor(Qt::red, 0);
+    plot.replotIfChanged();
+    QCOMPARE(changes.replots, 0);
+}
+
+void TestIncrementalPlot::newPointsReplotTheCanvasAlone()
+{
+    IncrementalPlot plot(nullptr);
+    plot.addCurve(0);
+    plot.replot();
+    const ChangeCounter changes(plot);
+    appendRamp(plot, 0, 1, 3);
+    plot.replotIfChanged();
+    plot.replotIfChanged();
+    QCOMPARE(changes.replots, 1);
+    QCOMPARE(changes.scaleReplots(), 0);
+}
+
+void TestIncrementalPlot::newScaleIsShownWithTheScales()
+{
+    IncrementalPlot plot(nullptr);
+    plot.addCurve(0);
+    plot.replot();
+    const ChangeCounter changes(plot);
+    plot.setAxisScale(QwtPlot::xBottom, 3.0, 4.0);
+    plot.replotIfChanged();
+    plot.replotIfChanged();
+    QCOMPARE(changes.replots, 1);
+    QCOMPARE(changes.scaleReplots(), 1);
+    QCOMPARE(plot.axisInterval(QwtPlot::xBottom), QwtInterval(3.0, 4.0));
+}
+
+void TestIncrementalPlot::replotShowsAllThatIsNew()
+{
+    IncrementalPlot plot(nullptr);
+    plot.addCurve(0);
+    appendRamp(plot, 0, 1, 3);
+    plot.setAxisScale(QwtPlot::xBottom, 3.0, 4.0);
+    plot.replot();
+    const ChangeCounter changes(plot);
+    plot.replotIfChanged();
+    QCOMPARE(changes.replots, 0);
 }
 
 void TestIncrementalPlot::clearingOneCurveLeavesTheOthersAndReplotsOnce()

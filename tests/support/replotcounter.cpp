@@ -1,9 +1,9 @@
 #include "support/replotcounter.h"
 
-ReplotCounter::ReplotCounter(QwtPlot& plot)
+#include "plots/incrementalplot.h"
+
+ReplotCounter::ReplotCounter(IncrementalPlot& plot)
 {
-    // Each replot tells the scales to the items that are interested in them.
-    setItemInterest(QwtPlotItem::ScaleInterest);
     attach(&plot);
-    count = 0;
+    QObject::connect(&plot, &IncrementalPlot::replotted, &context, [this] { ++count; });
 }
