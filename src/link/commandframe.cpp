@@ -30,6 +30,21 @@ CommandFrame statusRequest()
     return frame("GSF", {}, statusFlagsReplyLength);
 }
 
+CommandFrame stop()
+{
+    return frame("CLS", {}, statusReplyLength);
+}
+
+CommandFrame identityRequest()
+{
+    return frame("GID", {}, idReplyLength);
+}
+
+CommandFrame labelling(const QByteArray& labelArgument)
+{
+    return frame("SLA", labelArgument, statusReplyLength);
+}
+
 QByteArray stageArgument(Stage stage)
 {
     QByteArray bytes(1, static_cast<char>(stage));

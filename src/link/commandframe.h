@@ -41,6 +41,12 @@ CommandFrame frame(const char* mnemonic, const QByteArray& argument, int answerL
 
 /// `GSF;`, which asks for the status flags.
 CommandFrame statusRequest();
+/// `CLS;`, which stops a stream.
+CommandFrame stop();
+/// `GID;`, which asks a controller who it is.
+CommandFrame identityRequest();
+/// `SLA`, which stores the label that is in the argument.
+CommandFrame labelling(const QByteArray& labelArgument);
 
 /// Argument bytes with their closing ';'.
 QByteArray stageArgument(Stage stage);

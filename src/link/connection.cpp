@@ -1,6 +1,7 @@
 #include "link/connection.h"
 
 #include "app/logging.h"
+#include "link/talk.h"
 
 #include <QIODevice>
 
@@ -96,12 +97,8 @@ void Connection::startStream(const QByteArray& argument)
 
 void Connection::stopStream()
 {
-    QByteArray reply;
-    clearLiveStream();
-    if (fetchReply(reply))
-        return;
-    clearLiveStream();
-    fetchReply(reply);
+    StopTalk talk(*this, 1, StopTalk::Unanswered::Repeated);
+    finish(talk);
 }
 
 // The end of the thread.

@@ -60,6 +60,12 @@ public:
     /// bytes, so callers test the bytes.
     bool fetchReply(QByteArray& out);
 
+    /// Sends a command like its wrapper, but does not wait, except until a stop is written. False,
+    /// and nothing is sent, while the reply of a poll is awaited.
+    bool trySend(const CommandFrame& frame) { return exchange.trySend(frame); }
+    /// Whether `fetchReply` would return at once.
+    bool isSettled() const { return exchange.isSettled(); }
+
     /// Sends `GSF;` without waiting, for whoever must not be held up. Only an idle link is asked:
     /// nothing is sent during a stream, without a link, while the reply of a command is awaited, or
     /// until the last poll is settled, which it is once its reply was taken or it was given up.

@@ -19,12 +19,12 @@ constexpr int labelReplyLength = 29;
 
 void Connection::getControllerId()
 {
-    send(frame("GID", {}, idReplyLength));
+    send(command::identityRequest());
 }
 
 void Connection::storeLabel(const QByteArray& argument)
 {
-    send(frame("SLA", argument, statusReplyLength));
+    send(command::labelling(argument));
 }
 
 void Connection::setControllerBaudRate(const QByteArray& argument)
@@ -54,7 +54,7 @@ void Connection::startPulsedStream(const QByteArray& argument)
 
 void Connection::clearLiveStream()
 {
-    send(frame("CLS", {}, statusReplyLength));
+    send(command::stop());
 }
 
 void Connection::getStatusFlags()

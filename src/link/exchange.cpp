@@ -18,11 +18,24 @@ Exchange::Exchange(LinkCondition& linkCondition, SendQueue& sendQueue)
 
 void Exchange::send(const CommandFrame& frame)
 {
+    dispatch(frame);
+    QThread::msleep(pollMs);
+}
+
+bool Exchange::trySend(const CommandFrame& frame)
+{
+    if (isPolling && !isSettled())
+        return false;
+    dispatch(frame);
+    return true;
+}
+
+void Exchange::dispatch(const CommandFrame& frame)
+{
     settlePoll();
     post(frame, Unread::Kept);
     if (frame.isStop())
         delivery->waitUntil(deadline);
-    QThread::msleep(pollMs);
 }
 
 void Exchange::post(const CommandFrame& frame, Unread unread)
@@ -50,7 +63,6 @@ bool Exchange::awaitReply(QByteArray& out)
     return condition.replies.take(out);
 }
 
-/// Whether the last command has its reply or will get none.
 bool Exchange::isSettled() const
 {
     if (deadline.hasExpired())

@@ -22,6 +22,12 @@ public:
     /// Sends a command. Waits for the end of a poll, and for the way of a stop: whoever stops a
     /// stream knows that the stop was written when this returns, or that the time is over.
     void send(const CommandFrame& frame);
+    /// As `send`, but waits for the way of a stop only. False, and nothing is sent, while the end
+    /// of a poll has to be waited for.
+    bool trySend(const CommandFrame& frame);
+    /// Whether the last command or poll has its reply or will get none, so that nobody waits who
+    /// sends or fetches now.
+    bool isSettled() const;
     /// Waits for the reply of the last command and appends it to `out`. False if nothing was sent
     /// or nothing came in time.
     bool fetchReply(QByteArray& out);
@@ -39,8 +45,8 @@ public:
 private:
     enum class Unread { Kept, Dropped };
     void post(const CommandFrame& frame, Unread unread);
+    void dispatch(const CommandFrame& frame);
     bool awaitReply(QByteArray& out);
-    bool isSettled() const;
     void settlePoll();
     void giveUpReply();
 

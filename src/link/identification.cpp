@@ -10,6 +10,14 @@ constexpr int makerOffset = 2;
 constexpr int triggerMarkOffset = 10;
 constexpr char triggerMark = 'A';
 
+StopTalk clearingTalk(Connection& connection, LineClearing clearing)
+{
+    constexpr int stops = 2;
+    return StopTalk(connection, stops,
+                    clearing == LineClearing::TwoStops ? StopTalk::Unanswered::Left
+                                                       : StopTalk::Unanswered::Repeated);
+}
+
 } // namespace
 
 bool namesMaker(const QByteArray& idReply)
@@ -38,30 +46,43 @@ ControllerIdentity readIdentity(const QByteArray& idReply)
 
 void clearLine(Connection& connection, LineClearing clearing)
 {
+    StopTalk talk = clearingTalk(connection, clearing);
+    finish(talk);
+}
+
+IdentityTalk::IdentityTalk(Connection& talkedTo, LineClearing lineClearing)
+    : connection(talkedTo)
+    , clearing(clearingTalk(talkedTo, lineClearing))
+{}
+
+bool IdentityTalk::advance()
+{
+    if (isOver)
+        return true;
     QByteArray reply;
-    connection.clearLiveStream();
-    connection.fetchReply(reply);
-    connection.clearLiveStream();
-    if (connection.fetchReply(reply) || clearing == LineClearing::TwoStops)
+    if (!clearing.advance()
+        || !turn.advance(connection, command::identityRequest(), reply).has_value())
+        return false;
+    keep(reply);
+    isOver = true;
+    return true;
+}
+
+void IdentityTalk::keep(const QByteArray& reply)
+{
+    found = readIdentity(reply);
+    if (!found.isController)
         return;
-    connection.clearLiveStream();
-    connection.fetchReply(reply);
+    connection.setFirmwareVersion(found.firmwareVersion);
+    connection.setVmFirmware(found.vmFirmware);
+    connection.setTriggerCapable(found.triggerCapable);
 }
 
 ControllerIdentity identify(Connection& connection, LineClearing clearing)
 {
-    clearLine(connection, clearing);
-    QByteArray reply;
-    connection.getControllerId();
-    connection.fetchReply(reply);
-
-    const ControllerIdentity identity = readIdentity(reply);
-    if (identity.isController) {
-        connection.setFirmwareVersion(identity.firmwareVersion);
-        connection.setVmFirmware(identity.vmFirmware);
-        connection.setTriggerCapable(identity.triggerCapable);
-    }
-    return identity;
+    IdentityTalk talk(connection, clearing);
+    finish(talk);
+    return talk.identity();
 }
 
 void labelController(Connection& connection, const QString& label)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "link/talk.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -32,6 +34,28 @@ ControllerIdentity readIdentity(const QByteArray& idReply);
 /// Stops a stream that may have been left running, and takes whatever the controller answers.
 /// Blocks for the exchanges.
 void clearLine(Connection& connection, LineClearing clearing);
+
+/// Clears the line and asks the controller who it is, as a talk that never waits. An identity that
+/// holds is stored in the connection.
+class IdentityTalk final
+{
+public:
+    /// The connection has to live longer than this.
+    IdentityTalk(Connection& connection, LineClearing clearing);
+
+    bool advance();
+    /// Once the talk is over.
+    const ControllerIdentity& identity() const { return found; }
+
+private:
+    void keep(const QByteArray& reply);
+
+    Connection& connection;
+    StopTalk clearing;
+    TalkTurn turn;
+    bool isOver = false;
+    ControllerIdentity found;
+};
 
 /// Clears the line and asks the controller who it is. Blocks for the exchanges. An identity that
 /// holds is stored in the connection.

@@ -2,46 +2,50 @@
 
 #include "link/connection.h"
 #include "link/identification.h"
+#include "link/introduction.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 
-#include <atomic>
 #include <memory>
+#include <utility>
 
 namespace {
 
 constexpr unsigned long pollMs = 1;
 
-/// Remembers that a link was lost. The state of the link says so only after it was disconnected.
-class LossWatch final
+/// A link on its way up, and the introduction behind it.
+class LinkArrival final
 {
 public:
-    explicit LossWatch(const Connection& watched)
-        : connection(watched)
-        , noted(std::make_shared<std::atomic<bool>>(false))
-        , watching(QObject::connect(
-              &watched, &Connection::hostDisconnected, &watched,
-              [flag = noted](const QString&) { *flag = true; }, Qt::DirectConnection))
-    {}
-    ~LossWatch() { QObject::disconnect(watching); }
-    LossWatch(const LossWatch&) = delete;
-    LossWatch& operator=(const LossWatch&) = delete;
-
-    /// Gives the connection's thread the time to report what ended the last exchange.
-    bool isLost() const
+    LinkArrival(Connection& newLink, int limitMs, const QString& label, const QString& id,
+                const std::function<bool(const QString&)>& isUsable)
+        : connection(newLink)
+        , introduction(newLink, label, id, isUsable)
+        , limit(limitMs)
     {
-        QThread::msleep(settleMs);
-        return *noted || !connection.isRunning();
+        connection.start(QThread::InheritPriority);
+    }
+
+    std::optional<LinkOutcome> advance()
+    {
+        if (!isUp) {
+            isUp = connection.isConnected();
+            if (!isUp && connection.isRunning() && !limit.hasExpired())
+                return std::nullopt;
+            if (!isUp)
+                return LinkOutcome::NoLink;
+        }
+        if (!introduction.advance())
+            return std::nullopt;
+        return introduction.outcome();
     }
 
 private:
-    static constexpr unsigned long settleMs = 20;
-
-    const Connection& connection;
-    /// Shared with the connection's thread, which can still be about to set it.
-    std::shared_ptr<std::atomic<bool>> noted;
-    QMetaObject::Connection watching;
+    Connection& connection;
+    Introduction introduction;
+    const QDeadlineTimer limit;
+    bool isUp = false;
 };
 
 } // namespace
@@ -91,15 +95,18 @@ bool changeBaudRate(Connection& connection, LinkWait wait, int baudRate)
 LinkOutcome connectAndIdentify(Connection& connection, LinkWait wait, const QString& label,
                                QString& id, const std::function<bool(const QString&)>& isUsable)
 {
-    const LossWatch watch(connection);
+    Introduction introduction(connection, label, id, isUsable);
     if (!bringUp(connection, wait))
         return LinkOutcome::NoLink;
+    finish(introduction);
+    if (introduction.outcome() == LinkOutcome::Up)
+        id = introduction.foundId();
+    return introduction.outcome();
+}
 
-    const ControllerIdentity identity = identify(connection, LineClearing::TwoStops);
-    const bool isExpected = id.isEmpty() || id == identity.id;
-    if (!identity.isController || !isUsable(identity.id) || !isExpected)
-        return LinkOutcome::NotIdentified;
-    id = identity.id;
-    labelController(connection, label);
-    return watch.isLost() ? LinkOutcome::NoLink : LinkOutcome::Up;
+Arrival beginArrival(Connection& connection, int limitMs, const QString& label, const QString& id,
+                     const std::function<bool(const QString&)>& isUsable)
+{
+    const auto arrival = std::make_shared<LinkArrival>(connection, limitMs, label, id, isUsable);
+    return [arrival] { return arrival->advance(); };
 }

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "link/linkoutcome.h"
+
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 class Connection;
 
@@ -24,13 +27,9 @@ struct LinkWait
     Manner manner = Manner::TakingEvents;
 };
 
-enum class LinkOutcome {
-    /// The link did not come up, or was lost again.
-    NoLink,
-    /// Somebody answers, but not the controller that was expected.
-    NotIdentified,
-    Up,
-};
+/// A link that comes up without anybody waiting for it. Each call does what can be done now, and
+/// gives the outcome once it is known; it is called about every millisecond until then.
+using Arrival = std::function<std::optional<LinkOutcome>()>;
 
 /// Takes the events of timers and sockets. What the user does meanwhile is taken afterwards, so
 /// that no flow runs inside another one.
@@ -49,9 +48,15 @@ bool bringUp(Connection& connection, LinkWait wait);
 bool changeBaudRate(Connection& connection, LinkWait wait, int baudRate);
 
 /// Starts the connection's thread, waits for the link, finds out who answers and gives that
-/// controller the label. `id` is the expected identification, or becomes the one that was found
-/// if it is empty. A controller whose identification is not `isUsable` is refused before it gets
-/// the label. Blocks for the waits and the exchanges. Unless the result is `Up`, the thread may
-/// still run.
+/// controller the label. `id` is the expected identification; an empty one expects any
+/// controller, and becomes its identification if the result is `Up`. A controller whose
+/// identification is not `isUsable` is refused before it gets the label. Blocks for the waits and
+/// the exchanges. Unless the result is `Up`, the thread may still run.
 LinkOutcome connectAndIdentify(Connection& connection, LinkWait wait, const QString& label,
                                QString& id, const std::function<bool(const QString&)>& isUsable);
+
+/// As `connectAndIdentify`, for links that come up side by side: it starts the thread, and each
+/// controller gets its commands while the arrival is called. The link has to be up within the
+/// limit. `id` is the expected identification; an empty one expects any.
+Arrival beginArrival(Connection& connection, int limitMs, const QString& label, const QString& id,
+                     const std::function<bool(const QString&)>& isUsable);

@@ -33,6 +33,9 @@ public:
     /// thread.
     virtual void newConnection(std::unique_ptr<Connection> connection,
                                const ConnectionSettings& settings) = 0;
+    /// Stops the controllers of connections that are closed next and in this order. Closing them
+    /// one after the other does the same, but here their waits pass at the same time.
+    virtual void dismiss(const QList<const Connection*>& closing) = 0;
     /// Ends and removes a connection; false if it is not there.
     virtual bool closeConnection(const Connection* connection) = 0;
     /// Renames a connection, at its controller, too, if it is up.

@@ -22,6 +22,11 @@ struct LinkActions
         [](Connection& connection, LinkWait wait, const QString& label, QString& id) {
             return connectAndIdentify(connection, wait, label, id, &canBeStored);
         };
+    std::function<Arrival(Connection&, int limitMs, const QString& label, const QString& id)>
+        beginArrival =
+            [](Connection& connection, int limitMs, const QString& label, const QString& id) {
+                return ::beginArrival(connection, limitMs, label, id, &canBeStored);
+            };
     std::function<bool(Connection&, LinkWait, int baudRate)> changeRate = changeBaudRate;
 };
 

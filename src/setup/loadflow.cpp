@@ -3,17 +3,20 @@
 #include "app/logging.h"
 #include "controls/waitcursor.h"
 #include "link/connection.h"
+#include "link/talk.h"
 #include "setup/connectionregistry.h"
 #include "setup/settings.h"
 #include "setup/systemlines.h"
 
 #include <QSet>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
 
-constexpr LinkWait storedWait{300};
+/// A link has to be up within this.
+constexpr int storedLimitMs = 300;
 
 /// A system has one connection: the first record of it counts.
 void removeRepeated(QList<ConnectionSettings>& records)
@@ -33,20 +36,20 @@ void removeRepeated(QList<ConnectionSettings>& records)
 
 } // namespace
 
-LoadFlow::LoadFlow(FlowParts& flowParts, ConnectingWatcher connectingWatcher)
+LoadFlow::LoadFlow(FlowParts& flowParts, Watcher connectingWatcher, Watcher upWatcher)
     : parts(flowParts)
     , onConnecting(std::move(connectingWatcher))
+    , onUp(std::move(upWatcher))
 {}
 
 bool LoadFlow::load(const QString& path)
 {
     QList<ConnectionSettings> wanted = parts.systems.records();
     const bool loaded = readRecords(path, wanted);
-    for (const ConnectionSettings& record : qAsConst(wanted)) {
-        if (parts.registry.isLeaving())
-            break;
+    const WaitCursor waiting;
+    for (const ConnectionSettings& record : qAsConst(wanted))
         makeSystem(record);
-    }
+    connectAll();
     return loaded;
 }
 
@@ -85,12 +88,8 @@ void LoadFlow::makeSystem(ConnectionSettings record)
         record.name.set(connection->address());
     parts.systems.addLine(record, *connection);
 
-    if (usable && record.autoConnect && connectSystem(*connection, record))
-        parts.systems.showConnected(connection.get(), true);
-    if (parts.registry.isLeaving())
-        return;
-    parts.systems.registerSystem(std::move(connection), record);
-    takeEvents();
+    const State state = usable && record.autoConnect ? State::Waiting : State::Down;
+    pending.push_back({record, std::move(connection), state, {}});
 }
 
 /// The port of a stored serial connection is only a hint: the device is found by what it says.
@@ -103,19 +102,84 @@ void LoadFlow::findPort(ConnectionSettings& record) const
     }
 }
 
-/// Unless it succeeds, the connection has no running thread: a link that came up late would be
-/// one of an unknown controller.
-bool LoadFlow::connectSystem(Connection& connection, const ConnectionSettings& record)
+/// Connects what is to be connected, and gives all systems to the registry. What is not there yet
+/// when the registry leaves is dropped.
+void LoadFlow::connectAll()
 {
-    const WaitCursor waiting;
-    onConnecting(record.label.text(), record.name.text());
-    // Whoever shows this gets the chance to paint it before the exchanges block.
-    takeEvents();
-    QString id = record.id.text();
-    const QString label = record.label.text();
-    if (parts.link.connect(connection, storedWait, label, id) != LinkOutcome::Up) {
-        connection.disconnectController();
-        return false;
+    upCount = 0;
+    wantedCount = int(std::count_if(pending.begin(), pending.end(), [](const Pending& system) {
+        return system.state == State::Waiting;
+    }));
+    while (!pending.empty() && !parts.registry.isLeaving()) {
+        const bool isRegistered = registerNext();
+        for (auto each = pending.begin(); each != pending.end() && !parts.registry.isLeaving();
+             ++each)
+            advance(each);
+        takeEvents();
+        if (!isRegistered)
+            QThread::msleep(talkPaceMs);
     }
+    pending.clear();
+}
+
+void LoadFlow::advance(std::list<Pending>::iterator system)
+{
+    if (system->state == State::Waiting && mayBegin(system))
+        begin(*system);
+    if (system->state != State::Arriving)
+        return;
+    if (const std::optional<LinkOutcome> outcome = system->arrival())
+        end(*system, *outcome);
+}
+
+/// Two systems with one address may be controllers that are used in turn on one port: the second
+/// one finds what the first one has left.
+bool LoadFlow::mayBegin(std::list<Pending>::iterator system) const
+{
+    return std::none_of(pending.begin(), std::list<Pending>::const_iterator(system),
+                        [&system](const Pending& earlier) {
+                            return earlier.connection->address() == system->connection->address();
+                        });
+}
+
+void LoadFlow::begin(Pending& system)
+{
+    onConnecting({system.record.label.text(), system.record.name.text(), upCount, wantedCount});
+    // Whoever shows this gets the chance to paint it.
+    takeEvents();
+    if (parts.registry.isLeaving())
+        return;
+    system.arrival = parts.link.beginArrival(*system.connection, storedLimitMs,
+                                             system.record.label.text(), system.record.id.text());
+    system.state = State::Arriving;
+}
+
+/// Unless it is up, the connection has no running thread: a link that came up late would be one of
+/// an unknown controller.
+void LoadFlow::end(Pending& system, LinkOutcome outcome)
+{
+    system.arrival = nullptr;
+    if (outcome != LinkOutcome::Up) {
+        system.connection->disconnectController();
+        system.state = State::Down;
+        return;
+    }
+    system.state = State::Up;
+    ++upCount;
+    onUp({system.record.label.text(), system.record.name.text(), upCount, wantedCount});
+}
+
+/// The registry gets the systems in the order of the file: each waits for those before it. False if
+/// the first one has not come so far.
+bool LoadFlow::registerNext()
+{
+    const State state = pending.front().state;
+    if (state == State::Waiting || state == State::Arriving)
+        return false;
+    Pending system = std::move(pending.front());
+    pending.pop_front();
+    if (state == State::Up)
+        parts.systems.showConnected(system.connection.get(), true);
+    parts.systems.registerSystem(std::move(system.connection), system.record);
     return true;
 }

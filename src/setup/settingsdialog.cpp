@@ -49,8 +49,12 @@ SettingsDialog::SettingsDialog(ConnectionRegistry& connectionRegistry, QWidget* 
     , systems(registry, *ui->listWidgetSerial, *ui->listWidgetTcp)
     , parts{registry, systems, settings, makeRealTransport, {}, {}}
     , connectFlow(parts, [this](ConnectStep step, ConnectionType type) { showStep(step, type); })
-    , loadFlow(parts, [this](const QString& label,
-                             const QString& address) { emit connectingTo(label, address); })
+    , loadFlow(
+          parts,
+          [this](const LoadProgress& is) {
+              emit connectingTo(is.label, is.address, is.up, is.all);
+          },
+          [this](const LoadProgress& is) { emit systemUp(is.label, is.address, is.up, is.all); })
     , flows([this] { return registry.isLeaving(); })
     , tcpPort(TcpClient::defaultPort)
     , fileDialog(this)

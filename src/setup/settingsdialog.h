@@ -54,8 +54,11 @@ signals:
     void disconnected(bool status);
     /// The label of the line with the address `title` was edited. The system has it already.
     void newLabel(QString title, QString label);
-    /// A stored system is about to be connected, which can block for seconds.
-    void connectingTo(QString label, QString address);
+    /// A stored system is about to be connected, which can take seconds. `up` of the `all` systems
+    /// that the load connects are up.
+    void connectingTo(QString label, QString address, int up, int all);
+    /// One more of the systems that a load connects is up.
+    void systemUp(QString label, QString address, int up, int all);
     void loadingFinished();
 
 public slots:
@@ -97,6 +100,7 @@ private:
     QLabel& infoOf(ConnectionType type) const;
     void sayInBoth(const QString& text);
     void showStep(ConnectStep step, ConnectionType type);
+    void sayProgress(const QString& label, int up, int all);
 
     bool serialFieldsAreFilled();
     void connectSerial();

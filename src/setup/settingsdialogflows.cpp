@@ -200,11 +200,20 @@ void SettingsDialog::loadChosen(const QString& path)
     closeAllConnections();
     if (registry.isLeaving())
         return;
-    const auto telling =
-        connect(this, &SettingsDialog::connectingTo, this,
-                [this](const QString& label) { sayInBoth(tr("Connecting to %1...").arg(label)); });
+    const auto tell = [this](const QString& label, const QString&, int up, int all) {
+        sayProgress(label, up, all);
+    };
+    const auto begins = connect(this, &SettingsDialog::connectingTo, this, tell);
+    const auto comesUp = connect(this, &SettingsDialog::systemUp, this, tell);
     load(path);
-    disconnect(telling);
+    disconnect(begins);
+    disconnect(comesUp);
+}
+
+void SettingsDialog::sayProgress(const QString& label, int up, int all)
+{
+    sayInBoth(all == 1 ? tr("Connecting to %1...").arg(label)
+                       : tr("Connecting: %1 of %2 systems are up").arg(up).arg(all));
 }
 
 void SettingsDialog::loadConnection(QString path)

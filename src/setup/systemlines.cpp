@@ -4,6 +4,7 @@
 #include "setup/connectionwidget.h"
 
 #include <algorithm>
+#include <iterator>
 
 SystemLines::SystemLines(ConnectionRegistry& connectionRegistry, QListWidget& serialList,
                          QListWidget& tcpList)
@@ -157,12 +158,16 @@ void SystemLines::remove(const Connection* connection)
 
 void SystemLines::removeAll()
 {
+    QList<QPointer<const Connection>> leaving;
     for (const ConnectionList* list : {&serialLines, &tcpLines}) {
         const QList<QPointer<const Connection>> present = list->connections();
-        std::for_each(present.crbegin(), present.crend(),
-                      [this](const QPointer<const Connection>& each) {
-                          if (each)
-                              remove(each);
-                      });
+        std::copy_if(present.crbegin(), present.crend(), std::back_inserter(leaving),
+                     [](const QPointer<const Connection>& each) { return !each.isNull(); });
+    }
+    const WaitCursor waiting;
+    registry.dismiss({leaving.cbegin(), leaving.cend()});
+    for (const QPointer<const Connection>& each : qAsConst(leaving)) {
+        if (each)
+            remove(each);
     }
 }

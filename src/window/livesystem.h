@@ -16,4 +16,6 @@ struct LiveSystem
     /// Kept by the parameter dialog for as long as the connection is registered. Never null.
     DetectorPair* detectors = nullptr;
     StatisticsSums sums;
+    /// Whether the controller was stopped already, because its connection is closed next.
+    bool isDismissed = false;
 };

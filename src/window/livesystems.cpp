@@ -6,10 +6,13 @@
 #include "link/linkup.h"
 #include "model/connectionsettings.h"
 #include "setup/colors.h"
+#include "window/farewell.h"
 
 #include <QPointer>
 
 #include <algorithm>
+#include <list>
+#include <utility>
 
 namespace {
 
@@ -159,7 +162,8 @@ void LiveSystems::hide(int index)
         return;
     at(index).status.displayed = false;
     chooseCurrent(index);
-    if (connectionAt(index).isConnected() && !commonIndices.contains(index))
+    if (connectionAt(index).isConnected() && !commonIndices.contains(index)
+        && !at(index).isDismissed)
         connectionAt(index).stopStream();
     emit hidden(index);
 }
@@ -192,7 +196,8 @@ void LiveSystems::hideCommon(int index)
         return;
     commonIndices.removeAt(place);
     chooseCurrent(index);
-    if (!displayedIndices.contains(index) && connectionAt(index).isStreaming())
+    if (!displayedIndices.contains(index) && connectionAt(index).isStreaming()
+        && !at(index).isDismissed)
         connectionAt(index).stopStream();
     emit commonHidden(place);
 }
@@ -206,15 +211,34 @@ void LiveSystems::chooseCurrent(int hiddenIndex)
     currentIndex = left.isEmpty() ? hiddenIndex : left.first();
 }
 
+void LiveSystems::dismiss(const QList<const Connection*>& closing)
+{
+    std::list<Farewell> farewells;
+    for (const Connection* each : closing) {
+        const int index = indexOf(each);
+        if (index >= 0 && !std::exchange(at(index).isDismissed, true))
+            farewells.emplace_back(connectionAt(index), isStoppedByHiding(index));
+    }
+    sayFarewell(std::move(farewells));
+}
+
+/// Also an idle system is, if it is displayed.
+bool LiveSystems::isStoppedByHiding(int index) const
+{
+    const Connection& connection = connectionAt(index);
+    return displayedIndices.contains(index)
+               ? connection.isConnected()
+               : commonIndices.contains(index) && connection.isStreaming();
+}
+
 bool LiveSystems::close(const Connection* connection)
 {
     const int index = indexOf(connection);
     if (index < 0)
         return false;
+    dismiss({connection});
     hideCommon(index);
     hide(index);
-    if (connectionAt(index).isStreaming())
-        connectionAt(index).stopStream();
     connectionAt(index).disconnect(this);
 
     const std::unique_ptr<Connection> closing = std::move(at(index).connection);
@@ -235,8 +259,12 @@ bool LiveSystems::close(const Connection* connection)
 void LiveSystems::closeAll()
 {
     displayedIndices.clear();
-    while (!systems.empty())
-        close(systems.back().connection.get());
+    QList<const Connection*> closing;
+    for (const LiveSystem& system : systems)
+        closing.prepend(system.connection.get());
+    dismiss(closing);
+    for (const Connection* each : qAsConst(closing))
+        close(each);
 }
 
 bool LiveSystems::disconnectLink(const Connection* connection)

@@ -62,6 +62,9 @@ public:
     /// Registers a connection, and displays it if it is up and there is room.
     void add(std::unique_ptr<Connection> connection, const ConnectionSettings& settings,
              DetectorPair& detectors);
+    /// Stops the controllers of systems that are closed next, as closing them does, but all at the
+    /// same time. They are begun in this order. What is not registered is left out.
+    void dismiss(const QList<const Connection*>& closing);
     /// Hides a system, ends its thread and removes it; false if it is not registered.
     bool close(const Connection* connection);
     /// Removes all systems, from the last to the first. Streams that run are stopped; what else is
@@ -112,6 +115,7 @@ private:
     void hide(int index);
     void displayCommon(int index);
     void hideCommon(int index);
+    bool isStoppedByHiding(int index) const;
     void chooseCurrent(int hiddenIndex);
 
     std::vector<LiveSystem> systems;

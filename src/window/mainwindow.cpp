@@ -249,6 +249,7 @@ void MainWindow::wireDialogs()
             &QAction::setEnabled);
     connect(settingsDialog, &SettingsDialog::connectingTo, &waitNotice,
             &WaitNotice::showConnecting);
+    connect(settingsDialog, &SettingsDialog::systemUp, &waitNotice, &WaitNotice::showConnecting);
     connect(settingsDialog, &SettingsDialog::loadingFinished, &waitNotice, &QWidget::hide);
 }
 

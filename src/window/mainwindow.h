@@ -60,6 +60,7 @@ public:
     bool isLeaving() const override { return leaving; }
     void newConnection(std::unique_ptr<Connection> connection,
                        const ConnectionSettings& settings) override;
+    void dismiss(const QList<const Connection*>& closing) override;
     bool closeConnection(const Connection* connection) override;
     void relabelConnection(const Connection* connection, const QString& label) override;
     ReconnectResult reconnect(const Connection* connection, const QString& expectedId) override;

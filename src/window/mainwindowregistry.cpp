@@ -52,6 +52,11 @@ void MainWindow::newConnection(std::unique_ptr<Connection> connection,
     displayTick.limitRatesToLines();
 }
 
+void MainWindow::dismiss(const QList<const Connection*>& closing)
+{
+    systems.dismiss(closing);
+}
+
 bool MainWindow::closeConnection(const Connection* connection)
 {
     if (systems.indexOf(connection) < 0)
@@ -192,7 +197,7 @@ void MainWindow::on_actionExit_triggered()
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    // Stopping idle controllers takes a second each: nobody has to watch it.
+    // Stopping idle controllers takes a second: nobody has to watch it.
     hide();
     const bool wasTold = recordingErrorBox->isVisible();
     leave();

@@ -19,6 +19,8 @@ WaitNotice::WaitNotice(const QWidget& monitorWindow)
 
 void WaitNotice::say(const QString& text)
 {
+    if (isVisible() && text == this->text())
+        return;
     setText(text);
     adjustSize();
     const QRect around = window.isVisible() ? window.frameGeometry()
@@ -28,9 +30,10 @@ void WaitNotice::say(const QString& text)
     repaint();
 }
 
-void WaitNotice::showConnecting(const QString& label, const QString& address)
+void WaitNotice::showConnecting(const QString& label, const QString& address, int up, int all)
 {
-    say(tr("Connecting to %1 (%2) …").arg(label, address));
+    say(all == 1 ? tr("Connecting to %1 (%2) …").arg(label, address)
+                 : tr("Connecting: %1 of %2 systems are up …").arg(up).arg(all));
 }
 
 void WaitNotice::showDisconnecting()

@@ -16,7 +16,8 @@ public:
     void say(const QString& text);
 
 public slots:
-    void showConnecting(const QString& label, const QString& address);
+    /// Says whom the program connects, or how many of several systems are up.
+    void showConnecting(const QString& label, const QString& address, int up, int all);
     void showDisconnecting();
 
 private:

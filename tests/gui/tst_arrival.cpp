@@ -7,6 +7,15 @@
 
 #include <QtTest>
 
+namespace {
+
+QString upText(int up, int all)
+{
+    return QStringLiteral("Connecting: %1 of %2 systems are up …").arg(up).arg(all);
+}
+
+} // namespace
+
 class TestArrival final : public QObject
 {
     Q_OBJECT
@@ -14,22 +23,45 @@ class TestArrival final : public QObject
 private slots:
     void cleanup() { QCOMPARE(leftWidgets(), QString()); }
 
-    void theSystemThatIsBeingConnectedIsNamed();
+    void theOnlySystemIsNamed();
+    void ofSeveralSystemsItIsToldHowManyAreUp();
+    void aSystemThatDoesNotComeUpIsNotCounted();
     void withoutStoredSystemsNothingIsSaid();
 };
 
-void TestArrival::theSystemThatIsBeingConnectedIsNamed()
+void TestArrival::theOnlySystemIsNamed()
+{
+    WindowFixture fixture(2);
+    QList<ConnectionSettings> records{fixture.record(0), fixture.record(1)};
+    records[1].autoConnect = false;
+    QVERIFY(fixture.writeSetupFile(records));
+    const NoticeReader reader;
+    QVERIFY(fixture.open());
+    QCOMPARE(reader.texts, QStringList(QStringLiteral("Connecting to System_1 (%1) …")
+                                           .arg(fixture.controller(0).address())));
+    QVERIFY(reader.pointerWaited);
+    QVERIFY(!NoticeReader::isShown());
+}
+
+void TestArrival::ofSeveralSystemsItIsToldHowManyAreUp()
+{
+    WindowFixture fixture(3);
+    QVERIFY(fixture.writeSetupFile({fixture.record(0), fixture.record(1), fixture.record(2)}));
+    const NoticeReader reader;
+    QVERIFY(fixture.open());
+    QCOMPARE(reader.texts, QStringList({upText(0, 3), upText(1, 3), upText(2, 3), upText(3, 3)}));
+    QVERIFY(reader.pointerWaited);
+    QVERIFY(!NoticeReader::isShown());
+}
+
+void TestArrival::aSystemThatDoesNotComeUpIsNotCounted()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.writeSetupFile({fixture.record(0), fixture.record(1)}));
+    fixture.controller(0).stopListening();
     const NoticeReader reader;
     QVERIFY(fixture.open());
-    const auto notice = [&fixture](const char* label, int number) {
-        return QStringLiteral("Connecting to %1 (%2) …")
-            .arg(QLatin1String(label), fixture.controller(number).address());
-    };
-    QCOMPARE(reader.texts, QStringList({notice("System_1", 0), notice("System_2", 1)}));
-    QVERIFY(!NoticeReader::isShown());
+    QCOMPARE(reader.texts, QStringList({upText(0, 2), upText(1, 2)}));
 }
 
 void TestArrival::withoutStoredSystemsNothingIsSaid()

@@ -57,6 +57,17 @@ bool startStream(const WindowFixture& fixture)
            && QTest::qWaitFor([&] { return fixture.controller().isStreaming(); });
 }
 
+QVector<qint64> timesOfStops(const emulator::ControllerHandle& controller)
+{
+    QVector<qint64> timesNs;
+    const QVector<emulator::WireEvent> wire = controller.wire();
+    for (const emulator::WireEvent& event : wire) {
+        if (event.direction == emulator::WireEvent::FromHost && event.bytes == "CLS;")
+            timesNs.append(event.timeNs);
+    }
+    return timesNs;
+}
+
 void pressSwitch(const WindowFixture& fixture, int stage)
 {
     const char* const slot = stage == 1 ? "on_push_Stab1_clicked" : "on_push_Stab2_clicked";
@@ -74,6 +85,7 @@ private slots:
 
     void closingEndsTheStreams();
     void closingEndsConnectionsOfTheSetupFile();
+    void controllersOfTheSetupFileAreStoppedSideBySide();
     void destroyingEndsWhatWasNotClosed();
     void nothingIsDoneTwice();
     void closingSaysThatItDisconnects();
@@ -129,6 +141,33 @@ void TestFrameLeaving::closingEndsConnectionsOfTheSetupFile()
     fixture.destroyWindow();
     QVERIFY(fixture.open());
     QCOMPARE(fixture.window().liveConnections().size(), std::size_t(1));
+}
+
+void TestFrameLeaving::controllersOfTheSetupFileAreStoppedSideBySide()
+{
+    WindowFixture fixture(3);
+    QVERIFY(fixture.writeSetupFile({fixture.record(0), fixture.record(1), fixture.record(2)}));
+    QVERIFY(fixture.open());
+    emulator::Faults silent;
+    silent.silent = {"CLS"};
+    for (int number = 0; number < 3; ++number) {
+        fixture.controller(number).clearWire();
+        fixture.controller(number).setFaults(silent);
+    }
+    QVERIFY(fixture.window().close());
+    QVERIFY(fixture.window().liveConnections().empty());
+    // The first stop of each comes before anybody's is given up and repeated.
+    QVector<qint64> firstNs;
+    QVector<qint64> repeatNs;
+    for (int number = 0; number < 3; ++number) {
+        const QVector<qint64> stopsNs = timesOfStops(fixture.controller(number));
+        QCOMPARE(stopsNs.size(), 2);
+        firstNs.append(stopsNs.first());
+        repeatNs.append(stopsNs.last());
+        QTRY_VERIFY(!fixture.controller(number).isConnected());
+    }
+    QVERIFY(*std::max_element(firstNs.begin(), firstNs.end())
+            < *std::min_element(repeatNs.begin(), repeatNs.end()));
 }
 
 void TestFrameLeaving::destroyingEndsWhatWasNotClosed()

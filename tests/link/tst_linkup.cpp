@@ -4,6 +4,8 @@
 #include <QtTest>
 
 Q_DECLARE_METATYPE(LinkWait::Manner)
+Q_DECLARE_METATYPE(LinkOutcome)
+Q_DECLARE_METATYPE(emulator::ControllerOptions)
 
 namespace {
 
@@ -53,6 +55,11 @@ private slots:
     void foreignDeviceIsNotLabelled();
     void linkThatDoesNotComeUpIsToldSo();
     void linkThatIsLostByTheLabelIsNotUp();
+    void arrivalHasTheOutcomeOfAWait_data();
+    void arrivalHasTheOutcomeOfAWait();
+    void arrivalEndsWithTheThread();
+    void arrivalEndsAtItsLimit();
+    void twoArrivalsAreUnderWayAtTheSameTime();
 };
 
 void TestLinkUp::waitEndsWhenTheLinkIsUp_data()
@@ -212,6 +219,87 @@ void TestLinkUp::linkThatIsLostByTheLabelIsNotUp()
     EmulatedLink link(options);
     QString id;
     QCOMPARE(connectAndIdentify(link.client, {longLimitMs}, "a", id, everyId), LinkOutcome::NoLink);
+}
+
+void TestLinkUp::arrivalHasTheOutcomeOfAWait_data()
+{
+    QTest::addColumn<emulator::ControllerOptions>("options");
+    QTest::addColumn<bool>("isThere");
+    QTest::addColumn<QString>("otherId");
+    QTest::addColumn<LinkOutcome>("outcome");
+    QTest::addColumn<QByteArrayList>("commands");
+    const QByteArrayList asked{"CLS;", "CLS;", "GID;"};
+    const QByteArrayList labelled =
+        asked + QByteArrayList{"SLA" + QByteArray("a").leftJustified(25) + ';'};
+    const emulator::ControllerOptions usual;
+    emulator::ControllerOptions foreign;
+    foreign.maker = "Abc";
+    emulator::ControllerOptions leaving;
+    leaving.faults.closeOn = {"SLA"};
+    QTest::newRow("the expected") << usual << true << QString() << LinkOutcome::Up << labelled;
+    QTest::newRow("another one") << usual << true << QString("another")
+                                 << LinkOutcome::NotIdentified << asked;
+    QTest::newRow("foreign") << foreign << true << QString() << LinkOutcome::NotIdentified << asked;
+    QTest::newRow("lost by the label")
+        << leaving << true << QString() << LinkOutcome::NoLink << labelled;
+    QTest::newRow("missing") << usual << false << QString() << LinkOutcome::NoLink
+                             << QByteArrayList();
+}
+
+void TestLinkUp::arrivalHasTheOutcomeOfAWait()
+{
+    QFETCH(emulator::ControllerOptions, options);
+    QFETCH(bool, isThere);
+    QFETCH(QString, otherId);
+    EmulatedLink link(options);
+    if (!isThere)
+        link.controller.stopListening();
+    const QString id = otherId.isEmpty() ? link.controller.id() : otherId;
+    const Arrival arrival = beginArrival(link.client, longLimitMs, "a", id, everyId);
+    std::optional<LinkOutcome> outcome;
+    while (!outcome) {
+        outcome = arrival();
+        QThread::msleep(1);
+    }
+    QTEST(*outcome, "outcome");
+    QTEST(link.controller.commands(), "commands");
+}
+
+void TestLinkUp::arrivalEndsWithTheThread()
+{
+    EmulatedLink link;
+    link.controller.stopListening();
+    const Arrival arrival =
+        beginArrival(link.client, longLimitMs, "a", link.controller.id(), everyId);
+    // Much earlier than at its limit.
+    QTRY_COMPARE(arrival(), std::make_optional(LinkOutcome::NoLink));
+    QVERIFY(!link.client.isRunning());
+}
+
+void TestLinkUp::arrivalEndsAtItsLimit()
+{
+    constexpr int briefLimitMs = 50;
+    EmulatedLink link({}, longLimitMs);
+    link.controller.stopListening();
+    const Arrival arrival =
+        beginArrival(link.client, briefLimitMs, "a", link.controller.id(), everyId);
+    QTRY_COMPARE(arrival(), std::make_optional(LinkOutcome::NoLink));
+    QVERIFY(link.client.isRunning());
+}
+
+void TestLinkUp::twoArrivalsAreUnderWayAtTheSameTime()
+{
+    EmulatedLink first({}, Connection::defaultTimeoutMs);
+    EmulatedLink second({}, Connection::defaultTimeoutMs);
+    const Arrival firstArrival =
+        beginArrival(first.client, longLimitMs, "a", first.controller.id(), everyId);
+    const Arrival secondArrival =
+        beginArrival(second.client, longLimitMs, "b", second.controller.id(), everyId);
+    QTRY_VERIFY(!firstArrival() && !secondArrival() && first.controller.count("CLS;") > 0
+                && second.controller.count("CLS;") > 0);
+    // One after the other, the first would be asked who it is before the second is spoken to.
+    QCOMPARE(first.controller.count("GID;"), 0);
+    QCOMPARE(second.controller.count("GID;"), 0);
 }
 
 QTEST_GUILESS_MAIN(TestLinkUp)

@@ -62,6 +62,8 @@ private slots:
     void fetchedReplyIsNeverThatOfAPoll();
     void sendThrowsTheReplyOfAPollAway();
     void sendWaitsForAPollWithoutReply();
+    void commandIsNotTriedWhileAPollIsOpen();
+    void commandIsTriedBehindASettledPoll();
     void pollLeavesAnAwaitedReplyAlone();
     void pollReplacesWhatNobodyFetched();
     void stopThatIsGivenUpHasFailed();
@@ -149,6 +151,26 @@ void TestSettling::sendWaitsForAPollWithoutReply()
     QVERIFY(time.elapsed() >= 2 * shortTimeoutMs);
     bench.condition.replies.put("own");
     QVERIFY(bench.fetch());
+}
+
+void TestSettling::commandIsNotTriedWhileAPollIsOpen()
+{
+    ExchangeBench bench;
+    bench.poll();
+    QVERIFY(!bench.exchange.trySend(command::stop()));
+    bench.condition.replies.put("reply");
+    QVERIFY(bench.take());
+    QCOMPARE(bench.taken, QByteArray("reply"));
+}
+
+void TestSettling::commandIsTriedBehindASettledPoll()
+{
+    ExchangeBench bench;
+    bench.poll();
+    bench.condition.replies.put("reply");
+    QVERIFY(bench.exchange.trySend(command::stop()));
+    // The reply of the poll is thrown away.
+    QVERIFY(!bench.fetch());
 }
 
 void TestSettling::pollLeavesAnAwaitedReplyAlone()

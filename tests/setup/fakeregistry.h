@@ -37,6 +37,12 @@ public:
         connections.push_back(std::move(connection));
     }
 
+    void dismiss(const QList<const Connection*>& closing) override
+    {
+        for (const Connection* each : closing)
+            dismissed.append(addressOf(each));
+    }
+
     bool closeConnection(const Connection* connection) override
     {
         const auto found = find(connection);
@@ -95,6 +101,8 @@ public:
     }
 
     QStringList calls;
+    /// Addresses of the connections that were to be closed at one time, in this order.
+    QStringList dismissed;
     /// Indices of the connections that were asked for, in the order of the calls; -1 for one that
     /// is not there.
     QList<int> relabelled;

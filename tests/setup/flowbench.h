@@ -39,6 +39,19 @@ public:
             id = answeringId;
             return outcome;
         };
+        parts.link.beginArrival = [this](Connection& connection, int limitMs, const QString& label,
+                                         const QString& id) {
+            if (!outcomes.isEmpty())
+                outcome = outcomes.takeFirst();
+            int left = advances.isEmpty() ? 1 : advances.takeFirst();
+            return [this, &connection, limitMs, label, found = id, result = outcome,
+                    left]() mutable -> std::optional<LinkOutcome> {
+                if (--left > 0)
+                    return std::nullopt;
+                outcome = result;
+                return parts.link.connect(connection, {limitMs}, label, found);
+            };
+        };
         parts.link.changeRate = [this](Connection& connection, LinkWait, int baudRate) {
             rateChanges.append({connection.portOrBaud(), baudRate});
             return changesRate;
@@ -60,6 +73,10 @@ public:
     // How the world answers.
     bool usable = true;
     LinkOutcome outcome = LinkOutcome::Up;
+    /// Of the links that come up side by side, in their order; `outcome` for those beyond.
+    QList<LinkOutcome> outcomes;
+    /// How often these are advanced until their outcome is known; once for those beyond.
+    QList<int> advances;
     bool changesRate = true;
     QString answeringId = QStringLiteral("Zev-V40-000000AB000000001-x");
     /// Called in the middle of bringing a link up.

@@ -30,6 +30,10 @@ private slots:
     void aFileWithoutControllersHasFailed();
     void theLoadStopsWhenTheApplicationLeaves();
     void whoIsConnectedIsToldBefore();
+    void howManyAreUpIsToldWithEachThatComesUp();
+    void aSecondLoadCountsAnew();
+    void aSystemThatIsUpWaitsForThoseBeforeIt();
+    void anUnmarkedSystemOfTheSameAddressHoldsNobodyUp();
 
 private:
     bool load(const QList<ConnectionSettings>& list)
@@ -41,6 +45,14 @@ private:
     {
         ConnectionSettings record = records::tcp("AB000000001", label);
         record.pulsedLaser = true;
+        return record;
+    }
+
+    static ConnectionSettings at(const QString& key, const QString& address, const QString& label)
+    {
+        ConnectionSettings record = marked(label);
+        record.name.set(address);
+        record.id.set(records::idWithKey(key));
         return record;
     }
 
@@ -61,10 +73,15 @@ void TestLoadFlow::init()
 {
     bench = std::make_unique<FlowBench>();
     told.clear();
-    flow = std::make_unique<LoadFlow>(bench->parts,
-                                      [this](const QString& label, const QString& address) {
-                                          told.append(label + ' ' + address);
-                                      });
+    const auto tell = [this](const char* what) {
+        return [this, what](const LoadProgress& progress) {
+            told.append(QStringLiteral("%1 %2 %3: %4 of %5")
+                            .arg(what, progress.label, progress.address)
+                            .arg(progress.up)
+                            .arg(progress.all));
+        };
+    };
+    flow = std::make_unique<LoadFlow>(bench->parts, tell("connecting"), tell("up"));
 }
 
 void TestLoadFlow::aMarkedSystemIsConnectedAndKept()
@@ -158,7 +175,48 @@ void TestLoadFlow::whoIsConnectedIsToldBefore()
     QStringList toldBefore;
     bench->whenConnecting = [&] { toldBefore = told; };
     load({marked("arm")});
-    QCOMPARE(toldBefore, QStringList{"arm 127.0.0.9"});
+    QCOMPARE(toldBefore, QStringList{"connecting arm 127.0.0.9: 0 of 1"});
+}
+
+void TestLoadFlow::howManyAreUpIsToldWithEachThatComesUp()
+{
+    bench->outcomes = {LinkOutcome::Up, LinkOutcome::NoLink, LinkOutcome::Up};
+    load({at("AB000000001", "127.0.0.5", "a"), at("CD000000002", "127.0.0.6", "b"),
+          quietTcp("XY000000009", "127.0.0.7", "c"), at("EF000000003", "127.0.0.8", "d")});
+    QCOMPARE(told, QStringList({"connecting a 127.0.0.5: 0 of 3", "up a 127.0.0.5: 1 of 3",
+                                "connecting b 127.0.0.6: 1 of 3", "connecting d 127.0.0.8: 1 of 3",
+                                "up d 127.0.0.8: 2 of 3"}));
+}
+
+void TestLoadFlow::aSecondLoadCountsAnew()
+{
+    load({at("AB000000001", "127.0.0.5", "a")});
+    told.clear();
+    load({at("CD000000002", "127.0.0.6", "b")});
+    QCOMPARE(told, QStringList({"connecting b 127.0.0.6: 0 of 1", "up b 127.0.0.6: 1 of 1"}));
+}
+
+void TestLoadFlow::aSystemThatIsUpWaitsForThoseBeforeIt()
+{
+    bench->advances = {3, 1, 2};
+    QStringList toldWhenNew;
+    bench->registry.whenNew = [&](const Connection&) {
+        if (toldWhenNew.isEmpty())
+            toldWhenNew = told.filter("up ");
+    };
+    load({at("AB000000001", "127.0.0.5", "a"), at("CD000000002", "127.0.0.6", "b"),
+          at("EF000000003", "127.0.0.7", "c")});
+    QCOMPARE(toldWhenNew, QStringList({"up b 127.0.0.6: 1 of 3", "up c 127.0.0.7: 2 of 3",
+                                       "up a 127.0.0.5: 3 of 3"}));
+    QCOMPARE(bench->registry.calls,
+             QStringList({"new 127.0.0.5", "new 127.0.0.6", "new 127.0.0.7"}));
+}
+
+void TestLoadFlow::anUnmarkedSystemOfTheSameAddressHoldsNobodyUp()
+{
+    load({quietTcp("AB000000001", "127.0.0.5", "a"), at("CD000000002", "127.0.0.5", "b")});
+    QCOMPARE(bench->registry.statesWhenNew,
+             QList<LinkState>({LinkState::NotConnected, LinkState::Connected}));
 }
 
 QTEST_MAIN(TestLoadFlow)

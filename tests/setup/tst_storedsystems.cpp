@@ -451,6 +451,8 @@ void TestStoredSystems::closingAllGoesFromTheLastToTheFirst()
     bench->dialog.closeAllConnections();
     QCOMPARE(bench->registry.calls, QStringList({"close ttyUSB1", "close ttyUSB0",
                                                  "close 127.0.0.79", "close 127.0.0.77"}));
+    QCOMPARE(bench->registry.dismissed,
+             QStringList({"ttyUSB1", "ttyUSB0", "127.0.0.79", "127.0.0.77"}));
     QVERIFY(bench->tcpLines().isEmpty());
     QVERIFY(bench->serialLines().isEmpty());
     bench->child<QPushButton>("saveConnectionButton").click();

@@ -4,6 +4,23 @@
 #include <QScreen>
 #include <QtTest>
 
+namespace {
+
+class PaintWatch final : public QObject
+{
+public:
+    int paints = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        paints += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+};
+
+} // namespace
+
 class TestWaitNotice final : public QObject
 {
     Q_OBJECT
@@ -16,6 +33,7 @@ private slots:
     void standsInTheMiddleOfTheScreen();
     void standsInTheMiddleOfAWindowThatIsShown();
     void isPaintedAtOnce();
+    void sameTextIsNotPaintedAgain();
 };
 
 void TestWaitNotice::hiddenUntilItHasSomethingToSay()
@@ -30,19 +48,22 @@ void TestWaitNotice::hiddenUntilItHasSomethingToSay()
 
 void TestWaitNotice::saysWhatIsAwaited_data()
 {
-    QTest::addColumn<bool>("connecting");
+    QTest::addColumn<int>("connecting");
     QTest::addColumn<QString>("text");
-    QTest::newRow("connecting") << true << QString::fromUtf8("Connecting to north (ttyUSB0) …");
-    QTest::newRow("disconnecting") << false << "Disconnecting ...";
+    QTest::newRow("connecting one") << 1 << QString::fromUtf8("Connecting to north (ttyUSB0) …");
+    QTest::newRow("connecting several")
+        << 5 << QString::fromUtf8("Connecting: 2 of 5 systems are up …");
+    QTest::newRow("disconnecting") << 0 << "Disconnecting ...";
 }
 
 void TestWaitNotice::saysWhatIsAwaited()
 {
-    QFETCH(bool, connecting);
+    QFETCH(int, connecting);
     const QWidget window;
     WaitNotice notice(window);
-    if (connecting)
-        notice.showConnecting(QStringLiteral("north"), QStringLiteral("ttyUSB0"));
+    if (connecting > 0)
+        notice.showConnecting(QStringLiteral("north"), QStringLiteral("ttyUSB0"), connecting / 2,
+                              connecting);
     else
         notice.showDisconnecting();
     QTEST(notice.text(), "text");
@@ -54,7 +75,7 @@ void TestWaitNotice::namesAreShownAsTheyAre()
     const QWidget window;
     WaitNotice notice(window);
     QCOMPARE(notice.textFormat(), Qt::PlainText);
-    notice.showConnecting(QStringLiteral("<b>%2</b>"), QStringLiteral("ttyUSB0"));
+    notice.showConnecting(QStringLiteral("<b>%2</b>"), QStringLiteral("ttyUSB0"), 0, 1);
     QCOMPARE(notice.text(), QString::fromUtf8("Connecting to <b>%2</b> (ttyUSB0) …"));
 }
 
@@ -85,18 +106,6 @@ void TestWaitNotice::standsInTheMiddleOfAWindowThatIsShown()
 /// Whoever says it blocks the window next.
 void TestWaitNotice::isPaintedAtOnce()
 {
-    class PaintWatch final : public QObject
-    {
-    public:
-        int paints = 0;
-
-    protected:
-        bool eventFilter(QObject*, QEvent* event) override
-        {
-            paints += event->type() == QEvent::Paint ? 1 : 0;
-            return false;
-        }
-    };
     const QWidget window;
     WaitNotice notice(window);
     notice.say(QStringLiteral("first"));
@@ -105,6 +114,22 @@ void TestWaitNotice::isPaintedAtOnce()
     notice.installEventFilter(&watch);
     notice.say(QStringLiteral("second"));
     QVERIFY(watch.paints > 0);
+}
+
+/// A load says how many are up with every system that it begins.
+void TestWaitNotice::sameTextIsNotPaintedAgain()
+{
+    const QWidget window;
+    WaitNotice notice(window);
+    notice.say(QStringLiteral("text"));
+    QVERIFY(QTest::qWaitForWindowExposed(&notice));
+    PaintWatch watch;
+    notice.installEventFilter(&watch);
+    notice.say(QStringLiteral("text"));
+    QCOMPARE(watch.paints, 0);
+    notice.hide();
+    notice.say(QStringLiteral("text"));
+    QVERIFY(notice.isVisible());
 }
 
 QTEST_MAIN(TestWaitNotice)

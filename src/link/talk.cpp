@@ -1,0 +1,36 @@
+#include "link/talk.h"
+
+#include "link/connection.h"
+
+#include <utility>
+
+std::optional<bool> TalkTurn::advance(Connection& connection, const CommandFrame& frame,
+                                      QByteArray& reply)
+{
+    if (!isSent)
+        isSent = connection.trySend(frame);
+    if (!isSent || !connection.isSettled())
+        return std::nullopt;
+    isSent = false;
+    return connection.fetchReply(reply);
+}
+
+StopTalk::StopTalk(Connection& talkedTo, int stops, Unanswered unanswered)
+    : connection(talkedTo)
+    , left(stops)
+    , repeats(unanswered == Unanswered::Repeated)
+{}
+
+bool StopTalk::advance()
+{
+    QByteArray ignored;
+    while (left > 0) {
+        const std::optional<bool> answered = turn.advance(connection, command::stop(), ignored);
+        if (!answered)
+            return false;
+        --left;
+        if (left == 0 && !*answered && std::exchange(repeats, false))
+            left = 1;
+    }
+    return true;
+}
