@@ -29,8 +29,8 @@ public:
     void setLimits(double upperMax, double upperMin, double lowerMax, double lowerMin);
     void setUpperValue(double value);
     void setLowerValue(double value);
-    /// Gives the keyboard to the first field and selects its text. To be called after the dialog was
-    /// shown, which takes such a selection back.
+    /// Gives the keyboard to the first field and selects its text. To be called after the dialog
+    /// was shown, which takes such a selection back.
     void startInput();
 
     int axis() const { return axisId; }
