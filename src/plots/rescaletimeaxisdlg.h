@@ -25,8 +25,8 @@ public:
     /// Seconds below 0 and beyond "999:99:99" are held to these.
     void setUpperTime(int seconds);
     void setLowerTime(int seconds);
-    /// Gives the keyboard to the first field and selects its text. To be called after the dialog was
-    /// shown, which takes such a selection back.
+    /// Gives the keyboard to the first field and selects its text. To be called after the dialog
+    /// was shown, which takes such a selection back.
     void startInput();
 
     int axis() const { return axisId; }

@@ -37,8 +37,10 @@ void TestArrival::theOnlySystemIsNamed()
     QVERIFY(fixture.writeSetupFile(records));
     const NoticeReader reader;
     QVERIFY(fixture.open());
-    QCOMPARE(reader.texts, QStringList(QStringLiteral("Connecting to System_1 (%1) …")
-                                           .arg(fixture.controller(0).address())));
+    QCOMPARE(
+        reader.texts,
+        QStringList(
+            QStringLiteral("Connecting to System_1 (%1) …").arg(fixture.controller(0).address())));
     QVERIFY(reader.pointerWaited);
     QVERIFY(!NoticeReader::isShown());
 }
