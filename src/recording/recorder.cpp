@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -86,14 +87,17 @@ bool Recorder::isBehind() const
 
 void Recorder::form(std::size_t most)
 {
-    for (const System& system : systems)
-        most -= system.record->form(most);
+    for (std::size_t i = 0; i < systems.size(); ++i)
+        most -= systems[(nextSystem + i) % systems.size()].record->form(most);
+    ++nextSystem;
 }
 
 std::optional<RecordFailure> Recorder::flush(qint64 nowMs)
 {
     form(linesPerTurn);
-    if (flushedMs && nowMs - *flushedMs < flushPeriodMs)
+    // What a slow tick has brought must not wait for the next one.
+    const bool hasCaughtUp = std::exchange(isCatchingUp, isBehind()) && !isCatchingUp;
+    if (!hasCaughtUp && flushedMs && nowMs - *flushedMs < flushPeriodMs)
         return std::nullopt;
     flushedMs = nowMs;
     for (const System& system : systems)
@@ -109,6 +113,8 @@ std::optional<RecordFailure> Recorder::stop()
     const std::optional<RecordFailure> failure = newFailure();
     systems.clear();
     flushedMs.reset();
+    isCatchingUp = false;
+    nextSystem = 0;
     hasFailed = false;
     return failure;
 }

@@ -19,9 +19,10 @@ public:
     /// A crash loses what was taken since the last flush. That stays well below a second, also
     /// where a tick comes late.
     static constexpr qint64 flushPeriodMs = 250;
-    /// Half a millisecond of work, and ten times what 50 systems send between two usual ticks. A
-    /// tick that comes late brings a hundred times as much, which would hold up the window.
-    static constexpr std::size_t linesPerTurn = 2500;
+    /// A quarter of a millisecond of work, and four times what 50 systems send between two usual
+    /// ticks. A tick that comes late brings a hundred times as much, which would hold up the
+    /// window.
+    static constexpr std::size_t linesPerTurn = 1000;
 
     Recorder() = default;
     ~Recorder();
@@ -69,5 +70,9 @@ private:
 
     std::vector<System> systems;
     std::optional<qint64> flushedMs;
+    /// Whether the last turn left samples without lines.
+    bool isCatchingUp = false;
+    /// The system that is the first one in the next turn.
+    std::size_t nextSystem = 0;
     bool hasFailed = false;
 };

@@ -39,8 +39,11 @@ std::size_t SystemRecord::form(std::size_t most)
         const MeasureSample& sample = kept[formed];
         recordtext::appendLine(recordFile.lines(), sample.timeMs - startTimeMs, sample, detectors);
     }
-    if (!isBehind() || !recordFile.isOpen()) {
-        kept.clear();
+    if (!recordFile.isOpen())
+        formed = kept.size();
+    // Given back by halves, which costs little and bounds them.
+    if (formed > kept.size() / 2) {
+        kept.erase(kept.begin(), kept.begin() + std::ptrdiff_t(formed));
         formed = 0;
     }
     return count;

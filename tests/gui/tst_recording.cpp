@@ -52,6 +52,7 @@ private slots:
     void filesAreOverwrittenOnlyIfAllowed_data();
     void filesAreOverwrittenOnlyIfAllowed();
     void timedRecordingEndsByItself();
+    void saveRateIsCutToASamplingRateThatFell();
     void shownDialogKeepsTheRateOfARecording();
     void closedDialogLetsTheRecordingGoOn();
     void endOfTheAcquisitionEndsTheRecording();
@@ -211,6 +212,18 @@ void TestRecording::timedRecordingEndsByItself()
     QVERIFY(bench.isWhole());
     QVERIFY(bench.lines().size() > 10);
     QVERIFY(bench.isRunning());
+}
+
+void TestRecording::saveRateIsCutToASamplingRateThatFell()
+{
+    RecordingBench bench;
+    QVERIFY(bench.open());
+    QCOMPARE(bench.in<QSpinBox>("spinBox_SaveRate").value(), 100);
+    QVERIFY(bench.fixture.type("samplingRateCounter", "50"));
+    QVERIFY(bench.click("pushButton_Start"));
+    QVERIFY(bench.isRecording());
+    QCOMPARE(bench.in<QSpinBox>("spinBox_SaveRate").value(), 50);
+    QCOMPARE(bench.dialog().saveRate(), 50);
 }
 
 void TestRecording::shownDialogKeepsTheRateOfARecording()

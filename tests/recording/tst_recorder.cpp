@@ -61,6 +61,7 @@ private slots:
     void aClockThatWasSetBackGivesTimesAsTheyCome();
 
     void linesOfALateTickAreFormedByTurns();
+    void everySystemHasItsTurn();
     void whatIsBehindAtTheStopIsRecorded();
 
     void systemsThatWentBehindTheQuestionsAreLeftOut();
@@ -404,8 +405,8 @@ void TestRecorder::systemsThatWentBehindTheQuestionsAreLeftOut()
 
 void TestRecorder::linesOfALateTickAreFormedByTurns()
 {
-    constexpr int many = 2000;
     constexpr int turn = int(Recorder::linesPerTurn);
+    constexpr int many = turn * 4 / 5;
     QVERIFY(!bench->startAll({0, 1}, everySample));
     bench->take(0, many);
     bench->take(1, many);
@@ -413,13 +414,27 @@ void TestRecorder::linesOfALateTickAreFormedByTurns()
     QVERIFY(bench->recorder.isBehind());
     QCOMPARE(bench->numbers("run_A.csv").size(), many);
     QCOMPARE(bench->numbers("run_B.csv").size(), turn - many);
-    QVERIFY(!bench->recorder.flush(Recorder::flushPeriodMs));
+    // No time has passed, yet nothing waits for the next tick.
+    QVERIFY(!bench->recorder.flush(0));
     QVERIFY(!bench->recorder.isBehind());
     QCOMPARE(bench->numbers("run_B.csv").size(), many);
     for (const char* name : {"run_A.csv", "run_B.csv"}) {
         QCOMPARE(bench->numbers(name).last(), many);
         QVERIFY(bench->lines(name).last().startsWith(QByteArray::number(2 * (many - 1)) + '\t'));
     }
+}
+
+void TestRecorder::everySystemHasItsTurn()
+{
+    constexpr int turn = int(Recorder::linesPerTurn);
+    QVERIFY(!bench->startAll({0, 1}, everySample));
+    for (int tick = 0; tick < 4; ++tick) {
+        bench->take(0, turn);
+        bench->take(1, turn);
+        QVERIFY(!bench->recorder.flush(tick * Recorder::flushPeriodMs));
+    }
+    QCOMPARE(bench->numbers("run_A.csv").size(), 2 * turn);
+    QCOMPARE(bench->numbers("run_B.csv").size(), 2 * turn);
 }
 
 void TestRecorder::whatIsBehindAtTheStopIsRecorded()

@@ -32,12 +32,15 @@ struct Dialogue
     QByteArrayList commands;
     std::vector<qint64> timesNs;
 
-    /// Whether at least so long lies between a command and the next one.
+    /// Whether so long a wait lies between a command and the next one. The controller sees a
+    /// command when it gets a processor, which can be late for the first of the two.
     bool hasPause(int behind, int ms) const
     {
         constexpr qint64 nsPerMs = 1000000;
+        constexpr int lateMs = timeoutMs / 2;
         const auto first = std::size_t(behind);
-        return timesNs.size() > first + 1 && timesNs[first + 1] - timesNs[first] >= ms * nsPerMs;
+        return timesNs.size() > first + 1
+               && timesNs[first + 1] - timesNs[first] >= (ms - lateMs) * nsPerMs;
     }
 };
 

@@ -165,6 +165,7 @@ void TestFarewell::anUnansweredPollHoldsOnlyItsOwnSystemUp()
     silent.setTimeoutMs(Connection::defaultTimeoutMs);
     silent.controller().stayQuiet("GSF");
     silent.pollStatus();
+    QTRY_COMPARE(silent.controller().mnemonics(), Mnemonics{"GSF"});
     Farewell held(silent, true);
     Farewell free(other, true);
     QVERIFY(!held.advance());

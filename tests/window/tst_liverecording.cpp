@@ -8,6 +8,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QIcon>
+#include <QImage>
 #include <QLabel>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -15,6 +17,12 @@
 namespace {
 
 using Link = SystemsBench::Link;
+
+QImage lightOf(const char* resource)
+{
+    constexpr QSize size(22, 22);
+    return QIcon(resource).pixmap(size).toImage();
+}
 
 struct Bench : MonitorBench
 {
@@ -37,6 +45,10 @@ struct Bench : MonitorBench
 
     QString path(const QString& name) const { return folder.filePath(name); }
     QString text() const { return frame.findChild<QLabel*>("recordingText")->text(); }
+    QImage light() const
+    {
+        return frame.findChild<QLabel*>("recordingLight")->pixmap(Qt::ReturnByValue).toImage();
+    }
     QStringList files() const { return QDir(folder.path()).entryList(QDir::Files, QDir::Name); }
     /// The lines behind the header.
     QStringList linesOf(const QString& name) const
@@ -141,9 +153,11 @@ void TestLiveRecording::recordingIsShownInTheToolBar()
     QCOMPARE(bench->text(), QString("Data recording disabled"));
     bench->recording.start(bench->path("run.csv"), false, 100);
     QCOMPARE(bench->text(), QString("Data recording enabled"));
+    QCOMPARE(bench->light(), lightOf(":/images/green_light.png"));
     QVERIFY(bench->recording.isOngoing());
     bench->recording.end();
     QCOMPARE(bench->text(), QString("Data recording disabled"));
+    QCOMPARE(bench->light(), lightOf(":/images/red_light.png"));
     QVERIFY(!bench->recording.isOngoing());
     QVERIFY(bench->toolBar.isRunning());
 }
@@ -245,6 +259,9 @@ void TestLiveRecording::lateTickIsCaughtUpBetweenEvents()
     bench->recording.flush();
     QVERIFY(bench->recorder.isBehind());
     QTRY_VERIFY(!bench->recorder.isBehind());
+    // All of it is on disk without another tick.
+    for (const char* label : {"A", "B", "C", "D", "E", "F"})
+        QCOMPARE(bench->linesOf(QStringLiteral("run_%1.csv").arg(label)).size(), most);
 }
 
 void TestLiveRecording::sampleThatEndsARunIsNotRecorded()
