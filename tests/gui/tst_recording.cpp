@@ -47,7 +47,9 @@ private slots:
     void withoutASystemNothingCanBeRecorded();
     void linesAreWhatTheControllerSent();
     void startBeginsTheAcquisitionAndStopLeavesIt();
-    void everyFifthSampleIsRecorded();
+    void samplesAreThinnedOut_data();
+    void samplesAreThinnedOut();
+    void timesAreThoseOfTheSamplesOnTheScreen();
     void everySystemHasItsFile();
     void filesAreOverwrittenOnlyIfAllowed_data();
     void filesAreOverwrittenOnlyIfAllowed();
@@ -125,30 +127,63 @@ void TestRecording::startBeginsTheAcquisitionAndStopLeavesIt()
     QCOMPARE(bench.lines().size(), lines);
 }
 
-void TestRecording::everyFifthSampleIsRecorded()
+void TestRecording::samplesAreThinnedOut_data()
 {
-    emulator::ControllerOptions options;
-    // The first one answers the start.
-    constexpr int answer = -1;
-    for (int i = answer; i < 21; ++i) {
-        emulator::PacketValues values{};
-        values.x1 = qint16(i);
-        options.script.append(values);
-    }
-    RecordingBench bench(1, options);
-    QVERIFY(bench.fixture.openWithSystems());
-    QVERIFY(bench.fixture.type("samplingRateCounter", "100"));
-    bench.fixture.find<QAction>("actionOpenDataLog")->trigger();
-    QVERIFY(QTest::qWaitForWindowExposed(&bench.dialog()));
-    bench.in<QLineEdit>("lineEdit_FileName").setText(bench.path("run.csv"));
-    bench.in<QSpinBox>("spinBox_SaveRate").setValue(20);
+    QTest::addColumn<int>("saveHz");
+    QTest::addColumn<QStringList>("positions");
+    QTest::newRow("all") << 100 << QStringList({"0.000", "0.001", "0.002", "0.003", "0.004"});
+    QTest::newRow("every third") << 33
+                                 << QStringList({"0.000", "0.003", "0.006", "0.009", "0.012"});
+    QTest::newRow("every fifth") << 20
+                                 << QStringList({"0.000", "0.005", "0.010", "0.015", "0.020"});
+    QTest::newRow("none but the first") << 0 << QStringList("0.000");
+}
+
+void TestRecording::samplesAreThinnedOut()
+{
+    QFETCH(int, saveHz);
+    QFETCH(QStringList, positions);
+    // The first sample answers the start.
+    RecordingBench bench(1, countingController(-1));
+    QVERIFY(bench.open());
+    bench.in<QSpinBox>("spinBox_SaveRate").setValue(saveHz);
     QVERIFY(bench.click("pushButton_Start"));
-    QVERIFY(bench.ticksUntilLines(5));
+    QVERIFY(bench.ticksUntilLines(positions.size()));
+    QVERIFY(bench.fixture.tickUntil([&] { return bench.fixture.controller().packetsSent() > 60; }));
+    QVERIFY(bench.isRecording());
     QVERIFY(bench.click("pushButton_Stop"));
-    QStringList positions;
+    QStringList recorded;
     for (const QString& line : bench.lines())
-        positions.append(line.section('\t', 1, 1));
-    QCOMPARE(positions, QStringList({"0.000", "0.005", "0.010", "0.015", "0.020"}));
+        recorded.append(line.section('\t', 1, 1));
+    QCOMPARE(recorded.mid(0, positions.size()), positions);
+    if (saveHz == 0)
+        QCOMPARE(recorded, positions);
+}
+
+void TestRecording::timesAreThoseOfTheSamplesOnTheScreen()
+{
+    constexpr double msPerSecond = 1000.0;
+    constexpr int mvPerVolt = 1000;
+    RecordingBench bench(1, countingController());
+    QVERIFY(bench.openAndStart());
+    QVERIFY(bench.ticksUntilLines(100));
+    QVERIFY(bench.click("pushButton_Stop"));
+    QHash<int, qint64> msOfNumber;
+    for (const QString& line : bench.lines())
+        msOfNumber.insert(qRound(line.section('\t', 1, 1).toDouble() * mvPerVolt),
+                          line.section('\t', 0, 0).toLongLong());
+    QSet<qint64> differences;
+    int compared = 0;
+    for (const QPointF& point : pointsOf(bench.fixture.positionPlot(1), 0)) {
+        const auto found = msOfNumber.constFind(qRound(point.y() * mvPerVolt));
+        if (found == msOfNumber.constEnd())
+            continue;
+        differences.insert(qRound64(point.x() * msPerSecond) - *found);
+        ++compared;
+    }
+    QVERIFY(compared > 5);
+    // All that lies between is how long before the first line the time of the plot began.
+    QCOMPARE(differences.size(), 1);
 }
 
 void TestRecording::everySystemHasItsFile()

@@ -63,6 +63,7 @@ private slots:
     void linesComeToDiskFourTimesASecond();
     void linesComeToDiskWithoutNewOnes();
     void aFullDiskIsToldOnceAndKeepsWholeLines();
+    void aFullDiskEndsWhatIsBehind();
     void aFullDiskIsToldAtTheStop();
     void aFailureOfOneLeavesTheOthersWhole();
     void aRemovedFileIsTold();
@@ -201,6 +202,22 @@ void TestRecorderFailures::aFullDiskIsToldOnceAndKeepsWholeLines()
     const QList<int> numbers = bench->numbers("run.csv");
     for (int i = 0; i < numbers.size(); ++i)
         QCOMPARE(numbers.at(i), i + 1);
+}
+
+void TestRecorderFailures::aFullDiskEndsWhatIsBehind()
+{
+    constexpr int turn = int(Recorder::linesPerTurn);
+    QVERIFY(!bench->startAll({0, 1}, everySample));
+    const FullDisk disk(1000);
+    bench->take(0, 3 * turn);
+    bench->take(1, 5);
+    QVERIFY(bench->recorder.flush(0));
+    bench->take(0, turn);
+    QVERIFY(!bench->recorder.flush(0));
+    QVERIFY(!bench->recorder.isBehind());
+    QVERIFY(!bench->recorder.stop());
+    QVERIFY(bench->bytes("run_A.csv").endsWith('\n'));
+    QCOMPARE(bench->lines("run_B.csv").size(), 5);
 }
 
 void TestRecorderFailures::aFullDiskIsToldAtTheStop()

@@ -45,6 +45,7 @@ private slots:
     void behindASilentStartTheLinkIsDeafUntilItIsDisconnected();
     void aStopThatFailsIsTold_data();
     void aStopThatFailsIsTold();
+    void aStopThatFailsStartsNoStreamAgain();
 };
 
 void TestServiceSpeed::everyPacketBehindTheFirstIsCounted()
@@ -173,6 +174,18 @@ void TestServiceSpeed::aStopThatFailsIsTold()
     QCOMPARE(bench.commands(), startAndStop());
     QCOMPARE(bench.link.controller.isStreaming(), streamsOn);
     QCOMPARE(bench.link.client.isStreaming(), streamsOn);
+}
+
+void TestServiceSpeed::aStopThatFailsStartsNoStreamAgain()
+{
+    ServiceBench bench;
+    QVERIFY(bench.openStreaming());
+    // The first stop is that of the stream that ran before.
+    QVERIFY(bench.clickUnder({on("SLS").refuse().once(), on("CLS").after(1).cutTo(1).once()},
+                             "speed_pushButton"));
+    QCOMPARE(bench.results(), QString(notStopped));
+    QCOMPARE(bench.commands(), QByteArrayList{"CLS;"} + startAndStop());
+    QVERIFY(bench.isQuiet());
 }
 
 QTEST_MAIN(TestServiceSpeed)

@@ -36,6 +36,7 @@ private slots:
     void everyKindIsStartedInItsWay();
     void aStreamThatDoesNotStartAgainIsNotTold_data();
     void aStreamThatDoesNotStartAgainIsNotTold();
+    void aStreamThatCanNotBeStoppedLetsTheTestFail();
     void resultsOfTwoTestsComeBeforeTheStart_data();
     void resultsOfTwoTestsComeBeforeTheStart();
 };
@@ -152,6 +153,17 @@ void TestServiceStream::aStreamThatDoesNotStartAgainIsNotTold()
     QCOMPARE(bench.results(), QString("Clear Trigger Freeze Stage 1: Success\n"));
     QVERIFY(bench.isQuiet());
     QCOMPARE(QApplication::topLevelWidgets().count(), 1);
+}
+
+void TestServiceStream::aStreamThatCanNotBeStoppedLetsTheTestFail()
+{
+    ServiceBench bench;
+    QVERIFY(bench.openStreaming());
+    QVERIFY(bench.clickUnder({on("CLS").ignore()}, "buttonGAS"));
+    // The stop is repeated. As long as the stream runs nothing else is sent.
+    QCOMPARE(bench.commands(), (QByteArrayList{"CLS;", "CLS;"}));
+    QCOMPARE(bench.results(), QString("Get Active Signal: failed - no response\n"));
+    QVERIFY(bench.link.controller.isStreaming());
 }
 
 void TestServiceStream::resultsOfTwoTestsComeBeforeTheStart_data()

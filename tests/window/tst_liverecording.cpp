@@ -123,6 +123,7 @@ private slots:
     void lowerSaveRateStays();
     void samplesOfTheTickAreRecorded();
     void lateTickIsCaughtUpBetweenEvents();
+    void nextRecordingGetsNothingOfTheOneBefore();
     void sampleThatEndsARunIsNotRecorded();
     void allQuestionsComeBeforeAnyFile();
     void refusalLeavesEveryFileWhole();
@@ -262,6 +263,25 @@ void TestLiveRecording::lateTickIsCaughtUpBetweenEvents()
     // All of it is on disk without another tick.
     for (const char* label : {"A", "B", "C", "D", "E", "F"})
         QCOMPARE(bench->linesOf(QStringLiteral("run_%1.csv").arg(label)).size(), most);
+}
+
+void TestLiveRecording::nextRecordingGetsNothingOfTheOneBefore()
+{
+    constexpr int most = 501;
+    for (const char* label : {"A", "B", "C"})
+        bench->addNamed(label);
+    bench->recording.start(bench->path("run.csv"), true, 500);
+    bench->tick({most, most, most});
+    bench->recording.flush();
+    QVERIFY(bench->recorder.isBehind());
+    bench->recording.end();
+    bench->recording.start(bench->path("next.csv"), true, 500);
+    QCoreApplication::processEvents();
+    bench->recording.end();
+    for (const char* label : {"A", "B", "C"}) {
+        QCOMPARE(bench->linesOf(QStringLiteral("run_%1.csv").arg(label)).size(), most);
+        QVERIFY(bench->linesOf(QStringLiteral("next_%1.csv").arg(label)).isEmpty());
+    }
 }
 
 void TestLiveRecording::sampleThatEndsARunIsNotRecorded()
