@@ -12,7 +12,8 @@ struct SpeedResult
     };
 
     Outcome outcome = Outcome::NotStarted;
-    /// Without the first packet of the stream, which is the reply to its start.
+    /// Without the first packet of the stream where that is the reply to its start, as it is unless
+    /// the stream follows triggers.
     int received = 0;
 };
 

@@ -120,7 +120,9 @@ QImage TestInformationDialog::qrCode() const
 void TestInformationDialog::titleAndFlags()
 {
     QCOMPARE(dialog->windowTitle(), QString("About this software"));
-    QVERIFY(!dialog->windowIcon().isNull());
+    const QIcon icon(QStringLiteral(":/images/Zevlogo1_freigestellt.gif"));
+    QVERIFY(!icon.pixmap(16).isNull());
+    QCOMPARE(dialog->windowIcon().pixmap(16).toImage(), icon.pixmap(16).toImage());
     QVERIFY(!dialog->isModal());
     QVERIFY(dialog->isWindow());
     // Qt adds a title and the system menu to a window that has a button.

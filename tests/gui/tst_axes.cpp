@@ -157,6 +157,11 @@ void TestAxes::aClickOpensTheDialogOfTheAxis_data()
 
 void TestAxes::aClickOpensTheDialogOfTheAxis()
 {
+    const QString positions = QStringLiteral("-5.00 .. 5.00");
+    const QString times = QStringLiteral("000:00:00 .. 000:00:10");
+    const QString intensities = QStringLiteral("0.00 .. 8.00");
+    const QMap<int, QString> limits{{1, positions}, {2, positions},   {3, times},
+                                    {4, times},     {5, intensities}, {6, intensities}};
     QVERIFY(openWindow());
     for (const ClickableAxis& axis : clickableAxes) {
         const QwtScaleWidget& scale = bench->scale(axis);
@@ -167,6 +172,9 @@ void TestAxes::aClickOpensTheDialogOfTheAxis()
             QCOMPARE(bench->shown()->windowTitle(), QString(axis.title));
             const bool isTime = bench->shown() == bench->times;
             QCOMPARE(isTime ? bench->times->axis() : bench->values->axis(), axis.axisId);
+            QCOMPARE(bench->limitsShown(), limits[axis.axisId]);
+            QCOMPARE(bench->shown()->windowIcon().pixmap(16).toImage(),
+                     QIcon(":/images/Zevlogo1_freigestellt.gif").pixmap(16).toImage());
             bench->shown()->close();
         }
     }

@@ -119,21 +119,29 @@ void TestServiceBaudRate::behindAnotherRateThanThatOfTheAdapterNobodyAnswers()
 void TestServiceBaudRate::aRateThatIsNotTakenLeavesTheStreamStopped_data()
 {
     QTest::addColumn<Rule>("rule");
-    QTest::newRow("refused") << Rule(on("SBR").refuse());
-    QTest::newRow("silent") << Rule(on("SBR").ignore());
-    QTest::newRow("one byte") << Rule(on("SBR").cutTo(1));
-    QTest::newRow("other status") << Rule(on("SBR").reply("\xFF;"));
+    QTest::addColumn<bool>("streaming");
+    for (const bool streaming : {false, true}) {
+        const auto row = [streaming](const char* name) -> QTestData& {
+            return QTest::addRow("%s, %s", name, streaming ? "streaming" : "quiet");
+        };
+        row("refused") << Rule(on("SBR").refuse()) << streaming;
+        row("silent") << Rule(on("SBR").ignore()) << streaming;
+        row("one byte") << Rule(on("SBR").cutTo(1)) << streaming;
+        row("other status") << Rule(on("SBR").reply("\xFF;")) << streaming;
+    }
 }
 
 void TestServiceBaudRate::aRateThatIsNotTakenLeavesTheStreamStopped()
 {
     QFETCH(Rule, rule);
+    QFETCH(bool, streaming);
     ServiceBench bench;
-    QVERIFY(bench.openStreaming());
+    QVERIFY(streaming ? bench.openStreaming() : bench.open());
+    const QByteArrayList stop = streaming ? QByteArrayList{"CLS;"} : QByteArrayList();
     const QSignalSpy changes(&bench.dialog, &ServiceDialog::baudRateChanged);
     QVERIFY(bench.clickUnder({rule}, "baudrateChange"));
     QCOMPARE(bench.results(), QString(refused));
-    QCOMPARE(bench.commands(), QByteArrayList({"CLS;", QByteArray("SBR\x01;", 5)}));
+    QCOMPARE(bench.commands(), stop + QByteArrayList{QByteArray("SBR\x01;", 5)});
     QCOMPARE(bench.labelText("config_Label"), QString("Siehe Ethernet Adapter"));
     QVERIFY(bench.link.client.isConnected());
     QVERIFY(bench.isQuiet());

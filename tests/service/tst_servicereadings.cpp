@@ -50,6 +50,11 @@ bool typePosition(const ServiceBench& bench, const char* text)
     return box.text() == QLatin1String(text);
 }
 
+QByteArrayList memoryBetweenStreams()
+{
+    return {"CLS;", memoryCommand, streamStart(ServiceBench::streamRateHz)};
+}
+
 } // namespace
 
 class TestServiceReadings : public QObject
@@ -64,6 +69,7 @@ private slots:
     void memoryIsLoggedAsItStands();
     void memoryThatIsNotWholeIsNotSupported_data();
     void memoryThatIsNotWholeIsNotSupported();
+    void memoryIsReadBetweenStreams();
     void markupOfAnErrorIsShownAsItIs();
     void resultsStandBelowEachOther();
     void lastResultIsInSight();
@@ -141,21 +147,39 @@ void TestServiceReadings::memoryIsLoggedAsItStands()
 void TestServiceReadings::memoryThatIsNotWholeIsNotSupported_data()
 {
     QTest::addColumn<Rule>("rule");
-    QTest::newRow("two bytes") << Rule(on("RFR").cutTo(2));
-    QTest::newRow("one byte is missing") << Rule(on("RFR").cutTo(257));
-    QTest::newRow("one byte") << Rule(on("RFR").cutTo(1));
-    QTest::newRow("refused") << Rule(on("RFR").refuse());
-    QTest::newRow("silent") << Rule(on("RFR").ignore());
+    QTest::addColumn<bool>("streaming");
+    for (const bool streaming : {false, true}) {
+        const auto row = [streaming](const char* name) -> QTestData& {
+            return QTest::addRow("%s, %s", name, streaming ? "streaming" : "quiet");
+        };
+        row("two bytes") << Rule(on("RFR").cutTo(2)) << streaming;
+        row("one byte is missing") << Rule(on("RFR").cutTo(257)) << streaming;
+        row("one byte") << Rule(on("RFR").cutTo(1)) << streaming;
+        row("refused") << Rule(on("RFR").refuse()) << streaming;
+        row("silent") << Rule(on("RFR").ignore()) << streaming;
+    }
 }
 
 void TestServiceReadings::memoryThatIsNotWholeIsNotSupported()
 {
     QFETCH(Rule, rule);
+    QFETCH(bool, streaming);
     ServiceBench bench;
-    QVERIFY(bench.open());
+    QVERIFY(streaming ? bench.openStreaming() : bench.open());
     QVERIFY(bench.clickUnder({rule}, "fram_PushButton"));
     QCOMPARE(bench.results(), QString("Not supported! \n"));
-    QCOMPARE(bench.commands(), QByteArrayList{memoryCommand});
+    QCOMPARE(bench.commands(), streaming ? memoryBetweenStreams() : QByteArrayList{memoryCommand});
+    QVERIFY(streaming ? bench.streams() : bench.isQuiet());
+}
+
+void TestServiceReadings::memoryIsReadBetweenStreams()
+{
+    ServiceBench bench;
+    QVERIFY(bench.openStreaming());
+    QVERIFY(bench.click("fram_PushButton"));
+    QCOMPARE(bench.results().split('\n').size(), 255);
+    QCOMPARE(bench.commands(), memoryBetweenStreams());
+    QVERIFY(bench.streams());
 }
 
 void TestServiceReadings::markupOfAnErrorIsShownAsItIs()

@@ -1,5 +1,6 @@
 // The speed test of the service dialog. The controller's own count of packets is the truth.
 
+#include "paramsbench.h"
 #include "servicebench.h"
 
 #include <QPushButton>
@@ -46,6 +47,8 @@ private slots:
     void aStopThatFailsIsTold_data();
     void aStopThatFailsIsTold();
     void aStopThatFailsStartsNoStreamAgain();
+    void everyKindIsCounted_data() { addControllerKinds(); }
+    void everyKindIsCounted();
 };
 
 void TestServiceSpeed::everyPacketBehindTheFirstIsCounted()
@@ -185,6 +188,21 @@ void TestServiceSpeed::aStopThatFailsStartsNoStreamAgain()
                              "speed_pushButton"));
     QCOMPARE(bench.results(), QString(notStopped));
     QCOMPARE(bench.commands(), QByteArrayList{"CLS;"} + startAndStop());
+    QVERIFY(bench.isQuiet());
+}
+
+void TestServiceSpeed::everyKindIsCounted()
+{
+    QFETCH(ControllerKind, kind);
+    ServiceBench bench(kind.options);
+    QVERIFY(bench.link.connectAndIdentify());
+    bench.link.client.setTriggerMode(kind.byTriggers);
+    QVERIFY(bench.show());
+    QVERIFY(bench.click("speed_pushButton"));
+    QCOMPARE(bench.commands(), QByteArrayList({kind.start(fastestHz), "CLS;"}));
+    // A start by triggers is answered by two bytes, any other one by its first packet.
+    const qint64 answers = bench.commands().first().startsWith("SPS") ? 0 : 1;
+    QCOMPARE(bench.results(), received(bench.link.controller.packetsSent() - answers));
     QVERIFY(bench.isQuiet());
 }
 
