@@ -42,6 +42,8 @@ else()
   set(_room_kind STATIC)
 endif()
 
+include(LumetraPrecompiledHeaders)
+
 # Where the program is installed: a folder of its own, since it looks for its documents beside itself.
 set(LUMETRA_PROGRAM_DESTINATION lib/lumetra)
 
@@ -60,6 +62,7 @@ function(lumetra_room target)
   endforeach()
   target_include_directories(${target} PUBLIC ${root})
   target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE lumetra_flags)
+  lumetra_precompile(${target})
 endfunction()
 
 # lumetra_test(<name> [ONE_THREAD] SOURCES <file>... [LINK <target>...] [TIMEOUT <seconds>]
@@ -78,6 +81,7 @@ function(lumetra_test name)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LINK} lumetra_flags Qt5::Test)
+  lumetra_precompile(${name})
   add_test(NAME ${name} COMMAND ${ARG_RUNNER} $<TARGET_FILE:${name}>)
   set(home ${CMAKE_BINARY_DIR}/homes/${name})
   file(MAKE_DIRECTORY ${home})
