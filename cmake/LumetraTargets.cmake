@@ -42,6 +42,8 @@ else()
   set(_room_kind STATIC)
 endif()
 
+include(LumetraPrecompiledHeaders)
+
 # Where the program is installed: a folder of its own, since it looks for its documents beside itself.
 set(LUMETRA_PROGRAM_DESTINATION lib/lumetra)
 
@@ -60,16 +62,25 @@ function(lumetra_room target)
   endforeach()
   target_include_directories(${target} PUBLIC ${root})
   target_link_libraries(${target} PUBLIC ${ARG_LINK} PRIVATE lumetra_flags)
+  lumetra_precompile(${target})
 endfunction()
 
-# lumetra_test(<name> [ONE_THREAD] SOURCES <file>... [LINK <target>...] [TIMEOUT <seconds>]
+# Tests of flows whose limits of 100 to 300 ms are the application's own: what runs beside them must
+# not use them up. They come first, beside each other; all tests but those that only wait begin
+# behind them.
+set(LUMETRA_HURRIED_TESTS
+  gui_serial gui_serviceserial tst_emulator_pty tst_interfacesearch tst_serialport
+  tst_setup_serialflow)
+
+# lumetra_test(<name> [ONE_THREAD] [ONLY_WAITS] SOURCES <file>... [LINK <target>...] [TIMEOUT <seconds>]
 #   [RUNNER <word>...])
 # A Qt Test executable, run headless with a home of its own; by the command RUNNER if there is one.
 # One that skips in initTestCase, for want of what all of its tests need, counts as skipped; so does
 # one whose RUNNER returns 77. With ONE_THREAD there is nothing in it for the thread sanitizer to
-# see, and its build leaves the test out.
+# see, and its build leaves the test out. With ONLY_WAITS it needs so little of a processor that it
+# may run beside LUMETRA_HURRIED_TESTS.
 function(lumetra_test name)
-  cmake_parse_arguments(ARG "ONE_THREAD" "TIMEOUT" "SOURCES;LINK;RUNNER" ${ARGN})
+  cmake_parse_arguments(ARG "ONE_THREAD;ONLY_WAITS" "TIMEOUT" "SOURCES;LINK;RUNNER" ${ARGN})
   if(ARG_ONE_THREAD AND LUMETRA_SANITIZER STREQUAL "thread")
     return()
   endif()
@@ -78,6 +89,7 @@ function(lumetra_test name)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LINK} lumetra_flags Qt5::Test)
+  lumetra_precompile(${name})
   add_test(NAME ${name} COMMAND ${ARG_RUNNER} $<TARGET_FILE:${name}>)
   set(home ${CMAKE_BINARY_DIR}/homes/${name})
   file(MAKE_DIRECTORY ${home})
@@ -86,6 +98,11 @@ function(lumetra_test name)
     SKIP_RETURN_CODE 77
     SKIP_REGULAR_EXPRESSION "SKIP   : [A-Za-z]+::initTestCase"
     ENVIRONMENT "${LUMETRA_TEST_ENVIRONMENT};HOME=${home}")
+  if(name IN_LIST LUMETRA_HURRIED_TESTS)
+    lumetra_starts_early(${name})
+  elseif(NOT ARG_ONLY_WAITS)
+    lumetra_begins_later(${name})
+  endif()
 endfunction()
 
 # Qt complains about a runtime folder that others may look into.
@@ -105,11 +122,10 @@ set(LUMETRA_TEST_ENVIRONMENT
   "UBSAN_OPTIONS=print_stacktrace=1"
   "TSAN_OPTIONS=ignore_noninstrumented_modules=1 exitcode=66 second_deadlock_stack=1")
 
-# lumetra_runs_alone(<test>...)
-# For tests of flows whose limits of a few hundred milliseconds are the application's own: what runs
-# beside them must not use them up.
-function(lumetra_runs_alone)
-  set_tests_properties(${ARGN} PROPERTIES RUN_SERIAL TRUE)
+# lumetra_begins_later(<test>...)
+# Behind LUMETRA_HURRIED_TESTS, as far as these run at all.
+function(lumetra_begins_later)
+  set_tests_properties(${ARGN} PROPERTIES DEPENDS "${LUMETRA_HURRIED_TESTS}")
 endfunction()
 
 # lumetra_starts_early(<test>...)
