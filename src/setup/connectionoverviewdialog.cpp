@@ -115,12 +115,27 @@ void ConnectionOverviewDialog::update(const QList<ConnectionStatus>& statuses)
         connectionOrder.removeLast();
     }
     for (int i = 0; i < statuses.size(); ++i) {
-        OverviewWidget& row = *rows.at(i + headerRows);
-        row.updateRow(statuses.at(i));
-        QListWidgetItem& item = *items.at(i + headerRows);
-        if (item.sizeHint() != row.sizeHint())
-            item.setSizeHint(row.sizeHint());
+        const bool isKnown = i < shownStatuses.size() && shownStatuses.at(i) == statuses.at(i);
+        if (isVisible() || !isKnown)
+            updateRow(i, statuses.at(i));
     }
+    shownStatuses = statuses;
+}
+
+void ConnectionOverviewDialog::updateRow(int connection, const ConnectionStatus& status)
+{
+    OverviewWidget& row = *rows.at(connection + headerRows);
+    row.updateRow(status);
+    QListWidgetItem& item = *items.at(connection + headerRows);
+    if (item.sizeHint() != row.sizeHint())
+        item.setSizeHint(row.sizeHint());
+}
+
+/// A box that the user has ticked last may not stand for what came of it.
+void ConnectionOverviewDialog::hideEvent(QHideEvent* event)
+{
+    shownStatuses.clear();
+    QDialog::hideEvent(event);
 }
 
 QList<int> ConnectionOverviewDialog::shownOrder() const

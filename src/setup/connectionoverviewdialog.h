@@ -30,7 +30,9 @@ public:
     explicit ConnectionOverviewDialog(QWidget* parent = nullptr);
     ~ConnectionOverviewDialog() override;
 
-    /// Shows the statuses, row by row in their order. Called at every display tick.
+    /// Shows the statuses, row by row in their order. Called at every display tick. While nobody
+    /// sees the dialog, only rows whose status has changed are touched: it can be shown at any
+    /// time.
     void update(const QList<ConnectionStatus>& statuses);
     /// Entry i is the index of the connection at place i of the user's order.
     QList<int> order() const { return connectionOrder; }
@@ -60,6 +62,9 @@ public slots:
     /// Moves an entry of the order; the rows keep theirs. Indices do not count the header.
     void changeOrder(int oldIndex, int newIndex);
 
+protected:
+    void hideEvent(QHideEvent* event) override;
+
 private slots:
     void on_closePushButton_clicked();
 
@@ -71,10 +76,13 @@ private:
     void relaySignals(const OverviewWidget& row);
     void relayByConnection(const OverviewWidget& row);
     int connectionRows() const;
+    void updateRow(int connection, const ConnectionStatus& status);
 
     std::unique_ptr<Ui::ConnectionOverviewDialog> ui;
     /// Row 0 is the header. The list owns rows and items.
     QList<OverviewWidget*> rows;
     QList<QListWidgetItem*> items;
     QList<int> connectionOrder;
+    /// What the rows show; empty if the user may have changed some of it.
+    QList<ConnectionStatus> shownStatuses;
 };

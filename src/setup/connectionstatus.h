@@ -5,6 +5,8 @@
 #include <QColor>
 #include <QString>
 
+#include <tuple>
+
 class Connection;
 
 /// The live record of one connection: kept by the main window, shown by the system overview.
@@ -32,6 +34,18 @@ struct ConnectionStatus
     bool multiplex1 = false;
     bool multiplex2 = false;
 };
+
+inline bool operator==(const ConnectionStatus& one, const ConnectionStatus& other)
+{
+    const auto valuesOf = [](const ConnectionStatus& status) {
+        return std::tie(status.connection, status.label, status.address, status.statusValid,
+                        status.stabilised1, status.stabilised2, status.active1, status.active2,
+                        status.colorX, status.colorY, status.colorI, status.displayed,
+                        status.commonColorX, status.commonColorY, status.commonColorI,
+                        status.groupId, status.multiplex1, status.multiplex2);
+    };
+    return valuesOf(one) == valuesOf(other);
+}
 
 /// Whether a stage measures with the common detector of its group.
 inline bool& multiplexFlag(ConnectionStatus& status, Stage stage)

@@ -13,6 +13,10 @@
 #include <QSpinBox>
 #include <QtTest>
 
+#include <functional>
+
+Q_DECLARE_METATYPE(std::function<void(ConnectionStatus&)>)
+
 using overviewstatuses::status;
 using overviewstatuses::statuses;
 using widgettest::click;
@@ -28,6 +32,21 @@ QImage lightOf(const QWidget& row, const char* name)
 QImage image(const char* name)
 {
     return QPixmap(QLatin1String(name)).toImage();
+}
+
+/// What the user can read in a row, and what can be pressed.
+QStringList lookOf(const QWidget& row)
+{
+    QStringList look{named<QLabel>(row, "label").text(), named<QLabel>(row, "label").toolTip()};
+    for (const char* name : {"active1", "active2"})
+        look.append(named<QLabel>(row, name).toolTip());
+    for (const char* name : {"enable1", "enable2", "xColor", "yColor", "iColor", "showCheckBox"}) {
+        const auto& button = named<QAbstractButton>(row, name);
+        look.append(button.text() + button.styleSheet());
+        look.append(button.isEnabled() ? "enabled" : "disabled");
+        look.append(button.isChecked() ? "checked" : "unchecked");
+    }
+    return look;
 }
 
 constexpr char redLight[] = ":/images/red_light.png";
@@ -53,6 +72,11 @@ private slots:
     void aRowShowsItsStatus();
     void aFreshRowShowsRedLights();
     void aRowIsTouchedOnlyByChanges();
+    void aHiddenRowIsLeftAloneWhileItsStatusStays();
+    void aHiddenRowFollowsItsStatus_data();
+    void aHiddenRowFollowsItsStatus();
+    void hiddenRowsFollowAClosedSystem();
+    void aRowIsPutRightAfterTheDialogWasClosed();
     void anInvalidStatusDisablesTheControls();
     void coloursAreToldOnceWhenTheyComeFromTheStatus();
     void longLabelsAreNotCut();
@@ -60,6 +84,8 @@ private slots:
     void closeAndEscapeClose();
 
 private:
+    using Change = std::function<void(ConnectionStatus&)>;
+
     ListWidget& list() const { return named<ListWidget>(*dialog, "listWidget"); }
     QWidget& row(int index) const { return *list().itemWidget(list().item(index)); }
 
@@ -250,6 +276,83 @@ void TestOverview::aRowIsTouchedOnlyByChanges()
     QCOMPARE(named<QLabel>(data, "label").text(), QStringLiteral("other"));
     QCOMPARE(named<QPushButton>(data, "enable1").text(), QStringLiteral("other"));
     QVERIFY(named<QCheckBox>(data, "showCheckBox").isChecked());
+}
+
+void TestOverview::aHiddenRowIsLeftAloneWhileItsStatusStays()
+{
+    const QList<ConnectionStatus> all = statuses({"a", "b"});
+    dialog->update(all);
+    // A row that is touched gets its controls enabled each time.
+    auto& button = named<QPushButton>(row(2), "enable1");
+    button.setEnabled(false);
+    dialog->update(all);
+    QVERIFY(!button.isEnabled());
+    widgettest::show(*dialog);
+    dialog->update(all);
+    QVERIFY(button.isEnabled());
+}
+
+void TestOverview::aHiddenRowFollowsItsStatus_data()
+{
+    QTest::addColumn<Change>("change");
+    const auto add = [](const char* name, const Change& change) { QTest::newRow(name) << change; };
+    add("label", [](ConnectionStatus& s) { s.label = "other"; });
+    add("address", [](ConnectionStatus& s) { s.address = "other"; });
+    add("validity", [](ConnectionStatus& s) { s.statusValid = false; });
+    add("stabilised 1", [](ConnectionStatus& s) { s.stabilised1 = true; });
+    add("stabilised 2", [](ConnectionStatus& s) { s.stabilised2 = true; });
+    add("active 1", [](ConnectionStatus& s) { s.active1 = true; });
+    add("active 2", [](ConnectionStatus& s) { s.active2 = true; });
+    add("colour x", [](ConnectionStatus& s) { s.colorX = Qt::cyan; });
+    add("colour y", [](ConnectionStatus& s) { s.colorY = Qt::cyan; });
+    add("colour of the intensity", [](ConnectionStatus& s) { s.colorI = Qt::cyan; });
+    add("displayed", [](ConnectionStatus& s) { s.displayed = true; });
+}
+
+void TestOverview::aHiddenRowFollowsItsStatus()
+{
+    QFETCH(Change, change);
+    QList<ConnectionStatus> all = statuses({"a", "b"});
+    dialog->update(all);
+    const QStringList before = lookOf(row(2));
+    const QStringList other = lookOf(row(1));
+    change(all.last());
+    dialog->update(all);
+    const QStringList hidden = lookOf(row(2));
+    QVERIFY(hidden != before);
+    QCOMPARE(lookOf(row(1)), other);
+    widgettest::show(*dialog);
+    QCOMPARE(lookOf(row(2)), hidden);
+    dialog->update(all);
+    QCOMPARE(lookOf(row(2)), hidden);
+}
+
+void TestOverview::hiddenRowsFollowAClosedSystem()
+{
+    QList<ConnectionStatus> all = statuses({"a", "b", "c"});
+    all[1].displayed = true;
+    dialog->update(all);
+    all.removeFirst();
+    dialog->update(all);
+    QCOMPARE(named<QLabel>(row(1), "label").text(), QStringLiteral("b"));
+    QVERIFY(named<QCheckBox>(row(1), "showCheckBox").isChecked());
+    QCOMPARE(named<QLabel>(row(2), "label").text(), QStringLiteral("c"));
+    QVERIFY(!named<QCheckBox>(row(2), "showCheckBox").isChecked());
+}
+
+void TestOverview::aRowIsPutRightAfterTheDialogWasClosed()
+{
+    const QList<ConnectionStatus> all = statuses({"a"});
+    dialog->update(all);
+    widgettest::show(*dialog);
+    dialog->update(all);
+    auto& box = named<QCheckBox>(row(1), "showCheckBox");
+    QVERIFY(click(box));
+    QVERIFY(box.isChecked());
+    QVERIFY(click(named<QPushButton>(*dialog, "closePushButton")));
+    // The wish was refused: the status is as before.
+    dialog->update(all);
+    QVERIFY(!box.isChecked());
 }
 
 void TestOverview::anInvalidStatusDisablesTheControls()

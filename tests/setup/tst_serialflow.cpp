@@ -2,6 +2,7 @@
 // real search, against emulated controllers.
 
 #include "dialogbench.h"
+#include "dialogues.h"
 #include "emulator/emulatorhost.h"
 #include "flowtools.h"
 #include "link/interfacesearch.h"
@@ -17,8 +18,12 @@
 #include <QSerialPort>
 #include <QtTest>
 
+#include <vector>
+
 Q_DECLARE_METATYPE(emulator::ControllerOptions)
 
+using dialogues::Dialogue;
+using dialogues::dialogueOf;
 using emulator::ControllerHandle;
 using emulator::ControllerOptions;
 using emulator::EmulatorHost;
@@ -111,9 +116,12 @@ private slots:
     void aStoredSystemConnectsAtTheOtherPort();
     void aStoredSystemConnectsWithoutASearch();
     void anotherControllerAtTheStoredPortIsListedButNotConnected();
+    void storedSystemsComeUpSideBySideAsEachDoesAlone();
+    void storedSystemsKeepTheOrderOfTheFile();
     void theEndOfAnAdapterIsTold();
 
 private:
+    void makeBench();
     ControllerHandle plug(const ControllerOptions& options = {});
     void showSerial();
     void scan();
@@ -139,8 +147,14 @@ void TestSerialFlow::initTestCase()
 void TestSerialFlow::init()
 {
     host = std::make_unique<EmulatorHost>();
-    bench = std::make_unique<DialogBench>();
     adapters.clear();
+    makeBench();
+}
+
+void TestSerialFlow::makeBench()
+{
+    bench.reset();
+    bench = std::make_unique<DialogBench>();
     bench->dialog.setInterfaceSearch([this](bool includePseudo, bool anyDevice) {
         return searchInterfaces(includePseudo, anyDevice, [this] { return adapters; });
     });
@@ -707,6 +721,76 @@ void TestSerialFlow::anotherControllerAtTheStoredPortIsListedButNotConnected()
     QVERIFY(!controller.isConnected());
     QCOMPARE(bench->registry.statesWhenNew.first(), LinkState::Disconnected);
     QCOMPARE(buttonOf(*bench->serialLines().first()), QStringLiteral("Reconnect"));
+}
+
+void TestSerialFlow::storedSystemsComeUpSideBySideAsEachDoesAlone()
+{
+    std::vector<ControllerHandle> controllers{plug(), plug()};
+    const QStringList labels{"left", "right"};
+    QList<ConnectionSettings> list;
+    for (const ControllerHandle& each : controllers) {
+        list.append(stored(each, portOf(each), 115200));
+        list.last().label.set(labels.at(list.size() - 1));
+    }
+    QList<Dialogue> alone;
+    for (int i = 0; i < list.size(); ++i) {
+        load({list.at(i)});
+        makeBench();
+        alone.append(dialogueOf(controllers[std::size_t(i)]));
+        controllers[std::size_t(i)].clearWire();
+    }
+    load(list);
+
+    QList<Dialogue> together;
+    for (int i = 0; i < list.size(); ++i) {
+        together.append(dialogueOf(controllers[std::size_t(i)]));
+        QCOMPARE(together.last().commands, framesOfAConnect(labels.at(i).toLatin1()));
+        QCOMPARE(together.last().commands, alone.at(i).commands);
+        for (const Dialogue& dialogue : {alone.at(i), together.last()}) {
+            QVERIFY(dialogue.hasPause(0, dialogues::idleStopMs));
+            QVERIFY(dialogue.hasPause(1, dialogues::idleStopMs));
+        }
+    }
+    // Each begins before the other one has ended.
+    QVERIFY(together[1].timesNs.front() < together[0].timesNs.back());
+    QVERIFY(together[0].timesNs.front() < together[1].timesNs.back());
+    QCOMPARE(bench->registry.statesWhenNew.count(LinkState::Connected), 2);
+}
+
+void TestSerialFlow::storedSystemsKeepTheOrderOfTheFile()
+{
+    ControllerOptions slow;
+    slow.faults.lateMs = {{"GID", dialogues::timeoutMs / 2}};
+    const QStringList labels{"late", "silent", "good"};
+    ControllerOptions silent;
+    silent.faults.silent = {"CLS", "GID"};
+    QList<ConnectionSettings> list;
+    QStringList ports;
+    for (const ControllerOptions& options : {slow, silent, ControllerOptions()}) {
+        const ControllerHandle controller = plug(options);
+        ports.append(portOf(controller));
+        list.append(stored(controller, ports.last(), 115200));
+        list.last().label.set(labels.at(list.size() - 1));
+    }
+    load(list);
+
+    QStringList registered;
+    for (const auto& connection : bench->registry.connections)
+        registered.append(connection->label());
+    QCOMPARE(registered, labels);
+    QCOMPARE(
+        bench->registry.statesWhenNew,
+        QList<LinkState>({LinkState::Connected, LinkState::Disconnected, LinkState::Connected}));
+    QStringList addresses;
+    QStringList buttons;
+    for (const ConnectionWidget* line : bench->serialLines()) {
+        addresses.append(line->address());
+        buttons.append(buttonOf(*line));
+    }
+    QCOMPARE(addresses, ports);
+    QCOMPARE(buttons, QStringList({"Disconnect", "Reconnect", "Disconnect"}));
+    bench->child<QPushButton>("saveConnectionButton").click();
+    QCOMPARE(records::labelsIn(bench->contentOf(bench->defaultFile())), labels);
 }
 
 void TestSerialFlow::theEndOfAnAdapterIsTold()

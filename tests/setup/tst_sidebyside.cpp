@@ -2,6 +2,7 @@
 // alone, and what stands on the screen stands in the order of the file.
 
 #include "dialogbench.h"
+#include "dialogues.h"
 #include "emulator/emulatorhost.h"
 #include "flowtools.h"
 #include "records.h"
@@ -10,52 +11,20 @@
 
 #include <vector>
 
+using dialogues::Dialogue;
+using dialogues::dialogueOf;
+using dialogues::idleStopMs;
+using dialogues::silenceMs;
+using dialogues::timeoutMs;
 using emulator::ControllerHandle;
 using emulator::ControllerOptions;
 using emulator::EmulatorHost;
-using emulator::WireEvent;
 using flowtools::buttonOf;
 using flowtools::framesOfAConnect;
 using flowtools::stored;
 using records::file;
 
 namespace {
-
-constexpr int timeoutMs = DialogBench::shortTimeoutMs;
-/// A stop that no stream answers is waited for so long, and one that nobody answers.
-constexpr int idleStopMs = timeoutMs * 3 / 2;
-constexpr int silenceMs = timeoutMs * 2;
-
-/// The commands that a controller got, with the times at which they came.
-struct Dialogue
-{
-    QByteArrayList commands;
-    std::vector<qint64> timesNs;
-
-    /// Whether so long a wait lies between a command and the next one. The controller sees a
-    /// command when it gets a processor, which can be late for the first of the two.
-    bool hasPause(int behind, int ms) const
-    {
-        constexpr qint64 nsPerMs = 1000000;
-        constexpr int lateMs = timeoutMs / 2;
-        const auto first = std::size_t(behind);
-        return timesNs.size() > first + 1
-               && timesNs[first + 1] - timesNs[first] >= (ms - lateMs) * nsPerMs;
-    }
-};
-
-Dialogue dialogueOf(const ControllerHandle& controller)
-{
-    Dialogue dialogue;
-    const QVector<WireEvent> wire = controller.wire();
-    for (const WireEvent& event : wire) {
-        if (event.direction != WireEvent::FromHost)
-            continue;
-        dialogue.commands.append(event.bytes);
-        dialogue.timesNs.push_back(event.timeNs);
-    }
-    return dialogue;
-}
 
 ControllerOptions withFaults(const emulator::Faults& faults)
 {

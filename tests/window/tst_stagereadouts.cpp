@@ -4,6 +4,21 @@
 
 namespace {
 
+/// Counts how often a widget is painted.
+class PaintCounter final : public QObject
+{
+public:
+    explicit PaintCounter(QWidget& widget) { widget.installEventFilter(this); }
+
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+
+    int count = 0;
+};
+
 /// Intensity and drives in millivolts.
 StageValues values(unsigned intensityMv, int rxMv = 0, int ryMv = 0)
 {
@@ -25,6 +40,7 @@ private slots:
     void positionsHaveTheDecimalsOfTheDetector();
     void numbersAreMeansOverTheLatest41();
     void numbersCanBeMeansOverFewerSamples();
+    void aNumberIsPaintedOnlyIfItsTextChanges();
     void barsShowTheLatestSampleOnly();
     void takenSamplesAreShownTogether();
     void clearedAveragesBeginWithTheNextSample();
@@ -94,6 +110,24 @@ void TestStageReadouts::numbersCanBeMeansOverFewerSamples()
     QCOMPARE(form().lcdX.value(), 2.0);
     QCOMPARE(form().lcdY.value(), -2.0);
     QCOMPARE(form().lcdIntensity.value(), 2.0);
+}
+
+void TestStageReadouts::aNumberIsPaintedOnlyIfItsTextChanges()
+{
+    constexpr std::size_t single = 1;
+    form().lcdX.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&form().lcdX));
+    const auto paintsFor = [this](double x) {
+        const PaintCounter paints(form().lcdX);
+        showSample(QPointF(x, 0.0), values(0), 2, single);
+        QApplication::processEvents();
+        return paints.count;
+    };
+    paintsFor(1.25);
+    QCOMPARE(paintsFor(1.25), 0);
+    QCOMPARE(paintsFor(1.2504), 0);
+    QCOMPARE(paintsFor(1.26), 1);
+    QCOMPARE(paintsFor(-1.26), 1);
 }
 
 void TestStageReadouts::barsShowTheLatestSampleOnly()
