@@ -1,5 +1,6 @@
 #include "endurancerun.h"
 
+#include "figure.h"
 #include "link/connection.h"
 #include "plots/counter.h"
 #include "plots/genericplot.h"
@@ -33,17 +34,9 @@ void setCounter(const MainWindow& window, const char* name, int value)
     window.findChild<Counter*>(name)->spinBox->setValue(value);
 }
 
-void tell(const char* what, double value, int decimals, const char* unit)
-{
-    std::printf("%-44s %14.*f %s\n", what, decimals, value, unit);
-}
-
-void tell(const char* what, qint64 value, const char* unit)
-{
-    std::printf("%-44s %14lld %s\n", what, value, unit);
-}
-
 } // namespace
+
+using figure::tell;
 
 EnduranceRun::EnduranceRun(MainWindow& mainWindow, ControllerProcess& process,
                            const EnduranceOptions& wanted, QObject* parent)
