@@ -363,12 +363,12 @@ void systemsAndHistory(benchmark::internal::Benchmark* bench)
 
 BENCHMARK(appendToKeptPoints)
     ->ArgName("points")
-    ->Arg(1000)
+    ->Arg(4000)
     ->Arg(1000000)
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK(appendToVector)
     ->ArgName("points")
-    ->Arg(1000)
+    ->Arg(4000)
     ->Arg(1000000)
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK(appendToBoundedPoints);
