@@ -189,7 +189,7 @@ void Connection::reportLostPort()
     if (portLossReported)
         return;
     portLossReported = true;
-    condition.portOpen = false;
+    condition.losePort();
     logMessage().debug() << "Controller disconnected";
     emit hostDisconnected(address());
     exit(0);

@@ -5,11 +5,12 @@
 
 #include <QCoreApplication>
 #include <QIODevice>
-#include <QThread>
+#include <QTimer>
+
+#include <chrono>
 
 namespace {
 
-constexpr unsigned long pollMs = 1;
 /// Longer than the longest pause of a stream, so that a stop without end mark sees its last bytes.
 constexpr double stopTimeoutFactor = 1.5;
 
@@ -29,7 +30,7 @@ void Endpoint::open(std::unique_ptr<QIODevice> port)
 
 void Endpoint::close()
 {
-    condition.portOpen = false;
+    condition.losePort();
     device.reset();
 }
 
@@ -83,9 +84,12 @@ bool Endpoint::isWaitOver() const
 /// False if the deadline was over or the port was lost before.
 bool Endpoint::waitUntil(const std::function<bool()>& isReached) const
 {
+    QTimer alarm;
+    alarm.setTimerType(Qt::PreciseTimer);
     while (!isReached() && !isWaitOver()) {
-        QCoreApplication::processEvents();
-        QThread::msleep(pollMs);
+        // A command that is written from the events begins the wait anew.
+        alarm.start(std::chrono::milliseconds(deadline.remainingTime()));
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return isReached();
 }

@@ -2,11 +2,10 @@
 
 #include "link/sendqueue.h"
 
-#include <QThread>
-
 namespace {
 
-constexpr unsigned long pollMs = 1;
+/// How long a send is waited for that the connection's thread is slow to take.
+constexpr int takingMs = 1;
 constexpr int callerTimeoutFactor = 2;
 
 } // namespace
@@ -19,7 +18,7 @@ Exchange::Exchange(LinkCondition& linkCondition, SendQueue& sendQueue)
 void Exchange::send(const CommandFrame& frame)
 {
     dispatch(frame);
-    QThread::msleep(pollMs);
+    delivery->waitUntil(QDeadlineTimer(takingMs, Qt::PreciseTimer));
 }
 
 bool Exchange::trySend(const CommandFrame& frame)
@@ -56,8 +55,7 @@ bool Exchange::awaitReply(QByteArray& out)
     // On a loaded machine the send can still lie in the queue: its outcome is not known before.
     if (delivery && !delivery->waitUntil(deadline))
         delivery->giveUp();
-    while (!isSettled())
-        QThread::msleep(pollMs);
+    condition.replies.waitWhileAwaited(deadline, [this] { return !condition.portOpen; });
     if (condition.replies.isAwaited())
         giveUpReply();
     return condition.replies.take(out);

@@ -30,7 +30,8 @@ struct LinkCondition
     static constexpr int defaultTimeoutMs = 750;
 
     std::atomic<LinkState> link{LinkState::NotConnected};
-    /// Whether the port can be written to: what other threads see in place of the device.
+    /// Whether the port can be written to: what other threads see in place of the device. It ends
+    /// by `losePort`.
     std::atomic<bool> portOpen{false};
     std::atomic<bool> streaming{false};
     std::atomic<StreamState> stream{StreamState::None};
@@ -38,6 +39,13 @@ struct LinkCondition
     /// What lies unread at the port is no part of the reply to the next command: it is dropped
     /// before that is written.
     std::atomic<bool> dropUnread{false};
+
+    /// On the connection's thread: nothing can be written any more, and no reply will come.
+    void losePort()
+    {
+        portOpen = false;
+        replies.wakeWaiter();
+    }
 
     std::atomic<int> timeoutMs{defaultTimeoutMs};
     std::atomic<int> baudRate{-1};

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDeadlineTimer>
 
+#include <condition_variable>
+#include <functional>
 #include <mutex>
 
 /// Where the connection's thread leaves a reply for the GUI thread. It holds one reply; whether one
@@ -20,13 +23,21 @@ public:
     /// Appends the reply to `out`. False if there is none.
     bool take(QByteArray& out);
     bool isAwaited() const;
+    /// Waits until no reply is awaited any more, but not beyond the deadline or while
+    /// `isPointless`.
+    void waitWhileAwaited(const QDeadlineTimer& deadline, const std::function<bool()>& isPointless);
+    /// Lets whoever waits look at once whether waiting has become pointless.
+    void wakeWaiter();
     /// Neither awaits a reply nor has one.
     void reset();
 
 private:
     enum class State { Idle, Awaited, Ready };
 
+    void leave(State next);
+
     mutable std::mutex mutex;
+    std::condition_variable changed;
     State state = State::Idle;
     QByteArray reply;
 };

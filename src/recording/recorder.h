@@ -20,8 +20,8 @@ public:
     /// where a tick comes late.
     static constexpr qint64 flushPeriodMs = 250;
     /// A quarter of a millisecond of work, and four times what 50 systems send between two usual
-    /// ticks. A tick that comes late brings a hundred times as much, which would hold up the
-    /// window.
+    /// ticks. A tick that comes late brings a hundred times as much, which would hold up the window
+    /// if it were done at once.
     static constexpr std::size_t linesPerTurn = 1000;
 
     Recorder() = default;
@@ -41,9 +41,9 @@ public:
     SystemRecord* recordOf(const Connection* connection) const;
 
     /// Forms the lines of what was taken, up to `linesPerTurn`, and writes lines if it is time.
-    /// Called at every tick, also without new samples, and again while it is behind. `nowMs` is of
-    /// any clock that only moves forward. Returns what failed, once for a recording, which should
-    /// then be stopped.
+    /// Called behind every tick, also without new samples, and again while it is behind. `nowMs` is
+    /// of any clock that only moves forward. Returns what failed, once for a recording, which
+    /// should then be stopped.
     std::optional<RecordFailure> flush(qint64 nowMs);
     /// Whether samples were taken whose lines are not formed yet.
     bool isBehind() const;

@@ -2,7 +2,7 @@
 
 #include "recording/recordtext.h"
 
-#include <algorithm>
+#include <utility>
 
 SystemRecord::SystemRecord(const QString& path, const DetectorPair& currentDetectors,
                            int saveDivider, Counting sampleCounting, const QDateTime& start)
@@ -18,35 +18,48 @@ SystemRecord::SystemRecord(const QString& path, const DetectorPair& currentDetec
     recordFile.flush();
 }
 
-void SystemRecord::take(const MeasureSample& sample, const SamplePlace& place)
+void SystemRecord::take(std::vector<MeasureSample> samples, const SamplePlace& place)
 {
-    if (!isDue(place) || !recordFile.isOpen())
-        return;
-    counter = 1;
-    if (isFirstLine) {
-        startTimeMs = sample.timeMs;
-        isFirstLine = false;
-    }
-    kept.push_back(sample);
+    if (!samples.empty() && recordFile.isOpen())
+        kept.push_back({std::move(samples), place});
 }
 
 std::size_t SystemRecord::form(std::size_t most)
 {
     // What a file that has failed would have got is nobody's.
-    const std::size_t wanted = recordFile.isOpen() ? kept.size() - formed : 0;
-    const std::size_t count = std::min(most, wanted);
-    for (const std::size_t end = formed + count; formed < end; ++formed) {
-        const MeasureSample& sample = kept[formed];
-        recordtext::appendLine(recordFile.lines(), sample.timeMs - startTimeMs, sample, detectors);
-    }
     if (!recordFile.isOpen())
-        formed = kept.size();
-    // Given back by halves, which costs little and bounds them.
-    if (formed > kept.size() / 2) {
-        kept.erase(kept.begin(), kept.begin() + std::ptrdiff_t(formed));
-        formed = 0;
+        kept.clear();
+    std::size_t formed = 0;
+    while (!kept.empty() && formed < most) {
+        KeptSamples& oldest = kept.front();
+        formed += formFrom(oldest, most - formed);
+        if (oldest.next == oldest.samples.size())
+            kept.pop_front();
     }
-    return count;
+    return formed;
+}
+
+std::size_t SystemRecord::formFrom(KeptSamples& block, std::size_t most)
+{
+    std::size_t formed = 0;
+    while (block.next < block.samples.size() && formed < most) {
+        const MeasureSample& sample = block.samples[block.next++];
+        if (!isDue(block.place))
+            continue;
+        formLine(sample);
+        ++formed;
+    }
+    return formed;
+}
+
+void SystemRecord::formLine(const MeasureSample& sample)
+{
+    counter = 1;
+    if (isFirstLine) {
+        startTimeMs = sample.timeMs;
+        isFirstLine = false;
+    }
+    recordtext::appendLine(recordFile.lines(), sample.timeMs - startTimeMs, sample, detectors);
 }
 
 /// The recording of one system alone counts only while that system is displayed last: elsewhere it

@@ -4,11 +4,12 @@
 #include "model/measuresample.h"
 #include "recording/recordfile.h"
 
+#include <deque>
 #include <vector>
 
 class QDateTime;
 
-/// What a sample does not say of itself.
+/// What samples do not say of themselves.
 struct SamplePlace
 {
     /// Whether its system is the last one in the order of display.
@@ -30,17 +31,29 @@ public:
     SystemRecord(const QString& path, const DetectorPair& detectors, int divider, Counting counting,
                  const QDateTime& start);
 
-    /// Keeps the sample if it is due. Its line is not formed yet, so that a tick does not wait.
-    void take(const MeasureSample& sample, const SamplePlace& place);
-    /// Forms the lines of kept samples, at most so many and the oldest first. Returns how many.
+    /// Keeps the samples, oldest first. Nothing is done with them yet, so that a tick does not wait
+    /// however many there are.
+    void take(std::vector<MeasureSample> samples, const SamplePlace& place);
+    /// Forms the lines of the kept samples that are due, at most so many and the oldest first.
+    /// Returns how many.
     std::size_t form(std::size_t most);
     /// Whether kept samples wait for their lines.
-    bool isBehind() const { return formed < kept.size(); }
+    bool isBehind() const { return !kept.empty(); }
 
     RecordFile& file() { return recordFile; }
     const RecordFile& file() const { return recordFile; }
 
 private:
+    struct KeptSamples
+    {
+        std::vector<MeasureSample> samples;
+        SamplePlace place;
+        /// The first one that was not looked at yet.
+        std::size_t next = 0;
+    };
+
+    std::size_t formFrom(KeptSamples& block, std::size_t most);
+    void formLine(const MeasureSample& sample);
     bool isDue(const SamplePlace& place);
 
     RecordFile recordFile;
@@ -51,7 +64,5 @@ private:
     qint64 counter;
     bool isFirstLine = true;
     quint64 startTimeMs = 0;
-    std::vector<MeasureSample> kept;
-    /// How many of the kept samples have their lines.
-    std::size_t formed = 0;
+    std::deque<KeptSamples> kept;
 };

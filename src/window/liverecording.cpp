@@ -33,8 +33,8 @@ LiveRecording::LiveRecording(LiveSystems& liveSystems, MonitorToolBar& bar, Acqu
 {
     // What is planned behind a question is of the systems that were there before it.
     connect(&systems, &LiveSystems::closed, this, [this] { isAsking = false; });
-    catchUp.setSingleShot(true);
-    connect(&catchUp, &QTimer::timeout, this, &LiveRecording::flush);
+    writing.setSingleShot(true);
+    connect(&writing, &QTimer::timeout, this, &LiveRecording::write);
 }
 
 void LiveRecording::start(const QString& fileName, bool everySystem, int saveRateHz)
@@ -115,12 +115,18 @@ void LiveRecording::end()
         emit failed(*failure);
 }
 
-void LiveRecording::flush()
+void LiveRecording::writeSoon()
+{
+    if (recorder.isRecording())
+        writing.start();
+}
+
+void LiveRecording::write()
 {
     if (const auto failure = recorder.flush(nowMs())) {
         emit endWanted();
         emit failed(*failure);
     }
     if (recorder.isBehind())
-        catchUp.start();
+        writing.start();
 }

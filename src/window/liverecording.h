@@ -33,9 +33,9 @@ public:
     void end();
     /// Whether a recording runs or its questions are asked.
     bool isOngoing() const { return isAsking || recorder.isRecording(); }
-    /// Behind each tick: what was recorded reaches the disk, a late tick's many samples by turns
-    /// between the events of the window. A failure ends the recording.
-    void flush();
+    /// Behind each tick: what was recorded becomes lines and reaches the disk between the events
+    /// that follow, so that no tick waits for it. A failure ends the recording.
+    void writeSoon();
 
 signals:
     /// Asks for the ordinary end.
@@ -52,6 +52,7 @@ private:
     RecordPlan planFor(const QString& fileName, bool everySystem) const;
     bool mayWriteAll(const RecordPlan& plan);
     void begin(const RecordPlan& plan, int saveRateHz);
+    void write();
 
     LiveSystems& systems;
     MonitorToolBar& toolBar;
@@ -59,6 +60,6 @@ private:
     Recorder& recorder;
     Question mayOverwrite;
     bool isAsking = false;
-    /// Fires as long as the recorder is behind.
-    QTimer catchUp;
+    /// Fires once the events that wait are taken.
+    QTimer writing;
 };

@@ -17,7 +17,7 @@
 void MainWindow::updateData()
 {
     displayTick.run();
-    recording.flush();
+    recording.writeSoon();
     connectionOverviewDialog->update(systems.statuses());
     updateTimer.start();
 }

@@ -10,9 +10,16 @@
 #include "window/statistics.h"
 #include "window/statusflags.h"
 
+#include <utility>
+
 namespace {
 
 constexpr std::size_t maxSamplesPerTick = 501;
+
+bool isPulsed(const LiveSystem& system)
+{
+    return system.detectors->pulsedLaser == 1;
+}
 
 StagePositions voltsOf(const MeasureSample& sample)
 {
@@ -55,39 +62,55 @@ SamplePass::SamplePass(LiveSystems& liveSystems, Stages& stageViews, Statistics&
                   stages[1].plots().decimation(samplingRateHz)}
 {}
 
-bool SamplePass::show(const std::vector<SampleBlock>& blocks)
+bool SamplePass::show(std::vector<SampleBlock> blocks)
 {
     bool goesOn = true;
-    for (std::size_t i = 0; i < blocks.size() && goesOn; ++i)
-        goesOn = showBlock(blocks[i], {i == 0, i + 1 == blocks.size()});
+    for (std::size_t i = 0; i < blocks.size() && goesOn; ++i) {
+        const Place place{i == 0, i + 1 == blocks.size()};
+        const std::size_t taken = showBlock(blocks[i], place);
+        goesOn = taken == blocks[i].samples.size();
+        giveToRecorder(std::move(blocks[i]), taken, place);
+    }
     statistics.showTaken();
     return goesOn;
 }
 
-bool SamplePass::showBlock(const SampleBlock& block, const Place& place)
+/// The sample that ends a run tells no state and is not recorded: the controller is asked from now
+/// on.
+std::size_t SamplePass::showBlock(const SampleBlock& block, const Place& place)
 {
     if (block.samples.empty())
-        return true;
+        return 0;
     LiveSystem& system = systems.at(block.system);
-    const bool goesOn = takeSamples(block, place);
+    const std::size_t taken = takeSamples(block, place);
     if (manner.readOut)
         showReadouts(system);
+    const bool goesOn = taken == block.samples.size();
     if (goesOn && manner.tellsState && packet::hasFlags(system.connection->firmwareVersion()))
         statusflags::takeSample(system.status, block.samples.back());
-    return goesOn;
+    return taken;
 }
 
-bool SamplePass::takeSamples(const SampleBlock& block, const Place& place)
+void SamplePass::giveToRecorder(SampleBlock block, std::size_t taken, const Place& place)
 {
-    LiveSystem& system = systems.at(block.system);
-    const bool isPulsed = system.detectors->pulsedLaser == 1;
-    const bool everySample = !manner.decimated || isPulsed;
+    const LiveSystem& system = systems.at(block.system);
     SystemRecord* record =
         manner.recorder ? manner.recorder->recordOf(system.connection.get()) : nullptr;
+    if (!record)
+        return;
+    block.samples.resize(taken);
+    record->take(std::move(block.samples), {place.last, isPulsed(system)});
+}
+
+std::size_t SamplePass::takeSamples(const SampleBlock& block, const Place& place)
+{
+    LiveSystem& system = systems.at(block.system);
+    const bool everySample = !manner.decimated || isPulsed(system);
     // The first sample of a system in each tick is always plotted.
     std::array<Decimation, 2> passing{Decimation(decimations[0]), Decimation(decimations[1])};
 
-    for (const MeasureSample& sample : block.samples) {
+    for (std::size_t i = 0; i < block.samples.size(); ++i) {
+        const MeasureSample& sample = block.samples[i];
         const StagePositions positions = positionsOf(sample, system);
         for (std::size_t stage = 0; stage < stages.size(); ++stage) {
             const bool intoTimePlots = passing[stage].takes() || everySample;
@@ -99,15 +122,11 @@ bool SamplePass::takeSamples(const SampleBlock& block, const Place& place)
             for (StageView& stage : stages)
                 stage.plots().wrapSweep(sample.timeMs);
         }
-        // The sample that ends a run is not recorded and tells no state: the controller is asked
-        // from now on.
         const StagePositions counted = manner.statisticsInVolts ? voltsOf(sample) : positions;
         if (!statistics.take(system, counted, place.first, place.last && manner.endsRuns))
-            return false;
-        if (record)
-            record->take(sample, {place.last, isPulsed});
+            return i;
     }
-    return true;
+    return block.samples.size();
 }
 
 StagePositions SamplePass::positionsOf(const MeasureSample& sample, const LiveSystem& system) const

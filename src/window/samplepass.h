@@ -54,9 +54,9 @@ public:
     SamplePass(LiveSystems& systems, Stages& stages, Statistics& statistics,
                const SampleManner& manner, int samplingRateHz);
 
-    /// Shows the blocks in their order. False if the run came to its end, which leaves out the
-    /// rest of the last block.
-    bool show(const std::vector<SampleBlock>& blocks);
+    /// Shows the blocks in their order and gives what is recorded to the recorder. False if the run
+    /// came to its end, which leaves out the rest of the last block.
+    bool show(std::vector<SampleBlock> blocks);
 
 private:
     struct Place
@@ -65,8 +65,11 @@ private:
         bool last;
     };
 
-    bool showBlock(const SampleBlock& block, const Place& place);
-    bool takeSamples(const SampleBlock& block, const Place& place);
+    /// Returns how many samples were taken before one ended the run, which is all of them where
+    /// none did.
+    std::size_t showBlock(const SampleBlock& block, const Place& place);
+    std::size_t takeSamples(const SampleBlock& block, const Place& place);
+    void giveToRecorder(SampleBlock block, std::size_t taken, const Place& place);
     StagePositions positionsOf(const MeasureSample& sample, const LiveSystem& system) const;
     void plot(const MeasureSample& sample, std::size_t stage, int curve, const QPointF& position,
               bool intoTimePlots);

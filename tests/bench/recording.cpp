@@ -166,8 +166,7 @@ void recordTick(benchmark::State& state)
     for ([[maybe_unused]] auto _ : state) {
         for (const RecordableSystem& system : systems) {
             SystemRecord* record = recorder.recordOf(system.connection);
-            for (const MeasureSample& sample : samples)
-                record->take(sample, {true, false});
+            record->take(samples, {true, false});
         }
         do {
             nowMs += Recorder::flushPeriodMs;

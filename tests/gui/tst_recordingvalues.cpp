@@ -99,7 +99,7 @@ void recordRegularly(const QString& path, const ConnectionSettings& settings,
         sample.ry1 = values.ry1;
         sample.rx2 = values.rx2;
         sample.ry2 = values.ry2;
-        record.take(sample, {true, false});
+        record.take({sample}, {true, false});
         sample.timeMs += periodMs;
     }
     record.form(std::size_t(samples.size()));

@@ -14,9 +14,15 @@ public:
 
     QByteArray input;
     QByteArrayList written;
+    /// How often somebody looked for what has come.
+    mutable int looks = 0;
 
     bool isSequential() const override { return true; }
-    qint64 bytesAvailable() const override { return input.size(); }
+    qint64 bytesAvailable() const override
+    {
+        ++looks;
+        return input.size();
+    }
 
 protected:
     qint64 readData(char* data, qint64 maxSize) override

@@ -84,6 +84,7 @@ private slots:
     void markedPacketEndsAStoppedStream();
     void streamThatEndsByItselfHasNoReply();
     void partialPacketWaitsForItsRest();
+    void waitLooksAtThePortOnlyWhenSomethingHappens();
     void lostPortEndsTheWait();
     void lostPortEndsTheStop();
 };
@@ -265,6 +266,18 @@ void TestEndpoint::partialPacketWaitsForItsRest()
     bench.receive(rawPacket(7).mid(part));
     QCOMPARE(bench.store.storedCount(), quint64(1));
     QVERIFY(bench.condition.streaming);
+}
+
+void TestEndpoint::waitLooksAtThePortOnlyWhenSomethingHappens()
+{
+    constexpr int someMs = 200;
+    constexpr int fewLooks = 20;
+    EndpointBench bench(someMs);
+    bench.endpoint.write(command::statusRequest());
+    bench.port->looks = 0;
+    bench.receive("1");
+    QCOMPARE(bench.takeReply(), std::make_optional(QByteArray()));
+    QVERIFY(bench.port->looks < fewLooks);
 }
 
 void TestEndpoint::lostPortEndsTheWait()

@@ -2,6 +2,21 @@
 
 #include <QtTest>
 
+#include <atomic>
+#include <functional>
+#include <thread>
+
+namespace {
+
+using Ending = std::function<void(ReplyBox&)>;
+
+/// So long that a wait for it can not be taken for one that was ended.
+constexpr int longWaitMs = 20000;
+
+} // namespace
+
+Q_DECLARE_METATYPE(Ending)
+
 class TestReplyBox : public QObject
 {
     Q_OBJECT
@@ -17,6 +32,11 @@ private slots:
     void replyThatCameBeforeItWasGivenUpStays();
     void clearedReplyIsStillToBeTaken();
     void resetBoxIsANewOne();
+    void waiterIsWoken_data();
+    void waiterIsWoken();
+    void waiterIsWokenWhenWaitingBecamePointless();
+    void nobodyWaitsInABoxThatAwaitsNothing();
+    void waitEndsWithItsDeadline();
 };
 
 void TestReplyBox::newBoxAwaitsAndHasNothing()
@@ -120,6 +140,63 @@ void TestReplyBox::resetBoxIsANewOne()
     box.reset();
     QByteArray out;
     QVERIFY(!box.take(out));
+}
+
+void TestReplyBox::waiterIsWoken_data()
+{
+    QTest::addColumn<Ending>("end");
+    const auto row = [](const char* name, const Ending& end) { QTest::newRow(name) << end; };
+    row("reply", [](ReplyBox& box) { box.put("ab"); });
+    row("empty reply", [](ReplyBox& box) { box.put(QByteArray()); });
+    row("given up", [](ReplyBox& box) { box.giveUp(); });
+    row("reset", [](ReplyBox& box) { box.reset(); });
+}
+
+void TestReplyBox::waiterIsWoken()
+{
+    QFETCH(Ending, end);
+    ReplyBox box;
+    box.expect();
+    const QDeadlineTimer deadline(longWaitMs);
+    std::thread other([&] { end(box); });
+    box.waitWhileAwaited(deadline, [] { return false; });
+    other.join();
+    QVERIFY(!deadline.hasExpired());
+    QVERIFY(!box.isAwaited());
+}
+
+void TestReplyBox::waiterIsWokenWhenWaitingBecamePointless()
+{
+    ReplyBox box;
+    box.expect();
+    const QDeadlineTimer deadline(longWaitMs);
+    std::atomic<bool> isLost{false};
+    std::thread other([&] {
+        isLost = true;
+        box.wakeWaiter();
+    });
+    box.waitWhileAwaited(deadline, [&] { return isLost.load(); });
+    other.join();
+    QVERIFY(!deadline.hasExpired());
+    QVERIFY(box.isAwaited());
+}
+
+void TestReplyBox::nobodyWaitsInABoxThatAwaitsNothing()
+{
+    ReplyBox box;
+    const QDeadlineTimer deadline(longWaitMs);
+    box.waitWhileAwaited(deadline, [] { return false; });
+    QVERIFY(!deadline.hasExpired());
+}
+
+void TestReplyBox::waitEndsWithItsDeadline()
+{
+    ReplyBox box;
+    box.expect();
+    const QDeadlineTimer deadline(1);
+    box.waitWhileAwaited(deadline, [] { return false; });
+    QVERIFY(deadline.hasExpired());
+    QVERIFY(box.isAwaited());
 }
 
 QTEST_GUILESS_MAIN(TestReplyBox)

@@ -71,14 +71,16 @@ public:
     /// Gives the recorder so many samples of a system, 2 ms apart, if it is recorded.
     void take(int system, int count, const SamplePlace& place = {true, false})
     {
+        std::vector<MeasureSample> samples;
         for (int i = 0; i < count; ++i) {
             const int number = ++taken[system];
             MeasureSample sample;
             sample.timeMs = firstTimeMs + quint64(number) * 2;
             sample.x1 = qint16(number);
-            if (SystemRecord* record = recorder.recordOf(connection(system)))
-                record->take(sample, place);
+            samples.push_back(sample);
         }
+        if (SystemRecord* record = recorder.recordOf(connection(system)))
+            record->take(std::move(samples), place);
     }
 
     static constexpr quint64 firstTimeMs = 1772368496000;

@@ -97,11 +97,11 @@ void TestRecorder::voltsAreRecordedAsMadeByHand()
     SystemRecord* record = bench->recorder.recordOf(RecordBench::connection(0));
     QVERIFY(record);
     constexpr quint64 t = RecordBench::firstTimeMs;
-    record->take(sampleAt(t, 0, -1, 4000, 1234, -1234, 3500, 5000, 4999, 0, 10000), last);
-    record->take(sampleAt(t + 10, 32767, -32768, 65535, -32768, 32767, 0, 32767, -32768, -4, -5),
+    record->take({sampleAt(t, 0, -1, 4000, 1234, -1234, 3500, 5000, 4999, 0, 10000)}, last);
+    record->take({sampleAt(t + 10, 32767, -32768, 65535, -32768, 32767, 0, 32767, -32768, -4, -5)},
                  last);
-    record->take(sampleAt(t + 20, 5, -5, 4005, 1000, -1000, 5, 15, 25, 4995, 5005), last);
-    record->take(sampleAt(t + 20, 250, -250, 4015, 1, -2, 3505, 5015, 5025, 5035, 5045), last);
+    record->take({sampleAt(t + 20, 5, -5, 4005, 1000, -1000, 5, 15, 25, 4995, 5005)}, last);
+    record->take({sampleAt(t + 20, 250, -250, 4015, 1, -2, 3505, 5015, 5025, 5035, 5045)}, last);
     bench->recorder.stop();
     QCOMPARE(bench->bytes("run.csv"), madeByHand("volts.csv"));
 }
@@ -117,7 +117,7 @@ void TestRecorder::everyFifthSampleIsRecordedAsMadeByHand()
     samples[10] = sampleAt(0, 4000, -4000, 4000, 32767, -32768, 3500, 5000, 5000, -4, 4);
     for (int i = 0; i < samples.size(); ++i) {
         samples[i].timeMs = t + quint64(i) * 2;
-        bench->recorder.recordOf(RecordBench::connection(0))->take(samples.at(i), last);
+        bench->recorder.recordOf(RecordBench::connection(0))->take({samples.at(i)}, last);
     }
     bench->recorder.stop();
     QCOMPARE(bench->bytes("run.csv"), madeByHand("lengths.csv"));
@@ -368,7 +368,7 @@ void TestRecorder::detectorsThatChangeDoNotContradictTheHeader()
     bench->detectors[0].setDetectorType(0, QuadrantDetector);
     bench->detectors[0][1]->calculation = 0;
     bench->recorder.recordOf(RecordBench::connection(0))
-        ->take(sampleAt(0, 1200, 0, 4000, 1200, 0, 4000, 0, 0, 0, 0), last);
+        ->take({sampleAt(0, 1200, 0, 4000, 1200, 0, 4000, 0, 0, 0, 0)}, last);
     bench->recorder.stop();
     QVERIFY(bench->bytes("run.csv").contains("X1(mm)\tY1(mm)\tI1(V)\tX2(mm)"));
     QCOMPARE(bench->lines("run.csv").first(),
@@ -383,7 +383,7 @@ void TestRecorder::aClockThatWasSetBackGivesTimesAsTheyCome()
     MeasureSample sample;
     for (const quint64 timeMs : {5000, 5010, 4999}) {
         sample.timeMs = timeMs;
-        record->take(sample, last);
+        record->take({sample}, last);
     }
     bench->recorder.stop();
     const QList<QByteArray> lines = bench->lines("run.csv");

@@ -314,7 +314,7 @@ void TestRecorderFailures::theEndOfTheRecorderClosesItsFiles()
         Recorder recorder;
         QVERIFY(!recorder.start(planForOne(path, systems, RecordBench::connection(0)), systems,
                                 everySample, bench->now));
-        recorder.recordOf(RecordBench::connection(0))->take({}, {true, false});
+        recorder.recordOf(RecordBench::connection(0))->take({MeasureSample()}, {true, false});
     }
     QCOMPARE(bench->lines("run.csv").size(), 1);
 }
