@@ -150,8 +150,3 @@ void GenericPlot::setRange(double max, double min)
     zoomer->setZoomBase(true);
     emit rangeChanged();
 }
-
-QwtPlotCanvas& GenericPlot::plotCanvas()
-{
-    return *static_cast<QwtPlotCanvas*>(canvas());
-}

@@ -3,7 +3,6 @@
 #include "plots/incrementalplot.h"
 
 class QRectF;
-class QwtPlotCanvas;
 class Zoomer;
 
 /// One of the live plots of the monitoring window: a dotted grid, four equal axes over a symmetric
@@ -52,7 +51,6 @@ signals:
 private:
     void attachGrid();
     void applyRange();
-    QwtPlotCanvas& plotCanvas();
 
     double rangeMax = 5.0;
     double rangeMin = -5.0;

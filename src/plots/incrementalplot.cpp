@@ -9,9 +9,13 @@
 #include <qwt_plot_canvas.h>
 #include <qwt_symbol.h>
 
+#include <algorithm>
+
 namespace {
 
 const QColor initialColor(0, 0, 254);
+/// Places around a dot's symbol that its line and rounding may reach.
+constexpr int dotMargin = 2;
 
 /// The visible curves from the lowest to the highest; none if something else is drawn between them.
 std::vector<DotLayer::Member> adjoiningCurves(const QwtPlot& plot, const QwtScaleMap* maps)
@@ -103,20 +107,24 @@ void IncrementalPlot::appendData(const int& index, const QPointF& point)
     IndexedCurve& curve = curves[std::size_t(index)];
     CurveData& samples = curve.item->samples();
     samples.append(point);
+    changedArea.include(point);
     hasNewPoints = true;
     if (curve.mayLookOld)
         updateSymbol(curve);
-    if (!keepAllPoints && samples.size() > maxPoints)
+    if (!keepAllPoints && samples.size() > maxPoints) {
+        changedArea.include(*samples.first());
         samples.removeOldest();
+    }
 }
 
 // A new symbol is made only if size or colour differ: it costs as much as a hundred points.
-void IncrementalPlot::updateSymbol(IndexedCurve& curve) const
+void IncrementalPlot::updateSymbol(IndexedCurve& curve)
 {
     curve.mayLookOld = false;
     const QwtSymbol* shown = curve.item->symbol();
     if (shown && shown->size() == symbolSize && shown->brush().color() == curve.color)
         return;
+    setItemsChanged();
     curve.item->setSymbol(
         new QwtSymbol(QwtSymbol::Ellipse, QBrush(curve.color), QPen(curve.color), symbolSize));
 }
@@ -153,16 +161,36 @@ void IncrementalPlot::replotIfChanged()
     if (hasNewScales) {
         replot();
     } else if (hasNewPoints) {
-        hasNewPoints = false;
-        replotCanvas();
+        replotPoints();
+        noteReplot();
         emit replotted();
     }
 }
 
-void IncrementalPlot::replot()
+/// The canvas paints all of itself where it keeps a picture of its own.
+void IncrementalPlot::replotPoints()
+{
+    QwtPlotCanvas& shown = plotCanvas();
+    if (hasNewItems || shown.testPaintAttribute(QwtPlotCanvas::BackingStore)) {
+        replotCanvas();
+        return;
+    }
+    const int reach = std::max(symbolSize.width(), symbolSize.height()) + dotMargin;
+    shown.update(
+        changedArea.places(canvasMap(xBottom), canvasMap(yLeft), reach, shown.contentsRect()));
+}
+
+void IncrementalPlot::noteReplot()
 {
     hasNewPoints = false;
+    hasNewItems = false;
     hasNewScales = false;
+    changedArea.clear();
+}
+
+void IncrementalPlot::replot()
+{
+    noteReplot();
     QwtPlot::replot();
     emit replotted();
 }
@@ -187,5 +215,10 @@ void IncrementalPlot::drawItems(QPainter* painter, const QRectF& canvasRect,
 
 void IncrementalPlot::replotCanvas()
 {
-    static_cast<QwtPlotCanvas*>(canvas())->replot();
+    plotCanvas().replot();
+}
+
+QwtPlotCanvas& IncrementalPlot::plotCanvas()
+{
+    return *static_cast<QwtPlotCanvas*>(canvas());
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plots/changedarea.h"
+
 #include <QColor>
 #include <QPointF>
 #include <QSize>
@@ -11,11 +13,12 @@
 class CurveData;
 class DotCurve;
 class DotLayer;
+class QwtPlotCanvas;
 class QwtPlotCurve;
 
 /// A plot of dot curves that are addressed by index and grow point by point. Appending paints
 /// nothing: the owner calls `replot()` when a batch of points is in. All axes are expected to have
-/// explicit scales. GUI thread only.
+/// explicit scales; curves stand on the lower and the left one. GUI thread only.
 class IncrementalPlot : public QwtPlot
 {
     Q_OBJECT
@@ -52,7 +55,10 @@ public:
     /// As that of the library, which it hides; `replotIfChanged` draws the scales anew after it.
     void setAxisScale(int axis, double min, double max, double stepSize = 0.0);
     /// Replots if points or scales came since the last replot: the canvas alone, unless scales did.
+    /// Where nothing but points came, only the part of the canvas that they change is painted.
     void replotIfChanged();
+    /// What is drawn with the points, such as a text, will be another one at the next replot.
+    void setItemsChanged() { hasNewItems = true; }
 
     int curveCount() const { return int(curves.size()); }
     bool keepsAllPoints() const { return keepAllPoints; }
@@ -75,6 +81,7 @@ signals:
 protected:
     /// For changes that `replotIfChanged` does not see by itself.
     void setChanged() { hasNewScales = true; }
+    QwtPlotCanvas& plotCanvas();
 
 private:
     struct IndexedCurve
@@ -87,13 +94,17 @@ private:
     };
 
     bool hasCurve(int index) const { return index >= 0 && index < curveCount(); }
-    void updateSymbol(IndexedCurve& curve) const;
+    void updateSymbol(IndexedCurve& curve);
     void replotCanvas();
+    void replotPoints();
+    void noteReplot();
 
     std::unique_ptr<DotLayer> layer;
     std::vector<IndexedCurve> curves;
     bool keepAllPoints = false;
     bool hasNewPoints = false;
+    bool hasNewItems = false;
     bool hasNewScales = false;
+    ChangedArea changedArea;
     QSize symbolSize = QSize(2, 2);
 };

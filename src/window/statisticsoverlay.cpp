@@ -62,11 +62,19 @@ void StatisticsOverlay::setText(const QString& newText)
 {
     text.setText(newText);
     label.setText(text);
+    noteChange();
 }
 
 void StatisticsOverlay::moveCross(const StageFigures& figures)
 {
     cross.setShape(targetCrossShape(figures.mean, figures.rms));
+    noteChange();
+}
+
+void StatisticsOverlay::noteChange()
+{
+    if (label.plot())
+        plot.setItemsChanged();
 }
 
 void StatisticsOverlay::clear()

@@ -34,6 +34,8 @@ public:
     void clear();
 
 private:
+    void noteChange();
+
     GenericPlot& plot;
     QCheckBox& box;
     QwtText text;

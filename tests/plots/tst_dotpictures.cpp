@@ -520,7 +520,8 @@ void TestDotPictures::windowShowsWhatTheLibraryWouldShow()
     addCurves(3);
     const auto shown = [place](QwtPlot& subject) {
         auto window = std::make_unique<QWidget>();
-        window->resize(300, 260);
+        // As many device pixels of a window can be looked at as it has places.
+        window->resize(600, 520);
         subject.setParent(window.get());
         subject.move(place);
         subject.show();

@@ -1,8 +1,11 @@
 #include "stagebench.h"
 
+#include <QPaintEvent>
 #include <QtTest>
 #include <qwt_plot_shapeitem.h>
 #include <qwt_plot_textlabel.h>
+
+#include <functional>
 
 namespace {
 
@@ -15,7 +18,25 @@ const QwtPlotItem* itemOf(const GenericPlot& plot, int kind, const QString& titl
     return nullptr;
 }
 
+/// What is painted of a widget.
+class PaintedRegion final : public QObject
+{
+public:
+    explicit PaintedRegion(QWidget& widget) { widget.installEventFilter(this); }
+
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint)
+            region += static_cast<QPaintEvent*>(event)->region();
+        return QObject::eventFilter(object, event);
+    }
+
+    QRegion region;
+};
+
 } // namespace
+
+Q_DECLARE_METATYPE(std::function<void(StatisticsOverlay&)>)
 
 class TestStatisticsOverlay final : public QObject
 {
@@ -32,6 +53,8 @@ private slots:
     void textIsTheOneSetLast();
     void crossStandsAroundTheMean();
     void crossLiesOverThePoints();
+    void newFiguresPaintTheWholeCanvas_data();
+    void newFiguresPaintTheWholeCanvas();
     void clearingShowsARunWithoutSamples();
     void disablingUnchecksTheBox();
     void enablingLeavesTheBoxAsItWas();
@@ -123,6 +146,59 @@ void TestStatisticsOverlay::crossLiesOverThePoints()
     const QwtPlotItem* curve = itemOf(plot(), QwtPlotItem::Rtti_PlotCurve);
     QVERIFY(curve);
     QVERIFY(cross()->z() > curve->z());
+}
+
+void TestStatisticsOverlay::newFiguresPaintTheWholeCanvas_data()
+{
+    using Change = std::function<void(StatisticsOverlay&)>;
+    QTest::addColumn<Change>("change");
+    QTest::addColumn<bool>("isShown");
+    QTest::addColumn<bool>("whole");
+    const auto row = [](const char* name, const Change& change, bool isShown, bool whole) {
+        QTest::newRow(name) << change << isShown << whole;
+    };
+    const Change text = [](StatisticsOverlay& overlay) {
+        overlay.setText(QStringLiteral("some text"));
+    };
+    row("text", text, true, true);
+    row(
+        "cross",
+        [](StatisticsOverlay& overlay) {
+            overlay.moveCross({{3.0, 3.0}, 0.5});
+        },
+        true, true);
+    row(
+        "nothing", [](StatisticsOverlay&) {}, true, false);
+    row("text that is not shown", text, false, false);
+}
+
+/// Of a replot that new points alone would not take there.
+void TestStatisticsOverlay::newFiguresPaintTheWholeCanvas()
+{
+    QFETCH(std::function<void(StatisticsOverlay&)>, change);
+    QFETCH(bool, isShown);
+    StagePlots& plots = bench->stages[0].plots();
+    GenericPlot& pointing = plots.pointing();
+    plots.addCurves(0);
+    pointing.start();
+    pointing.resize(300, 300);
+    pointing.window()->show();
+    // Nothing places the plots of this bench: others lie over it.
+    pointing.raise();
+    pointing.show();
+    QVERIFY(QTest::qWaitForWindowExposed(pointing.window()));
+    overlay().show(isShown);
+    plots.appendPointingPoint(0, QPointF(-1.0, -1.0));
+    plots.replot();
+    QCoreApplication::processEvents();
+
+    PaintedRegion painted(*pointing.canvas());
+    change(overlay());
+    plots.appendPointingPoint(0, QPointF(-1.0, -1.0));
+    plots.replot();
+    QCoreApplication::processEvents();
+    QVERIFY(!painted.region.isEmpty());
+    QTEST(painted.region.boundingRect() == pointing.canvas()->contentsRect(), "whole");
 }
 
 void TestStatisticsOverlay::clearingShowsARunWithoutSamples()
