@@ -177,6 +177,8 @@ void EnduranceRun::tellSamples() const
     tell("samples dropped", dropped, "");
     tell("bytes skipped", skippedBytes, "");
     tell("samples taken", stored - dropped - left, "");
+    // Those that arrive behind the end of a run of counted samples are left.
+    tell("samples left", left, "");
 }
 
 void EnduranceRun::tellMemory() const

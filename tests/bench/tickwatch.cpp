@@ -6,8 +6,8 @@
 
 #include <algorithm>
 
-TickWatch::TickWatch(int tickPeriodMs)
-    : periodMs(tickPeriodMs)
+TickWatch::TickWatch(int periodMs)
+    : longestPeriodMs(periodMs)
 {
     clock.start();
 }
@@ -59,7 +59,7 @@ bool TickWatch::eventFilter(QObject* object, QEvent* event)
 {
     if (event->type() == QEvent::Timer) {
         const auto* timer = qobject_cast<const QTimer*>(object);
-        if (timer && timer->timerType() == Qt::PreciseTimer && timer->interval() == periodMs)
+        if (timer && timer->timerType() == Qt::PreciseTimer && timer->interval() <= longestPeriodMs)
             beginsS.push_back(elapsedS());
     }
     return QObject::eventFilter(object, event);

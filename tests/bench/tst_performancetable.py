@@ -16,7 +16,8 @@ ticks                                                 99.20 /s
 share of a processor                                   18.7 %
 processor, whole application                          21.45 s/min
 samples sent                                         775832 
-samples taken                                        775830 
+samples taken                                        775820 
+samples left                                             10 
 """
 
 
