@@ -1,5 +1,6 @@
 #include "connectedsystems.h"
 
+#include "beamcircle.h"
 #include "link/identification.h"
 #include "link/tcpclient.h"
 #include "plots/counter.h"
@@ -11,31 +12,10 @@
 #include <QSpinBox>
 #include <QtTest>
 
-#include <cmath>
-
 namespace {
 
 constexpr int samplingRateHz = 500;
 constexpr int firstHost = 11;
-
-/// One second of a beam that runs on a circle. What fifty computed beams cost is the matter of
-/// `fiftyBeams`, and does not belong to a tick.
-QVector<emulator::PacketValues> circle()
-{
-    constexpr double radiusMv = 2000.0;
-    QVector<emulator::PacketValues> samples;
-    for (int i = 0; i < samplingRateHz; ++i) {
-        const double angle = 2.0 * M_PI * i / samplingRateHz;
-        emulator::PacketValues values;
-        values.x1 = values.x2 = qint16(radiusMv * std::cos(angle));
-        values.y1 = values.y2 = qint16(radiusMv * std::sin(angle));
-        values.i1 = values.i2 = quint16(2.0 * radiusMv);
-        values.rx1 = values.rx2 = values.x1;
-        values.ry1 = values.ry2 = values.y1;
-        samples.append(values);
-    }
-    return samples;
-}
 
 } // namespace
 
@@ -58,7 +38,7 @@ ConnectedSystems::~ConnectedSystems()
 bool ConnectedSystems::addSystem(int number)
 {
     emulator::ControllerOptions options;
-    options.script = circle();
+    options.script = beamCircle(samplingRateHz);
     options.scriptRepeats = true;
     const QString address = QStringLiteral("127.0.0.%1").arg(firstHost + number);
     controllers.push_back(host.addTcp(options, address));

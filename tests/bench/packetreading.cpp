@@ -8,38 +8,51 @@
 namespace {
 
 constexpr int packetCount = 10000;
-constexpr int noFaults = 0;
+constexpr int faultEvery = 100;
 
-/// A stream in which every so many packets one has lost a byte, has a stray one before it or has
-/// a broken end mark, in turn.
-QByteArray streamBytes(int faultEvery)
+/// What happens to a packet on its way. `number` counts the packets that are hurt.
+using Fault = void (*)(QByteArray& packet, int number);
+
+void nothing(QByteArray&, int) {}
+
+void lostByte(QByteArray& packet, int)
+{
+    packet.remove(8, 1);
+}
+
+/// A lost byte, a stray one before the packet or a broken end mark, in turn.
+void anything(QByteArray& packet, int number)
+{
+    switch (number % 3) {
+    case 0:
+        lostByte(packet, number);
+        break;
+    case 1:
+        packet.prepend('\x80');
+        break;
+    default:
+        packet[command::packetLength - 1] = 'x';
+        break;
+    }
+}
+
+QByteArray streamBytes(Fault fault)
 {
     QByteArray stream;
     for (int number = 1; number <= packetCount; ++number) {
         QByteArray packet = rawPacket(number);
-        if (faultEvery != noFaults && number % faultEvery == 0) {
-            switch (number / faultEvery % 3) {
-            case 0:
-                packet.remove(8, 1);
-                break;
-            case 1:
-                packet.prepend('\x80');
-                break;
-            default:
-                packet[command::packetLength - 1] = 'x';
-                break;
-            }
-        }
+        if (number % faultEvery == 0)
+            fault(packet, number / faultEvery);
         stream += packet;
     }
     return stream;
 }
 
-/// The argument says every how many packets one is faulty.
-void readPackets(benchmark::State& state)
+/// A stream of which one packet in a hundred is faulty.
+void readPackets(benchmark::State& state, Fault fault)
 {
     QBuffer device;
-    device.setData(streamBytes(int(state.range(0))));
+    device.setData(streamBytes(fault));
     device.open(QIODevice::ReadOnly);
     qint64 found = 0;
     qint64 skipped = 0;
@@ -56,6 +69,8 @@ void readPackets(benchmark::State& state)
     state.counters["bytes_skipped_per_packet"] = double(skipped) / double(found);
 }
 
-BENCHMARK(readPackets)->ArgName("faultEvery")->Arg(noFaults)->Arg(100);
+BENCHMARK_CAPTURE(readPackets, aligned, nothing);
+BENCHMARK_CAPTURE(readPackets, lostBytes, lostByte);
+BENCHMARK_CAPTURE(readPackets, mixedFaults, anything);
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "emulator/emulatorhost.h"
 #include "link/connection.h"
 #include "setup/settings.h"
+#include "storedrecord.h"
 #include "window/mainwindow.h"
 
 #include <QElapsedTimer>
@@ -40,16 +41,7 @@ private:
         controllers.push_back(
             host.addTcp({}, QStringLiteral("127.0.0.%1").arg(firstHost + number)));
         const emulator::ControllerHandle& controller = controllers.back();
-        ConnectionSettings record;
-        record.type = ConnectionType::Tcp;
-        record.name.set(controller.address());
-        record.baudRateOrPort = controller.port();
-        record.label.set(QStringLiteral("System_%1").arg(number + 1));
-        record.id.set(controller.id());
-        record.serial.set(deviceKey(controller.id()));
-        record.autoConnect = true;
-        record.colorX = record.colorY = record.colorI = QStringLiteral("#ff0000");
-        return record;
+        return storedRecord(number, {controller.address(), controller.port(), controller.id()});
     }
 
     QTemporaryDir home;
