@@ -1,10 +1,10 @@
 #include "connectedsystems.h"
+#include "processcost.h"
 
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 #include <chrono>
-#include <ctime>
 #include <thread>
 
 namespace {
@@ -22,13 +22,6 @@ constexpr std::chrono::milliseconds stall(1050);
 constexpr int stalledTicks = 10;
 /// More than a recording of 50 systems needs for the samples of such a tick.
 constexpr int catchUpTurns = 30;
-
-double threadCpuSeconds()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return double(time.tv_sec) + double(time.tv_nsec) * 1e-9;
-}
 
 /// The time is that of the tick and of the painting it leads to, averaged over one sweep. The
 /// systems stream while the ticks run, each with its thread, on the same processors.
@@ -49,7 +42,7 @@ void displayTick(benchmark::State& state)
     for ([[maybe_unused]] auto _ : state) {
         due += tickPeriod;
         std::this_thread::sleep_until(due);
-        const double cpuAtBegin = threadCpuSeconds();
+        const double cpuAtBegin = processcost::threadCpuS();
         const Clock::time_point begin = Clock::now();
         screen.tick();
         const Clock::time_point ticked = Clock::now();
@@ -58,7 +51,7 @@ void displayTick(benchmark::State& state)
         state.SetIterationTime(whole.count());
         tickS += Seconds(ticked - begin).count();
         wholeS += whole.count();
-        cpuS += threadCpuSeconds() - cpuAtBegin;
+        cpuS += processcost::threadCpuS() - cpuAtBegin;
     }
 
     const double ticks = double(state.iterations());
@@ -93,15 +86,15 @@ void stalledTick(benchmark::State& state)
     double paintS = 0.0;
     for ([[maybe_unused]] auto _ : state) {
         std::this_thread::sleep_for(stall);
-        const double cpuAtBegin = threadCpuSeconds();
+        const double cpuAtBegin = processcost::threadCpuS();
         systems.onScreen().tick();
-        const double cpuAtTick = threadCpuSeconds();
+        const double cpuAtTick = processcost::threadCpuS();
         tickS += cpuAtTick - cpuAtBegin;
         systems.onScreen().paint();
-        paintS += threadCpuSeconds() - cpuAtTick;
+        paintS += processcost::threadCpuS() - cpuAtTick;
         for (int turn = 0; turn < catchUpTurns; ++turn)
             systems.onScreen().paint();
-        state.SetIterationTime(threadCpuSeconds() - cpuAtBegin);
+        state.SetIterationTime(processcost::threadCpuS() - cpuAtBegin);
     }
     constexpr double msPerS = 1000.0;
     state.counters["paint_ms"] = paintS / double(state.iterations()) * msPerS;

@@ -18,7 +18,6 @@ namespace {
 
 constexpr int samplingRateHz = 500;
 constexpr int updateRateHz = 100;
-constexpr int tickPeriodMs = 1000 / updateRateHz;
 /// The axes are drawn and the first sweeps have begun by then.
 constexpr int settleMs = 1000;
 constexpr int msPerS = 1000;
@@ -44,7 +43,6 @@ EnduranceRun::EnduranceRun(MainWindow& mainWindow, ControllerProcess& process,
     , window(mainWindow)
     , controllers(process)
     , options(wanted)
-    , ticks(tickPeriodMs)
 {
     window.resize(windowSize);
     window.resizeGraphs();

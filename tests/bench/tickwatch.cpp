@@ -1,13 +1,13 @@
 #include "tickwatch.h"
 
+#include "window/ticktimer.h"
+
 #include <QCoreApplication>
 #include <QEvent>
-#include <QTimer>
 
 #include <algorithm>
 
-TickWatch::TickWatch(int periodMs)
-    : longestPeriodMs(periodMs)
+TickWatch::TickWatch()
 {
     clock.start();
 }
@@ -57,10 +57,7 @@ double TickWatch::intervalMs(double share) const
 
 bool TickWatch::eventFilter(QObject* object, QEvent* event)
 {
-    if (event->type() == QEvent::Timer) {
-        const auto* timer = qobject_cast<const QTimer*>(object);
-        if (timer && timer->timerType() == Qt::PreciseTimer && timer->interval() <= longestPeriodMs)
-            beginsS.push_back(elapsedS());
-    }
+    if (event->type() == QEvent::SockAct && qobject_cast<const TickTimer*>(object->parent()))
+        beginsS.push_back(elapsedS());
     return QObject::eventFilter(object, event);
 }

@@ -6,16 +6,13 @@
 #include <optional>
 #include <vector>
 
-/// Notes when the display ticks of the application begin. It knows their timer, which the window
-/// does not show, by its precision and its period: in the window's thread no other timer like that
-/// runs during an acquisition.
+/// Notes when the display ticks of the application begin.
 class TickWatch final : public QObject
 {
     Q_OBJECT
 
 public:
-    /// `longestPeriodMs` is that of the update rate; one that makes up for a late tick is shorter.
-    explicit TickWatch(int longestPeriodMs);
+    TickWatch();
 
     /// Forgets all ticks and begins to watch. Time 0 is now.
     void start();
@@ -32,7 +29,6 @@ public:
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
-    const int longestPeriodMs;
     QElapsedTimer clock;
     std::optional<double> endS;
     std::vector<double> beginsS;
