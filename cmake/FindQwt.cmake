@@ -10,7 +10,8 @@ endif()
 include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(Qwt
   REQUIRED_VARS Qwt_LIBRARY Qwt_INCLUDE_DIR
-  VERSION_VAR Qwt_VERSION)
+  VERSION_VAR Qwt_VERSION
+  HANDLE_VERSION_RANGE)
 
 if(Qwt_FOUND AND NOT TARGET Qwt::Qwt)
   add_library(Qwt::Qwt UNKNOWN IMPORTED)

@@ -98,7 +98,7 @@ void Connection::startStream(const QByteArray& argument)
 void Connection::stopStream()
 {
     StopTalk talk(*this, 1, StopTalk::Unanswered::Repeated);
-    finish(talk);
+    finish(talk, *this);
 }
 
 // The end of the thread.

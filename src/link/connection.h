@@ -65,6 +65,8 @@ public:
     bool trySend(const CommandFrame& frame) { return exchange.trySend(frame); }
     /// Whether `fetchReply` would return at once.
     bool isSettled() const { return exchange.isSettled(); }
+    /// Sleeps until it would.
+    void waitUntilSettled() const { exchange.waitUntilSettled(); }
 
     /// Sends `GSF;` without waiting, for whoever must not be held up. Only an idle link is asked:
     /// nothing is sent during a stream, without a link, while the reply of a command is awaited, or

@@ -84,6 +84,8 @@ bool Endpoint::isWaitOver() const
 /// False if the deadline was over or the port was lost before.
 bool Endpoint::waitUntil(const std::function<bool()>& isReached) const
 {
+    if (isReached())
+        return true;
     QTimer alarm;
     alarm.setTimerType(Qt::PreciseTimer);
     while (!isReached() && !isWaitOver()) {

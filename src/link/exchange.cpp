@@ -55,7 +55,7 @@ bool Exchange::awaitReply(QByteArray& out)
     // On a loaded machine the send can still lie in the queue: its outcome is not known before.
     if (delivery && !delivery->waitUntil(deadline))
         delivery->giveUp();
-    condition.replies.waitWhileAwaited(deadline, [this] { return !condition.portOpen; });
+    waitUntilSettled();
     if (condition.replies.isAwaited())
         giveUpReply();
     return condition.replies.take(out);
@@ -67,6 +67,13 @@ bool Exchange::isSettled() const
         return true;
     const bool isSent = !delivery || delivery->isFinished();
     return isSent && !(condition.replies.isAwaited() && condition.portOpen);
+}
+
+void Exchange::waitUntilSettled() const
+{
+    if (delivery)
+        delivery->waitUntil(deadline);
+    condition.replies.waitWhileAwaited(deadline, [this] { return !condition.portOpen; });
 }
 
 /// A reply that comes at the very last moment is kept, not thrown away.

@@ -20,7 +20,9 @@ public:
     Exchange(LinkCondition& condition, SendQueue& queue);
 
     /// Sends a command. Waits for the end of a poll, and for the way of a stop: whoever stops a
-    /// stream knows that the stop was written when this returns, or that the time is over.
+    /// stream knows that the stop was written when this returns, or that the time is over. Any
+    /// other command is waited for until the connection's thread has taken it, for a millisecond at
+    /// most.
     void send(const CommandFrame& frame);
     /// As `send`, but waits for the way of a stop only. False, and nothing is sent, while the end
     /// of a poll has to be waited for.
@@ -28,6 +30,8 @@ public:
     /// Whether the last command or poll has its reply or will get none, so that nobody waits who
     /// sends or fetches now.
     bool isSettled() const;
+    /// Sleeps until that is so.
+    void waitUntilSettled() const;
     /// Waits for the reply of the last command and appends it to `out`. False if nothing was sent
     /// or nothing came in time.
     bool fetchReply(QByteArray& out);

@@ -47,7 +47,7 @@ ControllerIdentity readIdentity(const QByteArray& idReply)
 void clearLine(Connection& connection, LineClearing clearing)
 {
     StopTalk talk = clearingTalk(connection, clearing);
-    finish(talk);
+    finish(talk, connection);
 }
 
 IdentityTalk::IdentityTalk(Connection& talkedTo, LineClearing lineClearing)
@@ -81,7 +81,7 @@ void IdentityTalk::keep(const QByteArray& reply)
 ControllerIdentity identify(Connection& connection, LineClearing clearing)
 {
     IdentityTalk talk(connection, clearing);
-    finish(talk);
+    finish(talk, connection);
     return talk.identity();
 }
 

@@ -98,7 +98,7 @@ LinkOutcome connectAndIdentify(Connection& connection, LinkWait wait, const QStr
     Introduction introduction(connection, label, id, isUsable);
     if (!bringUp(connection, wait))
         return LinkOutcome::NoLink;
-    finish(introduction);
+    finish(introduction, connection);
     if (introduction.outcome() == LinkOutcome::Up)
         id = introduction.foundId();
     return introduction.outcome();

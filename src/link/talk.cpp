@@ -2,6 +2,8 @@
 
 #include "link/connection.h"
 
+#include <QThread>
+
 #include <utility>
 
 std::optional<bool> TalkTurn::advance(Connection& connection, const CommandFrame& frame,
@@ -13,6 +15,14 @@ std::optional<bool> TalkTurn::advance(Connection& connection, const CommandFrame
         return std::nullopt;
     isSent = false;
     return connection.fetchReply(reply);
+}
+
+void awaitNews(const Connection& connection)
+{
+    if (connection.isSettled())
+        QThread::msleep(talkPaceMs);
+    else
+        connection.waitUntilSettled();
 }
 
 StopTalk::StopTalk(Connection& talkedTo, int stops, Unanswered unanswered)

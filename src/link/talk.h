@@ -3,7 +3,6 @@
 #include "link/commandframe.h"
 
 #include <QByteArray>
-#include <QThread>
 
 #include <optional>
 
@@ -52,10 +51,15 @@ private:
     TalkTurn turn;
 };
 
-/// Advances a talk until it is over. Blocks for the waits.
+/// Sleeps until the reply to the last command is there or will not come, or for a moment if that is
+/// so already.
+void awaitNews(const Connection& connection);
+
+/// Advances a talk with a connection until it is over. Blocks for the waits; a reply ends them at
+/// once.
 template <typename Talk>
-void finish(Talk& talk)
+void finish(Talk& talk, const Connection& connection)
 {
     while (!talk.advance())
-        QThread::msleep(talkPaceMs);
+        awaitNews(connection);
 }

@@ -26,8 +26,8 @@ public:
     double minRange() const { return rangeMin; }
 
 public slots:
-    /// For the time of a measurement: the canvas is repainted with every batch of points, so it
-    /// keeps no backing store.
+    /// For the time of a measurement: the canvas keeps no backing store, which would be made anew
+    /// as a whole with every batch of points.
     void start();
     /// For the time without new points: the canvas keeps a backing store.
     void stop();

@@ -108,7 +108,7 @@ void IncrementalPlot::appendData(const int& index, const QPointF& point)
     CurveData& samples = curve.item->samples();
     samples.append(point);
     changedArea.include(point);
-    hasNewPoints = true;
+    ++newPoints;
     if (curve.mayLookOld)
         updateSymbol(curve);
     if (!keepAllPoints && samples.size() > maxPoints) {
@@ -160,7 +160,7 @@ void IncrementalPlot::replotIfChanged()
 {
     if (hasNewScales) {
         replot();
-    } else if (hasNewPoints) {
+    } else if (newPoints > 0) {
         replotPoints();
         noteReplot();
         emit replotted();
@@ -171,18 +171,20 @@ void IncrementalPlot::replotIfChanged()
 void IncrementalPlot::replotPoints()
 {
     QwtPlotCanvas& shown = plotCanvas();
-    if (hasNewItems || shown.testPaintAttribute(QwtPlotCanvas::BackingStore)) {
-        replotCanvas();
-        return;
-    }
     const int reach = std::max(symbolSize.width(), symbolSize.height()) + dotMargin;
-    shown.update(
-        changedArea.places(canvasMap(xBottom), canvasMap(yLeft), reach, shown.contentsRect()));
+    const QRect part =
+        changedArea.places(canvasMap(xBottom), canvasMap(yLeft), reach, shown.contentsRect());
+    unpaintedPoints = part.isEmpty() ? unpaintedPoints + newPoints : 0;
+    if (hasNewItems || unpaintedPoints > mostUnpainted
+        || shown.testPaintAttribute(QwtPlotCanvas::BackingStore))
+        replotCanvas();
+    else
+        shown.update(part);
 }
 
 void IncrementalPlot::noteReplot()
 {
-    hasNewPoints = false;
+    newPoints = 0;
     hasNewItems = false;
     hasNewScales = false;
     changedArea.clear();
@@ -215,6 +217,7 @@ void IncrementalPlot::drawItems(QPainter* painter, const QRectF& canvasRect,
 
 void IncrementalPlot::replotCanvas()
 {
+    unpaintedPoints = 0;
     plotCanvas().replot();
 }
 

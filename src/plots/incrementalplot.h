@@ -17,8 +17,8 @@ class QwtPlotCanvas;
 class QwtPlotCurve;
 
 /// A plot of dot curves that are addressed by index and grow point by point. Appending paints
-/// nothing: the owner calls `replot()` when a batch of points is in. All axes are expected to have
-/// explicit scales; curves stand on the lower and the left one. GUI thread only.
+/// nothing: the owner calls `replotIfChanged()` when a batch of points is in. All axes are expected
+/// to have explicit scales; curves stand on the lower and the left one. GUI thread only.
 class IncrementalPlot : public QwtPlot
 {
     Q_OBJECT
@@ -26,6 +26,9 @@ class IncrementalPlot : public QwtPlot
 public:
     /// Samples that a curve holds at most while not all points are kept.
     static constexpr int maxPoints = 10;
+    /// So many points that can not be seen are taken into the kept picture all the same, so that
+    /// they do not fall due all at once when one can be seen again.
+    static constexpr std::size_t mostUnpainted = 10000;
 
     explicit IncrementalPlot(QWidget* parent);
     ~IncrementalPlot() override;
@@ -102,9 +105,12 @@ private:
     std::unique_ptr<DotLayer> layer;
     std::vector<IndexedCurve> curves;
     bool keepAllPoints = false;
-    bool hasNewPoints = false;
     bool hasNewItems = false;
     bool hasNewScales = false;
+    /// Since the last replot.
+    std::size_t newPoints = 0;
     ChangedArea changedArea;
+    /// Points of replots that painted nothing, since none of them can be seen.
+    std::size_t unpaintedPoints = 0;
     QSize symbolSize = QSize(2, 2);
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRect>
 #include <qwt_thermo.h>
 
 /// A vertical bar that shows a piezo voltage from 0 to 10 V.

@@ -9,6 +9,7 @@
 #include "setup/systemlines.h"
 
 #include <QSet>
+#include <QThread>
 
 #include <algorithm>
 #include <utility>

@@ -2,6 +2,8 @@
 
 #include "window/monitortoolbar.h"
 
+#include <cerrno>
+#include <ctime>
 #include <sys/timerfd.h>
 #include <unistd.h>
 
@@ -13,7 +15,7 @@ int openTimer()
 {
     const int descriptor = timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC);
     if (descriptor < 0)
-        qFatal("There is no timer for the display: too many files are open");
+        qFatal("There is no timer for the display: %s", qPrintable(qt_error_string(errno)));
     return descriptor;
 }
 
@@ -65,10 +67,14 @@ void TickTimer::set(std::chrono::milliseconds period)
     timerfd_settime(descriptor, 0, &times, nullptr);
 }
 
-/// There is none if the timer was set anew since it woke the event loop.
+/// There is none if the timer was set anew since it woke the event loop. A tick that takes events
+/// meets no other one in them.
 void TickTimer::takeExpiry()
 {
     quint64 expiries = 0;
-    if (read(descriptor, &expiries, sizeof expiries) == sizeof expiries)
-        emit timeout();
+    if (read(descriptor, &expiries, sizeof expiries) != sizeof expiries)
+        return;
+    notifier.setEnabled(false);
+    emit timeout();
+    notifier.setEnabled(true);
 }

@@ -50,6 +50,8 @@ EnduranceRun::EnduranceRun(MainWindow& mainWindow, ControllerProcess& process,
 
 void EnduranceRun::start()
 {
+    // The window is made when all systems of its setup file are up.
+    upS = processcost::ageS();
     setCounter(window, "samplingRateCounter", samplingRateHz);
     setCounter(window, "updateRateCounter", updateRateHz);
     if (options.pointing) {
@@ -123,6 +125,7 @@ void EnduranceRun::finish()
 void EnduranceRun::tellResult()
 {
     tell("systems", qint64(options.systems), options.pointing ? "pointing" : "oscilloscope");
+    tell("process start until all are up", upS, 2, "s");
     tell("watched", ticks.elapsedS(), 1, "s");
     tellTicks();
     tellProcessor();

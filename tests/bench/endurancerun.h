@@ -66,4 +66,5 @@ private:
     StreamedPackets packets;
     QTimer progress;
     bool isOver = false;
+    double upS = 0.0;
 };

@@ -4,7 +4,8 @@
 Usage: performancetable.py BENCHMARKS FIRSTPAINT ENDURANCE...
 
 BENCHMARKS is what lumetra-bench writes as JSON, with medians of repetitions. The other files hold
-the lines that lumetra-firstpaint and lumetra-endurance print. The table is Markdown, and each of
+the lines that lumetra-firstpaint and lumetra-endurance print; several runs of lumetra-endurance
+with the same systems make one row of their medians. The table is Markdown, and each of
 its rows has beside the figure what gives it its meaning, measured in the same run unless it is a
 limit. Times are those of the processor, unless "clock" stands there. What is missing, since its
 benchmark failed, is told as such.
@@ -13,6 +14,7 @@ benchmark failed, is told as such.
 import json
 import pathlib
 import re
+import statistics
 import sys
 
 SECONDS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
@@ -178,15 +180,28 @@ def first_paint_row(figures):
                     "processor time of it", in_seconds[1])
 
 
-def endurance_row(figures):
-    """A run of the whole application. Samples that were left waiting are not lost."""
-    if "systems" not in figures:
+def alike(runs):
+    """The runs of the whole application by systems and mode, in the order of the first ones."""
+    groups = {}
+    for figures in runs:
+        groups.setdefault(figures.get("systems"), []).append(figures)
+    return groups
+
+
+def median_of(runs, what):
+    return statistics.median(figures[what][0] for figures in runs)
+
+
+def endurance_row(kind, runs):
+    """Runs of the whole application. Samples that were left waiting are not lost."""
+    if kind is None:
         return row("whole application", MISSING, "", "")
-    systems, mode = figures["systems"]
-    cpu, _ = figures["processor, whole application"]
-    share, _ = figures["share of a processor"]
-    ticks, _ = figures["ticks"]
-    sent, taken, left = (figures[f"samples {what}"][0] for what in ("sent", "taken", "left"))
+    systems, mode = kind
+    cpu = median_of(runs, "processor, whole application")
+    share = median_of(runs, "share of a processor")
+    ticks = median_of(runs, "ticks")
+    sent, taken, left = (sum(figures[f"samples {what}"][0] for figures in runs)
+                         for what in ("sent", "taken", "left"))
     lost = sent - taken - left
     what = f"whole application, {systems:.0f} {'system' if systems == 1 else 'systems'}, {mode}"
     figure = (f"{cpu:.1f} s/min; window's thread {share:.1f} %; {ticks:.1f} ticks/s; "
@@ -195,10 +210,22 @@ def endurance_row(figures):
                ratio_text(cpu, SERIAL_PLOTTER_S_PER_MIN))
 
 
+def arrival_row(groups):
+    """From the start of the process on, with the setup file that the window finds."""
+    def up(systems):
+        runs = [run for kind, alikes in groups.items() if kind and kind[0] == systems
+                for run in alikes]
+        return median_of(runs, "process start until all are up") if runs else None
+
+    return time_row("process start until fifty stored systems are up, clock", up(50), "one", up(1))
+
+
 def table(found, first_paint, endurance_runs):
+    groups = alike(endurance_runs)
     rows = benchmark_rows(found)
     rows.append(first_paint_row(first_paint))
-    rows += [endurance_row(run) for run in endurance_runs]
+    rows.append(arrival_row(groups))
+    rows += [endurance_row(kind, runs) for kind, runs in groups.items()]
     return "\n".join([HEAD, *rows, ""])
 
 

@@ -28,6 +28,20 @@ double processCpuS()
     return secondsOf(CLOCK_PROCESS_CPUTIME_ID);
 }
 
+double ageS()
+{
+    // The 22nd field counts clock ticks from the start of the machine on. The second one, a name
+    // in parentheses, may have blanks in it.
+    QFile file(QStringLiteral("/proc/self/stat"));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0.0;
+    const QByteArray line = file.readAll();
+    constexpr int fieldBehindTheName = 22 - 2;
+    const double startedTicks =
+        line.mid(line.lastIndexOf(')')).split(' ').value(fieldBehindTheName).toDouble();
+    return secondsOf(CLOCK_BOOTTIME) - startedTicks / double(sysconf(_SC_CLK_TCK));
+}
+
 qint64 residentBytes()
 {
     // The second number counts pages.

@@ -9,6 +9,8 @@ namespace processcost {
 double threadCpuS();
 /// The same of all threads of the process, those that have ended included.
 double processCpuS();
+/// Time since the process was started, in steps of 10 ms; 0 where nothing tells.
+double ageS();
 /// Memory of the process that lies in the machine's own at the moment; 0 where nothing tells.
 qint64 residentBytes();
 

@@ -12,6 +12,7 @@ def entry(run_name, **values):
 
 ENDURANCE = """\
 systems                                                  50 oscilloscope
+process start until all are up                         2.90 s
 ticks                                                 99.20 /s
 share of a processor                                   18.7 %
 processor, whole application                          21.45 s/min
@@ -92,6 +93,28 @@ class Table(unittest.TestCase):
                          "| whole application, 50 systems, oscilloscope | 21.4 s/min; window's "
                          "thread 18.7 %; 99.2 ticks/s; 2 samples lost | general serial plotter, "
                          "one port: 42.9 s/min | 0.50 |")
+
+    def test_tells_the_medians_of_runs_that_are_alike_and_all_their_losses(self):
+        runs = [made.printed_figures(ENDURANCE.replace("21.45", cpu).replace("99.20", ticks))
+                for cpu, ticks in [("30.00", "97.00"), ("10.00", "98.00"), ("20.00", "90.00")]]
+        self.assertEqual(self.rows({}, runs=runs)[-1],
+                         "| whole application, 50 systems, oscilloscope | 20.0 s/min; window's "
+                         "thread 18.7 %; 97.0 ticks/s; 6 samples lost | general serial plotter, "
+                         "one port: 42.9 s/min | 0.47 |")
+
+    def test_keeps_runs_of_other_systems_and_modes_apart(self):
+        runs = [made.printed_figures(ENDURANCE.replace("50 oscilloscope", kind))
+                for kind in ("1 oscilloscope", "50 oscilloscope", "50 pointing")]
+        self.assertEqual([row.split(" | ")[0] for row in self.rows({}, runs=runs)[-3:]],
+                         ["| whole application, 1 system, oscilloscope",
+                          "| whole application, 50 systems, oscilloscope",
+                          "| whole application, 50 systems, pointing"])
+
+    def test_tells_how_long_fifty_systems_take_beside_one(self):
+        runs = [made.printed_figures(ENDURANCE),
+                made.printed_figures(ENDURANCE.replace("50 osc", "1 osc").replace("2.90", "2.50"))]
+        self.assertIn("| process start until fifty stored systems are up, clock | 2.90 s | "
+                      "one: 2.50 s | 1.16 |", self.rows({}, runs=runs))
 
     def test_tells_the_first_painting(self):
         figures = made.printed_figures("process start to first paint      73.3 ms\n"

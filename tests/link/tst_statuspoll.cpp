@@ -4,6 +4,7 @@
 
 #include <QtTest>
 
+#include <algorithm>
 #include <optional>
 
 namespace {
@@ -61,6 +62,14 @@ std::optional<bool> polledStage1(EmulatedLink& link)
         return std::nullopt;
     constexpr int flagsOffset = 2;
     return (uchar(reply.at(flagsOffset)) & statusflag::stabilised1) != 0;
+}
+
+int repliesOf(const EmulatedLink& link)
+{
+    const QVector<emulator::WireEvent> wire = link.controller.wire();
+    return int(std::count_if(wire.begin(), wire.end(), [](const emulator::WireEvent& event) {
+        return event.direction == emulator::WireEvent::ToHost;
+    }));
 }
 
 } // namespace
@@ -293,11 +302,14 @@ void TestStatusPoll::replyOfARepeatedCommandIsNoStatus()
     };
     QVERIFY(!switchOn());
     link.client.switchStabilisationOn(command::stageArgument(Stage::One));
-    // Both are at the controller before it reads again, and it answers them in one go.
+    // Both are at the controller before it reads again, and it answers one behind the other.
     QTest::qWait(EmulatedLink::shortTimeoutMs / 2);
     link.controller.pause(false);
     QByteArray reply;
     QVERIFY(link.client.fetchReply(reply));
+    // The second reply has come, too, and lies there.
+    QTRY_COMPARE(repliesOf(link), 2);
+    QTest::qWait(EmulatedLink::shortTimeoutMs / 2);
     QCOMPARE(link.controller.commands().size(), 2);
     QVERIFY(polledStage1(link) == true);
 }

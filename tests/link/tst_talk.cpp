@@ -3,6 +3,7 @@
 #include "link/talk.h"
 #include "support/emulatedlink.h"
 
+#include <QThread>
 #include <QtTest>
 
 #include <initializer_list>
@@ -37,6 +38,7 @@ private slots:
     void talkBeginsBehindAPoll();
     void talkThatIsOverSendsNothingMore();
     void turnGivesItsReplyAndCanBeTakenAgain();
+    void whoeverFinishesATalkSleepsUntilThereAreNews();
 };
 
 void TestTalk::stopsAreSentAsOftenAsAsked_data()
@@ -62,7 +64,7 @@ void TestTalk::stopsAreSentAsOftenAsAsked()
     EmulatedLink link(isSilent ? silentTo({"CLS"}) : emulator::ControllerOptions(), briefTimeoutMs);
     QVERIFY(link.connect());
     StopTalk talk(link.client, stops, unanswered);
-    finish(talk);
+    finish(talk, link.client);
     QTEST(link.controller.count("CLS;"), "sent");
 }
 
@@ -71,7 +73,7 @@ void TestTalk::stopFollowsTheReplyToTheOneBefore()
     EmulatedLink link({}, briefTimeoutMs);
     QVERIFY(link.connect());
     StopTalk talk(link.client, 2, Unanswered::Left);
-    finish(talk);
+    finish(talk, link.client);
     QList<WireEvent::Direction> directions;
     const QVector<WireEvent> wire = link.controller.wire();
     for (const WireEvent& event : wire)
@@ -102,8 +104,8 @@ void TestTalk::twoTalksAreUnderWayAtTheSameTime()
     QTRY_COMPARE(second.controller.commands(), QByteArrayList{"CLS;"});
     QCOMPARE(first.controller.commands(), QByteArrayList{"CLS;"});
     QVERIFY(!firstTalk.advance());
-    finish(firstTalk);
-    finish(secondTalk);
+    finish(firstTalk, first.client);
+    finish(secondTalk, second.client);
 }
 
 void TestTalk::talkBeginsBehindAPoll()
@@ -115,7 +117,7 @@ void TestTalk::talkBeginsBehindAPoll()
     StopTalk talk(link.client, 1, Unanswered::Left);
     QVERIFY(!talk.advance());
     QCOMPARE(link.controller.commands(), QByteArrayList{"GSF;"});
-    finish(talk);
+    finish(talk, link.client);
     QCOMPARE(link.controller.commands(), QByteArrayList({"GSF;", "CLS;"}));
 }
 
@@ -124,7 +126,7 @@ void TestTalk::talkThatIsOverSendsNothingMore()
     EmulatedLink link({}, briefTimeoutMs);
     QVERIFY(link.connect());
     StopTalk talk(link.client, 1, Unanswered::Repeated);
-    finish(talk);
+    finish(talk, link.client);
     QVERIFY(talk.advance());
     QVERIFY(link.client.isSettled());
     QCOMPARE(link.controller.count("CLS;"), 1);
@@ -146,6 +148,31 @@ void TestTalk::turnGivesItsReplyAndCanBeTakenAgain()
         QCOMPARE(reply, link.controller.idReply());
         QCOMPARE(link.controller.count("GID;"), times);
     }
+}
+
+void TestTalk::whoeverFinishesATalkSleepsUntilThereAreNews()
+{
+    /// A command without a reply, and how often it was advanced.
+    struct CountedTalk
+    {
+        bool advance()
+        {
+            ++advances;
+            QByteArray reply;
+            return turn.advance(connection, command::statusRequest(), reply).has_value();
+        }
+
+        Connection& connection;
+        TalkTurn turn;
+        int advances = 0;
+    };
+    constexpr int fewAdvances = 5;
+    EmulatedLink link(silentTo({"GSF"}));
+    QVERIFY(link.connect());
+    CountedTalk talk{link.client, {}};
+    finish(talk, link.client);
+    QCOMPARE(link.controller.count("GSF;"), 1);
+    QVERIFY(talk.advances <= fewAdvances);
 }
 
 QTEST_GUILESS_MAIN(TestTalk)

@@ -1,4 +1,5 @@
 #include "ordinarypicture.h"
+#include "plots/dotlayer.h"
 #include "support/widgetcheck.h"
 
 #include <QPaintEvent>
@@ -55,6 +56,7 @@ private slots:
     void newPointPaintsItsSurroundings();
     void pointThatGoesIsPaintedOver();
     void pointBeyondTheBorderPaintsNothing();
+    void manyPointsBeyondTheBorderPaintAll();
     void newColourPaintsAll();
     void changedItemPaintsAll();
     void newScalePaintsAll();
@@ -198,6 +200,25 @@ void TestChangedPart::pointBeyondTheBorderPaintsNothing()
     plot->appendData(0, QPointF(0.0, 2.0 * range));
     plot->replotIfChanged();
     QVERIFY(painted->take().isEmpty());
+}
+
+/// Otherwise all of them would have to be taken into the picture when one can be seen again.
+void TestChangedPart::manyPointsBeyondTheBorderPaintAll()
+{
+    constexpr std::size_t half = IncrementalPlot::mostUnpainted / 2;
+    const auto appendHalf = [this] {
+        for (std::size_t i = 0; i < half; ++i)
+            plot->appendData(0, QPointF(0.0, 2.0 * range));
+        plot->replotIfChanged();
+        return painted->take().boundingRect();
+    };
+    QVERIFY(appendHalf().isEmpty());
+    QVERIFY(appendHalf().isEmpty());
+    plot->appendData(0, QPointF(0.0, 2.0 * range));
+    QCOMPARE(appendHalf(), plot->canvas()->contentsRect());
+    // The first one of each curve among them.
+    QCOMPARE(plot->dotLayer().dotsAdded(), 3 * half + 4);
+    QVERIFY(appendHalf().isEmpty());
 }
 
 void TestChangedPart::newColourPaintsAll()

@@ -1,4 +1,5 @@
 #include "images/images.h"
+#include "link/tcpclient.h"
 #include "overviewstatuses.h"
 #include "setup/connectionoverviewdialog.h"
 #include "setup/listwidget.h"
@@ -75,6 +76,7 @@ private slots:
     void aHiddenRowIsLeftAloneWhileItsStatusStays();
     void aHiddenRowFollowsItsStatus_data();
     void aHiddenRowFollowsItsStatus();
+    void aHiddenRowFollowsItsConnection();
     void hiddenRowsFollowAClosedSystem();
     void aRowIsPutRightAfterTheDialogWasClosed();
     void anInvalidStatusDisablesTheControls();
@@ -325,6 +327,20 @@ void TestOverview::aHiddenRowFollowsItsStatus()
     QCOMPARE(lookOf(row(2)), hidden);
     dialog->update(all);
     QCOMPARE(lookOf(row(2)), hidden);
+}
+
+/// Two systems that share an address can look alike.
+void TestOverview::aHiddenRowFollowsItsConnection()
+{
+    TcpClient first;
+    TcpClient second;
+    QList<ConnectionStatus> all = statuses({"a"});
+    for (Connection* connection :
+         {static_cast<Connection*>(&first), static_cast<Connection*>(&second)}) {
+        all[0].connection = connection;
+        dialog->update(all);
+        QCOMPARE(static_cast<OverviewWidget&>(row(1)).connection(), connection);
+    }
 }
 
 void TestOverview::hiddenRowsFollowAClosedSystem()

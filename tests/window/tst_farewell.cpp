@@ -173,7 +173,7 @@ void TestFarewell::anUnansweredPollHoldsOnlyItsOwnSystemUp()
     QTRY_COMPARE(other.controller().mnemonics(), Mnemonics{"CLS"});
     QCOMPARE(silent.controller().mnemonics(), Mnemonics{"GSF"});
     QVERIFY(!held.advance());
-    finish(free);
+    finish(free, other);
     QCOMPARE(silent.controller().mnemonics(), Mnemonics{"GSF"});
 }
 

@@ -26,6 +26,7 @@ private slots:
     void newRateActsWithTheNextStart();
     void ticksGoOnUntilTheStop();
     void stoppedTimerDoesNotTickAndCanBeStarted();
+    void tickThatTakesEventsMeetsNoOther();
     void tickThatIsDueIsForgottenByAStop();
     void tickThatIsDueIsForgottenByAStart();
     void endedTimerNeverTicksAgain();
@@ -101,6 +102,24 @@ void TestTickTimer::stoppedTimerDoesNotTickAndCanBeStarted()
     QCOMPARE(ticks.count(), 0);
     bench->timer.start();
     QVERIFY(ticks.wait());
+}
+
+void TestTickTimer::tickThatTakesEventsMeetsNoOther()
+{
+    setRate(fastestRateHz);
+    int depth = 0;
+    int greatestDepth = 0;
+    int ticks = 0;
+    connect(&bench->timer, &TickTimer::timeout, this, [&] {
+        ++ticks;
+        greatestDepth = qMax(greatestDepth, ++depth);
+        QTest::qWait(severalPeriodsMs);
+        --depth;
+    });
+    bench->timer.start();
+    QTRY_VERIFY(ticks >= 2);
+    QCOMPARE(greatestDepth, 1);
+    disconnect(&bench->timer, nullptr, this, nullptr);
 }
 
 void TestTickTimer::tickThatIsDueIsForgottenByAStop()
