@@ -1,5 +1,7 @@
 #include "ordinarypicture.h"
 #include "plots/dotlayer.h"
+#include "plots/genericplot.h"
+#include "plots/zoomer.h"
 #include "support/widgetcheck.h"
 
 #include <QPaintEvent>
@@ -50,6 +52,7 @@ private slots:
     void init();
     void cleanup();
 
+    void screenHasTheRatioThatIsAskedFor();
     void changeThatIsNotPaintedIsSeen();
     void screenShowsTheWholePicture_data();
     void screenShowsTheWholePicture();
@@ -63,6 +66,8 @@ private slots:
     void canvasWithABackingStorePaintsAll();
 
 private:
+    void usePlot(IncrementalPlot* newPlot);
+    void useStartedPlot(const QRectF& shownPart);
     QImage screen() const;
     QImage screenPaintedAnew() const;
     QPoint placeOf(double x, double y) const;
@@ -77,20 +82,30 @@ void TestChangedPart::init()
     window = std::make_unique<QWidget>();
     // As many device pixels of a window can be looked at as it has places.
     window->resize(greatestRatio * plotSize);
-    plot = new IncrementalPlot(window.get());
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    usePlot(new IncrementalPlot(window.get()));
+    static_cast<QwtPlotCanvas*>(plot->canvas())
+        ->setPaintAttribute(QwtPlotCanvas::BackingStore, false);
+}
+
+/// Instead of the one that was used before.
+void TestChangedPart::usePlot(IncrementalPlot* newPlot)
+{
+    painted.reset();
+    delete plot;
+    plot = newPlot;
     plot->setCanvasBackground(QColor("lightblue"));
     plot->setKeepAllPoints(true);
     plot->setSymbolSize(QSize(3, 3));
-    static_cast<QwtPlotCanvas*>(plot->canvas())
-        ->setPaintAttribute(QwtPlotCanvas::BackingStore, false);
     for (const int axis : {QwtPlot::xBottom, QwtPlot::yLeft})
         plot->setAxisScale(axis, -range, range);
     plot->addCurves(3);
     plot->setCurveColor(Qt::red, 0);
     plot->setCurveColor(Qt::darkGreen, 1);
     plot->resize(plotSize);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    plot->show();
+    QCoreApplication::processEvents();
     painted = std::make_unique<PaintedParts>(*plot->canvas());
     // The first point of a curve gives it its colour.
     for (int curve = 0; curve < plot->curveCount(); ++curve)
@@ -103,6 +118,7 @@ void TestChangedPart::cleanup()
 {
     painted.reset();
     window.reset();
+    plot = nullptr;
     QCOMPARE(leftWidgets(), QString());
 }
 
@@ -126,6 +142,24 @@ QPoint TestChangedPart::placeOf(double x, double y) const
                   qRound(plot->transform(QwtPlot::yLeft, y)));
 }
 
+/// A plot of the window: with grid, lines through its middle, and, zoomed, scroll bars.
+void TestChangedPart::useStartedPlot(const QRectF& shownPart)
+{
+    auto* started = new GenericPlot(window.get());
+    started->drawCrossHairs();
+    started->setKeepAllPoints(true);
+    started->start();
+    usePlot(started);
+    if (!shownPart.isNull())
+        started->canvas()->findChild<Zoomer*>()->zoom(shownPart);
+    QCoreApplication::processEvents();
+}
+
+void TestChangedPart::screenHasTheRatioThatIsAskedFor()
+{
+    QCOMPARE(plot->devicePixelRatioF(), qEnvironmentVariable("QT_SCALE_FACTOR").toDouble());
+}
+
 void TestChangedPart::changeThatIsNotPaintedIsSeen()
 {
     plot->appendData(0, QPointF(1.0, 1.0));
@@ -135,19 +169,38 @@ void TestChangedPart::changeThatIsNotPaintedIsSeen()
 
 void TestChangedPart::screenShowsTheWholePicture_data()
 {
+    QTest::addColumn<bool>("isStarted");
+    QTest::addColumn<QRectF>("shownPart");
     QTest::addColumn<bool>("keepsAll");
     QTest::addColumn<double>("spread");
-    QTest::newRow("all points, near") << true << 0.3;
-    QTest::newRow("all points, far") << true << 1.2 * range;
-    QTest::newRow("few points, near") << false << 0.3;
-    QTest::newRow("few points, far") << false << 1.2 * range;
+    const QRectF all;
+    const QRectF part(-1.0, -0.5, 2.0, 2.0);
+    for (const bool keepsAll : {true, false}) {
+        for (const double spread : {0.3, 1.2 * range}) {
+            const QByteArray name = QByteArray(keepsAll ? "all points" : "few points")
+                                    + (spread < 1.0 ? ", near" : ", far");
+            const auto row = [&](const char* kind, bool isStarted, const QRectF& shownPart) {
+                QTest::addRow("%s, %s", name.constData(), kind)
+                    << isStarted << shownPart << keepsAll << spread;
+            };
+            row("bare", false, all);
+            row("started", true, all);
+            row("zoomed", true, part);
+        }
+    }
 }
 
 void TestChangedPart::screenShowsTheWholePicture()
 {
+    QFETCH(bool, isStarted);
+    QFETCH(QRectF, shownPart);
     QFETCH(bool, keepsAll);
     QFETCH(double, spread);
-    constexpr int replots = 60;
+    constexpr int replots = 40;
+    if (isStarted)
+        useStartedPlot(shownPart);
+    // Between two pixels the corners of frames look different after their first painting.
+    screenPaintedAnew();
     plot->setKeepAllPoints(keepsAll);
     std::mt19937 generator(815);
     std::uniform_real_distribution<double> place(-spread, spread);

@@ -3,6 +3,7 @@
 
 #include <QImage>
 #include <QPainter>
+#include <QPicture>
 #include <QtTest>
 #include <qwt_symbol.h>
 
@@ -135,6 +136,7 @@ private slots:
     void fewDotsAreDrawnByTheCurves();
     void curvesDrawThemselvesWhereTheLayerIsNotExact_data();
     void curvesDrawThemselvesWhereTheLayerIsNotExact();
+    void anotherPaintEngineIsLeftToTheCurves();
     void partOfACurveIsDrawnByTheCurve();
     void curveDrawsItselfOutsideOfAPicture();
 
@@ -399,6 +401,36 @@ void TestDotLayer::curvesDrawThemselvesWhereTheLayerIsNotExact()
     canvas.appendDots(1, manyDots);
     QCOMPARE(canvas.paint(), canvas.ordinary());
     QCOMPARE(canvas.layer.dotsAdded(), std::size_t(0));
+}
+
+/// As in printing and in export to a document.
+void TestDotLayer::anotherPaintEngineIsLeftToTheCurves()
+{
+    Canvas canvas(1);
+    canvas.appendDots(0, manyDots);
+    const auto drawn = [&canvas](auto&& draw) {
+        QPicture drawing;
+        QPainter recording(&drawing);
+        draw(recording);
+        recording.end();
+        QImage image(canvasPlaces, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter(&image).drawPicture(0, 0, drawing);
+        return image;
+    };
+    const QImage picture = drawn([&canvas](QPainter& painter) {
+        canvas.layer.beginPicture(painter, canvas.rect,
+                                  {{&canvas.at(0), canvas.xMap, canvas.yMap}});
+        canvas.at(0).drawSeries(&painter, canvas.xMap, canvas.yMap, canvas.rect, 0, -1);
+        canvas.layer.endPicture();
+    });
+    const QImage expected = drawn([&canvas](QPainter& painter) {
+        canvas.at(0).QwtPlotCurve::drawSeries(&painter, canvas.xMap, canvas.yMap, canvas.rect, 0,
+                                              -1);
+    });
+    QCOMPARE(picture, expected);
+    QCOMPARE(canvas.layer.dotsAdded(), std::size_t(0));
+    QVERIFY(picture != drawn([](QPainter&) {}));
 }
 
 void TestDotLayer::partOfACurveIsDrawnByTheCurve()
