@@ -5,6 +5,8 @@
 
 #include <QtTest>
 
+#include <array>
+
 namespace {
 
 constexpr SamplePlace last{true, false};
@@ -110,14 +112,15 @@ void TestRecorder::everyFifthSampleIsRecordedAsMadeByHand()
 {
     bench->detectors[0] = DetectorPair(QuadrantDetector, 1, PsdDetector, 1, 0, 50.0, 50.0);
     QVERIFY(!bench->startOne(0, {0}, everyFifth));
-    constexpr quint64 t = RecordBench::firstTimeMs;
-    QVector<MeasureSample> samples(11);
+    std::array<MeasureSample, 11> samples;
     samples[0] = sampleAt(0, 2000, -2000, 4000, 1200, -1, 3500, 5000, 5000, 5000, 5000);
     samples[5] = sampleAt(0, 0, 5, 0, -1200, 0, 0, 4990, 5010, 0, 10000);
     samples[10] = sampleAt(0, 4000, -4000, 4000, 32767, -32768, 3500, 5000, 5000, -4, 4);
-    for (int i = 0; i < samples.size(); ++i) {
-        samples[i].timeMs = t + quint64(i) * 2;
-        bench->recorder.recordOf(RecordBench::connection(0))->take({samples.at(i)}, last);
+    quint64 timeMs = RecordBench::firstTimeMs;
+    for (MeasureSample& sample : samples) {
+        sample.timeMs = timeMs;
+        bench->recorder.recordOf(RecordBench::connection(0))->take({sample}, last);
+        timeMs += 2;
     }
     bench->recorder.stop();
     QCOMPARE(bench->bytes("run.csv"), madeByHand("lengths.csv"));
