@@ -8,8 +8,8 @@
 #include <vector>
 
 /// Records the samples of systems to files, one for each system. It knows no window: who shows the
-/// samples gives them to it, and asks it behind each tick to flush. A recording is planned first, so
-/// that all questions about files that exist come before any file is opened. GUI thread only.
+/// samples gives them to it, and asks it behind each tick to flush. A recording is planned first,
+/// so that all questions about files that exist come before any file is opened. GUI thread only.
 ///
 /// A system that is hidden or lost during a recording keeps its file, which goes on when the
 /// system is shown again. One that comes during a recording is not recorded.
