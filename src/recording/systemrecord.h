@@ -53,8 +53,8 @@ private:
     };
 
     std::size_t formFrom(KeptSamples& block, std::size_t most);
+    bool countSample(const SamplePlace& place);
     void formLine(const MeasureSample& sample);
-    bool isDue(const SamplePlace& place);
 
     RecordFile recordFile;
     DetectorPair detectors;
