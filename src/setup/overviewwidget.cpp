@@ -1,7 +1,7 @@
 #include "setup/overviewwidget.h"
 
+#include "controls/stagelook.h"
 #include "setup/connectionstatus.h"
-#include "setup/stagelook.h"
 #include "ui_overviewwidget.h"
 
 #include <algorithm>
@@ -42,8 +42,8 @@ void setAllVisible(std::initializer_list<QWidget*> widgets, bool visible)
 OverviewWidget::OverviewWidget(bool header, QWidget* parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::OverviewWidget>())
-    , paletteOn(onPalette())
-    , paletteOff(offPalette())
+    , paletteOn(stabilisationPalette(true))
+    , paletteOff(stabilisationPalette(false))
     , colorDialog(this)
 {
     ui->setupUi(this);
@@ -186,7 +186,7 @@ void OverviewWidget::showStabilised(QPushButton& button, bool on)
 
 void OverviewWidget::showActive(QLabel& active, bool on)
 {
-    active.setPixmap(light(on, QSize(lightPx, lightPx)));
+    active.setPixmap(stageLight(on, QSize(lightPx, lightPx)));
     const QString state = on ? tr("Active") : tr("Inactive");
     active.setToolTip(state);
     active.setAccessibleName(state);
