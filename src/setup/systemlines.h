@@ -52,7 +52,8 @@ public:
     bool disconnectLink(const Connection* connection);
     /// Removes line and record if the registry closes the connection. Blocks.
     void remove(const Connection* connection);
-    /// Removes every system with a line, from the last to the first.
+    /// Removes every system with a line: the serial ones from the bottom line to the top, then the
+    /// others likewise.
     void removeAll();
 
 signals:
