@@ -173,7 +173,7 @@ void OverviewWidget::updateColor(QColor& shown, const QColor& now, Graph graph)
     if (shown == now)
         return;
     shown = now;
-    colorButton(graph).setStyleSheet(QStringLiteral("background-color: %1").arg(now.name()));
+    showColor(now, graph);
     emit newColor(address, now, int(graph));
 }
 
@@ -190,6 +190,11 @@ void OverviewWidget::showActive(QLabel& active, bool on)
     const QString state = on ? tr("Active") : tr("Inactive");
     active.setToolTip(state);
     active.setAccessibleName(state);
+}
+
+void OverviewWidget::showColor(const QColor& color, Graph graph)
+{
+    colorButton(graph).setStyleSheet(QStringLiteral("background-color: %1").arg(color.name()));
 }
 
 QColor& OverviewWidget::colorOf(Graph graph)
@@ -209,7 +214,7 @@ void OverviewWidget::on_colorSelected(QColor color)
     // Emitted for an equal colour, too: the user has chosen it.
     const auto graph = static_cast<Graph>(colorTarget);
     colorOf(graph) = color;
-    colorButton(graph).setStyleSheet(QStringLiteral("background-color: %1").arg(color.name()));
+    showColor(color, graph);
     emit newColor(address, color, colorTarget);
 }
 
