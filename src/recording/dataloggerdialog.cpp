@@ -2,6 +2,7 @@
 
 #include "app/logging.h"
 #include "app/switches.h"
+#include "controls/roomwhenhidden.h"
 #include "plots/durationtext.h"
 #include "plots/largetimer.h"
 #include "recording/recordingclock.h"
@@ -46,10 +47,7 @@ DataLoggerDialog::~DataLoggerDialog() = default;
 void DataLoggerDialog::prepareForm()
 {
     layout()->setSizeConstraint(QLayout::SetFixedSize);
-    // The warning has its room from the beginning, so that nothing moves when it comes.
-    QSizePolicy policy = ui->lblWarningLargeFile->sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    ui->lblWarningLargeFile->setSizePolicy(policy);
+    keepRoomWhenHidden(*ui->lblWarningLargeFile);
     // Their background is light under every palette, so their text has to be dark.
     for (QLineEdit* result : {ui->lineEdit_DataBlocks, ui->lineEdit_FileSize}) {
         QPalette colors = result->palette();

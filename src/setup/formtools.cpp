@@ -1,5 +1,7 @@
 #include "setup/formtools.h"
 
+#include "controls/roomwhenhidden.h"
+
 #include <QDialog>
 #include <QGuiApplication>
 #include <QLabel>
@@ -45,9 +47,7 @@ BusyNote::~BusyNote()
 
 void hideInPlace(QLabel& label)
 {
-    QSizePolicy policy = label.sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    label.setSizePolicy(policy);
+    keepRoomWhenHidden(label);
     label.hide();
 }
 
