@@ -4,6 +4,8 @@
 #include "app/logging.h"
 #include "app/messagelog.h"
 #include "app/switches.h"
+#include "controls/windowplace.h"
+#include "recording/recordingname.h"
 #include "window/mainwindow.h"
 
 #include <QApplication>
@@ -80,9 +82,9 @@ void prepareConfigDir(int argc, char** argv)
                         "configuration directory can be created."),
             QMessageBox::Ok);
     }
-    const QDir data(switches::configDir.path() + QDir::separator() + QStringLiteral("Data"));
-    if (!data.exists())
-        data.mkpath(QStringLiteral("."));
+    const QDir recordings(recordingname::folder(switches::configDir.path()));
+    if (!recordings.exists())
+        recordings.mkpath(QStringLiteral("."));
 }
 
 int workerThreads(int processors)
@@ -98,12 +100,6 @@ QSize windowSize(const QSize& wanted, const QSize& available)
     const bool tooLarge =
         wanted.width() > available.width() || wanted.height() > available.height();
     return tooLarge ? available : wanted;
-}
-
-QPoint windowCorner(const QSize& window, const QSize& available)
-{
-    return QPoint((available.width() - window.width()) / 2,
-                  (available.height() - window.height()) / 2);
 }
 
 int run(int argc, char** argv, const WindowHook& whenShown)
@@ -133,7 +129,7 @@ int run(int argc, char** argv, const WindowHook& whenShown)
     MainWindow window;
     window.resize(initialSize);
     window.resize(windowSize(window.size(), available));
-    window.move(windowCorner(window.size(), available));
+    window.move(middlePlace(available, window.size()));
     window.show();
     window.resizeGraphs();
     window.raise();
