@@ -105,7 +105,7 @@ QSize windowSize(const QSize& wanted, const QSize& available)
 int run(int argc, char** argv, const WindowHook& whenShown)
 {
     useDecimalPoint();
-    // A file that would grow beyond a limit is an error of its write, not the end of the program.
+    // A write beyond the limit of a file's size shall fail and not end the program.
     std::signal(SIGXFSZ, SIG_IGN);
     prepareConfigDir(argc, argv);
     prepareWorkers();

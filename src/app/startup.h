@@ -25,8 +25,8 @@ QString homeDirectory();
 /// Makes "Lumetra" in the home directory the configuration directory, with the folder of recordings
 /// in it. If the directory can not be created it says so in a box and goes on.
 void prepareConfigDir(int argc, char** argv);
-/// Number of threads for the OpenMP runtime on a machine with so many `processors`. From 8 on, one
-/// processor is left free. 0 means that the runtime's own number stays.
+/// Number of threads for the OpenMP runtime on a machine with that number of processors. From 8 on,
+/// one processor is left free. 0 means that the runtime's own number stays.
 int workerThreads(int processors);
 
 /// The wanted size; the available size if the wanted one exceeds it in either direction.

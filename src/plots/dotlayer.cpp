@@ -199,7 +199,7 @@ void DotLayer::stamp(std::size_t index, std::size_t begin, std::size_t end)
     for (const QPointF* sample = samples + begin; sample != samples + end; ++sample) {
         const double exactX = painted.member.xMap.transform(sample->x());
         const double exactY = painted.member.yMap.transform(sample->y());
-        // False for NaN, too.
+        // The comparisons are false for NaN, too.
         if (!(exactX > left && exactX < right && exactY > top && exactY < bottom))
             continue;
         const int x = qRound(exactX);

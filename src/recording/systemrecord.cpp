@@ -26,7 +26,7 @@ void SystemRecord::take(std::vector<MeasureSample> samples, const SamplePlace& p
 
 std::size_t SystemRecord::form(std::size_t most)
 {
-    // What a file that has failed would have got is nobody's.
+    // Nothing more is written to a file that has failed.
     if (!recordFile.isOpen())
         kept.clear();
     std::size_t formed = 0;

@@ -19,7 +19,7 @@ LiveRecording::LiveRecording(LiveSystems& liveSystems, MonitorToolBar& bar, Acqu
     , recorder(files)
     , mayOverwrite(std::move(question))
 {
-    // What is planned behind a question is of the systems that were there before it.
+    // The plan whose questions are open may hold the system that was closed: it is refused.
     connect(&systems, &LiveSystems::closed, this, [this] { isAsking = false; });
     clock.start();
     writing.setSingleShot(true);
