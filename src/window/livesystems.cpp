@@ -86,9 +86,10 @@ const LiveSystem* LiveSystems::current() const
     return onPlots.current() < size() ? &at(onPlots.current()) : nullptr;
 }
 
-QList<ConnectionStatus> LiveSystems::statuses() const
+QVector<ConnectionStatus> LiveSystems::statuses() const
 {
-    QList<ConnectionStatus> copies;
+    QVector<ConnectionStatus> copies;
+    copies.reserve(size());
     for (const LiveSystem& system : systems)
         copies.append(system.status);
     return copies;

@@ -8,6 +8,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QVector>
 
 #include <vector>
 
@@ -56,7 +57,7 @@ public:
     const LiveSystem* current() const;
 
     /// Copies of the records, in the order of the list.
-    QList<ConnectionStatus> statuses() const;
+    QVector<ConnectionStatus> statuses() const;
 
     /// Registers a connection, and displays it if it is up and there is room.
     void add(std::unique_ptr<Connection> connection, const ConnectionSettings& settings,
