@@ -219,7 +219,7 @@ void LiveSystems::dismiss(const QList<const Connection*>& closing)
     sayFarewell(std::move(farewells));
 }
 
-/// Also an idle system is, if it is displayed.
+/// A displayed system is stopped even if it is idle.
 bool LiveSystems::isStoppedByHiding(int index) const
 {
     const Connection& connection = connectionAt(index);
