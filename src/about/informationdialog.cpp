@@ -2,7 +2,7 @@
 
 #include "about/maker.h"
 #include "about/release.h"
-#include "about/windowplace.h"
+#include "controls/windowplace.h"
 #include "ui_informationdialog.h"
 
 #include <QCoreApplication>
@@ -101,7 +101,7 @@ void InformationDialog::showEvent(QShowEvent* event)
     // The window system shows a window that was minimised: the focus stays.
     if (!event->spontaneous())
         ui->exit->setFocus();
-    move(middlePlace(QGuiApplication::primaryScreen()->availableGeometry(), size()));
+    move(middlePlace(QGuiApplication::primaryScreen()->availableGeometry().size(), size()));
     event->accept();
 }
 

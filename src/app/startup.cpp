@@ -4,6 +4,8 @@
 #include "app/logging.h"
 #include "app/messagelog.h"
 #include "app/switches.h"
+#include "controls/windowplace.h"
+#include "recording/recordingname.h"
 #include "window/mainwindow.h"
 
 #include <QApplication>
@@ -80,9 +82,9 @@ void prepareConfigDir(int argc, char** argv)
                         "configuration directory can be created."),
             QMessageBox::Ok);
     }
-    const QDir data(switches::configDir.path() + QDir::separator() + QStringLiteral("Data"));
-    if (!data.exists())
-        data.mkpath(QStringLiteral("."));
+    const QDir recordings(recordingname::folder(switches::configDir.path()));
+    if (!recordings.exists())
+        recordings.mkpath(QStringLiteral("."));
 }
 
 int workerThreads(int processors)
@@ -100,16 +102,10 @@ QSize windowSize(const QSize& wanted, const QSize& available)
     return tooLarge ? available : wanted;
 }
 
-QPoint windowCorner(const QSize& window, const QSize& available)
-{
-    return QPoint((available.width() - window.width()) / 2,
-                  (available.height() - window.height()) / 2);
-}
-
 int run(int argc, char** argv, const WindowHook& whenShown)
 {
     useDecimalPoint();
-    // A file that would grow beyond a limit is an error of its write, not the end of the program.
+    // A write beyond the limit of a file's size shall fail and not end the program.
     std::signal(SIGXFSZ, SIG_IGN);
     prepareConfigDir(argc, argv);
     prepareWorkers();
@@ -133,7 +129,7 @@ int run(int argc, char** argv, const WindowHook& whenShown)
     MainWindow window;
     window.resize(initialSize);
     window.resize(windowSize(window.size(), available));
-    window.move(windowCorner(window.size(), available));
+    window.move(middlePlace(available, window.size()));
     window.show();
     window.resizeGraphs();
     window.raise();

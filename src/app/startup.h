@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QPoint>
 #include <QSize>
 #include <QString>
 
@@ -23,17 +22,14 @@ int run(int argc, char** argv, const WindowHook& whenShown = {});
 /// The environment's "HOME"; without it the home directory of the user database, and without that
 /// the current directory.
 QString homeDirectory();
-/// Makes "Lumetra" in the home directory the configuration directory, with "Data" in it. If that
-/// can not be created it says so in a box and goes on.
+/// Makes "Lumetra" in the home directory the configuration directory, with the folder of recordings
+/// in it. If the directory can not be created it says so in a box and goes on.
 void prepareConfigDir(int argc, char** argv);
-/// Number of threads for the OpenMP runtime on a machine with so many `processors`. From 8 on, one
-/// processor is left free. 0 means that the runtime's own number stays.
+/// Number of threads for the OpenMP runtime on a machine with that number of processors. From 8 on,
+/// one processor is left free. 0 means that the runtime's own number stays.
 int workerThreads(int processors);
 
 /// The wanted size; the available size if the wanted one exceeds it in either direction.
 QSize windowSize(const QSize& wanted, const QSize& available);
-/// Upper left corner of a window that is centred in an area which begins at 0,0. Negative if the
-/// window is larger than the area.
-QPoint windowCorner(const QSize& window, const QSize& available);
 
 } // namespace startup

@@ -1,15 +1,14 @@
 #pragma once
 
+#include "controls/calmwheel.h"
+
 #include <QComboBox>
 
 /// A choice that the wheel changes only while it has the focus.
-class CalmComboBox final : public QComboBox
+class CalmComboBox final : public CalmWheel<QComboBox>
 {
     Q_OBJECT
 
 public:
-    explicit CalmComboBox(QWidget* parent = nullptr);
-
-protected:
-    void wheelEvent(QWheelEvent* event) override;
+    using CalmWheel::CalmWheel;
 };

@@ -99,6 +99,19 @@ void Connection::stopStream()
 {
     StopTalk talk(*this, 1, StopTalk::Unanswered::Repeated);
     finish(talk, *this);
+    logLosses();
+}
+
+void Connection::logLosses()
+{
+    const quint64 samples = droppedSamples();
+    const quint64 bytes = skippedBytes();
+    if (samples > loggedSamples || bytes > loggedBytes)
+        logMessage().info() << "Stream of" << qPrintable(address())
+                            << "has lost samples:" << samples - loggedSamples
+                            << "bytes:" << bytes - loggedBytes;
+    loggedSamples = samples;
+    loggedBytes = bytes;
 }
 
 // The end of the thread.
@@ -137,6 +150,7 @@ void Connection::release(const char* kind)
     logMessage().debug() << "Deleting" << kind << "connection";
     logMessage().debug() << "Deleting connection";
     const int pollsLeft = endThread();
+    logLosses();
     liveStore.clearSamples();
     commonStore.clearSamples();
     logMessage().debug() << "Finished deleting connection" << pollsLeft;

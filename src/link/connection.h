@@ -81,7 +81,7 @@ public:
     /// Starts the stream that firmware and trigger mode ask for; `argument` is that of
     /// `command::streamArgument`.
     void startStream(const QByteArray& argument);
-    /// Sends `CLS;`, and once more if no reply came.
+    /// Sends `CLS;`, and once more if no reply came. Logs what the stream has lost.
     void stopStream();
 
     /// Ends the thread, without taking events, and frees the port. 1, or 0 if unconfirmed.
@@ -90,7 +90,7 @@ public:
     /// Moves the oldest sample of the stream to `out`; 0 if there is none.
     int takeLiveSample(MeasureSample& out);
     int takeCommonSample(MeasureSample& out);
-    /// Moves the oldest samples behind those of `out`, in their order and at most so many.
+    /// Moves up to `most` of the oldest samples behind those of `out`, in their order.
     void takeLiveSamples(std::vector<MeasureSample>& out, std::size_t most);
     void takeCommonSamples(std::vector<MeasureSample>& out, std::size_t most);
 
@@ -204,6 +204,8 @@ protected:
 
 private:
     void send(const CommandFrame& frame) { exchange.send(frame); }
+    /// Those that the log does not have yet, if there are any.
+    void logLosses();
 
     measureStore liveStore{storeCapacity};
     measureStore commonStore{storeCapacity};
@@ -222,6 +224,10 @@ private:
     /// Only the connection's thread touches these.
     QMetaObject::Connection readyRead;
     bool portLossReported = false;
+
+    /// Of `droppedSamples` and `skippedBytes`, what the log has already.
+    quint64 loggedSamples = 0;
+    quint64 loggedBytes = 0;
 
     bool released = false;
 };

@@ -10,11 +10,11 @@
 /// The values of one stage in a sample, in millivolts.
 struct StageValues
 {
-    int x;
-    int y;
-    unsigned intensity;
-    int rx;
-    int ry;
+    int x = 0;
+    int y = 0;
+    unsigned intensity = 0;
+    int rx = 0;
+    int ry = 0;
 };
 
 /// Positions of stage 1 and 2, in the units that the stages show.

@@ -30,16 +30,6 @@ std::optional<int> inQuarters(double pixels)
     return std::abs(exact - rounded) < tolerance ? std::optional<int>(rounded) : std::nullopt;
 }
 
-int floorQuarters(int length)
-{
-    return length >> 2;
-}
-
-int ceilQuarters(int length)
-{
-    return (length + quarters - 1) >> 2;
-}
-
 } // namespace
 
 std::optional<CanvasPlace> CanvasPlace::of(const QPainter& painter, const QRectF& canvasRect)
@@ -60,10 +50,10 @@ std::optional<CanvasPlace> CanvasPlace::of(const QPainter& painter, const QRectF
     place.canvas = canvasRect.toAlignedRect();
     place.grid.step = *step;
     place.grid.hints = painter.renderHints() & ~QPainter::Antialiasing;
-    place.corner = QPoint(floorQuarters(*x + place.canvas.left() * *step),
-                          floorQuarters(*y + place.canvas.top() * *step));
-    const QPoint end(ceilQuarters(*x + (place.canvas.right() + 1) * *step),
-                     ceilQuarters(*y + (place.canvas.bottom() + 1) * *step));
+    place.corner = QPoint(PixelGrid::floorPixels(*x + place.canvas.left() * *step),
+                          PixelGrid::floorPixels(*y + place.canvas.top() * *step));
+    const QPoint end(PixelGrid::ceilPixels(*x + (place.canvas.right() + 1) * *step),
+                     PixelGrid::ceilPixels(*y + (place.canvas.bottom() + 1) * *step));
     place.origin = QPoint(*x, *y) - place.corner * quarters;
     place.devicePixels = QSize(end.x() - place.corner.x(), end.y() - place.corner.y());
     if (place.devicePixels.isEmpty())

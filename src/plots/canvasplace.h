@@ -14,7 +14,15 @@ class QwtScaleMap;
 /// quarters of a device pixel, so that all usual densities are whole numbers.
 struct PixelGrid
 {
-    static constexpr int quarters = 4;
+    /// The shift that divides by `quarters`.
+    static constexpr int quarterBits = 2;
+    static constexpr int quarters = 1 << quarterBits;
+
+    /// Whole device pixels in a length, rounded down, also where it is negative.
+    static constexpr int floorPixels(int length) { return length >> quarterBits; }
+    static constexpr int ceilPixels(int length) { return floorPixels(length + quarters - 1); }
+    /// What a length has beyond `floorPixels`, 0 to 3.
+    static constexpr int phaseOf(int length) { return length & (quarters - 1); }
 
     /// Quarters of a device pixel per place.
     int step = quarters;

@@ -11,7 +11,7 @@ class QwtScaleMap;
 class ChangedArea final
 {
 public:
-    /// Coordinates that are no numbers change nothing.
+    /// A coordinate that is NaN changes nothing.
     void include(const QPointF& point)
     {
         left = point.x() < left ? point.x() : left;

@@ -1,39 +1,15 @@
 #include "plots/counter.h"
 
+#include "controls/calmwheel.h"
+
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QSpinBox>
-#include <QWheelEvent>
-
-namespace {
-
-/// A spin box that uses the mouse wheel only while it has the keyboard focus: turning the wheel
-/// with the pointer over the tool bar must not change a rate by accident.
-class FocusedWheelSpinBox final : public QSpinBox
-{
-public:
-    explicit FocusedWheelSpinBox(QWidget* parent)
-        : QSpinBox(parent)
-    {
-        setFocusPolicy(Qt::StrongFocus);
-    }
-
-protected:
-    void wheelEvent(QWheelEvent* event) override
-    {
-        if (hasFocus())
-            QSpinBox::wheelEvent(event);
-        else
-            event->ignore();
-    }
-};
-
-} // namespace
 
 Counter::Counter(QWidget* parent, const QString& prefix, const QString& suffix, int min, int max,
                  int step, Counter* partnerCounter)
     : QWidget(parent)
-    , spinBox(new FocusedWheelSpinBox(this))
+    , spinBox(new CalmWheel<QSpinBox>(this))
     , partner(partnerCounter)
     , minimum(min)
 {

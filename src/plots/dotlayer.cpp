@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr int quarters = PixelGrid::quarters;
 /// A curve has one for its marks and one for its ellipses.
 constexpr std::size_t ranksPerCurve = 2;
 constexpr std::size_t mostCurves = std::numeric_limits<quint16>::max() / ranksPerCurve - 1;
@@ -24,16 +23,6 @@ bool isKnownKind(const DotLayer::Member& member)
     return !member.curve->testRenderHint(QwtPlotItem::RenderAntialiased)
            && !member.xMap.transformation() && !member.yMap.transformation()
            && DotLook::describes(*member.curve);
-}
-
-int floorQuarters(int length)
-{
-    return length >> 2;
-}
-
-int phaseOf(int length)
-{
-    return length & (quarters - 1);
 }
 
 /// Pixels with the ranks of what they show.
@@ -210,7 +199,7 @@ void DotLayer::stamp(std::size_t index, std::size_t begin, std::size_t end)
     for (const QPointF* sample = samples + begin; sample != samples + end; ++sample) {
         const double exactX = painted.member.xMap.transform(sample->x());
         const double exactY = painted.member.yMap.transform(sample->y());
-        // Not so for what is no number, too.
+        // The comparisons are false for NaN, too.
         if (!(exactX > left && exactX < right && exactY > top && exactY < bottom))
             continue;
         const int x = qRound(exactX);
@@ -220,9 +209,12 @@ void DotLayer::stamp(std::size_t index, std::size_t begin, std::size_t end)
             continue;
         const int deviceX = place.origin.x() + x * place.grid.step;
         const int deviceY = place.origin.y() + y * place.grid.step;
-        const DotStamp::Shapes& shapes = painted.stamp->shapes(phaseOf(deviceX), phaseOf(deviceY));
-        surface.stamp(shapes.mark, floorQuarters(deviceX), floorQuarters(deviceY), markRank);
-        surface.stamp(shapes.ellipse, floorQuarters(deviceX), floorQuarters(deviceY), ellipseRank);
+        const DotStamp::Shapes& shapes =
+            painted.stamp->shapes(PixelGrid::phaseOf(deviceX), PixelGrid::phaseOf(deviceY));
+        const int pixelX = PixelGrid::floorPixels(deviceX);
+        const int pixelY = PixelGrid::floorPixels(deviceY);
+        surface.stamp(shapes.mark, pixelX, pixelY, markRank);
+        surface.stamp(shapes.ellipse, pixelX, pixelY, ellipseRank);
     }
     added += end - begin;
 }

@@ -41,7 +41,7 @@ public:
 
     /// Takes one to two milliseconds.
     static constexpr std::size_t usualDotsPerSlice = 50000;
-    /// So few dots of a curve are drawn as fast as the picture is copied.
+    /// Drawing up to this many dots of a curve is as fast as copying the picture.
     static constexpr std::size_t fewDots = 10;
 
     explicit DotLayer(std::size_t sliceLength = usualDotsPerSlice);

@@ -55,5 +55,5 @@ private:
     double rangeMax = 5.0;
     double rangeMin = -5.0;
     /// Owned by the canvas.
-    Zoomer* zoomer;
+    Zoomer* zoomer = nullptr;
 };

@@ -26,8 +26,8 @@ class IncrementalPlot : public QwtPlot
 public:
     /// Samples that a curve holds at most while not all points are kept.
     static constexpr int maxPoints = 10;
-    /// So many points that can not be seen are taken into the kept picture all the same, so that
-    /// they do not fall due all at once when one can be seen again.
+    /// Points that can not be seen and are not in the kept picture yet. This many are taken into it
+    /// all the same, so that they do not fall due all at once when one can be seen again.
     static constexpr std::size_t mostUnpainted = 10000;
 
     explicit IncrementalPlot(QWidget* parent);

@@ -11,7 +11,6 @@ LargeTimer::LargeTimer(QObject* parent, quint64 intervalMs, quint32 maxChunkMs)
     // A coarse timer is up to 5 % off, which is minutes for the intervals this class is made for.
     timer->setTimerType(Qt::PreciseTimer);
     connect(timer, &QTimer::timeout, this, &LargeTimer::timerTimeout);
-    setInterval(intervalMs);
 }
 
 void LargeTimer::setInterval(quint64 ms)

@@ -2,6 +2,7 @@
 
 #include "app/logging.h"
 #include "app/switches.h"
+#include "controls/roomwhenhidden.h"
 #include "plots/durationtext.h"
 #include "plots/largetimer.h"
 #include "recording/recordingclock.h"
@@ -46,10 +47,7 @@ DataLoggerDialog::~DataLoggerDialog() = default;
 void DataLoggerDialog::prepareForm()
 {
     layout()->setSizeConstraint(QLayout::SetFixedSize);
-    // The warning has its room from the beginning, so that nothing moves when it comes.
-    QSizePolicy policy = ui->lblWarningLargeFile->sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    ui->lblWarningLargeFile->setSizePolicy(policy);
+    keepRoomWhenHidden(*ui->lblWarningLargeFile);
     // Their background is light under every palette, so their text has to be dark.
     for (QLineEdit* result : {ui->lineEdit_DataBlocks, ui->lineEdit_FileSize}) {
         QPalette colors = result->palette();
@@ -74,7 +72,7 @@ void DataLoggerDialog::wireForm()
 void DataLoggerDialog::showEvent(QShowEvent* event)
 {
     QDialog::showEvent(event);
-    // A field that is hidden writes its number again.
+    // A spin box writes its number again when it is hidden.
     clearRateIfFixed();
     // The window system shows a window that was minimised: the focus stays.
     if (!event->spontaneous())
@@ -85,7 +83,7 @@ void DataLoggerDialog::showEvent(QShowEvent* event)
 
 void DataLoggerDialog::setSaveRate(int rateHz)
 {
-    // In this order the highest rate so far holds the value before the highest rate changes.
+    // The value comes first: it is held to the highest rate so far.
     ui->spinBox_SaveRate->setValue(rateHz);
     ui->spinBox_SaveRate->setMaximum(rateHz);
     ui->spinBox_SaveRate->setEnabled(rateHz <= highestChosenRateHz);
@@ -107,7 +105,7 @@ void DataLoggerDialog::clearRateIfFixed()
 void DataLoggerDialog::showEstimate()
 {
     recordSeconds = durationtext::toSeconds(ui->lineEdit_RecordTime->text());
-    // A field that can not be changed keeps a value that is not shown, and is not meant.
+    // A field that can not be changed shows nothing, and the value that it keeps does not count.
     saveRateHz = canChooseRate() ? ui->spinBox_SaveRate->value() : ui->spinBox_SaveRate->maximum();
     const RecordingEstimate estimate = estimateRecording(saveRateHz, recordSeconds);
     ui->lineEdit_DataBlocks->setText(QString::number(estimate.blocks));

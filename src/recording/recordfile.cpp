@@ -106,7 +106,8 @@ void RecordFile::writeWaiting()
     endWriting(count, error);
 }
 
-/// A pipe takes up to so many bytes at once or none, so that its lines are never torn.
+/// What is written at once from `begin` on. A pipe takes up to PIPE_BUF bytes as a whole or not at
+/// all, so that its lines are never torn.
 std::size_t RecordFile::portion(std::size_t begin) const
 {
     const std::size_t rest = waiting.size() - begin;

@@ -5,8 +5,8 @@
 /// Arithmetic of the clock that ends a recording. Intervals are milliseconds.
 namespace recordingclock {
 
-/// The interval of so many seconds. It is counted in 32 bits with a sign: from 2147484 s
-/// (596:31:24) on it is negative, which as an interval is longer than any recording.
+/// The length of an interval that is given in seconds. It is counted in 32 bits with a sign: from
+/// 2147484 s (596:31:24) on it is negative, which as an interval is longer than any recording.
 quint64 intervalMs(int seconds);
 
 /// Whether the interval is one of those that were negative: such a recording does not end by

@@ -29,11 +29,11 @@ constexpr std::size_t maxLineLength =
 
 /// By the number of decimals.
 constexpr std::array<quint32, 5> powersOfTen{1, 10, 100, 1000, 10000};
-/// So many digits, a sign and a point fit a field.
+/// The digits of this number fit a field with a sign and a point.
 constexpr double digitsLimit = 9999999.0;
-/// Multiplied by a power of ten, a number below `digitsLimit` is wrong by 1e-9 at most. Only a rest
-/// as near as this to one half leaves it open how the number itself is rounded.
-constexpr double doubt = 1e-6;
+/// A number that was multiplied by a power of ten and is below `digitsLimit` is wrong by 1e-9 at
+/// most. So only a rest nearer than this to one half leaves open how the exact number is rounded.
+constexpr double tieTolerance = 1e-6;
 
 char* putDigits(char* at, quint32 digits, int decimals)
 {
@@ -55,12 +55,12 @@ char* putUsualNumber(char* at, double value, int decimals)
     if (std::size_t(decimals) >= powersOfTen.size())
         return nullptr;
     const double scaled = std::abs(value) * powersOfTen[std::size_t(decimals)];
-    // Not so of what is no number, either.
+    // The comparison is false for NaN, too.
     if (!(scaled < digitsLimit))
         return nullptr;
     const auto whole = quint32(scaled);
     const double rest = scaled - whole;
-    if (std::abs(rest - 0.5) < doubt)
+    if (std::abs(rest - 0.5) < tieTolerance)
         return nullptr;
     if (std::signbit(value))
         *at++ = '-';

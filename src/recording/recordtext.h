@@ -13,7 +13,7 @@ class QDateTime;
 /// fields, a line feed at the end of each line, a decimal point in every locale.
 namespace recordtext {
 
-/// A field has at most so many characters; the time column alone can be longer.
+/// Characters of the longest field; the time column alone can be longer.
 constexpr std::size_t maxFieldLength = 9;
 
 /// The names of the files of several systems, in the order of their labels: `name` with "_" and
@@ -29,7 +29,7 @@ void appendHeader(std::string& text, const QDateTime& start, const DetectorPair&
 void appendLine(std::string& text, quint64 ms, const MeasureSample& sample,
                 const DetectorPair& detectors);
 
-/// A number with so many decimals, as printf gives it: "-0.00" and "-nan" have their sign. What
+/// A number with the given decimals, as printf forms it: "-0.00" and "-nan" have their sign. What
 /// does not fit a field has fewer decimals, and is "inf" or "-inf" if it does not fit without any.
 void appendNumber(std::string& text, double value, int decimals);
 

@@ -26,7 +26,7 @@ void SystemRecord::take(std::vector<MeasureSample> samples, const SamplePlace& p
 
 std::size_t SystemRecord::form(std::size_t most)
 {
-    // What a file that has failed would have got is nobody's.
+    // Nothing more is written to a file that has failed.
     if (!recordFile.isOpen())
         kept.clear();
     std::size_t formed = 0;
@@ -44,7 +44,7 @@ std::size_t SystemRecord::formFrom(KeptSamples& block, std::size_t most)
     std::size_t formed = 0;
     while (block.next < block.samples.size() && formed < most) {
         const MeasureSample& sample = block.samples[block.next++];
-        if (!isDue(block.place))
+        if (!countSample(block.place))
             continue;
         formLine(sample);
         ++formed;
@@ -52,23 +52,26 @@ std::size_t SystemRecord::formFrom(KeptSamples& block, std::size_t most)
     return formed;
 }
 
+/// Returns whether the line of this sample is due.
+///
+/// The recording of one system alone counts only while that system is displayed last: elsewhere it
+/// ends with its first line, unless every sample is saved. This is kept as it always was.
+bool SystemRecord::countSample(const SamplePlace& place)
+{
+    if (counter == divider || place.pulsedLaser) {
+        counter = 1;
+        return true;
+    }
+    if (counting == Counting::Everywhere || place.lastDisplayed)
+        ++counter;
+    return false;
+}
+
 void SystemRecord::formLine(const MeasureSample& sample)
 {
-    counter = 1;
     if (isFirstLine) {
         startTimeMs = sample.timeMs;
         isFirstLine = false;
     }
     recordtext::appendLine(recordFile.lines(), sample.timeMs - startTimeMs, sample, detectors);
-}
-
-/// The recording of one system alone counts only while that system is displayed last: elsewhere it
-/// ends with its first line, unless every sample is saved. This is kept as it always was.
-bool SystemRecord::isDue(const SamplePlace& place)
-{
-    if (counter == divider || place.pulsedLaser)
-        return true;
-    if (counting == Counting::Everywhere || place.lastDisplayed)
-        ++counter;
-    return false;
 }

@@ -9,7 +9,7 @@
 
 class QDateTime;
 
-/// What samples do not say of themselves.
+/// What a record has to know of samples beside their values.
 struct SamplePlace
 {
     /// Whether its system is the last one in the order of display.
@@ -34,7 +34,7 @@ public:
     /// Keeps the samples, oldest first. Nothing is done with them yet, so that a tick does not wait
     /// however many there are.
     void take(std::vector<MeasureSample> samples, const SamplePlace& place);
-    /// Forms the lines of the kept samples that are due, at most so many and the oldest first.
+    /// Forms the lines of the kept samples that are due, up to `most` of them, the oldest first.
     /// Returns how many.
     std::size_t form(std::size_t most);
     /// Whether kept samples wait for their lines.
@@ -53,8 +53,8 @@ private:
     };
 
     std::size_t formFrom(KeptSamples& block, std::size_t most);
+    bool countSample(const SamplePlace& place);
     void formLine(const MeasureSample& sample);
-    bool isDue(const SamplePlace& place);
 
     RecordFile recordFile;
     DetectorPair detectors;

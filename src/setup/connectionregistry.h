@@ -27,7 +27,7 @@ class ConnectionRegistry
 public:
     virtual ~ConnectionRegistry() = default;
 
-    /// Whether the application is being ended. Who makes connections stops then.
+    /// Whether the application is being ended. Whoever makes connections stops then.
     virtual bool isLeaving() const = 0;
     /// Takes a connection, up or not, with its stored record. One that is not up has no running
     /// thread.

@@ -1,5 +1,7 @@
 #include "setup/formtools.h"
 
+#include "controls/roomwhenhidden.h"
+
 #include <QDialog>
 #include <QGuiApplication>
 #include <QLabel>
@@ -45,9 +47,7 @@ BusyNote::~BusyNote()
 
 void hideInPlace(QLabel& label)
 {
-    QSizePolicy policy = label.sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    label.setSizePolicy(policy);
+    keepRoomWhenHidden(label);
     label.hide();
 }
 
@@ -55,7 +55,7 @@ void fillScreenHeight(QDialog& dialog)
 {
     const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
     QSize border = dialog.frameGeometry().size() - dialog.size();
-    // Before the first time the window manager has not told its frame.
+    // The frame is not known before the dialog was shown for the first time.
     if (border.isNull())
         border.setHeight(dialog.style()->pixelMetric(QStyle::PM_TitleBarHeight));
     const QSize room = available.size() - border;

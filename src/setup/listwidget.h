@@ -10,8 +10,8 @@ class ListWidget final : public QListWidget
 public:
     using QListWidget::QListWidget;
 
-    /// Moves the current row to where it was dropped, unless that is the header or the row is. It
-    /// never comes above the header.
+    /// Moves the current row to where it was dropped, unless it is the header or was dropped on it.
+    /// It never comes above the header.
     void dropEvent(QDropEvent* event) override;
 
 signals:

@@ -14,7 +14,7 @@ struct LoadProgress
     /// The system that is connected next, or that has come up.
     QString label;
     QString address;
-    /// Of the systems that the load connects so many are up, and so many there are.
+    /// How many of the systems that the load connects are up, and how many there are.
     int up = 0;
     int all = 0;
 };

@@ -1,7 +1,7 @@
 #include "setup/overviewwidget.h"
 
+#include "controls/stagelook.h"
 #include "setup/connectionstatus.h"
-#include "setup/stagelook.h"
 #include "ui_overviewwidget.h"
 
 #include <algorithm>
@@ -42,8 +42,8 @@ void setAllVisible(std::initializer_list<QWidget*> widgets, bool visible)
 OverviewWidget::OverviewWidget(bool header, QWidget* parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::OverviewWidget>())
-    , paletteOn(onPalette())
-    , paletteOff(offPalette())
+    , paletteOn(stabilisationPalette(true))
+    , paletteOff(stabilisationPalette(false))
     , colorDialog(this)
 {
     ui->setupUi(this);
@@ -173,7 +173,7 @@ void OverviewWidget::updateColor(QColor& shown, const QColor& now, Graph graph)
     if (shown == now)
         return;
     shown = now;
-    colorButton(graph).setStyleSheet(QStringLiteral("background-color: %1").arg(now.name()));
+    showColor(now, graph);
     emit newColor(address, now, int(graph));
 }
 
@@ -186,10 +186,15 @@ void OverviewWidget::showStabilised(QPushButton& button, bool on)
 
 void OverviewWidget::showActive(QLabel& active, bool on)
 {
-    active.setPixmap(light(on, QSize(lightPx, lightPx)));
+    active.setPixmap(stageLight(on, QSize(lightPx, lightPx)));
     const QString state = on ? tr("Active") : tr("Inactive");
     active.setToolTip(state);
     active.setAccessibleName(state);
+}
+
+void OverviewWidget::showColor(const QColor& color, Graph graph)
+{
+    colorButton(graph).setStyleSheet(QStringLiteral("background-color: %1").arg(color.name()));
 }
 
 QColor& OverviewWidget::colorOf(Graph graph)
@@ -209,7 +214,7 @@ void OverviewWidget::on_colorSelected(QColor color)
     // Emitted for an equal colour, too: the user has chosen it.
     const auto graph = static_cast<Graph>(colorTarget);
     colorOf(graph) = color;
-    colorButton(graph).setStyleSheet(QStringLiteral("background-color: %1").arg(color.name()));
+    showColor(color, graph);
     emit newColor(address, color, colorTarget);
 }
 

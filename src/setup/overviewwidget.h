@@ -80,6 +80,7 @@ private:
     void updateColor(QColor& shown, const QColor& now, Graph graph);
     void showStabilised(QPushButton& button, bool on);
     void showActive(QLabel& active, bool on);
+    void showColor(const QColor& color, Graph graph);
     void chooseColor(int target);
     void emitMultiplexing(int comboIndex, int stage);
     QColor& colorOf(Graph graph);

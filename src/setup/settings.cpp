@@ -19,7 +19,7 @@ constexpr char defaultFileName[] = "ConnectionSetup.xml";
 constexpr char unreadableEnding[] = ".unreadable";
 constexpr char couldNotLoad[] = "Could not load connection settings";
 constexpr char couldNotSave[] = "Could not save connection settings";
-/// Between writing the detectors and closing the file.
+/// Between writing the detectors and closing the file. Kept as it always was; nothing needs it.
 constexpr unsigned long closePauseMs = 15;
 
 QString pathToRead(const QString& path)

@@ -40,8 +40,8 @@ public:
     void setConnectionFactory(ConnectionFactory factory);
     void setInterfaceSearch(InterfaceSearch search);
 
-    /// Asks the registry to close every connection, from the last to the first, and forgets those
-    /// that it closed.
+    /// Asks the registry to close every connection, those of the serial tab from the bottom line to
+    /// the top and then those of the other tab likewise, and forgets those that it closed.
     void closeAllConnections();
 
     /// Ends the thread of a connection whose link is lost, and shows that in its line. Also for

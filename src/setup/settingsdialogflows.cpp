@@ -203,11 +203,11 @@ void SettingsDialog::loadChosen(const QString& path)
     const auto tell = [this](const QString& label, const QString&, int up, int all) {
         sayProgress(label, up, all);
     };
-    const auto begins = connect(this, &SettingsDialog::connectingTo, this, tell);
-    const auto comesUp = connect(this, &SettingsDialog::systemUp, this, tell);
+    // Ends both below. Other loads say nothing in this dialog before they are over.
+    const QObject thisLoad;
+    connect(this, &SettingsDialog::connectingTo, &thisLoad, tell);
+    connect(this, &SettingsDialog::systemUp, &thisLoad, tell);
     load(path);
-    disconnect(begins);
-    disconnect(comesUp);
 }
 
 void SettingsDialog::sayProgress(const QString& label, int up, int all)

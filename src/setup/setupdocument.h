@@ -26,7 +26,7 @@ struct Misfit
 struct ReadError
 {
     QString text;
-    /// Where in the file, counted from 1; 0 if that is no matter of a place.
+    /// Where in the file, counted from 1; 0 if the error has no place.
     int line = 0;
     int column = 0;
 };

@@ -6,32 +6,35 @@
 #include <algorithm>
 #include <iterator>
 
+namespace {
+
+std::size_t tabOf(ConnectionType type)
+{
+    return type == ConnectionType::Tcp ? 1 : 0;
+}
+
+} // namespace
+
 SystemLines::SystemLines(ConnectionRegistry& connectionRegistry, QListWidget& serialList,
                          QListWidget& tcpList)
     : registry(connectionRegistry)
-    , serialLines(serialList)
-    , tcpLines(tcpList)
+    , lists{{ConnectionList(serialList), ConnectionList(tcpList)}}
 {}
 
 SystemLines::~SystemLines()
 {
-    serialLines.clear();
-    tcpLines.clear();
+    for (ConnectionList& list : lists)
+        list.clear();
 }
 
 const ConnectionList& SystemLines::lines(ConnectionType type) const
 {
-    return type == ConnectionType::Tcp ? tcpLines : serialLines;
-}
-
-ConnectionList& SystemLines::listOf(ConnectionType type)
-{
-    return type == ConnectionType::Tcp ? tcpLines : serialLines;
+    return lists[tabOf(type)];
 }
 
 void SystemLines::addLine(const ConnectionSettings& record, const Connection& connection)
 {
-    ConnectionWidget& line = listOf(record.type).add(record, connection);
+    ConnectionWidget& line = lists[tabOf(record.type)].add(record, connection);
     watchLine(line, connection);
     emit lineAdded(&line);
 }
@@ -73,13 +76,15 @@ void SystemLines::registerSystem(std::unique_ptr<Connection> connection, Connect
 
 bool SystemLines::hasNumber(const QString& number) const
 {
-    return tcpLines.hasNumber(number) || serialLines.hasNumber(number);
+    return std::any_of(lists.cbegin(), lists.cend(),
+                       [&number](const ConnectionList& list) { return list.hasNumber(number); });
 }
 
 const Connection* SystemLines::meantBy(const QString& address) const
 {
-    const QList<const Connection*> candidates =
-        serialLines.connectionsAt(address) + tcpLines.connectionsAt(address);
+    QList<const Connection*> candidates;
+    for (const ConnectionList& list : lists)
+        candidates += list.connectionsAt(address);
     const auto connected =
         std::find_if(candidates.cbegin(), candidates.cend(),
                      [](const Connection* candidate) { return candidate->isConnected(); });
@@ -112,19 +117,24 @@ void SystemLines::setAutoConnect(const Connection* connection, bool isActive)
     }
 }
 
+ConnectionWidget* SystemLines::lineOf(const Connection* connection) const
+{
+    for (const ConnectionList& list : lists) {
+        if (ConnectionWidget* line = list.lineOf(connection))
+            return line;
+    }
+    return nullptr;
+}
+
 void SystemLines::showConnected(const Connection* connection, bool isConnected)
 {
-    for (const ConnectionList* list : {&serialLines, &tcpLines}) {
-        if (ConnectionWidget* line = list->lineOf(connection))
-            line->setConnected(isConnected);
-    }
+    if (ConnectionWidget* line = lineOf(connection))
+        line->setConnected(isConnected);
 }
 
 ReconnectResult SystemLines::reconnect(const Connection* connection)
 {
-    const ConnectionWidget* line = serialLines.lineOf(connection);
-    if (!line)
-        line = tcpLines.lineOf(connection);
+    const ConnectionWidget* line = lineOf(connection);
     if (!line)
         return ReconnectResult::NoController;
     const WaitCursor waiting;
@@ -152,15 +162,15 @@ void SystemLines::remove(const Connection* connection)
     // `closed` is null if the registry has deleted it, as are the pointers to it here.
     const auto isGone = [&closed](const System& system) { return system.connection == closed; };
     systems.erase(std::remove_if(systems.begin(), systems.end(), isGone), systems.end());
-    serialLines.remove(closed);
-    tcpLines.remove(closed);
+    for (ConnectionList& list : lists)
+        list.remove(closed);
 }
 
 void SystemLines::removeAll()
 {
     QList<QPointer<const Connection>> leaving;
-    for (const ConnectionList* list : {&serialLines, &tcpLines}) {
-        const QList<QPointer<const Connection>> present = list->connections();
+    for (const ConnectionList& list : lists) {
+        const QList<QPointer<const Connection>> present = list.connections();
         std::copy_if(present.crbegin(), present.crend(), std::back_inserter(leaving),
                      [](const QPointer<const Connection>& each) { return !each.isNull(); });
     }

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QPointer>
 
+#include <array>
 #include <memory>
 
 /// The systems that the connection dialog knows: the lines of both tabs, and the records in the
@@ -52,7 +53,8 @@ public:
     bool disconnectLink(const Connection* connection);
     /// Removes line and record if the registry closes the connection. Blocks.
     void remove(const Connection* connection);
-    /// Removes every system with a line, from the last to the first.
+    /// Removes every system with a line: the serial ones from the bottom line to the top, then the
+    /// others likewise.
     void removeAll();
 
 signals:
@@ -64,7 +66,6 @@ signals:
     void removalWanted(const Connection* connection);
 
 private:
-    void relabel(const Connection* connection, const QString& label);
     struct System
     {
         ConnectionSettings record;
@@ -72,10 +73,11 @@ private:
     };
 
     void watchLine(const ConnectionWidget& line, const Connection& connection);
-    ConnectionList& listOf(ConnectionType type);
+    ConnectionWidget* lineOf(const Connection* connection) const;
+    void relabel(const Connection* connection, const QString& label);
 
     ConnectionRegistry& registry;
-    ConnectionList serialLines;
-    ConnectionList tcpLines;
+    /// Those of the serial tab, then those of the other one.
+    std::array<ConnectionList, 2> lists;
     QList<System> systems;
 };

@@ -14,7 +14,8 @@
 
 namespace {
 
-quint64 nowMs()
+/// The clock of `MeasureSample::timeMs`.
+quint64 wallClockMs()
 {
     return quint64(QDateTime::currentMSecsSinceEpoch());
 }
@@ -117,7 +118,7 @@ void Acquisition::reset()
     timer.stop();
     for (StageView& stage : stages) {
         stage.plots().clearAllCurves();
-        stage.plots().setOrigin(nowMs());
+        stage.plots().setOrigin(wallClockMs());
         stage.readouts().reset();
     }
     statistics.clear();

@@ -25,7 +25,7 @@ inline double secondsSince(quint64 originMs, quint64 timeMs,
     return steps == TimeSteps::WholeSeconds ? double(passedMs / 1000) : double(passedMs) / 1000.0;
 }
 
-/// Picks one of every so many samples of a time plot, beginning with the first.
+/// Picks the samples that a time plot takes: the first one, and then every n-th.
 class Decimation final
 {
 public:

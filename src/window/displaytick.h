@@ -27,8 +27,8 @@ public:
                 Statistics& statistics, Acquisition& acquisition, const Recorder& recorder);
 
     void run();
-    /// Shows what waits of the common detectors while the acquisition runs, without painting. The
-    /// tick itself does not call it: nothing stores their samples yet.
+    /// Takes the waiting samples of the common detectors while the acquisition runs, without
+    /// painting. The tick itself does not call it: nothing stores their samples yet.
     void showCommonSamples();
 
     /// Limits the rates to what the lines of the registered systems can carry.

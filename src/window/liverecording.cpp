@@ -7,21 +7,9 @@
 
 #include <QAction>
 #include <QDateTime>
-#include <QElapsedTimer>
 
 #include <algorithm>
 #include <utility>
-
-namespace {
-
-qint64 nowMs()
-{
-    QElapsedTimer clock;
-    clock.start();
-    return clock.msecsSinceReference();
-}
-
-} // namespace
 
 LiveRecording::LiveRecording(LiveSystems& liveSystems, MonitorToolBar& bar, Acquisition& streams,
                              Recorder& files, Question question)
@@ -31,8 +19,9 @@ LiveRecording::LiveRecording(LiveSystems& liveSystems, MonitorToolBar& bar, Acqu
     , recorder(files)
     , mayOverwrite(std::move(question))
 {
-    // What is planned behind a question is of the systems that were there before it.
+    // The plan whose questions are open may hold the system that was closed: it is refused.
     connect(&systems, &LiveSystems::closed, this, [this] { isAsking = false; });
+    clock.start();
     writing.setSingleShot(true);
     connect(&writing, &QTimer::timeout, this, &LiveRecording::write);
 }
@@ -123,7 +112,7 @@ void LiveRecording::writeSoon()
 
 void LiveRecording::write()
 {
-    if (const auto failure = recorder.flush(nowMs())) {
+    if (const auto failure = recorder.flush(clock.elapsed())) {
         emit endWanted();
         emit failed(*failure);
     }

@@ -2,6 +2,7 @@
 
 #include "recording/recorder.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
@@ -60,6 +61,8 @@ private:
     Recorder& recorder;
     Question mayOverwrite;
     bool isAsking = false;
+    /// Tells the recorder when to write.
+    QElapsedTimer clock;
     /// Fires once the events that wait are taken.
     QTimer writing;
 };

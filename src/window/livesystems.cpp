@@ -39,6 +39,28 @@ void endThread(Connection& connection)
     QThread::msleep(settleMs);
 }
 
+/// Asks who answers behind a link that is up.
+Reconnection askIdentity(Connection& link, const QString& expectedId)
+{
+    const ControllerIdentity identity = identify(link, LineClearing::TwoStopsAndRepeat);
+    if (!identity.isController)
+        return {ReconnectResult::NoController, {}};
+    if (expectedId.isEmpty() || expectedId == identity.id)
+        return {ReconnectResult::Reconnected, identity.id};
+    return {ReconnectResult::OtherController, {}};
+}
+
+/// Any other controller than the expected one leaves the link without a running thread.
+Reconnection bringUpAgain(Connection& link, const QString& expectedId)
+{
+    Reconnection outcome;
+    if (bringUp(link, reconnectWait))
+        outcome = askIdentity(link, expectedId);
+    if (outcome.result != ReconnectResult::Reconnected)
+        link.disconnectController();
+    return outcome;
+}
+
 } // namespace
 
 LiveSystems::LiveSystems(QObject* parent)
@@ -197,7 +219,7 @@ void LiveSystems::dismiss(const QList<const Connection*>& closing)
     sayFarewell(std::move(farewells));
 }
 
-/// Also an idle system is, if it is displayed.
+/// A displayed system is stopped even if it is idle.
 bool LiveSystems::isStoppedByHiding(int index) const
 {
     const Connection& connection = connectionAt(index);
@@ -245,41 +267,32 @@ bool LiveSystems::disconnectLink(const Connection* connection)
     return !connection->isConnected();
 }
 
-ReconnectResult LiveSystems::reconnect(const Connection* connection, QString& expectedId)
+Reconnection LiveSystems::reconnect(const Connection* connection, const QString& expectedId)
 {
     logMessage().info() << "Reconnecting";
-    const auto fail = [](ReconnectResult result) {
-        logMessage().info() << "Reconnecting failed";
-        return result;
-    };
+    Reconnection outcome;
     const int index = indexOf(connection);
-    if (index < 0)
-        return fail(ReconnectResult::NoController);
-    Connection& link = connectionAt(index);
-    // A link that was lost has no thread and still counts as connected.
-    if (link.isRunning() || link.isConnected())
-        disconnectLink(connection);
+    if (index >= 0) {
+        // A link that was lost has no thread and still counts as connected.
+        if (connection->isRunning() || connection->isConnected())
+            disconnectLink(connection);
+        outcome = bringUpAgain(connectionAt(index), expectedId);
+    }
+    const bool isUp = outcome.result == ReconnectResult::Reconnected;
+    if (isUp)
+        noteReconnected(index);
+    logMessage().info() << (isUp ? "Successfully reconnected" : "Reconnecting failed");
+    return outcome;
+}
 
-    if (!bringUp(link, reconnectWait)) {
-        link.disconnectController();
-        return fail(ReconnectResult::NoController);
-    }
-    const ControllerIdentity identity = identify(link, LineClearing::TwoStopsAndRepeat);
-    const bool isExpected = expectedId.isEmpty() || expectedId == identity.id;
-    if (!identity.isController || !isExpected) {
-        link.disconnectController();
-        return fail(identity.isController ? ReconnectResult::OtherController
-                                          : ReconnectResult::NoController);
-    }
-    expectedId = identity.id;
+void LiveSystems::noteReconnected(int index)
+{
     ConnectionStatus& status = at(index).status;
     status.statusValid = true;
     // Nobody asks for these, and a controller that was off begins on detectors of its own.
     for (const Stage stage : bothStages)
         multiplexFlag(status, stage) = false;
     display(index);
-    logMessage().info() << "Successfully reconnected";
-    return ReconnectResult::Reconnected;
 }
 
 void LiveSystems::setColor(const Connection* connection, const QColor& color, Graph graph)

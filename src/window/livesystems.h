@@ -14,6 +14,14 @@
 
 class QColor;
 
+/// How bringing a connection up again has ended.
+struct Reconnection
+{
+    ReconnectResult result = ReconnectResult::NoController;
+    /// Of the controller that is kept; empty without one.
+    QString id;
+};
+
 /// The registered systems, and which of them are on the plots. A system is identified by its
 /// `Connection`; its index in the list is also that of its curves. Beside the systems that are
 /// displayed stand those whose common detector is shown; a system can be in both lists.
@@ -74,9 +82,8 @@ public:
     /// connection is not registered.
     bool disconnectLink(const Connection* connection);
     /// Starts a connection's thread again and asks who answers. Only the controller `expectedId`
-    /// is kept and displayed; an empty text expects any controller, and becomes its
-    /// identification.
-    ReconnectResult reconnect(const Connection* connection, QString& expectedId);
+    /// is kept and displayed; an empty text expects any controller.
+    Reconnection reconnect(const Connection* connection, const QString& expectedId);
 
     /// Displays a connected system, or hides one. A hidden system does not stream. Beyond
     /// `ShownSystems::maxDisplayed` nothing is displayed.
@@ -111,6 +118,7 @@ signals:
 private:
     void watch(Connection& connection);
     void tellLoss(const Connection* connection);
+    void noteReconnected(int index);
     void display(int index);
     void hide(int index);
     void displayCommon(int index);

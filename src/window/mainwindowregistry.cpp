@@ -93,8 +93,7 @@ void MainWindow::relabelConnection(const Connection* connection, const QString& 
 
 ReconnectResult MainWindow::reconnect(const Connection* connection, const QString& expectedId)
 {
-    QString id = expectedId;
-    return systems.reconnect(connection, id);
+    return systems.reconnect(connection, expectedId).result;
 }
 
 bool MainWindow::disconnectLink(const Connection* connection)
@@ -141,7 +140,11 @@ bool MainWindow::disconnectConnection(QString address)
 
 bool MainWindow::reconnectConnection(QString address, QString& boardID)
 {
-    return systems.reconnect(systems.find(address), boardID) == ReconnectResult::Reconnected;
+    const Reconnection outcome = systems.reconnect(systems.find(address), boardID);
+    if (outcome.result != ReconnectResult::Reconnected)
+        return false;
+    boardID = outcome.id;
+    return true;
 }
 
 void MainWindow::showConnection(QString id, bool show)

@@ -176,6 +176,8 @@ void MonitorToolBar::showRunning(bool running, bool rateLocked)
         samplesToTake->setEnabled(true);
     samplingRate->setEnabled(!running && !rateLocked);
     start->setText(running ? WindowText::tr("Stop") : WindowText::tr("Start"));
+    // Kept as it always was: the icon shows the state of the button before this call. Whoever
+    // starts or stops the acquisition has set that already.
     start->setIcon(QIcon(isRunning() ? QStringLiteral(":/images/stop.xpm")
                                      : QStringLiteral(":/images/go.xpm")));
     start->setChecked(running);

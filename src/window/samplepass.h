@@ -18,7 +18,7 @@ struct LiveSystem;
 /// connection.
 struct SampleSource
 {
-    /// Moves the oldest samples of a store behind those of its argument, at most so many.
+    /// Moves the oldest samples of a store, up to the number given, behind those of the vector.
     using Store = void (Connection::*)(std::vector<MeasureSample>&, std::size_t);
 
     /// Indices of the systems, in the order in which they are shown.

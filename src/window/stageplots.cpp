@@ -61,6 +61,17 @@ GenericPlot* makeIntensityPlot(Stage stage, QWidget& parent, QBoxLayout& layout)
     return plot;
 }
 
+/// The curves of the system `index` in the position plot.
+int xCurve(int index)
+{
+    return 2 * index;
+}
+
+int yCurve(int index)
+{
+    return xCurve(index) + 1;
+}
+
 } // namespace
 
 StagePlots::StagePlots(Stage stage, QWidget& parent, const Layouts& layouts)
@@ -82,8 +93,9 @@ void StagePlots::dressPositionPlot()
 void StagePlots::addCurves(int index)
 {
     pointingPlot->addCurve(index);
-    positionPlot->addCurve(2 * index);
-    positionPlot->addCurve(2 * index);
+    // The second curve moves the first one on to y: so x is painted above y.
+    positionPlot->addCurve(xCurve(index));
+    positionPlot->addCurve(xCurve(index));
     intensityPlot->addCurve(index);
 }
 
@@ -91,14 +103,14 @@ void StagePlots::removeCurves(int index)
 {
     pointingPlot->removeCurve(index);
     intensityPlot->removeCurve(index);
-    positionPlot->removeCurve(2 * index + 1);
-    positionPlot->removeCurve(2 * index);
+    positionPlot->removeCurve(yCurve(index));
+    positionPlot->removeCurve(xCurve(index));
 }
 
 void StagePlots::clearCurves(int index)
 {
-    positionPlot->clear(2 * index);
-    positionPlot->clear(2 * index + 1);
+    positionPlot->clear(xCurve(index));
+    positionPlot->clear(yCurve(index));
     pointingPlot->clear(index);
     intensityPlot->clear(index);
 }
@@ -112,8 +124,8 @@ void StagePlots::clearAllCurves()
 
 void StagePlots::setCurveColors(int index, const SystemColors& colors)
 {
-    positionPlot->setCurveColor(colors.x, 2 * index);
-    positionPlot->setCurveColor(colors.y, 2 * index + 1);
+    positionPlot->setCurveColor(colors.x, xCurve(index));
+    positionPlot->setCurveColor(colors.y, yCurve(index));
     intensityPlot->setCurveColor(colors.intensity, index);
     pointingPlot->setCurveColor(colors.intensity, index);
 }
@@ -122,8 +134,8 @@ void StagePlots::appendTimePoints(int index, quint64 timeMs, const QPointF& posi
                                   double intensityV, TimeSteps steps)
 {
     const double t = secondsSince(originMs, timeMs, steps);
-    positionPlot->appendData(2 * index, QPointF(t, position.x()));
-    positionPlot->appendData(2 * index + 1, QPointF(t, position.y()));
+    positionPlot->appendData(xCurve(index), QPointF(t, position.x()));
+    positionPlot->appendData(yCurve(index), QPointF(t, position.y()));
     intensityPlot->appendData(index, QPointF(t, intensityV));
 }
 

@@ -1,6 +1,6 @@
 #include "window/stageswitch.h"
 
-#include "setup/stagelook.h"
+#include "controls/stagelook.h"
 #include "window/windowtext.h"
 
 #include <QLabel>
@@ -46,14 +46,14 @@ bool StageSwitch::showsActive() const
 
 void StageSwitch::showOn(bool on)
 {
-    button.setPalette(on ? onPalette() : offPalette());
+    button.setPalette(stabilisationPalette(on));
     button.setText(on ? onText() : WindowText::tr("OFF"));
     button.setChecked(on);
 }
 
 void StageSwitch::showActive(bool active)
 {
-    lightIcon.setPixmap(light(active, lightIcon.maximumSize()));
+    lightIcon.setPixmap(stageLight(active, lightIcon.maximumSize()));
     lightText.setText(active ? activeText() : WindowText::tr("Inactive"));
 }
 

@@ -94,8 +94,6 @@ private slots:
 
     void windowHasItsSizeOrTheAvailableOne_data();
     void windowHasItsSizeOrTheAvailableOne();
-    void windowStandsInTheMiddle_data();
-    void windowStandsInTheMiddle();
     void smallScreenIsFilledFromItsCorner();
 
     void serviceMenuIsShownOnlyInServiceMode_data();
@@ -241,23 +239,6 @@ void TestStartup::windowHasItsSizeOrTheAvailableOne()
 {
     QFETCH(const QSize, available);
     QTEST(startup::windowSize(QSize(1280, 960), available), "window");
-}
-
-void TestStartup::windowStandsInTheMiddle_data()
-{
-    QTest::addColumn<QSize>("window");
-    QTest::addColumn<QSize>("available");
-    QTest::addColumn<QPoint>("corner");
-    QTest::newRow("smaller") << QSize(1280, 960) << QSize(1919, 1079) << QPoint(319, 59);
-    QTest::newRow("as large") << QSize(1023, 767) << QSize(1023, 767) << QPoint(0, 0);
-    QTest::newRow("larger") << QSize(600, 450) << QSize(499, 399) << QPoint(-50, -25);
-}
-
-void TestStartup::windowStandsInTheMiddle()
-{
-    QFETCH(const QSize, window);
-    QFETCH(const QSize, available);
-    QTEST(startup::windowCorner(window, available), "corner");
 }
 
 void TestStartup::smallScreenIsFilledFromItsCorner()

@@ -52,6 +52,9 @@ class TestStream : public QObject
 private slots:
     void packetThatAnswersTheStartIsNotStored();
     void strayBytesBeforeAPacketAreSkippedAndLogged();
+    void lossesAreLoggedOnceWhenTheStreamIsStopped();
+    void lossesAreLoggedWhenTheConnectionEnds();
+    void streamWithoutLossesIsStoppedWithoutAWordOfThem();
     void partialPacketIsCompletedLater();
     void flagsArriveWithTheSamples();
     void oldFirmwareHasNoFlagsWhateverThePacketHolds();
@@ -98,6 +101,47 @@ void TestStream::strayBytesBeforeAPacketAreSkippedAndLogged()
     QCOMPARE(log.lines().filter("Bytes skipped"),
              QStringList("debug: Incomplete stream message. Bytes skipped: 3"));
     QCOMPARE(link.client.skippedBytes(), quint64(3));
+}
+
+void TestStream::lossesAreLoggedOnceWhenTheStreamIsStopped()
+{
+    const LogCapture log;
+    QuietStream link;
+    QVERIFY(link.begin());
+    // A store holds one less than its capacity.
+    link.controller.sendRaw("xyz" + rawPacket(7).repeated(Connection::storeCapacity));
+    QTRY_COMPARE(link.client.droppedSamples(), quint64(1));
+    link.client.stopStream();
+    const quint64 dropped = link.client.droppedSamples();
+    QCOMPARE(log.lines().filter("has lost"),
+             QStringList(QStringLiteral("info: Stream of %1 has lost samples: %2 bytes: 3")
+                             .arg(link.client.address())
+                             .arg(dropped)));
+
+    QVERIFY(link.startStream());
+    link.client.stopStream();
+    QCOMPARE(log.lines().filter("has lost").size(), 1);
+}
+
+void TestStream::lossesAreLoggedWhenTheConnectionEnds()
+{
+    const LogCapture log;
+    {
+        QuietStream link;
+        QVERIFY(link.begin());
+        link.controller.sendRaw("xyz" + rawPacket(7));
+        QTRY_COMPARE(link.client.samplesStored(), quint64(1));
+    }
+    QCOMPARE(log.lines().filter("has lost samples: 0 bytes: 3").size(), 1);
+}
+
+void TestStream::streamWithoutLossesIsStoppedWithoutAWordOfThem()
+{
+    const LogCapture log;
+    QuietStream link;
+    QVERIFY(link.begin());
+    link.client.stopStream();
+    QCOMPARE(log.lines().filter("has lost"), QStringList());
 }
 
 void TestStream::partialPacketIsCompletedLater()

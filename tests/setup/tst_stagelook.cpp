@@ -1,9 +1,9 @@
 // How the state of a stage looks on a screen of twice the density.
 
+#include "controls/stagelook.h"
 #include "images/images.h"
 #include "overviewstatuses.h"
 #include "setup/overviewwidget.h"
-#include "setup/stagelook.h"
 #include "widgettest.h"
 
 #include <QLabel>
@@ -53,7 +53,7 @@ private slots:
 void TestStageLook::lightsAreSharp()
 {
     for (const bool active : {true, false})
-        QVERIFY(isFine(light(active, natural), active));
+        QVERIFY(isFine(stageLight(active, natural), active));
 }
 
 void TestStageLook::lightsOfTheOverviewAreSharp()
@@ -68,10 +68,10 @@ void TestStageLook::lightsOfTheOverviewAreSharp()
 
 void TestStageLook::switchesThatAreOnAndOffDiffer()
 {
-    QCOMPARE(onPalette().button().color(), QColor("lightgreen"));
-    QCOMPARE(offPalette().button().color(), QColor("lightcoral"));
-    QCOMPARE(onPalette().buttonText().color(), QColor(Qt::black));
-    QCOMPARE(offPalette().buttonText().color(), QColor(Qt::black));
+    QCOMPARE(stabilisationPalette(true).button().color(), QColor("lightgreen"));
+    QCOMPARE(stabilisationPalette(false).button().color(), QColor("lightcoral"));
+    QCOMPARE(stabilisationPalette(true).buttonText().color(), QColor(Qt::black));
+    QCOMPARE(stabilisationPalette(false).buttonText().color(), QColor(Qt::black));
 }
 
 int main(int argc, char** argv)

@@ -56,7 +56,7 @@ private slots:
     void aDisconnectThatFailsSaysSo();
     void deletingRemovesLineAndRecord();
     void aDeleteThatTheRegistryRefusesDoesNothing();
-    void closingAllGoesFromTheLastToTheFirst();
+    void closingAllGoesUpTheSerialListAndThenTheOther();
 
 private:
     void load(const QList<ConnectionSettings>& list)
@@ -443,7 +443,7 @@ void TestStoredSystems::aDeleteThatTheRegistryRefusesDoesNothing()
     QCOMPARE(labelsIn(bench->contentOf(bench->defaultFile())), QStringList({"a"}));
 }
 
-void TestStoredSystems::closingAllGoesFromTheLastToTheFirst()
+void TestStoredSystems::closingAllGoesUpTheSerialListAndThenTheOther()
 {
     load({quietTcp("AB000000001", "127.0.0.77", "a"), quietSerial("CD000000002", "ttyUSB0", "b"),
           quietTcp("EF000000003", "127.0.0.79", "c"), quietSerial("GH000000004", "ttyUSB1", "d")});

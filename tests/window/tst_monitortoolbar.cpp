@@ -14,6 +14,11 @@ QString shown(const RateField& field)
         .arg(field.enabled ? "enabled" : "disabled");
 }
 
+QImage pictureOf(const QIcon& icon)
+{
+    return icon.pixmap(QSize(22, 22)).toImage();
+}
+
 } // namespace
 
 class TestMonitorToolBar final : public QObject
@@ -31,6 +36,7 @@ private slots:
     void maximumCutsBothRatesAndIsLiftedAgain();
     void updateRateFollowsTheSamplingRate();
     void runningStateHasItsTexts();
+    void iconShowsTheStateBeforeTheCall();
     void runningDisablesTheSamplingRate_data();
     void runningDisablesTheSamplingRate();
     void samplesToTakeAreOfferedInPointingModeOnly();
@@ -126,6 +132,22 @@ void TestMonitorToolBar::runningStateHasItsTexts()
     toolBar().showRunning(false, false);
     QCOMPARE(toolBar().startAction().text(), QStringLiteral("Start"));
     QVERIFY(!toolBar().isRunning());
+}
+
+void TestMonitorToolBar::iconShowsTheStateBeforeTheCall()
+{
+    const QImage go = pictureOf(QIcon(QStringLiteral(":/images/go.xpm")));
+    const QImage stop = pictureOf(QIcon(QStringLiteral(":/images/stop.xpm")));
+    QVERIFY(go != stop);
+    const QAction& start = toolBar().startAction();
+    toolBar().showRunning(true, false);
+    QCOMPARE(pictureOf(start.icon()), go);
+    toolBar().showRunning(true, false);
+    QCOMPARE(pictureOf(start.icon()), stop);
+    toolBar().showRunning(false, false);
+    QCOMPARE(pictureOf(start.icon()), stop);
+    toolBar().showRunning(false, false);
+    QCOMPARE(pictureOf(start.icon()), go);
 }
 
 void TestMonitorToolBar::runningDisablesTheSamplingRate_data()

@@ -149,8 +149,7 @@ void TestSharedAddress::unknownConnectionDoesNothing()
         systems().relabel(unknown, QStringLiteral("north"));
         QVERIFY(!systems().close(unknown));
         QVERIFY(!systems().disconnectLink(unknown));
-        QString id;
-        QCOMPARE(systems().reconnect(unknown, id), ReconnectResult::NoController);
+        QCOMPARE(systems().reconnect(unknown, {}).result, ReconnectResult::NoController);
     }
     QCOMPARE(systems().displayed(), QList<int>({0, 1}));
     for (const ConnectionStatus& status : systems().statuses()) {

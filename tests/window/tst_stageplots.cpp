@@ -2,10 +2,21 @@
 #include "window/systemcolors.h"
 
 #include <QtTest>
+#include <qwt_plot_curve.h>
+
+#include <algorithm>
 
 namespace {
 
 constexpr quint64 originMs = 1700000000000;
+
+/// Items with a greater place are painted above those with a lesser one.
+int paintingPlace(const GenericPlot& plot, int curve)
+{
+    const QwtPlotItemList items = plot.itemList();
+    const QwtPlotItem* wanted = &plot.curve(curve);
+    return int(std::find(items.begin(), items.end(), wanted) - items.begin());
+}
 
 } // namespace
 
@@ -19,6 +30,7 @@ private slots:
     void cleanup() { bench.reset(); }
 
     void eachSystemHasItsCurves();
+    void xIsPaintedAboveY();
     void timePointsCountSecondsFromTheOrigin();
     void timePointsCanCountWholeSeconds();
     void pointingPlotTakesPointsWithoutTime();
@@ -84,6 +96,13 @@ void TestStagePlots::eachSystemHasItsCurves()
         QCOMPARE(pointsOf(plots().pointing(), index),
                  QVector<QPointF>{QPointF(index, 10.0 + index)});
     }
+}
+
+void TestStagePlots::xIsPaintedAboveY()
+{
+    const GenericPlot& plot = plots().position();
+    for (int index = 0; index < 3; ++index)
+        QVERIFY(paintingPlace(plot, 2 * index) > paintingPlace(plot, 2 * index + 1));
 }
 
 void TestStagePlots::timePointsCountSecondsFromTheOrigin()

@@ -1,4 +1,4 @@
-#include "setup/stagelook.h"
+#include "controls/stagelook.h"
 #include "stagebench.h"
 
 #include <QtTest>
@@ -48,7 +48,7 @@ void TestStageSwitch::switchedOnItIsGreenAndChecked()
     stageSwitch().showOn(true);
     QCOMPARE(form().stabilisation.text(), QStringLiteral("ON"));
     QCOMPARE(form().stabilisation.palette().color(QPalette::Button),
-             onPalette().color(QPalette::Button));
+             stabilisationPalette(true).color(QPalette::Button));
     QVERIFY(stageSwitch().isWantedOn());
 }
 
@@ -58,7 +58,7 @@ void TestStageSwitch::switchedOffItIsRedAndUnchecked()
     stageSwitch().showOn(false);
     QCOMPARE(form().stabilisation.text(), QStringLiteral("OFF"));
     QCOMPARE(form().stabilisation.palette().color(QPalette::Button),
-             offPalette().color(QPalette::Button));
+             stabilisationPalette(false).color(QPalette::Button));
     QVERIFY(!stageSwitch().isWantedOn());
 }
 

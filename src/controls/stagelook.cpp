@@ -1,31 +1,17 @@
-#include "setup/stagelook.h"
+#include "controls/stagelook.h"
 
 #include <QIcon>
 
-namespace {
-
-QPalette paletteWithButton(const char* color)
+QPalette stabilisationPalette(bool on)
 {
     QPalette palette;
-    palette.setColor(QPalette::Button, QColor(QLatin1String(color)));
+    palette.setColor(QPalette::Button, QColor(QLatin1String(on ? "lightgreen" : "lightcoral")));
     // The text has to stay legible on a dark desktop, where it would be light.
     palette.setColor(QPalette::ButtonText, Qt::black);
     return palette;
 }
 
-} // namespace
-
-QPalette onPalette()
-{
-    return paletteWithButton("lightgreen");
-}
-
-QPalette offPalette()
-{
-    return paletteWithButton("lightcoral");
-}
-
-QPixmap light(bool active, QSize size)
+QPixmap stageLight(bool active, QSize size)
 {
     // Only an icon finds the picture that is made for a screen of twice the density.
     const QIcon picture(active ? QStringLiteral(":/images/green_light.png")

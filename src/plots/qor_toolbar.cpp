@@ -1,1 +1,0 @@
-#include "plots/qor_toolbar.h"
