@@ -1,8 +1,10 @@
 #include "link/linkup.h"
 
+#include "link/ask.h"
 #include "link/connection.h"
 #include "link/identification.h"
 #include "link/introduction.h"
+#include "link/replyforms.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -86,10 +88,8 @@ bool changeBaudRate(Connection& connection, LinkWait wait, int baudRate)
         clearLine(connection, LineClearing::TwoStops);
         argument = command::baudRateArgument(baudRate);
     }
-    connection.setControllerBaudRate(argument);
-    QByteArray reply;
-    connection.fetchReply(reply);
-    return !reply.isEmpty() && reply.at(0) == 0;
+    const QByteArray reply = ask(connection, &Connection::setControllerBaudRate, argument);
+    return command::isAcceptedByOne(reply);
 }
 
 LinkOutcome connectAndIdentify(Connection& connection, LinkWait wait, const QString& label,

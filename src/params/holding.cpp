@@ -1,5 +1,6 @@
 #include "params/holding.h"
 
+#include "link/ask.h"
 #include "link/connection.h"
 #include "link/replyforms.h"
 #include "params/packetpositions.h"
@@ -8,9 +9,7 @@ namespace {
 
 std::optional<QPointF> readPosition(Connection& connection, Stage stage)
 {
-    connection.triggerOneShot();
-    QByteArray packet;
-    connection.fetchReply(packet);
+    const QByteArray packet = ask(connection, &Connection::triggerOneShot);
     if (!isPacket(packet))
         return std::nullopt;
     return shownHoldPosition(packet, stage);
@@ -18,10 +17,8 @@ std::optional<QPointF> readPosition(Connection& connection, Stage stage)
 
 bool hold(Connection& connection, Stage stage)
 {
-    connection.setAndHold(command::stageArgument(stage));
-    QByteArray reply;
-    connection.fetchReply(reply);
-    return command::isAcceptedByTwo(reply);
+    return command::isAcceptedByTwo(
+        ask(connection, &Connection::setAndHold, command::stageArgument(stage)));
 }
 
 double shownValue(const QByteArray& packet, int offset)

@@ -1,5 +1,6 @@
 #include "params/parameterreading.h"
 
+#include "link/ask.h"
 #include "link/connection.h"
 #include "link/replyforms.h"
 #include "params/packetpositions.h"
@@ -22,16 +23,13 @@ public:
     ParameterReading run();
 
 private:
-    using Question = void (Connection::*)();
-    using StageQuestion = void (Connection::*)(const QByteArray&);
-
     QByteArray fetch();
     void noteUnread(const QString& what) { reading.unread.append(what); }
     void readFlags();
     void readPositions();
-    int readValue(StageQuestion question, const QByteArray& argument, const QString& name);
+    int readValue(ArgumentCommand question, const QByteArray& argument, const QString& name);
     void readAdjustIn();
-    void readOfBothStages(StageQuestion question, const char* name, int StageParameters::*value);
+    void readOfBothStages(ArgumentCommand question, const char* name, int StageParameters::*value);
 
     Connection& connection;
     ParameterReading reading;
@@ -39,8 +37,7 @@ private:
 
 QByteArray Questionnaire::fetch()
 {
-    QByteArray reply;
-    connection.fetchReply(reply);
+    const QByteArray reply = replyOf(connection);
     reading.isAnswered |= !reply.isEmpty();
     return reply;
 }
@@ -73,7 +70,7 @@ void Questionnaire::readPositions()
 }
 
 /// 0 if it can not be read.
-int Questionnaire::readValue(StageQuestion question, const QByteArray& argument,
+int Questionnaire::readValue(ArgumentCommand question, const QByteArray& argument,
                              const QString& name)
 {
     (connection.*question)(argument);
@@ -97,7 +94,7 @@ void Questionnaire::readAdjustIn()
     }
 }
 
-void Questionnaire::readOfBothStages(StageQuestion question, const char* name,
+void Questionnaire::readOfBothStages(ArgumentCommand question, const char* name,
                                      int StageParameters::*value)
 {
     for (const Stage stage : bothStages) {

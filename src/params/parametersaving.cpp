@@ -1,6 +1,7 @@
 #include "params/parametersaving.h"
 
 #include "app/logging.h"
+#include "link/ask.h"
 #include "link/connection.h"
 #include "link/identification.h"
 #include "model/connectionsettings.h"
@@ -20,10 +21,7 @@ bool fitsRecord(const QString& id)
 
 bool saveDetectors(Connection& connection, const DetectorPair& detectors, Settings& settings)
 {
-    connection.getControllerId();
-    QByteArray reply;
-    connection.fetchReply(reply);
-    const ControllerIdentity identity = readIdentity(reply);
+    const ControllerIdentity identity = readIdentity(ask(connection, &Connection::getControllerId));
     if (!identity.isController || !fitsRecord(identity.id)) {
         logMessage().warning() << "Detectors not saved: the controller did not say who it is";
         return false;

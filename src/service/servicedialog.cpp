@@ -2,6 +2,7 @@
 
 #include "app/logging.h"
 #include "controls/waitcursor.h"
+#include "link/ask.h"
 #include "link/commandframe.h"
 #include "link/connection.h"
 #include "link/linkup.h"
@@ -43,9 +44,7 @@ void ServiceDialog::setConnection(Connection& connection)
 {
     serviceConnection = &connection;
     onQuietLink([this] {
-        serviceConnection->getControllerId();
-        QByteArray reply;
-        serviceConnection->fetchReply(reply);
+        const QByteArray reply = ask(*serviceConnection, &Connection::getControllerId);
         ui->boardId_Label->setText(servicetexts::boardId(reply));
         showAddress();
         restartStream();
@@ -108,8 +107,7 @@ void ServiceDialog::run(const ServiceTest& test)
 {
     onQuietLink([this, &test] {
         test.send(*serviceConnection);
-        QByteArray reply;
-        serviceConnection->fetchReply(reply);
+        const QByteArray reply = replyOf(*serviceConnection);
         if (test.order == ServiceTest::Order::RestartFirst)
             restartStream();
         for (const QString& result : test.results(reply, serviceConnection->firmwareVersion()))
@@ -169,9 +167,8 @@ void ServiceDialog::testSpeed()
 void ServiceDialog::changeBaudRate()
 {
     const QString rate = ui->comboBox->itemText(qMax(ui->comboBox->currentIndex(), 0));
-    serviceConnection->setControllerBaudRate(command::baudRateArgument(rate.toInt()));
-    QByteArray reply;
-    serviceConnection->fetchReply(reply);
+    const QByteArray reply = ask(*serviceConnection, &Connection::setControllerBaudRate,
+                                 command::baudRateArgument(rate.toInt()));
     if (!command::isAcceptedByOne(reply)) {
         // Kept: a stream that was stopped for this stays stopped.
         tell(tr("Set Baudrate: Failed\n"));

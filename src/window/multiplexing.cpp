@@ -1,6 +1,7 @@
 #include "window/multiplexing.h"
 
 #include "controls/waitcursor.h"
+#include "link/ask.h"
 #include "link/commandframe.h"
 #include "link/connection.h"
 #include "link/replyforms.h"
@@ -17,17 +18,6 @@ bool isStage(int number)
 {
     return std::any_of(bothStages.begin(), bothStages.end(),
                        [number](Stage stage) { return numberOf(stage) == number; });
-}
-
-QByteArray sendSwitch(Connection& connection, Stage stage, bool on)
-{
-    if (on)
-        connection.switchMultiplexingOn(command::stageArgument(stage));
-    else
-        connection.switchMultiplexingOff(command::stageArgument(stage));
-    QByteArray reply;
-    connection.fetchReply(reply);
-    return reply;
 }
 
 } // namespace
@@ -69,8 +59,10 @@ bool Multiplexing::carryOut(Connection& connection, Stage stage, bool on)
 {
     const WaitCursor waiting;
     StreamPause pause(connection);
-    const bool accepted = command::isAcceptedByOne(sendSwitch(connection, stage, on));
+    const QByteArray reply =
+        ask(connection, on ? &Connection::switchMultiplexingOn : &Connection::switchMultiplexingOff,
+            command::stageArgument(stage));
     if (hasFailed(pause.resume(toolBar.samplingRateHz())))
         emit streamFailed();
-    return accepted;
+    return command::isAcceptedByOne(reply);
 }

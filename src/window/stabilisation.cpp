@@ -1,6 +1,7 @@
 #include "window/stabilisation.h"
 
 #include "controls/waitcursor.h"
+#include "link/ask.h"
 #include "link/connection.h"
 #include "link/packet.h"
 #include "link/replyforms.h"
@@ -25,13 +26,9 @@ bool hasFailed(uchar status)
 
 QByteArray sendSwitch(Connection& connection, Stage stage, bool on)
 {
-    if (on)
-        connection.switchStabilisationOn(command::stageArgument(stage));
-    else
-        connection.switchStabilisationOff(command::stageArgument(stage));
-    QByteArray reply;
-    connection.fetchReply(reply);
-    return reply;
+    return ask(connection,
+               on ? &Connection::switchStabilisationOn : &Connection::switchStabilisationOff,
+               command::stageArgument(stage));
 }
 
 bool isWholeStatus(const QByteArray& reply)
@@ -100,10 +97,7 @@ void Stabilisation::readStatusAfterSwitch(LiveSystem& system)
     if (packet::hasFlags(connection.firmwareVersion()))
         return;
     QThread::msleep(switchMs);
-    connection.getStatusFlags();
-    QByteArray reply;
-    connection.fetchReply(reply);
-    statusflags::takeReply(system.status, reply);
+    statusflags::takeReply(system.status, ask(connection, &Connection::getStatusFlags));
 }
 
 uchar Stabilisation::readStatus()
@@ -111,9 +105,7 @@ uchar Stabilisation::readStatus()
     LiveSystem* system = systems.current();
     if (!system)
         return failedStatus;
-    QByteArray reply;
-    system->connection->getStatusFlags();
-    system->connection->fetchReply(reply);
+    const QByteArray reply = ask(*system->connection, &Connection::getStatusFlags);
     if (!isWholeStatus(reply))
         return failedStatus;
     failures = 0;
