@@ -58,11 +58,11 @@ bool Multiplexing::switchSystem(LiveSystem& system, Stage stage, bool on)
 bool Multiplexing::carryOut(Connection& connection, Stage stage, bool on)
 {
     const WaitCursor waiting;
-    StreamPause pause(connection);
-    const QByteArray reply =
-        ask(connection, on ? &Connection::switchMultiplexingOn : &Connection::switchMultiplexingOff,
-            command::stageArgument(stage));
-    if (hasFailed(pause.resume(toolBar.samplingRateHz())))
+    const auto wrapper =
+        on ? &Connection::switchMultiplexingOn : &Connection::switchMultiplexingOff;
+    QByteArray reply;
+    const auto send = [&] { reply = ask(connection, wrapper, command::stageArgument(stage)); };
+    if (hasFailed(onQuietLink(connection, toolBar.samplingRateHz(), send)))
         emit streamFailed();
     return command::isAcceptedByOne(reply);
 }

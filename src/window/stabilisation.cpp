@@ -55,22 +55,19 @@ void Stabilisation::switchAsClicked(StageView& stage)
     StageSwitch& button = stage.stabilisation();
     const bool hadFocus = button.hasFocus();
     button.setEnabled(false);
-    StreamPause pause(*system->connection);
-
-    const bool on = button.isWantedOn();
-    QByteArray reply = sendSwitch(*system->connection, stage.stage(), on);
-    if (!command::isAccepted(reply))
-        reply = sendSwitch(*system->connection, stage.stage(), on);
-    if (command::isAccepted(reply)) {
-        button.showOn(on);
-        statusflags::noteSwitch(system->status, stage.stage(), on);
-        if (!on)
-            button.showActive(false);
-    }
-    readStatusAfterSwitch(*system);
-
-    if (hasFailed(pause.resume(toolBar.samplingRateHz())))
-        emit streamFailed();
+    onQuietLink(*system->connection, [&] {
+        const bool on = button.isWantedOn();
+        QByteArray reply = sendSwitch(*system->connection, stage.stage(), on);
+        if (!command::isAccepted(reply))
+            reply = sendSwitch(*system->connection, stage.stage(), on);
+        if (command::isAccepted(reply)) {
+            button.showOn(on);
+            statusflags::noteSwitch(system->status, stage.stage(), on);
+            if (!on)
+                button.showActive(false);
+        }
+        readStatusAfterSwitch(*system);
+    });
     button.setEnabled(true);
     // Disabled, it lost the keyboard to its neighbour.
     if (hadFocus)
@@ -84,10 +81,15 @@ void Stabilisation::switchStage(const Connection* connection, Stage stage, bool 
         return;
     const WaitCursor waiting;
     LiveSystem& system = systems.at(index);
-    StreamPause pause(*system.connection);
-    sendSwitch(*system.connection, stage, on);
-    readStatusAfterSwitch(system);
-    if (hasFailed(pause.resume(toolBar.samplingRateHz())))
+    onQuietLink(*system.connection, [&] {
+        sendSwitch(*system.connection, stage, on);
+        readStatusAfterSwitch(system);
+    });
+}
+
+void Stabilisation::onQuietLink(Connection& connection, const std::function<void()>& work)
+{
+    if (hasFailed(::onQuietLink(connection, toolBar.samplingRateHz(), work)))
         emit streamFailed();
 }
 
