@@ -86,6 +86,12 @@ QByteArray streamArgument(quint16 rateHz)
     return bytes.append(terminator);
 }
 
+QByteArray memoryArgument()
+{
+    QByteArray bytes(2, '\0');
+    return bytes.append(static_cast<char>(memoryBytes)).append(terminator);
+}
+
 QByteArray baudRateArgument(int baudRate)
 {
     QByteArray bytes;

@@ -7,7 +7,7 @@
 namespace {
 
 constexpr char maker[] = "Zev";
-constexpr int makerOffset = 2;
+constexpr int makerOffset = command::payloadOffset;
 constexpr int triggerMarkOffset = 10;
 constexpr char triggerMark = 'A';
 

@@ -22,8 +22,7 @@ constexpr int attempts = 2;
 constexpr int answerLimitMs = 100;
 constexpr int stopPollMs = 10;
 constexpr int idPollMs = 20;
-/// Behind the status and its terminator.
-constexpr int idTextLength = command::idReplyLength - command::statusReplyLength;
+constexpr int idTextLength = command::idReplyLength - command::payloadOffset;
 
 /// Asks who is at one interface, at every rate and flow control until a controller is found.
 class InterfaceProbe final

@@ -5,8 +5,8 @@ namespace packet {
 namespace {
 
 constexpr std::size_t separatorOffset = 1;
-constexpr std::size_t flagsAOffset = 2;
-constexpr std::size_t flagsBOffset = 3;
+constexpr std::size_t flagsAOffset = command::payloadOffset;
+constexpr std::size_t flagsBOffset = flagsAOffset + 1;
 constexpr std::size_t endMarkOffset = command::packetLength - 1;
 
 constexpr quint8 multiplex1 = 0x01;
@@ -46,18 +46,21 @@ MeasureSample toSample(const PacketBytes& bytes, int firmwareVersion, quint64 ti
     const auto signedAt = [&](int offset) { return command::signedValueAt(bytes.data(), offset); };
     const auto unsignedAt = [&](int offset) { return static_cast<quint16>(signedAt(offset)); };
 
+    constexpr ValueOffsets one = offsetsOf(Stage::One);
+    constexpr ValueOffsets two = offsetsOf(Stage::Two);
+
     MeasureSample sample;
     sample.timeMs = timeMs;
-    sample.x1 = signedAt(4);
-    sample.y1 = signedAt(6);
-    sample.intensity1 = unsignedAt(8);
-    sample.x2 = signedAt(10);
-    sample.y2 = signedAt(12);
-    sample.intensity2 = unsignedAt(14);
-    sample.rx1 = signedAt(16);
-    sample.ry1 = signedAt(18);
-    sample.rx2 = signedAt(20);
-    sample.ry2 = signedAt(22);
+    sample.x1 = signedAt(one.x);
+    sample.y1 = signedAt(one.y);
+    sample.intensity1 = unsignedAt(one.intensity);
+    sample.rx1 = signedAt(one.rangeX);
+    sample.ry1 = signedAt(one.rangeY);
+    sample.x2 = signedAt(two.x);
+    sample.y2 = signedAt(two.y);
+    sample.intensity2 = unsignedAt(two.intensity);
+    sample.rx2 = signedAt(two.rangeX);
+    sample.ry2 = signedAt(two.rangeY);
 
     if (hasFlags(firmwareVersion)) {
         const char flagsA = bytes[flagsAOffset];

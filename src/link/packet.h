@@ -28,6 +28,27 @@ constexpr bool hasFlags(int firmwareVersion)
     return firmwareVersion > lastFirmwareWithoutFlags;
 }
 
+/// Where a packet has the values of a stage, two bytes each, the high byte first.
+struct ValueOffsets
+{
+    int x;
+    int y;
+    int intensity;
+    int rangeX;
+    int rangeY;
+};
+
+constexpr ValueOffsets offsetsOf(Stage stage)
+{
+    return stage == Stage::One ? ValueOffsets{4, 6, 8, 16, 18} : ValueOffsets{10, 12, 14, 20, 22};
+}
+
+/// Whether a reply is long enough to be a packet.
+inline bool isWhole(const QByteArray& reply)
+{
+    return reply.size() >= command::packetLength;
+}
+
 /// Whether status, separator and end mark stand at their places.
 bool isAligned(const PacketBytes& bytes);
 /// Whether this packet ends the stream; never with a firmware without flags.

@@ -59,15 +59,15 @@ bool leaveCommonPath(Connection& connection, Stage stage)
 
 std::optional<std::array<AxisValues, 2>> commonPositions(const QByteArray& reply)
 {
-    constexpr int statusBytes = 2;
     constexpr int stageBytes = 4;
-    constexpr int lastValueEnd = statusBytes + 2 * stageBytes;
-    if (!command::isLongerThan(reply, statusBytes) || !command::isAcceptedByOne(reply))
+    constexpr int lastValueEnd = command::payloadOffset + 2 * stageBytes;
+    if (!command::isLongerThan(reply, command::statusReplyLength)
+        || !command::isAcceptedByOne(reply))
         return std::nullopt;
     const QByteArray whole = reply.leftJustified(lastValueEnd, '\0');
     std::array<AxisValues, 2> positions;
     for (const Stage stage : bothStages) {
-        const int offset = statusBytes + int(indexOf(stage)) * stageBytes;
+        const int offset = command::payloadOffset + int(indexOf(stage)) * stageBytes;
         positions[indexOf(stage)] = {command::signedValueAt(whole.constData(), offset),
                                      command::signedValueAt(whole.constData(), offset + 2)};
     }

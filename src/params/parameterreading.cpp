@@ -2,15 +2,15 @@
 
 #include "link/ask.h"
 #include "link/connection.h"
+#include "link/packet.h"
 #include "link/replyforms.h"
-#include "params/packetpositions.h"
 
 namespace {
 
-constexpr int flagsOffset = 2;
-constexpr int valueOffset = 2;
-constexpr int flagsEnd = flagsOffset + 1;
-constexpr int valueEnd = valueOffset + 2;
+using command::payloadOffset;
+
+constexpr int flagsEnd = payloadOffset + 1;
+constexpr int valueEnd = payloadOffset + 2;
 
 /// Asks one question after the other and keeps account of the answers.
 class Questionnaire final
@@ -47,7 +47,7 @@ void Questionnaire::readFlags()
     connection.getStatusFlags();
     const QByteArray reply = fetch();
     if (command::isAccepted(reply, flagsEnd))
-        reading.statusFlags = static_cast<quint8>(reply.at(flagsOffset));
+        reading.statusFlags = static_cast<quint8>(reply.at(payloadOffset));
     else
         noteUnread(QStringLiteral("GSF"));
 }
@@ -55,17 +55,17 @@ void Questionnaire::readFlags()
 void Questionnaire::readPositions()
 {
     connection.triggerOneShot();
-    const QByteArray packet = fetch();
-    if (!isPacket(packet)) {
+    const QByteArray reply = fetch();
+    if (!packet::isWhole(reply)) {
         noteUnread(QStringLiteral("S1S"));
         return;
     }
     reading.positions.emplace();
     for (const Stage stage : bothStages) {
-        const int offset = positionOffset(stage);
+        const packet::ValueOffsets offsets = packet::offsetsOf(stage);
         (*reading.positions)[indexOf(stage)] = {
-            command::signedValueAt(packet.constData(), offset),
-            command::signedValueAt(packet.constData(), offset + 2)};
+            command::signedValueAt(reply.constData(), offsets.x),
+            command::signedValueAt(reply.constData(), offsets.y)};
     }
 }
 
@@ -76,7 +76,7 @@ int Questionnaire::readValue(ArgumentCommand question, const QByteArray& argumen
     (connection.*question)(argument);
     const QByteArray reply = fetch();
     if (command::isAccepted(reply, valueEnd))
-        return command::signedValueAt(reply.constData(), valueOffset);
+        return command::signedValueAt(reply.constData(), payloadOffset);
     noteUnread(name);
     return 0;
 }

@@ -122,8 +122,7 @@ ServiceTest lastError()
 
 ServiceTest memory()
 {
-    static const QByteArray wholeMemory("\0\0\xFF;", 4);
-    return {[](Connection& connection) { connection.readFram(wholeMemory); },
+    return {[](Connection& connection) { connection.readFram(command::memoryArgument()); },
             [](const QByteArray& reply, int) {
                 logMessage().debug() << reply;
                 return servicetexts::memory(reply);

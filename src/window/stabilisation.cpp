@@ -15,8 +15,6 @@ namespace {
 /// Time that a controller without status in its stream takes to have switched.
 constexpr unsigned long switchMs = 100;
 constexpr uchar failedStatus = statusflag::lastPacket;
-constexpr int statusReplyLength = 4;
-constexpr int statusOffset = 2;
 constexpr int maxFailures = 4;
 
 bool hasFailed(uchar status)
@@ -33,8 +31,8 @@ QByteArray sendSwitch(Connection& connection, Stage stage, bool on)
 
 bool isWholeStatus(const QByteArray& reply)
 {
-    return command::isAccepted(reply) && reply.size() >= statusReplyLength
-           && reply.at(statusReplyLength - 1) == command::terminator;
+    return command::isAccepted(reply, command::statusFlagsReplyLength)
+           && reply.at(command::statusFlagsReplyLength - 1) == command::terminator;
 }
 
 } // namespace
@@ -111,7 +109,7 @@ uchar Stabilisation::readStatus()
     if (!isWholeStatus(reply))
         return failedStatus;
     failures = 0;
-    return uchar(reply.at(statusOffset));
+    return uchar(reply.at(command::payloadOffset));
 }
 
 bool Stabilisation::readAndShow()

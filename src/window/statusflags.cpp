@@ -4,19 +4,13 @@
 #include "link/packet.h"
 #include "window/livesystem.h"
 
-namespace {
-
-constexpr int flagsOffset = 2;
-
-} // namespace
-
 namespace statusflags {
 
 void takeReply(ConnectionStatus& status, const QByteArray& reply)
 {
-    if (reply.size() <= flagsOffset)
+    if (reply.size() <= command::payloadOffset)
         return;
-    const auto flags = uchar(reply.at(flagsOffset));
+    const auto flags = uchar(reply.at(command::payloadOffset));
     status.stabilised1 = (flags & statusflag::stabilised1) != 0;
     status.stabilised2 = (flags & statusflag::stabilised2) != 0;
     status.active1 = (flags & statusflag::active1) != 0;
