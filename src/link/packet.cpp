@@ -18,11 +18,6 @@ bool isSet(char flags, quint8 mask)
     return (static_cast<quint8>(flags) & mask) != 0;
 }
 
-quint8 bit(char flags, quint8 mask)
-{
-    return isSet(flags, mask) ? 1 : 0;
-}
-
 } // namespace
 
 bool isAligned(const PacketBytes& bytes)
@@ -63,14 +58,14 @@ MeasureSample toSample(const PacketBytes& bytes, int firmwareVersion, quint64 ti
     sample.ry2 = signedAt(two.rangeY);
 
     if (hasFlags(firmwareVersion)) {
-        const char flagsA = bytes[flagsAOffset];
+        const auto flagsA = static_cast<quint8>(bytes[flagsAOffset]);
         const char flagsB = bytes[flagsBOffset];
-        sample.stabilised1 = bit(flagsA, statusflag::stabilised1);
-        sample.stabilised2 = bit(flagsA, statusflag::stabilised2);
-        sample.active1 = bit(flagsA, statusflag::active1);
-        sample.active2 = bit(flagsA, statusflag::active2);
-        sample.multiplex1 = bit(flagsB, multiplex1);
-        sample.multiplex2 = bit(flagsB, multiplex2);
+        sample.stabilised1 = statusflag::isStabilised(flagsA, Stage::One);
+        sample.stabilised2 = statusflag::isStabilised(flagsA, Stage::Two);
+        sample.active1 = statusflag::isActive(flagsA, Stage::One);
+        sample.active2 = statusflag::isActive(flagsA, Stage::Two);
+        sample.multiplex1 = isSet(flagsB, multiplex1);
+        sample.multiplex2 = isSet(flagsB, multiplex2);
     }
     return sample;
 }

@@ -10,12 +10,23 @@ using PacketBytes = std::array<char, command::packetLength>;
 
 /// The status flags that a `GSF` reply and a stream packet share.
 namespace statusflag {
-constexpr quint8 stabilised1 = 0x08;
-constexpr quint8 stabilised2 = 0x10;
-constexpr quint8 active1 = 0x20;
-constexpr quint8 active2 = 0x40;
+
+/// By stage.
+constexpr std::array<quint8, 2> stabilised{0x08, 0x10};
+constexpr std::array<quint8, 2> active{0x20, 0x40};
 /// In a packet: the last one of the stream. In a status that the host asked for: a failed read.
 constexpr quint8 lastPacket = 0x80;
+
+constexpr bool isStabilised(quint8 flags, Stage stage)
+{
+    return (flags & stabilised[indexOf(stage)]) != 0;
+}
+
+constexpr bool isActive(quint8 flags, Stage stage)
+{
+    return (flags & active[indexOf(stage)]) != 0;
+}
+
 } // namespace statusflag
 
 namespace packet {

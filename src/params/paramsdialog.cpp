@@ -22,7 +22,6 @@ namespace {
 constexpr quint8 pFactorBySoftware = 0x01;
 /// By stage.
 constexpr std::array<quint8, 2> adjustBySoftware{0x02, 0x04};
-constexpr std::array<quint8, 2> stabilised{statusflag::stabilised1, statusflag::stabilised2};
 
 /// The firmware that lets software set the sensitivity also sends packets by triggers.
 bool isRecent(const Connection& connection)
@@ -223,7 +222,7 @@ void ParamsDialog::showReading(const ParameterReading& reading)
         view.showSensitivity(parameters.sensitivityMv, offersSensitivity());
         view.showDetector(*current->detectors[indexOf(stage)]);
         if (reading.statusFlags)
-            offerHold(stage, (*reading.statusFlags & stabilised[indexOf(stage)]) != 0);
+            offerHold(stage, statusflag::isStabilised(*reading.statusFlags, stage));
     }
     if (isRecent(*current->connection))
         ui->checkBoxDisplayLowRepetitionWithTriggers->setChecked(current->detectors.pulsedLaser

@@ -121,8 +121,8 @@ bool Stabilisation::readAndShow()
             emit linkFailed();
         return false;
     }
-    stages[0].stabilisation().showOn((status & statusflag::stabilised1) != 0);
-    stages[1].stabilisation().showOn((status & statusflag::stabilised2) != 0);
+    for (StageView& stage : stages)
+        stage.stabilisation().showOn(statusflag::isStabilised(status, stage.stage()));
     return showActive(status);
 }
 
@@ -131,7 +131,7 @@ bool Stabilisation::showActive(uchar flags)
     const uchar status = flags == failedStatus ? readStatus() : flags;
     if (flags == failedStatus && hasFailed(status))
         return false;
-    stages[0].stabilisation().showActive((status & statusflag::active1) != 0);
-    stages[1].stabilisation().showActive((status & statusflag::active2) != 0);
+    for (StageView& stage : stages)
+        stage.stabilisation().showActive(statusflag::isActive(status, stage.stage()));
     return true;
 }
