@@ -1,9 +1,13 @@
 #include "link/commandframe.h"
 
+bool CommandFrame::isStop() const
+{
+    return message == command::stop().message;
+}
+
 bool CommandFrame::startsStream() const
 {
-    return message.size() > 2
-           && (message.startsWith("SLS") || message.startsWith("SGS") || message.startsWith("SPS"));
+    return message.startsWith("SLS") || message.startsWith("SGS") || message.startsWith("SPS");
 }
 
 namespace command {

@@ -11,7 +11,7 @@ struct CommandFrame
     QByteArray message;
     int answerLength = 0;
 
-    bool isStop() const { return message == "CLS;"; }
+    bool isStop() const;
     bool startsStream() const;
 };
 

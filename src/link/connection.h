@@ -51,7 +51,7 @@ public:
     /// sent now, because another one waits for its reply, a stream runs or the link is not up, is
     /// dropped silently.
     virtual void sendMessage(QByteArray message, int answerLength);
-    /// Looks for the boundary of replies for up to a second. On the connection's thread.
+    /// Looks for the boundary of replies, `boundarySearchMs` at most. On the connection's thread.
     virtual void resync() = 0;
 
     /// Takes the reply of the last command into `out`. False, with `out` empty, if nothing was

@@ -107,7 +107,7 @@ QByteArray InterfaceProbe::stopReply()
     QByteArray answer;
     for (int attempt = 0; attempt < attempts; ++attempt) {
         logMessage().debug() << "Clear" << attempt;
-        answer = ask(command::frame("CLS", {}, command::statusReplyLength), stopPollMs);
+        answer = ask(command::stop(), stopPollMs);
     }
     return answer;
 }
@@ -118,7 +118,7 @@ QByteArray InterfaceProbe::idReply()
     for (int attempt = 0; attempt < attempts && answer.size() != command::idReplyLength;
          ++attempt) {
         logMessage().info() << "Requesting controller ID";
-        answer = ask(command::frame("GID", {}, command::idReplyLength), idPollMs);
+        answer = ask(command::identityRequest(), idPollMs);
     }
     return answer;
 }

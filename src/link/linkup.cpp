@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr unsigned long pollMs = 1;
-
 /// A link on its way up, and the introduction behind it.
 class LinkArrival final
 {
@@ -69,7 +67,7 @@ bool waitForLink(const Connection& connection, LinkWait wait)
     while (!connection.isConnected() && connection.isRunning() && !limit.hasExpired()) {
         if (wait.manner == LinkWait::Manner::TakingEvents)
             takeEvents();
-        QThread::msleep(pollMs);
+        QThread::msleep(talkPaceMs);
     }
     return connection.isConnected();
 }

@@ -12,7 +12,6 @@ namespace {
 constexpr int portLimit = 65536;
 /// The adapter talks to the controller at this rate, whatever the network does.
 constexpr int adapterBaudRate = 921600;
-constexpr int resyncMs = 1000;
 
 } // namespace
 
@@ -118,8 +117,9 @@ void TcpClient::discardInput()
 void TcpClient::resync()
 {
     logMessage().debug() << "Resyncing (TCP)";
+    const CommandFrame question = command::statusRequest();
     if (!isStreaming())
-        sendMessage("GSF;", command::statusFlagsReplyLength);
-    findReplyBoundary(*device(), QDeadlineTimer(resyncMs), [] { msleep(1); });
+        sendMessage(question.message, question.answerLength);
+    findReplyBoundary(*device(), QDeadlineTimer(boundarySearchMs), [] { msleep(1); });
     logMessage().debug() << "Finished resyncing (TCP)";
 }
