@@ -1,5 +1,7 @@
 #include "link/commandframe.h"
 
+#include "link/baudrates.h"
+
 bool CommandFrame::isStop() const
 {
     return message == command::stop().message;
@@ -100,13 +102,13 @@ QByteArray baudRateArgument(int baudRate)
 {
     QByteArray bytes;
     switch (baudRate) {
-    case 115200:
+    case baudrate::slow:
         bytes.append('\x01');
         break;
-    case 460800:
+    case baudrate::middle:
         bytes.append('\x04');
         break;
-    case 921600:
+    case baudrate::fast:
         bytes.append('\x09');
         break;
     default:

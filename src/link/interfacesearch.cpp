@@ -1,6 +1,7 @@
 #include "link/interfacesearch.h"
 
 #include "app/logging.h"
+#include "link/baudrates.h"
 #include "link/commandframe.h"
 #include "link/identification.h"
 #include "link/porterrors.h"
@@ -15,7 +16,6 @@
 namespace {
 
 constexpr char knownManufacturer[] = "FTDI";
-constexpr int baudRates[] = {115200, 921600};
 constexpr QSerialPort::FlowControl flowControls[] = {QSerialPort::HardwareControl,
                                                      QSerialPort::NoFlowControl};
 constexpr int attempts = 2;
@@ -53,7 +53,7 @@ InterfaceProbe::InterfaceProbe(const QString& name)
 
 std::optional<FoundInterface> InterfaceProbe::run()
 {
-    for (const int baudRate : baudRates) {
+    for (const int baudRate : baudrate::offered) {
         logMessage().info() << "Baud rate" << baudRate;
         port.setBaudRate(baudRate, QSerialPort::AllDirections);
         for (const QSerialPort::FlowControl flowControl : flowControls) {

@@ -1,6 +1,7 @@
 #include "link/tcpclient.h"
 
 #include "app/logging.h"
+#include "link/baudrates.h"
 #include "link/replyboundary.h"
 
 #include <QCoreApplication>
@@ -10,14 +11,13 @@
 namespace {
 
 constexpr int portLimit = 65536;
-/// The adapter talks to the controller at this rate, whatever the network does.
-constexpr int adapterBaudRate = 921600;
 
 } // namespace
 
 TcpClient::TcpClient()
 {
-    setBaudRate(adapterBaudRate);
+    // The adapter talks to the controller at this rate, whatever the network does.
+    setBaudRate(baudrate::fast);
 }
 
 TcpClient::~TcpClient()
