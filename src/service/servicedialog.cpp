@@ -8,7 +8,6 @@
 #include "link/linkup.h"
 #include "link/replyforms.h"
 #include "link/streampause.h"
-#include "model/connectionsettings.h"
 #include "service/servicetests.h"
 #include "service/servicetexts.h"
 #include "service/speedtest.h"
@@ -61,8 +60,7 @@ void ServiceDialog::forget(const Connection* connection)
 
 void ServiceDialog::showAddress()
 {
-    const auto type = static_cast<ConnectionType>(serviceConnection->connectionType());
-    const bool overNetwork = type == ConnectionType::Tcp;
+    const bool overNetwork = serviceConnection->type() == ConnectionType::Tcp;
     for (QLabel* label : {ui->PortText, ui->portLabel})
         label->setVisible(overNetwork);
     if (overNetwork)
