@@ -6,6 +6,7 @@
 #include "link/identification.h"
 #include "model/connectionsettings.h"
 #include "model/detectorpair.h"
+#include "setup/recordroom.h"
 #include "setup/settings.h"
 
 namespace {
@@ -13,8 +14,7 @@ namespace {
 /// Whether a record, and the name of its device in the file, can be made of an identification.
 bool fitsRecord(const QString& id)
 {
-    return !deviceKey(id).isEmpty() && decltype(ConnectionSettings::id)::fits(id)
-           && decltype(ConnectionSettings::serial)::fits(deviceKey(id));
+    return canBeStored(id) && !deviceKey(id).isEmpty();
 }
 
 } // namespace
