@@ -33,9 +33,10 @@ ServiceTest setting(ArgumentCommand command, const QByteArray& argument, const Q
 
 ServiceTest switching(ArgumentCommand command, Stages stages, const QString& what)
 {
-    const QByteArray argument = command::stageArgument(static_cast<Stage>(stages));
-    const QString names =
-        stages == Stages::Both ? QStringLiteral("1+2") : QString::number(static_cast<int>(stages));
+    const int number = static_cast<int>(stages);
+    const QByteArray argument =
+        QByteArray(1, static_cast<char>(number)).append(command::terminator);
+    const QString names = stages == Stages::Both ? QStringLiteral("1+2") : QString::number(number);
     return setting(command, argument, tr("%1 Stage %2").arg(what, names));
 }
 
