@@ -92,7 +92,7 @@ public:
     /// Moves the oldest sample of the stream to `out`; 0 if there is none.
     int takeLiveSample(MeasureSample& out);
     int takeCommonSample(MeasureSample& out);
-    /// Moves the oldest samples behind those of `out`, in their order and at most so many.
+    /// Moves at most `most` samples, the oldest ones, behind those of `out` in their order.
     void takeLiveSamples(std::vector<MeasureSample>& out, std::size_t most);
     void takeCommonSamples(std::vector<MeasureSample>& out, std::size_t most);
 

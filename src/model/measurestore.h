@@ -25,7 +25,7 @@ public:
     /// Moves the oldest sample to `out` and returns 1; returns 0 and leaves `out` alone if the
     /// store is empty.
     int takeSample(MeasureSample& out);
-    /// Moves the oldest samples behind those of `out`, in their order and at most so many.
+    /// Moves at most `most` samples, the oldest ones, behind those of `out` in their order.
     void takeSamples(std::vector<MeasureSample>& out, std::size_t most);
     int sampleCount() const;
     /// Throws the samples away. They are not counted as dropped: nobody wants them.

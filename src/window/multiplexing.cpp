@@ -41,8 +41,8 @@ void Multiplexing::switchStage(const QString& address, bool on, int stage)
     multiplexBusy = false;
 }
 
-/// False if the call ends here. So it does at a second system with the address, which finds the
-/// first one busy and stays as it is.
+/// False if the call ends here, as it does at a second system with the address: the first one is
+/// busy, and the second one stays as it is.
 bool Multiplexing::switchSystem(LiveSystem& system, Stage stage, bool on)
 {
     bool& direction = multiplexFlag(system.status, stage);
