@@ -1,9 +1,15 @@
 #include "link/commandframe.h"
 
+#include "link/baudrates.h"
+
+bool CommandFrame::isStop() const
+{
+    return message == command::stop().message;
+}
+
 bool CommandFrame::startsStream() const
 {
-    return message.size() > 2
-           && (message.startsWith("SLS") || message.startsWith("SGS") || message.startsWith("SPS"));
+    return message.startsWith("SLS") || message.startsWith("SGS") || message.startsWith("SPS");
 }
 
 namespace command {
@@ -86,17 +92,23 @@ QByteArray streamArgument(quint16 rateHz)
     return bytes.append(terminator);
 }
 
+QByteArray memoryArgument()
+{
+    QByteArray bytes(2, '\0');
+    return bytes.append(static_cast<char>(memoryBytes)).append(terminator);
+}
+
 QByteArray baudRateArgument(int baudRate)
 {
     QByteArray bytes;
     switch (baudRate) {
-    case 115200:
+    case baudrate::slow:
         bytes.append('\x01');
         break;
-    case 460800:
+    case baudrate::middle:
         bytes.append('\x04');
         break;
-    case 921600:
+    case baudrate::fast:
         bytes.append('\x09');
         break;
     default:

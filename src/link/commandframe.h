@@ -11,7 +11,7 @@ struct CommandFrame
     QByteArray message;
     int answerLength = 0;
 
-    bool isStop() const { return message == "CLS;"; }
+    bool isStop() const;
     bool startsStream() const;
 };
 
@@ -23,8 +23,17 @@ constexpr char terminator = ';';
 
 /// Length of the shortest reply: status and terminator.
 constexpr int statusReplyLength = 2;
+/// Where a longer reply, or a packet, has what it tells.
+constexpr int payloadOffset = statusReplyLength;
 /// Length of the reply with the status flags.
 constexpr int statusFlagsReplyLength = 4;
+/// Length of the reply with one value of 16 bits, or with a byte for each stage.
+constexpr int valueReplyLength = 5;
+/// Length of the reply with the command that failed last, and why.
+constexpr int errorReplyLength = 7;
+/// How many bytes of a controller's memory are read at once.
+constexpr int memoryBytes = 255;
+constexpr int memoryReplyLength = payloadOffset + memoryBytes + 1;
 /// Length of the reply with the identification of the controller.
 constexpr int idReplyLength = 50;
 /// Length of one packet of the measurement stream.
@@ -57,6 +66,8 @@ QByteArray stageAxisValueArgument(Stage stage, BeamAxis axis, qint16 valueMv);
 QByteArray labelArgument(const QByteArray& label);
 /// The stream rate in packets per second, behind two zero bytes.
 QByteArray streamArgument(quint16 rateHz);
+/// The first `memoryBytes` bytes of the memory.
+QByteArray memoryArgument();
 /// Code of a baud rate of the serial line; just ';' for a rate that has none.
 QByteArray baudRateArgument(int baudRate);
 

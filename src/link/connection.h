@@ -3,6 +3,7 @@
 #include "link/endpoint.h"
 #include "link/exchange.h"
 #include "link/sendqueue.h"
+#include "model/connectiontype.h"
 #include "model/measurestore.h"
 
 #include <QByteArray>
@@ -37,8 +38,9 @@ public:
 
     /// Port name or host address: the key of this connection everywhere.
     virtual QString address() const = 0;
-    /// 0 for a serial line, 1 for TCP.
+    /// The number of its `type`.
     virtual int connectionType() const = 0;
+    ConnectionType type() const { return static_cast<ConnectionType>(connectionType()); }
     /// Where the thread shall connect to. Only while it does not run. Returns false for an
     /// address that can not be used.
     virtual bool init(const QString& address, int baudOrPort) = 0;
@@ -51,7 +53,7 @@ public:
     /// sent now, because another one waits for its reply, a stream runs or the link is not up, is
     /// dropped silently.
     virtual void sendMessage(QByteArray message, int answerLength);
-    /// Looks for the boundary of replies for up to a second. On the connection's thread.
+    /// Looks for the boundary of replies, `boundarySearchMs` at most. On the connection's thread.
     virtual void resync() = 0;
 
     /// Takes the reply of the last command into `out`. False, with `out` empty, if nothing was

@@ -3,16 +3,16 @@
 
 namespace {
 
+using command::errorReplyLength;
 using command::frame;
 using command::idReplyLength;
+using command::memoryReplyLength;
 using command::packetLength;
 using command::statusFlagsReplyLength;
 using command::statusReplyLength;
+using command::valueReplyLength;
 
-constexpr int valueReplyLength = 5;
 constexpr int fourValuesReplyLength = 11;
-constexpr int errorReplyLength = 7;
-constexpr int framReplyLength = 258;
 constexpr int labelReplyLength = 29;
 
 } // namespace
@@ -166,7 +166,7 @@ void Connection::getError()
 
 void Connection::readFram(const QByteArray& argument)
 {
-    send(frame("RFR", argument, framReplyLength));
+    send(frame("RFR", argument, memoryReplyLength));
 }
 
 void Connection::sendGda()

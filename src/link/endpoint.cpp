@@ -159,8 +159,7 @@ bool Endpoint::stopsWithoutEndMark() const
 
 void Endpoint::receiveStream()
 {
-    restartDeadline();
-    while (device->bytesAvailable() > 0 && !deadline.hasExpired() && !stopsWithoutEndMark()) {
+    while (device->bytesAvailable() > 0 && !stopsWithoutEndMark()) {
         restartDeadline();
         // Here a stop gets through while packets are flowing.
         const bool isWhole = waitForBytes(command::packetLength);
@@ -175,7 +174,6 @@ void Endpoint::receiveStream()
                 finishStreamWithEndMark();
             return;
         }
-        restartDeadline();
     }
     if (stopsWithoutEndMark())
         finishStreamWithoutEndMark();

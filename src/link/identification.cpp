@@ -1,12 +1,13 @@
 #include "link/identification.h"
 
+#include "link/ask.h"
 #include "link/connection.h"
 #include "link/replyforms.h"
 
 namespace {
 
 constexpr char maker[] = "Zev";
-constexpr int makerOffset = 2;
+constexpr int makerOffset = command::payloadOffset;
 constexpr int triggerMarkOffset = 10;
 constexpr char triggerMark = 'A';
 
@@ -88,7 +89,5 @@ ControllerIdentity identify(Connection& connection, LineClearing clearing)
 void labelController(Connection& connection, const QString& label)
 {
     connection.setLabel(label);
-    connection.storeLabel(command::labelArgument(label.toLocal8Bit()));
-    QByteArray reply;
-    connection.fetchReply(reply);
+    ask(connection, &Connection::storeLabel, command::labelArgument(label.toLocal8Bit()));
 }

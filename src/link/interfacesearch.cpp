@@ -1,6 +1,7 @@
 #include "link/interfacesearch.h"
 
 #include "app/logging.h"
+#include "link/baudrates.h"
 #include "link/commandframe.h"
 #include "link/identification.h"
 #include "link/porterrors.h"
@@ -15,15 +16,13 @@
 namespace {
 
 constexpr char knownManufacturer[] = "FTDI";
-constexpr int baudRates[] = {115200, 921600};
 constexpr QSerialPort::FlowControl flowControls[] = {QSerialPort::HardwareControl,
                                                      QSerialPort::NoFlowControl};
 constexpr int attempts = 2;
 constexpr int answerLimitMs = 100;
 constexpr int stopPollMs = 10;
 constexpr int idPollMs = 20;
-/// Behind the status and its terminator.
-constexpr int idTextLength = command::idReplyLength - command::statusReplyLength;
+constexpr int idTextLength = command::idReplyLength - command::payloadOffset;
 
 /// Asks who is at one interface, at every rate and flow control until a controller is found.
 class InterfaceProbe final
@@ -54,7 +53,7 @@ InterfaceProbe::InterfaceProbe(const QString& name)
 
 std::optional<FoundInterface> InterfaceProbe::run()
 {
-    for (const int baudRate : baudRates) {
+    for (const int baudRate : baudrate::offered) {
         logMessage().info() << "Baud rate" << baudRate;
         port.setBaudRate(baudRate, QSerialPort::AllDirections);
         for (const QSerialPort::FlowControl flowControl : flowControls) {
@@ -108,7 +107,7 @@ QByteArray InterfaceProbe::stopReply()
     QByteArray answer;
     for (int attempt = 0; attempt < attempts; ++attempt) {
         logMessage().debug() << "Clear" << attempt;
-        answer = ask(command::frame("CLS", {}, command::statusReplyLength), stopPollMs);
+        answer = ask(command::stop(), stopPollMs);
     }
     return answer;
 }
@@ -119,7 +118,7 @@ QByteArray InterfaceProbe::idReply()
     for (int attempt = 0; attempt < attempts && answer.size() != command::idReplyLength;
          ++attempt) {
         logMessage().info() << "Requesting controller ID";
-        answer = ask(command::frame("GID", {}, command::idReplyLength), idPollMs);
+        answer = ask(command::identityRequest(), idPollMs);
     }
     return answer;
 }

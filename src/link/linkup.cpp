@@ -1,8 +1,10 @@
 #include "link/linkup.h"
 
+#include "link/ask.h"
 #include "link/connection.h"
 #include "link/identification.h"
 #include "link/introduction.h"
+#include "link/replyforms.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -11,8 +13,6 @@
 #include <utility>
 
 namespace {
-
-constexpr unsigned long pollMs = 1;
 
 /// A link on its way up, and the introduction behind it.
 class LinkArrival final
@@ -67,7 +67,7 @@ bool waitForLink(const Connection& connection, LinkWait wait)
     while (!connection.isConnected() && connection.isRunning() && !limit.hasExpired()) {
         if (wait.manner == LinkWait::Manner::TakingEvents)
             takeEvents();
-        QThread::msleep(pollMs);
+        QThread::msleep(talkPaceMs);
     }
     return connection.isConnected();
 }
@@ -86,10 +86,8 @@ bool changeBaudRate(Connection& connection, LinkWait wait, int baudRate)
         clearLine(connection, LineClearing::TwoStops);
         argument = command::baudRateArgument(baudRate);
     }
-    connection.setControllerBaudRate(argument);
-    QByteArray reply;
-    connection.fetchReply(reply);
-    return !reply.isEmpty() && reply.at(0) == 0;
+    const QByteArray reply = ask(connection, &Connection::setControllerBaudRate, argument);
+    return command::isAcceptedByOne(reply);
 }
 
 LinkOutcome connectAndIdentify(Connection& connection, LinkWait wait, const QString& label,

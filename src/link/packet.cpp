@@ -5,8 +5,8 @@ namespace packet {
 namespace {
 
 constexpr std::size_t separatorOffset = 1;
-constexpr std::size_t flagsAOffset = 2;
-constexpr std::size_t flagsBOffset = 3;
+constexpr std::size_t flagsAOffset = command::payloadOffset;
+constexpr std::size_t flagsBOffset = flagsAOffset + 1;
 constexpr std::size_t endMarkOffset = command::packetLength - 1;
 
 constexpr quint8 multiplex1 = 0x01;
@@ -16,11 +16,6 @@ constexpr quint8 withheldFromVm = 0x04;
 bool isSet(char flags, quint8 mask)
 {
     return (static_cast<quint8>(flags) & mask) != 0;
-}
-
-quint8 bit(char flags, quint8 mask)
-{
-    return isSet(flags, mask) ? 1 : 0;
 }
 
 } // namespace
@@ -46,28 +41,31 @@ MeasureSample toSample(const PacketBytes& bytes, int firmwareVersion, quint64 ti
     const auto signedAt = [&](int offset) { return command::signedValueAt(bytes.data(), offset); };
     const auto unsignedAt = [&](int offset) { return static_cast<quint16>(signedAt(offset)); };
 
+    constexpr ValueOffsets one = offsetsOf(Stage::One);
+    constexpr ValueOffsets two = offsetsOf(Stage::Two);
+
     MeasureSample sample;
     sample.timeMs = timeMs;
-    sample.x1 = signedAt(4);
-    sample.y1 = signedAt(6);
-    sample.intensity1 = unsignedAt(8);
-    sample.x2 = signedAt(10);
-    sample.y2 = signedAt(12);
-    sample.intensity2 = unsignedAt(14);
-    sample.rx1 = signedAt(16);
-    sample.ry1 = signedAt(18);
-    sample.rx2 = signedAt(20);
-    sample.ry2 = signedAt(22);
+    sample.x1 = signedAt(one.x);
+    sample.y1 = signedAt(one.y);
+    sample.intensity1 = unsignedAt(one.intensity);
+    sample.rx1 = signedAt(one.rangeX);
+    sample.ry1 = signedAt(one.rangeY);
+    sample.x2 = signedAt(two.x);
+    sample.y2 = signedAt(two.y);
+    sample.intensity2 = unsignedAt(two.intensity);
+    sample.rx2 = signedAt(two.rangeX);
+    sample.ry2 = signedAt(two.rangeY);
 
     if (hasFlags(firmwareVersion)) {
-        const char flagsA = bytes[flagsAOffset];
+        const auto flagsA = static_cast<quint8>(bytes[flagsAOffset]);
         const char flagsB = bytes[flagsBOffset];
-        sample.stabilised1 = bit(flagsA, statusflag::stabilised1);
-        sample.stabilised2 = bit(flagsA, statusflag::stabilised2);
-        sample.active1 = bit(flagsA, statusflag::active1);
-        sample.active2 = bit(flagsA, statusflag::active2);
-        sample.multiplex1 = bit(flagsB, multiplex1);
-        sample.multiplex2 = bit(flagsB, multiplex2);
+        sample.stabilised1 = statusflag::isStabilised(flagsA, Stage::One);
+        sample.stabilised2 = statusflag::isStabilised(flagsA, Stage::Two);
+        sample.active1 = statusflag::isActive(flagsA, Stage::One);
+        sample.active2 = statusflag::isActive(flagsA, Stage::Two);
+        sample.multiplex1 = isSet(flagsB, multiplex1);
+        sample.multiplex2 = isSet(flagsB, multiplex2);
     }
     return sample;
 }

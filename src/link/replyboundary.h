@@ -6,6 +6,9 @@
 
 class QIODevice;
 
+/// How long a connection looks for the boundary.
+constexpr int boundarySearchMs = 1000;
+
 /// Re-finds the boundary of replies after one was lost: reads byte by byte until a refusal has
 /// passed or `limit` is reached, and calls `pause` between two looks at the device.
 ///

@@ -14,8 +14,6 @@
 
 namespace {
 
-constexpr int resyncMs = 1000;
-
 /// A driver without these requests changes nothing, which does no harm.
 void requestLowLatency(int descriptor)
 {
@@ -149,8 +147,9 @@ void SerialPort::discardInput()
 void SerialPort::resync()
 {
     logMessage().debug() << "Resyncing (serial)";
-    sendMessage("GSF;", command::statusFlagsReplyLength);
-    findReplyBoundary(*device(), QDeadlineTimer(resyncMs), [] {
+    const CommandFrame question = command::statusRequest();
+    sendMessage(question.message, question.answerLength);
+    findReplyBoundary(*device(), QDeadlineTimer(boundarySearchMs), [] {
         QCoreApplication::processEvents();
         msleep(1);
     });

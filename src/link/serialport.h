@@ -15,7 +15,7 @@ public:
     ~SerialPort() override;
 
     QString address() const override { return portName; }
-    int connectionType() const override { return 0; }
+    int connectionType() const override { return int(ConnectionType::Serial); }
     /// Stores name and rate; returns whether the name is that of a serial adapter or port. The
     /// name has no directory.
     bool init(const QString& address, int baudOrPort) override;

@@ -27,8 +27,8 @@ constexpr bool isInDoubt(StreamStart start)
     return hasFailed(start) || start == StreamStart::EmptyReply;
 }
 
-/// "Stop the stream, talk, start it again": quiets a connection for an exchange and brings its
-/// stream back with the rate that it had. Without a running stream it does nothing.
+/// Quiets a connection for an exchange and brings its stream back with the rate that it had.
+/// Without a running stream it does nothing.
 class StreamPause
 {
 public:
@@ -44,6 +44,17 @@ private:
     bool wasStreaming;
     int rateHz;
 };
+
+/// "Stop the stream, talk, start it again": does `work` while the connection has no stream. The
+/// stream comes back as by `StreamPause::resume`, and what came of its start is returned. Blocks
+/// for all of it.
+template <typename Work>
+StreamStart onQuietLink(Connection& connection, int fallbackRateHz, const Work& work)
+{
+    StreamPause pause(connection);
+    work();
+    return pause.resume(fallbackRateHz);
+}
 
 /// The rate at which a stream is started that had `rateHz`: that, or the fallback, cut to what a
 /// connection accepts, if the connection never accepted one.

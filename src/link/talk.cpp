@@ -27,20 +27,20 @@ void awaitNews(const Connection& connection)
 
 StopTalk::StopTalk(Connection& talkedTo, int stops, Unanswered unanswered)
     : connection(talkedTo)
-    , left(stops)
+    , stopsLeft(stops)
     , repeats(unanswered == Unanswered::Repeated)
 {}
 
 bool StopTalk::advance()
 {
     QByteArray ignored;
-    while (left > 0) {
+    while (stopsLeft > 0) {
         const std::optional<bool> answered = turn.advance(connection, command::stop(), ignored);
         if (!answered)
             return false;
-        --left;
-        if (left == 0 && !*answered && std::exchange(repeats, false))
-            left = 1;
+        --stopsLeft;
+        if (stopsLeft == 0 && !*answered && std::exchange(repeats, false))
+            stopsLeft = 1;
     }
     return true;
 }

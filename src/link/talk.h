@@ -38,15 +38,14 @@ public:
     /// Whether a stop that was not answered is sent once more.
     enum class Unanswered { Left, Repeated };
 
-    /// Sends as many stops; for the last one of them counts what happens to unanswered ones. The
-    /// connection has to live longer than this.
+    /// `unanswered` applies to the last stop only. The connection has to live longer than this.
     StopTalk(Connection& connection, int stops, Unanswered unanswered);
 
     bool advance();
 
 private:
     Connection& connection;
-    int left;
+    int stopsLeft;
     bool repeats;
     TalkTurn turn;
 };

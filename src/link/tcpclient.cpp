@@ -1,6 +1,7 @@
 #include "link/tcpclient.h"
 
 #include "app/logging.h"
+#include "link/baudrates.h"
 #include "link/replyboundary.h"
 
 #include <QCoreApplication>
@@ -10,15 +11,13 @@
 namespace {
 
 constexpr int portLimit = 65536;
-/// The adapter talks to the controller at this rate, whatever the network does.
-constexpr int adapterBaudRate = 921600;
-constexpr int resyncMs = 1000;
 
 } // namespace
 
 TcpClient::TcpClient()
 {
-    setBaudRate(adapterBaudRate);
+    // The adapter talks to the controller at this rate, whatever the network does.
+    setBaudRate(baudrate::fast);
 }
 
 TcpClient::~TcpClient()
@@ -114,8 +113,9 @@ void TcpClient::discardInput()
 void TcpClient::resync()
 {
     logMessage().debug() << "Resyncing (TCP)";
+    const CommandFrame question = command::statusRequest();
     if (!isStreaming())
-        sendMessage("GSF;", command::statusFlagsReplyLength);
-    findReplyBoundary(*device(), QDeadlineTimer(resyncMs), [] { msleep(1); });
+        sendMessage(question.message, question.answerLength);
+    findReplyBoundary(*device(), QDeadlineTimer(boundarySearchMs), [] { msleep(1); });
     logMessage().debug() << "Finished resyncing (TCP)";
 }

@@ -20,7 +20,7 @@ public:
     ~TcpClient() override;
 
     QString address() const override { return hostText; }
-    int connectionType() const override { return 1; }
+    int connectionType() const override { return int(ConnectionType::Tcp); }
     /// Takes a numeric address, not a name, and a port below 65536.
     bool init(const QString& address, int baudOrPort) override;
     int portOrBaud() const override { return port; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/connectiontype.h"
 #include "model/detector.h"
 
 #include <QString>
@@ -30,8 +31,6 @@ public:
 private:
     std::array<char, N> characters{};
 };
-
-enum class ConnectionType : int { Serial = 0, Tcp = 1 };
 
 /// The stored record of one connection, as the setup file keeps it.
 struct ConnectionSettings

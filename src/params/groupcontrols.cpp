@@ -24,9 +24,16 @@ void GroupControls::reset()
         buttons.allow(*button, true);
 }
 
-void GroupControls::restart(StreamPause& pause)
+void GroupControls::onQuietLink(Connection& connection, const std::function<void()>& work)
 {
-    if (isInDoubt(pause.resume(sources.samplingRateHz())))
+    const WaitCursor waiting;
+    buttons.lock();
+    tellIfInDoubt(::onQuietLink(connection, sources.samplingRateHz(), work));
+}
+
+void GroupControls::tellIfInDoubt(StreamStart start)
+{
+    if (isInDoubt(start))
         emit streamFailed();
 }
 
@@ -40,15 +47,13 @@ void GroupControls::noteLocked(const Connection& connection, Stage stage, bool i
 
 void GroupControls::lockStage(Connection& connection, Stage stage)
 {
-    const WaitCursor waiting;
-    buttons.lock();
-    QPushButton& button = *widgets.lockStage[indexOf(stage)];
-    // Kept: a stage that has left is led away once more, and cannot be asked again.
-    if (!sources.stateOf(connection).isOnCommonPath[indexOf(stage)])
-        buttons.allow(button, false);
-    StreamPause pause(connection);
-    noteLocked(connection, stage, leaveCommonPath(connection, stage), button);
-    restart(pause);
+    onQuietLink(connection, [&] {
+        QPushButton& button = *widgets.lockStage[indexOf(stage)];
+        // Kept: a stage that has left is led away once more, and cannot be asked again.
+        if (!sources.stateOf(connection).isOnCommonPath[indexOf(stage)])
+            buttons.allow(button, false);
+        noteLocked(connection, stage, leaveCommonPath(connection, stage), button);
+    });
 }
 
 Connection* GroupControls::findPartner(const Systems& systems, std::size_t current)
@@ -72,15 +77,13 @@ void GroupControls::lockPartner(const Systems& systems, std::size_t current)
         buttons.allow(widgets.lockPartner, false);
         return;
     }
-    const WaitCursor waiting;
-    buttons.lock();
-    StreamPause pause(*partner);
-    std::array<bool, 2> isOff{};
-    for (const Stage stage : bothStages)
-        isOff[indexOf(stage)] = leaveCommonPath(*systems[current], stage);
-    for (const Stage stage : bothStages)
-        noteLocked(*partner, stage, isOff[indexOf(stage)], widgets.lockPartner);
-    restart(pause);
+    onQuietLink(*partner, [&] {
+        std::array<bool, 2> isOff{};
+        for (const Stage stage : bothStages)
+            isOff[indexOf(stage)] = leaveCommonPath(*systems[current], stage);
+        for (const Stage stage : bothStages)
+            noteLocked(*partner, stage, isOff[indexOf(stage)], widgets.lockPartner);
+    });
 }
 
 void GroupControls::applyPositions(const Systems& systems, std::size_t current)
@@ -100,6 +103,7 @@ void GroupControls::applyPositions(const Systems& systems, std::size_t current)
         emit failed(tr("The second subsystem didn't respond. Please retry."));
     else if (overlay == Overlay::ValuesMissing)
         emit failed(tr("The values of the common detector were not available. Please retry."));
-    restart(pauseOfCurrent);
-    restart(pauseOfPartner);
+    // In the order in which they stopped, so neither pause is inside the other.
+    tellIfInDoubt(pauseOfCurrent.resume(sources.samplingRateHz()));
+    tellIfInDoubt(pauseOfPartner.resume(sources.samplingRateHz()));
 }

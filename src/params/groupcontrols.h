@@ -6,6 +6,7 @@
 #include <QObject>
 
 #include <array>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -13,7 +14,7 @@ class Connection;
 class ExchangeButtons;
 class QLabel;
 class QPushButton;
-class StreamPause;
+enum class StreamStart;
 
 /// The controls of the parameter dialog that concern a common detector: they lead a stage of the
 /// system on display away from it, and bring the beams of the other system of the group onto those
@@ -54,7 +55,8 @@ signals:
 private:
     /// The other system of the group. Null, and told, if there is none.
     Connection* findPartner(const Systems& systems, std::size_t current);
-    void restart(StreamPause& pause);
+    void onQuietLink(Connection& connection, const std::function<void()>& work);
+    void tellIfInDoubt(StreamStart start);
     /// `isOff` if the controller led the stage away from the common detector.
     void noteLocked(const Connection& connection, Stage stage, bool isOff, QPushButton& button);
 

@@ -1,5 +1,6 @@
 #include "params/grouping.h"
 
+#include "link/ask.h"
 #include "link/commandframe.h"
 #include "link/connection.h"
 #include "link/replyforms.h"
@@ -8,19 +9,9 @@
 
 namespace {
 
-using StageCommand = void (Connection::*)(const QByteArray&);
-
-QByteArray exchange(Connection& connection, StageCommand setter, const QByteArray& argument)
+bool isAcceptedOf(Connection& connection, ArgumentCommand setter, Stage stage)
 {
-    (connection.*setter)(argument);
-    QByteArray reply;
-    connection.fetchReply(reply);
-    return reply;
-}
-
-bool isAcceptedOf(Connection& connection, StageCommand setter, Stage stage)
-{
-    return command::isAcceptedByOne(exchange(connection, setter, command::stageArgument(stage)));
+    return command::isAcceptedByOne(ask(connection, setter, command::stageArgument(stage)));
 }
 
 /// Whether both stages are there behind it.
@@ -37,7 +28,7 @@ bool setTarget(Connection& partner, Stage stage, BeamAxis axis, int positionMv)
 {
     const QByteArray argument =
         command::stageAxisValueArgument(stage, axis, static_cast<qint16>(positionMv));
-    return command::isAccepted(exchange(partner, &Connection::setAdjustIn, argument));
+    return command::isAccepted(ask(partner, &Connection::setAdjustIn, argument));
 }
 
 bool setTargets(Connection& partner, const std::array<AxisValues, 2>& positions)
@@ -68,15 +59,15 @@ bool leaveCommonPath(Connection& connection, Stage stage)
 
 std::optional<std::array<AxisValues, 2>> commonPositions(const QByteArray& reply)
 {
-    constexpr int statusBytes = 2;
     constexpr int stageBytes = 4;
-    constexpr int lastValueEnd = statusBytes + 2 * stageBytes;
-    if (!command::isLongerThan(reply, statusBytes) || !command::isAcceptedByOne(reply))
+    constexpr int lastValueEnd = command::payloadOffset + 2 * stageBytes;
+    if (!command::isLongerThan(reply, command::statusReplyLength)
+        || !command::isAcceptedByOne(reply))
         return std::nullopt;
     const QByteArray whole = reply.leftJustified(lastValueEnd, '\0');
     std::array<AxisValues, 2> positions;
     for (const Stage stage : bothStages) {
-        const int offset = statusBytes + int(indexOf(stage)) * stageBytes;
+        const int offset = command::payloadOffset + int(indexOf(stage)) * stageBytes;
         positions[indexOf(stage)] = {command::signedValueAt(whole.constData(), offset),
                                      command::signedValueAt(whole.constData(), offset + 2)};
     }
@@ -88,10 +79,7 @@ Overlay overlayPartner(Connection& reference, Connection& partner,
 {
     if (!bringToCommonPath(partner, isPartnerThere))
         return Overlay::PartnerSilent;
-    reference.getCommonAdjustment();
-    QByteArray reply;
-    reference.fetchReply(reply);
-    const auto positions = commonPositions(reply);
+    const auto positions = commonPositions(ask(reference, &Connection::getCommonAdjustment));
     if (!positions)
         return Overlay::ValuesMissing;
     return setTargets(partner, *positions) ? Overlay::Applied : Overlay::PartnerSilent;

@@ -1,42 +1,39 @@
 #include "params/holding.h"
 
+#include "link/ask.h"
 #include "link/connection.h"
+#include "link/packet.h"
 #include "link/replyforms.h"
-#include "params/packetpositions.h"
 
 namespace {
 
 std::optional<QPointF> readPosition(Connection& connection, Stage stage)
 {
-    connection.triggerOneShot();
-    QByteArray packet;
-    connection.fetchReply(packet);
-    if (!isPacket(packet))
+    const QByteArray reply = ask(connection, &Connection::triggerOneShot);
+    if (!packet::isWhole(reply))
         return std::nullopt;
-    return shownHoldPosition(packet, stage);
+    return shownHoldPosition(reply, stage);
 }
 
 bool hold(Connection& connection, Stage stage)
 {
-    connection.setAndHold(command::stageArgument(stage));
-    QByteArray reply;
-    connection.fetchReply(reply);
-    return command::isAcceptedByTwo(reply);
+    return command::isAcceptedByTwo(
+        ask(connection, &Connection::setAndHold, command::stageArgument(stage)));
 }
 
-double shownValue(const QByteArray& packet, int offset)
+double shownValue(const QByteArray& packetBytes, int offset)
 {
-    const auto high = static_cast<qint8>(packet.at(offset));
-    const auto low = static_cast<quint8>(packet.at(offset + 1));
+    const auto high = static_cast<qint8>(packetBytes.at(offset));
+    const auto low = static_cast<quint8>(packetBytes.at(offset + 1));
     return high * 256 + low / 1000.0;
 }
 
 } // namespace
 
-QPointF shownHoldPosition(const QByteArray& packet, Stage stage)
+QPointF shownHoldPosition(const QByteArray& packetBytes, Stage stage)
 {
-    const int offset = positionOffset(stage);
-    return {shownValue(packet, offset), shownValue(packet, offset + 2)};
+    const packet::ValueOffsets offsets = packet::offsetsOf(stage);
+    return {shownValue(packetBytes, offsets.x), shownValue(packetBytes, offsets.y)};
 }
 
 HoldResult holdPosition(Connection& connection, Stage stage)

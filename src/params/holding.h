@@ -26,4 +26,4 @@ HoldResult holdPosition(Connection& connection, Stage stage);
 /// The position of a stage in a packet as the fields show it until they are read anew. Only the low
 /// byte is divided, so that what is shown is rarely the position in volts: kept as it is, since it
 /// lasts no longer than the exchange.
-QPointF shownHoldPosition(const QByteArray& packet, Stage stage);
+QPointF shownHoldPosition(const QByteArray& packetBytes, Stage stage);

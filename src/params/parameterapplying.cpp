@@ -1,5 +1,6 @@
 #include "params/parameterapplying.h"
 
+#include "link/ask.h"
 #include "link/connection.h"
 #include "link/replyforms.h"
 
@@ -25,12 +26,9 @@ public:
     std::vector<ApplyFailure> run();
 
 private:
-    using Setter = void (Connection::*)(const QByteArray&);
-
     const StageWishes& of(Stage stage) const { return wishes[indexOf(stage)]; }
-    /// Whether a reply came, which is put into `reply`.
-    bool send(Setter setter, const QByteArray& argument, QByteArray& reply);
-    bool isTaken(Setter setter, const QByteArray& argument);
+    bool isTaken(ArgumentCommand setter, const QByteArray& argument);
+    bool isAnswered(ArgumentCommand setter, const QByteArray& argument);
     void fail(What what, Stage stage, BeamAxis axis = BeamAxis::X)
     {
         failures.push_back({what, stage, axis});
@@ -46,16 +44,17 @@ private:
     std::vector<ApplyFailure> failures;
 };
 
-bool Application::send(Setter setter, const QByteArray& argument, QByteArray& reply)
+bool Application::isTaken(ArgumentCommand setter, const QByteArray& argument)
 {
-    (connection.*setter)(argument);
-    return connection.fetchReply(reply);
+    return command::isAccepted(ask(connection, setter, argument));
 }
 
-bool Application::isTaken(Setter setter, const QByteArray& argument)
+/// A reply that was too short is one, too.
+bool Application::isAnswered(ArgumentCommand setter, const QByteArray& argument)
 {
-    QByteArray reply;
-    return send(setter, argument, reply) && command::isAccepted(reply);
+    (connection.*setter)(argument);
+    QByteArray ignored;
+    return connection.fetchReply(ignored);
 }
 
 QByteArray valueArgument(Stage stage, int valueMv)
@@ -66,10 +65,9 @@ QByteArray valueArgument(Stage stage, int valueMv)
 /// Of the external input only silence is a failure: a reply of any kind will do.
 bool Application::setPFactor(Stage stage, const std::optional<int>& wishMv)
 {
-    const Setter setter = &Connection::setPFactor;
-    QByteArray reply;
+    const ArgumentCommand setter = &Connection::setPFactor;
     const bool taken = wishMv ? isTaken(setter, valueArgument(stage, *wishMv))
-                              : send(setter, valueArgument(stage, externalMv), reply);
+                              : isAnswered(setter, valueArgument(stage, externalMv));
     if (!taken)
         fail(wishMv ? What::PFactor : What::ExternalPFactor, stage);
     return taken;

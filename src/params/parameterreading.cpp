@@ -1,15 +1,16 @@
 #include "params/parameterreading.h"
 
+#include "link/ask.h"
 #include "link/connection.h"
+#include "link/packet.h"
 #include "link/replyforms.h"
-#include "params/packetpositions.h"
 
 namespace {
 
-constexpr int flagsOffset = 2;
-constexpr int valueOffset = 2;
-constexpr int flagsEnd = flagsOffset + 1;
-constexpr int valueEnd = valueOffset + 2;
+using command::payloadOffset;
+
+constexpr int flagsEnd = payloadOffset + 1;
+constexpr int valueEnd = payloadOffset + 2;
 
 /// Asks one question after the other and keeps account of the answers.
 class Questionnaire final
@@ -22,16 +23,13 @@ public:
     ParameterReading run();
 
 private:
-    using Question = void (Connection::*)();
-    using StageQuestion = void (Connection::*)(const QByteArray&);
-
     QByteArray fetch();
     void noteUnread(const QString& what) { reading.unread.append(what); }
     void readFlags();
     void readPositions();
-    int readValue(StageQuestion question, const QByteArray& argument, const QString& name);
+    int readValue(ArgumentCommand question, const QByteArray& argument, const QString& name);
     void readAdjustIn();
-    void readOfBothStages(StageQuestion question, const char* name, int StageParameters::*value);
+    void readOfBothStages(ArgumentCommand question, const char* name, int StageParameters::*value);
 
     Connection& connection;
     ParameterReading reading;
@@ -39,8 +37,7 @@ private:
 
 QByteArray Questionnaire::fetch()
 {
-    QByteArray reply;
-    connection.fetchReply(reply);
+    const QByteArray reply = replyOf(connection);
     reading.isAnswered |= !reply.isEmpty();
     return reply;
 }
@@ -50,7 +47,7 @@ void Questionnaire::readFlags()
     connection.getStatusFlags();
     const QByteArray reply = fetch();
     if (command::isAccepted(reply, flagsEnd))
-        reading.statusFlags = static_cast<quint8>(reply.at(flagsOffset));
+        reading.statusFlags = static_cast<quint8>(reply.at(payloadOffset));
     else
         noteUnread(QStringLiteral("GSF"));
 }
@@ -58,28 +55,28 @@ void Questionnaire::readFlags()
 void Questionnaire::readPositions()
 {
     connection.triggerOneShot();
-    const QByteArray packet = fetch();
-    if (!isPacket(packet)) {
+    const QByteArray reply = fetch();
+    if (!packet::isWhole(reply)) {
         noteUnread(QStringLiteral("S1S"));
         return;
     }
     reading.positions.emplace();
     for (const Stage stage : bothStages) {
-        const int offset = positionOffset(stage);
+        const packet::ValueOffsets offsets = packet::offsetsOf(stage);
         (*reading.positions)[indexOf(stage)] = {
-            command::signedValueAt(packet.constData(), offset),
-            command::signedValueAt(packet.constData(), offset + 2)};
+            command::signedValueAt(reply.constData(), offsets.x),
+            command::signedValueAt(reply.constData(), offsets.y)};
     }
 }
 
 /// 0 if it can not be read.
-int Questionnaire::readValue(StageQuestion question, const QByteArray& argument,
+int Questionnaire::readValue(ArgumentCommand question, const QByteArray& argument,
                              const QString& name)
 {
     (connection.*question)(argument);
     const QByteArray reply = fetch();
     if (command::isAccepted(reply, valueEnd))
-        return command::signedValueAt(reply.constData(), valueOffset);
+        return command::signedValueAt(reply.constData(), payloadOffset);
     noteUnread(name);
     return 0;
 }
@@ -97,7 +94,7 @@ void Questionnaire::readAdjustIn()
     }
 }
 
-void Questionnaire::readOfBothStages(StageQuestion question, const char* name,
+void Questionnaire::readOfBothStages(ArgumentCommand question, const char* name,
                                      int StageParameters::*value)
 {
     for (const Stage stage : bothStages) {

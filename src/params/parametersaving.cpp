@@ -1,10 +1,12 @@
 #include "params/parametersaving.h"
 
 #include "app/logging.h"
+#include "link/ask.h"
 #include "link/connection.h"
 #include "link/identification.h"
 #include "model/connectionsettings.h"
 #include "model/detectorpair.h"
+#include "setup/recordroom.h"
 #include "setup/settings.h"
 
 namespace {
@@ -12,18 +14,14 @@ namespace {
 /// Whether a record, and the name of its device in the file, can be made of an identification.
 bool fitsRecord(const QString& id)
 {
-    return !deviceKey(id).isEmpty() && decltype(ConnectionSettings::id)::fits(id)
-           && decltype(ConnectionSettings::serial)::fits(deviceKey(id));
+    return canBeStored(id) && !deviceKey(id).isEmpty();
 }
 
 } // namespace
 
 bool saveDetectors(Connection& connection, const DetectorPair& detectors, Settings& settings)
 {
-    connection.getControllerId();
-    QByteArray reply;
-    connection.fetchReply(reply);
-    const ControllerIdentity identity = readIdentity(reply);
+    const ControllerIdentity identity = readIdentity(ask(connection, &Connection::getControllerId));
     if (!identity.isController || !fitsRecord(identity.id)) {
         logMessage().warning() << "Detectors not saved: the controller did not say who it is";
         return false;

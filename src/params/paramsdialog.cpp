@@ -22,7 +22,6 @@ namespace {
 constexpr quint8 pFactorBySoftware = 0x01;
 /// By stage.
 constexpr std::array<quint8, 2> adjustBySoftware{0x02, 0x04};
-constexpr std::array<quint8, 2> stabilised{statusflag::stabilised1, statusflag::stabilised2};
 
 /// The firmware that lets software set the sensitivity also sends packets by triggers.
 bool isRecent(const Connection& connection)
@@ -176,9 +175,11 @@ bool ParamsDialog::isOperable() const
     return current && current->connection->isConnected();
 }
 
-void ParamsDialog::restartStream(StreamPause& pause)
+void ParamsDialog::onQuietLink(const std::function<void()>& work)
 {
-    if (isInDoubt(pause.resume(sources.samplingRateHz())))
+    const WaitCursor waiting;
+    buttons.lock();
+    if (isInDoubt(::onQuietLink(*current->connection, sources.samplingRateHz(), work)))
         emit errorStream();
 }
 
@@ -194,12 +195,11 @@ bool ParamsDialog::readAndShow()
 {
     if (!isOperable())
         return false;
-    const WaitCursor waiting;
-    buttons.lock();
-    StreamPause pause(*current->connection);
-    const ParameterReading reading = readParameters(*current->connection);
-    showReading(reading);
-    restartStream(pause);
+    ParameterReading reading;
+    onQuietLink([&] {
+        reading = readParameters(*current->connection);
+        showReading(reading);
+    });
     return reading.isAnswered;
 }
 
@@ -222,7 +222,7 @@ void ParamsDialog::showReading(const ParameterReading& reading)
         view.showSensitivity(parameters.sensitivityMv, offersSensitivity());
         view.showDetector(*current->detectors[indexOf(stage)]);
         if (reading.statusFlags)
-            offerHold(stage, (*reading.statusFlags & stabilised[indexOf(stage)]) != 0);
+            offerHold(stage, statusflag::isStabilised(*reading.statusFlags, stage));
     }
     if (isRecent(*current->connection))
         ui->checkBoxDisplayLowRepetitionWithTriggers->setChecked(current->detectors.pulsedLaser
@@ -240,15 +240,13 @@ void ParamsDialog::apply()
 {
     if (!isOperable())
         return;
-    const WaitCursor waiting;
-    buttons.lock();
-    StreamPause pause(*current->connection);
-    const std::vector<ApplyFailure> failures = applyParameters(
-        *current->connection, {viewOf(Stage::One).wishes(), viewOf(Stage::Two).wishes()});
-    storeDetectors();
-    for (const ApplyFailure& failure : failures)
-        fallBack(failure);
-    restartStream(pause);
+    onQuietLink([this] {
+        const std::vector<ApplyFailure> failures = applyParameters(
+            *current->connection, {viewOf(Stage::One).wishes(), viewOf(Stage::Two).wishes()});
+        storeDetectors();
+        for (const ApplyFailure& failure : failures)
+            fallBack(failure);
+    });
 }
 
 void ParamsDialog::storeDetectors()
@@ -285,12 +283,10 @@ void ParamsDialog::save()
 {
     if (!isOperable())
         return;
-    const WaitCursor waiting;
-    buttons.lock();
-    StreamPause pause(*current->connection);
-    if (!saveDetectors(*current->connection, current->detectors, settings))
-        tell(tr("The settings were not saved."));
-    restartStream(pause);
+    onQuietLink([this] {
+        if (!saveDetectors(*current->connection, current->detectors, settings))
+            tell(tr("The settings were not saved."));
+    });
 }
 
 void ParamsDialog::hold(Stage stage)
@@ -301,15 +297,13 @@ void ParamsDialog::hold(Stage stage)
         view.shutPosition();
     if (!current)
         return;
-    const WaitCursor waiting;
-    buttons.lock();
-    StreamPause pause(*current->connection);
-    const HoldResult result = holdPosition(*current->connection, stage);
-    if (result.shownPosition)
-        view.showPosition(*result.shownPosition);
-    if (result.isTaken)
-        buttons.allow(holdButton(stage), false);
-    restartStream(pause);
+    onQuietLink([&] {
+        const HoldResult result = holdPosition(*current->connection, stage);
+        if (result.shownPosition)
+            view.showPosition(*result.shownPosition);
+        if (result.isTaken)
+            buttons.allow(holdButton(stage), false);
+    });
     view.storeDetector(current->detectors, stage);
     // Kept: holding stage 1 leaves it.
     if (stage == Stage::Two)

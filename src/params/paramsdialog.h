@@ -11,13 +11,13 @@
 #include <QDialog>
 
 #include <array>
+#include <functional>
 #include <list>
 #include <memory>
 
 class Connection;
 class QMessageBox;
 class QPushButton;
-class StreamPause;
 struct ConnectionSettings;
 struct ParameterReading;
 
@@ -116,7 +116,8 @@ private:
     bool isOperable() const;
     GroupControls::Systems connections() const;
     std::size_t currentPlace() const;
-    void restartStream(StreamPause& pause);
+    /// Does the work at the system on display while its stream is stopped.
+    void onQuietLink(const std::function<void()>& work);
     void tell(const QString& failure);
 
     void reset();

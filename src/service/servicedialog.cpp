@@ -2,12 +2,12 @@
 
 #include "app/logging.h"
 #include "controls/waitcursor.h"
+#include "link/ask.h"
 #include "link/commandframe.h"
 #include "link/connection.h"
 #include "link/linkup.h"
 #include "link/replyforms.h"
 #include "link/streampause.h"
-#include "model/connectionsettings.h"
 #include "service/servicetests.h"
 #include "service/servicetexts.h"
 #include "service/speedtest.h"
@@ -43,9 +43,7 @@ void ServiceDialog::setConnection(Connection& connection)
 {
     serviceConnection = &connection;
     onQuietLink([this] {
-        serviceConnection->getControllerId();
-        QByteArray reply;
-        serviceConnection->fetchReply(reply);
+        const QByteArray reply = ask(*serviceConnection, &Connection::getControllerId);
         ui->boardId_Label->setText(servicetexts::boardId(reply));
         showAddress();
         restartStream();
@@ -62,8 +60,7 @@ void ServiceDialog::forget(const Connection* connection)
 
 void ServiceDialog::showAddress()
 {
-    const auto type = static_cast<ConnectionType>(serviceConnection->connectionType());
-    const bool overNetwork = type == ConnectionType::Tcp;
+    const bool overNetwork = serviceConnection->type() == ConnectionType::Tcp;
     for (QLabel* label : {ui->PortText, ui->portLabel})
         label->setVisible(overNetwork);
     if (overNetwork)
@@ -108,8 +105,7 @@ void ServiceDialog::run(const ServiceTest& test)
 {
     onQuietLink([this, &test] {
         test.send(*serviceConnection);
-        QByteArray reply;
-        serviceConnection->fetchReply(reply);
+        const QByteArray reply = replyOf(*serviceConnection);
         if (test.order == ServiceTest::Order::RestartFirst)
             restartStream();
         for (const QString& result : test.results(reply, serviceConnection->firmwareVersion()))
@@ -169,9 +165,8 @@ void ServiceDialog::testSpeed()
 void ServiceDialog::changeBaudRate()
 {
     const QString rate = ui->comboBox->itemText(qMax(ui->comboBox->currentIndex(), 0));
-    serviceConnection->setControllerBaudRate(command::baudRateArgument(rate.toInt()));
-    QByteArray reply;
-    serviceConnection->fetchReply(reply);
+    const QByteArray reply = ask(*serviceConnection, &Connection::setControllerBaudRate,
+                                 command::baudRateArgument(rate.toInt()));
     if (!command::isAcceptedByOne(reply)) {
         // Kept: a stream that was stopped for this stays stopped.
         tell(tr("Set Baudrate: Failed\n"));

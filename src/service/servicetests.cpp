@@ -1,6 +1,7 @@
 #include "service/servicetests.h"
 
 #include "app/logging.h"
+#include "link/ask.h"
 #include "link/commandframe.h"
 #include "link/connection.h"
 #include "service/servicetexts.h"
@@ -10,9 +11,6 @@
 namespace servicetests {
 
 namespace {
-
-using Command = void (Connection::*)(const QByteArray&);
-using PlainCommand = void (Connection::*)();
 
 QString tr(const char* text)
 {
@@ -25,7 +23,7 @@ ServiceTest asking(PlainCommand command, QString (*text)(const QByteArray&))
             [text](const QByteArray& reply, int) { return QStringList{text(reply)}; }};
 }
 
-ServiceTest setting(Command command, const QByteArray& argument, const QString& what)
+ServiceTest setting(ArgumentCommand command, const QByteArray& argument, const QString& what)
 {
     return {[command, argument](Connection& connection) { (connection.*command)(argument); },
             [what](const QByteArray& reply, int) {
@@ -33,11 +31,12 @@ ServiceTest setting(Command command, const QByteArray& argument, const QString& 
             }};
 }
 
-ServiceTest switching(Command command, Stages stages, const QString& what)
+ServiceTest switching(ArgumentCommand command, Stages stages, const QString& what)
 {
-    const QByteArray argument = command::stageArgument(static_cast<Stage>(stages));
-    const QString names =
-        stages == Stages::Both ? QStringLiteral("1+2") : QString::number(static_cast<int>(stages));
+    const int number = static_cast<int>(stages);
+    const QByteArray argument =
+        QByteArray(1, static_cast<char>(number)).append(command::terminator);
+    const QString names = stages == Stages::Both ? QStringLiteral("1+2") : QString::number(number);
     return setting(command, argument, tr("%1 Stage %2").arg(what, names));
 }
 
@@ -51,7 +50,8 @@ QChar letterOf(BeamAxis axis)
     return QLatin1Char(static_cast<char>(axis));
 }
 
-ServiceTest settingMillivolts(Command command, Stage stage, int valueMv, const QString& what)
+ServiceTest settingMillivolts(ArgumentCommand command, Stage stage, int valueMv,
+                              const QString& what)
 {
     return setting(command, command::stageValueArgument(stage, static_cast<qint16>(valueMv)),
                    tr("%1 stage %2 to %3mV").arg(what).arg(numberOf(stage)).arg(valueMv));
@@ -123,8 +123,7 @@ ServiceTest lastError()
 
 ServiceTest memory()
 {
-    static const QByteArray wholeMemory("\0\0\xFF;", 4);
-    return {[](Connection& connection) { connection.readFram(wholeMemory); },
+    return {[](Connection& connection) { connection.readFram(command::memoryArgument()); },
             [](const QByteArray& reply, int) {
                 logMessage().debug() << reply;
                 return servicetexts::memory(reply);

@@ -12,14 +12,11 @@ namespace servicetexts {
 
 namespace {
 
-constexpr int payloadOffset = 2;
-/// Replies with values are taken by their length alone.
-constexpr int valueReplyLength = 5;
-constexpr int errorReplyLength = 7;
+using command::memoryBytes;
+using command::payloadOffset;
+
 constexpr int errorLetters = 3;
 constexpr int errorCodeOffset = payloadOffset + errorLetters;
-constexpr int memoryBytes = 255;
-constexpr int memoryReplyLength = payloadOffset + memoryBytes + 1;
 constexpr int hexadecimal = 16;
 
 QString tr(const char* text)
@@ -30,6 +27,12 @@ QString tr(const char* text)
 QString pair(int one, int two)
 {
     return QStringLiteral("%1 / %2").arg(one).arg(two);
+}
+
+/// Replies with values are taken by their length alone.
+bool hasValue(const QByteArray& reply)
+{
+    return reply.size() >= command::valueReplyLength;
 }
 
 QString beam(qint16 x, qint16 y, quint16 intensity)
@@ -78,14 +81,14 @@ QString outcomeOfMillivolts(const QString& what, const QByteArray& reply)
 
 QString intensity(const QByteArray& reply)
 {
-    if (!command::isLongerThan(reply, valueReplyLength - 1))
+    if (!hasValue(reply))
         return tr("Get Intensity: failed - no response\n");
     return tr("Get Intensity:%1\n").arg(command::signedValueAt(reply.constData(), payloadOffset));
 }
 
 QString activeSignal(const QByteArray& reply)
 {
-    if (!command::isLongerThan(reply, valueReplyLength - 1))
+    if (!hasValue(reply))
         return tr("Get Active Signal: failed - no response\n");
     const auto isActive = [&](int stage) { return reply.at(payloadOffset + stage) != 0 ? 1 : 0; };
     return tr("Get Active Signal: \n  Active 1: %1\n  Active 2: %2\n")
@@ -96,14 +99,14 @@ QString activeSignal(const QByteArray& reply)
 QStringList oneShot(const QByteArray& reply, int firmwareVersion)
 {
     QStringList texts{outcome(tr("Trigger One Shot"), reply)};
-    if (command::isAcceptedByTwo(reply) && reply.size() >= command::packetLength)
+    if (command::isAcceptedByTwo(reply) && packet::isWhole(reply))
         texts += linesOf(sampleOf(reply, firmwareVersion));
     return texts;
 }
 
 QString lastError(const QByteArray& reply)
 {
-    if (!command::isAcceptedByOne(reply) || !command::isLongerThan(reply, errorReplyLength - 1))
+    if (!command::isAcceptedByOne(reply) || reply.size() < command::errorReplyLength)
         return tr("Get Error: Failed\n");
     // Put together, as a damaged reply can have anything in the place of the letters.
     return tr("Get Error: Command:") + QString::fromLatin1(reply.mid(payloadOffset, errorLetters))
@@ -113,7 +116,7 @@ QString lastError(const QByteArray& reply)
 
 QStringList memory(const QByteArray& reply)
 {
-    if (reply.size() != memoryReplyLength)
+    if (reply.size() != command::memoryReplyLength)
         return {tr("Not supported! \n")};
     QStringList lines;
     for (int index = 0; index < memoryBytes; ++index) {

@@ -1,5 +1,6 @@
 #include "service/speedtest.h"
 
+#include "link/ask.h"
 #include "link/commandframe.h"
 #include "link/connection.h"
 
@@ -18,8 +19,7 @@ int takeAllSamples(Connection& connection)
 /// A refusal is a reply, too: of a stream that was refused no sample comes.
 bool isAnswered(Connection& connection)
 {
-    QByteArray reply;
-    return connection.fetchReply(reply) && reply.size() >= command::statusReplyLength;
+    return replyOf(connection).size() >= command::statusReplyLength;
 }
 
 } // namespace

@@ -47,6 +47,18 @@ inline bool operator==(const ConnectionStatus& one, const ConnectionStatus& othe
     return valuesOf(one) == valuesOf(other);
 }
 
+/// Whether the stabilisation of a stage is on.
+inline bool& stabilisedFlag(ConnectionStatus& status, Stage stage)
+{
+    return stage == Stage::One ? status.stabilised1 : status.stabilised2;
+}
+
+/// Whether a stage is active.
+inline bool& activeFlag(ConnectionStatus& status, Stage stage)
+{
+    return stage == Stage::One ? status.active1 : status.active2;
+}
+
 /// Whether a stage measures with the common detector of its group.
 inline bool& multiplexFlag(ConnectionStatus& status, Stage stage)
 {

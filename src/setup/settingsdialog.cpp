@@ -3,6 +3,7 @@
 #include "app/logging.h"
 #include "app/switches.h"
 #include "controls/waitcursor.h"
+#include "link/baudrates.h"
 #include "link/interfacesearch.h"
 #include "link/serialport.h"
 #include "link/tcpclient.h"
@@ -82,7 +83,7 @@ void SettingsDialog::setInterfaceSearch(InterfaceSearch search)
 
 void SettingsDialog::prepareFields()
 {
-    for (const int baudRate : {115200, 921600})
+    for (const int baudRate : baudrate::offered)
         ui->baudrateComboBox->addItem(QString::number(baudRate), baudRate);
     for (QLineEdit* edit : {ui->serialPortLabel_2, ui->labelTcpEdit})
         edit->setValidator(makeLabelValidator(*edit));

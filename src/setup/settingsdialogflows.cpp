@@ -42,11 +42,6 @@ QString textOf(ConnectOutcome outcome, ConnectionType type)
     return QString();
 }
 
-ConnectionType typeOf(const Connection& connection)
-{
-    return static_cast<ConnectionType>(connection.connectionType());
-}
-
 } // namespace
 
 void SettingsDialog::on_connectSerialButton_clicked()
@@ -252,7 +247,7 @@ void SettingsDialog::deleteByUser(const Connection* connection)
 {
     if (!connection)
         return;
-    const formtools::BusyNote note(infoOf(typeOf(*connection)), tr("Disconnecting ..."));
+    const formtools::BusyNote note(infoOf(connection->type()), tr("Disconnecting ..."));
     systems.remove(connection);
 }
 
@@ -290,7 +285,7 @@ void SettingsDialog::disconnectByUser(const Connection* connection)
 {
     bool isEnded = false;
     if (connection) {
-        const formtools::BusyNote note(infoOf(typeOf(*connection)), tr("Disconnecting ..."));
+        const formtools::BusyNote note(infoOf(connection->type()), tr("Disconnecting ..."));
         isEnded = systems.disconnectLink(connection);
     }
     sayInBoth(isEnded ? QString() : tr("Could not disconnect."));

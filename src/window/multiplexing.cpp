@@ -1,6 +1,7 @@
 #include "window/multiplexing.h"
 
 #include "controls/waitcursor.h"
+#include "link/ask.h"
 #include "link/commandframe.h"
 #include "link/connection.h"
 #include "link/replyforms.h"
@@ -17,17 +18,6 @@ bool isStage(int number)
 {
     return std::any_of(bothStages.begin(), bothStages.end(),
                        [number](Stage stage) { return numberOf(stage) == number; });
-}
-
-QByteArray sendSwitch(Connection& connection, Stage stage, bool on)
-{
-    if (on)
-        connection.switchMultiplexingOn(command::stageArgument(stage));
-    else
-        connection.switchMultiplexingOff(command::stageArgument(stage));
-    QByteArray reply;
-    connection.fetchReply(reply);
-    return reply;
 }
 
 } // namespace
@@ -51,8 +41,8 @@ void Multiplexing::switchStage(const QString& address, bool on, int stage)
     multiplexBusy = false;
 }
 
-/// False if the call ends here. So it does at a second system with the address, which finds the
-/// first one busy and stays as it is.
+/// False if the call ends here, as it does at a second system with the address: the first one is
+/// busy, and the second one stays as it is.
 bool Multiplexing::switchSystem(LiveSystem& system, Stage stage, bool on)
 {
     bool& direction = multiplexFlag(system.status, stage);
@@ -68,9 +58,11 @@ bool Multiplexing::switchSystem(LiveSystem& system, Stage stage, bool on)
 bool Multiplexing::carryOut(Connection& connection, Stage stage, bool on)
 {
     const WaitCursor waiting;
-    StreamPause pause(connection);
-    const bool accepted = command::isAcceptedByOne(sendSwitch(connection, stage, on));
-    if (hasFailed(pause.resume(toolBar.samplingRateHz())))
+    const auto wrapper =
+        on ? &Connection::switchMultiplexingOn : &Connection::switchMultiplexingOff;
+    QByteArray reply;
+    const auto send = [&] { reply = ask(connection, wrapper, command::stageArgument(stage)); };
+    if (hasFailed(onQuietLink(connection, toolBar.samplingRateHz(), send)))
         emit streamFailed();
-    return accepted;
+    return command::isAcceptedByOne(reply);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/baudrates.h"
 #include "link/commandframe.h"
 
 /// What the field of the sampling rate shows.
@@ -19,7 +20,7 @@ public:
     static constexpr int fastLineMaxHz = command::maxSamplingRateHz;
     static constexpr int pulsedHz = 1000;
     /// A controller on a line of this baud rate can not send faster than `slowLineMaxHz`.
-    static constexpr int slowBaudRate = 115200;
+    static constexpr int slowBaudRate = baudrate::slow;
 
     static constexpr int maximumHz(bool anySlowLine)
     {

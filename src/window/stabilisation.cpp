@@ -1,6 +1,7 @@
 #include "window/stabilisation.h"
 
 #include "controls/waitcursor.h"
+#include "link/ask.h"
 #include "link/connection.h"
 #include "link/packet.h"
 #include "link/replyforms.h"
@@ -14,8 +15,6 @@ namespace {
 /// Time that a controller without status in its stream takes to have switched.
 constexpr unsigned long switchMs = 100;
 constexpr uchar failedStatus = statusflag::lastPacket;
-constexpr int statusReplyLength = 4;
-constexpr int statusOffset = 2;
 constexpr int maxFailures = 4;
 
 bool hasFailed(uchar status)
@@ -25,19 +24,15 @@ bool hasFailed(uchar status)
 
 QByteArray sendSwitch(Connection& connection, Stage stage, bool on)
 {
-    if (on)
-        connection.switchStabilisationOn(command::stageArgument(stage));
-    else
-        connection.switchStabilisationOff(command::stageArgument(stage));
-    QByteArray reply;
-    connection.fetchReply(reply);
-    return reply;
+    return ask(connection,
+               on ? &Connection::switchStabilisationOn : &Connection::switchStabilisationOff,
+               command::stageArgument(stage));
 }
 
 bool isWholeStatus(const QByteArray& reply)
 {
-    return command::isAccepted(reply) && reply.size() >= statusReplyLength
-           && reply.at(statusReplyLength - 1) == command::terminator;
+    return command::isAccepted(reply, command::statusFlagsReplyLength)
+           && reply.at(command::statusFlagsReplyLength - 1) == command::terminator;
 }
 
 } // namespace
@@ -58,22 +53,19 @@ void Stabilisation::switchAsClicked(StageView& stage)
     StageSwitch& button = stage.stabilisation();
     const bool hadFocus = button.hasFocus();
     button.setEnabled(false);
-    StreamPause pause(*system->connection);
-
-    const bool on = button.isWantedOn();
-    QByteArray reply = sendSwitch(*system->connection, stage.stage(), on);
-    if (!command::isAccepted(reply))
-        reply = sendSwitch(*system->connection, stage.stage(), on);
-    if (command::isAccepted(reply)) {
-        button.showOn(on);
-        statusflags::noteSwitch(system->status, stage.stage(), on);
-        if (!on)
-            button.showActive(false);
-    }
-    readStatusAfterSwitch(*system);
-
-    if (hasFailed(pause.resume(toolBar.samplingRateHz())))
-        emit streamFailed();
+    onQuietLink(*system->connection, [&] {
+        const bool on = button.isWantedOn();
+        QByteArray reply = sendSwitch(*system->connection, stage.stage(), on);
+        if (!command::isAccepted(reply))
+            reply = sendSwitch(*system->connection, stage.stage(), on);
+        if (command::isAccepted(reply)) {
+            button.showOn(on);
+            statusflags::noteSwitch(system->status, stage.stage(), on);
+            if (!on)
+                button.showActive(false);
+        }
+        readStatusAfterSwitch(*system);
+    });
     button.setEnabled(true);
     // Disabled, it lost the keyboard to its neighbour.
     if (hadFocus)
@@ -87,10 +79,15 @@ void Stabilisation::switchStage(const Connection* connection, Stage stage, bool 
         return;
     const WaitCursor waiting;
     LiveSystem& system = systems.at(index);
-    StreamPause pause(*system.connection);
-    sendSwitch(*system.connection, stage, on);
-    readStatusAfterSwitch(system);
-    if (hasFailed(pause.resume(toolBar.samplingRateHz())))
+    onQuietLink(*system.connection, [&] {
+        sendSwitch(*system.connection, stage, on);
+        readStatusAfterSwitch(system);
+    });
+}
+
+void Stabilisation::onQuietLink(Connection& connection, const std::function<void()>& work)
+{
+    if (hasFailed(::onQuietLink(connection, toolBar.samplingRateHz(), work)))
         emit streamFailed();
 }
 
@@ -100,10 +97,7 @@ void Stabilisation::readStatusAfterSwitch(LiveSystem& system)
     if (packet::hasFlags(connection.firmwareVersion()))
         return;
     QThread::msleep(switchMs);
-    connection.getStatusFlags();
-    QByteArray reply;
-    connection.fetchReply(reply);
-    statusflags::takeReply(system.status, reply);
+    statusflags::takeReply(system.status, ask(connection, &Connection::getStatusFlags));
 }
 
 uchar Stabilisation::readStatus()
@@ -111,13 +105,11 @@ uchar Stabilisation::readStatus()
     LiveSystem* system = systems.current();
     if (!system)
         return failedStatus;
-    QByteArray reply;
-    system->connection->getStatusFlags();
-    system->connection->fetchReply(reply);
+    const QByteArray reply = ask(*system->connection, &Connection::getStatusFlags);
     if (!isWholeStatus(reply))
         return failedStatus;
     failures = 0;
-    return uchar(reply.at(statusOffset));
+    return uchar(reply.at(command::payloadOffset));
 }
 
 bool Stabilisation::readAndShow()
@@ -129,8 +121,8 @@ bool Stabilisation::readAndShow()
             emit linkFailed();
         return false;
     }
-    stages[0].stabilisation().showOn((status & statusflag::stabilised1) != 0);
-    stages[1].stabilisation().showOn((status & statusflag::stabilised2) != 0);
+    for (StageView& stage : stages)
+        stage.stabilisation().showOn(statusflag::isStabilised(status, stage.stage()));
     return showActive(status);
 }
 
@@ -139,7 +131,7 @@ bool Stabilisation::showActive(uchar flags)
     const uchar status = flags == failedStatus ? readStatus() : flags;
     if (flags == failedStatus && hasFailed(status))
         return false;
-    stages[0].stabilisation().showActive((status & statusflag::active1) != 0);
-    stages[1].stabilisation().showActive((status & statusflag::active2) != 0);
+    for (StageView& stage : stages)
+        stage.stabilisation().showActive(statusflag::isActive(status, stage.stage()));
     return true;
 }

@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+#include <functional>
+
 class Connection;
 class LiveSystems;
 class MonitorToolBar;
@@ -41,6 +43,7 @@ signals:
     void linkFailed();
 
 private:
+    void onQuietLink(Connection& connection, const std::function<void()>& work);
     void readStatusAfterSwitch(LiveSystem& system);
     uchar readStatus();
 

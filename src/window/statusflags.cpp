@@ -4,23 +4,17 @@
 #include "link/packet.h"
 #include "window/livesystem.h"
 
-namespace {
-
-constexpr int flagsOffset = 2;
-
-} // namespace
-
 namespace statusflags {
 
 void takeReply(ConnectionStatus& status, const QByteArray& reply)
 {
-    if (reply.size() <= flagsOffset)
+    if (reply.size() <= command::payloadOffset)
         return;
-    const auto flags = uchar(reply.at(flagsOffset));
-    status.stabilised1 = (flags & statusflag::stabilised1) != 0;
-    status.stabilised2 = (flags & statusflag::stabilised2) != 0;
-    status.active1 = (flags & statusflag::active1) != 0;
-    status.active2 = (flags & statusflag::active2) != 0;
+    const auto flags = uchar(reply.at(command::payloadOffset));
+    for (const Stage stage : bothStages) {
+        stabilisedFlag(status, stage) = statusflag::isStabilised(flags, stage);
+        activeFlag(status, stage) = statusflag::isActive(flags, stage);
+    }
     status.statusValid = true;
 }
 
@@ -37,18 +31,18 @@ void takeSample(ConnectionStatus& status, const MeasureSample& sample)
 
 void noteSwitch(ConnectionStatus& status, Stage stage, bool on)
 {
-    (stage == Stage::One ? status.stabilised1 : status.stabilised2) = on;
+    stabilisedFlag(status, stage) = on;
     if (!on)
-        (stage == Stage::One ? status.active1 : status.active2) = false;
+        activeFlag(status, stage) = false;
 }
 
 void forget(ConnectionStatus& status)
 {
     status.statusValid = false;
-    status.stabilised1 = false;
-    status.stabilised2 = false;
-    status.active1 = false;
-    status.active2 = false;
+    for (const Stage stage : bothStages) {
+        stabilisedFlag(status, stage) = false;
+        activeFlag(status, stage) = false;
+    }
 }
 
 void poll(LiveSystem& system)

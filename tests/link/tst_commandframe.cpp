@@ -45,6 +45,7 @@ void TestCommandFrame::argumentsAreRawBytes_data()
         << command::stageAxisArgument(Stage::Two, BeamAxis::X) << QByteArray("02783b");
     QTest::newRow("argument byte that is a semicolon")
         << command::stageValueArgument(Stage::One, 0x3b3b) << QByteArray("013b3b3b");
+    QTest::newRow("whole memory") << command::memoryArgument() << QByteArray("0000ff3b");
     QTest::newRow("115200 baud") << command::baudRateArgument(115200) << QByteArray("013b");
     QTest::newRow("460800 baud") << command::baudRateArgument(460800) << QByteArray("043b");
     QTest::newRow("921600 baud") << command::baudRateArgument(921600) << QByteArray("093b");

@@ -60,8 +60,7 @@ std::optional<bool> polledStage1(EmulatedLink& link)
     QByteArray reply;
     if (!QTest::qWaitFor([&] { return link.client.takePolledStatus(reply) && !reply.isEmpty(); }))
         return std::nullopt;
-    constexpr int flagsOffset = 2;
-    return (uchar(reply.at(flagsOffset)) & statusflag::stabilised1) != 0;
+    return statusflag::isStabilised(uchar(reply.at(command::payloadOffset)), Stage::One);
 }
 
 int repliesOf(const EmulatedLink& link)

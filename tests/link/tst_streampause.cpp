@@ -21,6 +21,8 @@ private slots:
     void aStreamWithoutARateOfItsOwnTakesThatOfTheCaller();
     void whatCameOfTheStartIsTold_data();
     void whatCameOfTheStartIsTold();
+    void workIsDoneWhileTheStreamIsStopped();
+    void workTellsWhatCameOfTheStart();
     void silenceAndARefusalCountAsFailure_data();
     void silenceAndARefusalCountAsFailure();
 };
@@ -94,6 +96,35 @@ void TestStreamPause::whatCameOfTheStartIsTold()
     StreamPause pause(link.client);
     link.controller.setFaults(faults);
     QTEST(pause.resume(100), "start");
+}
+
+void TestStreamPause::workIsDoneWhileTheStreamIsStopped()
+{
+    EmulatedLink link;
+    QVERIFY(link.connectAndIdentify());
+    QVERIFY(link.startStream(200));
+    link.controller.clearWire();
+    bool wasStreaming = true;
+    const StreamStart start = onQuietLink(link.client, 100, [&] {
+        wasStreaming = link.client.isStreaming();
+        link.exchange(&Connection::getStatusFlags);
+    });
+    QCOMPARE(start, StreamStart::Runs);
+    QVERIFY(!wasStreaming);
+    QVERIFY(link.client.isStreaming());
+    QCOMPARE(link.controller.commands(),
+             QByteArrayList({"CLS;", "GSF;", QByteArray("SLS\0\0\0\xC8;", 8)}));
+}
+
+void TestStreamPause::workTellsWhatCameOfTheStart()
+{
+    EmulatedLink link;
+    QVERIFY(link.connectAndIdentify());
+    QVERIFY(link.startStream(200));
+    Faults refusing;
+    refusing.refuse = {"SLS"};
+    QCOMPARE(onQuietLink(link.client, 100, [&] { link.controller.setFaults(refusing); }),
+             StreamStart::Refused);
 }
 
 void TestStreamPause::silenceAndARefusalCountAsFailure_data()

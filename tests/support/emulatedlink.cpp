@@ -1,5 +1,6 @@
 #include "support/emulatedlink.h"
 
+#include "link/ask.h"
 #include "link/identification.h"
 #include "link/streampause.h"
 
@@ -51,10 +52,7 @@ bool EmulatedLink::startStream(int rateHz)
 
 QByteArray EmulatedLink::exchange(void (Connection::*command)())
 {
-    (client.*command)();
-    QByteArray reply;
-    client.fetchReply(reply);
-    return reply;
+    return ask(client, command);
 }
 
 std::vector<MeasureSample> EmulatedLink::takeSamples()
@@ -68,10 +66,7 @@ std::vector<MeasureSample> EmulatedLink::takeSamples()
 
 bool askIdentity(Connection& client)
 {
-    client.getControllerId();
-    QByteArray reply;
-    client.fetchReply(reply);
-    const ControllerIdentity identity = readIdentity(reply);
+    const ControllerIdentity identity = readIdentity(ask(client, &Connection::getControllerId));
     client.setFirmwareVersion(identity.firmwareVersion);
     client.setVmFirmware(identity.vmFirmware);
     client.setTriggerCapable(identity.triggerCapable);
