@@ -1,5 +1,7 @@
 #include "emulator/rulelist.h"
 
+#include "emulator/ruletext.h"
+
 #include <QCoreApplication>
 
 #include <algorithm>
