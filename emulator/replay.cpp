@@ -1,6 +1,7 @@
 #include "emulator/replay.h"
 
-#include <QCoreApplication>
+#include "emulator/text.h"
+
 #include <QFile>
 #include <QTextStream>
 
@@ -19,11 +20,6 @@ constexpr double mvPerMillimetre = 1200.0;
 constexpr double mvPerMicrometre = 50.0;
 /// The last line lasts at most as long as all lines before it together.
 constexpr qint64 greatestTimeMs = std::numeric_limits<qint64>::max() / 2;
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("Replay", text);
-}
 
 /// Millivolts per unit of a column, from the unit in brackets of its name; 0 if it is unknown.
 double scaleOf(const QString& columnName)
@@ -114,13 +110,13 @@ std::shared_ptr<const Replay> Replay::load(const QString& path, QString& error)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        error = tr("%1: %2").arg(path, file.errorString());
+        error = Text::tr("%1: %2").arg(path, file.errorString());
         return nullptr;
     }
     QString reason;
     std::shared_ptr<const Replay> replay = read(file, reason);
     if (!replay)
-        error = tr("%1: %2").arg(path, reason);
+        error = Text::tr("%1: %2").arg(path, reason);
     return replay;
 }
 
@@ -130,7 +126,7 @@ std::shared_ptr<const Replay> Replay::read(QIODevice& device, QString& error)
     text.setCodec("UTF-8");
     const QVector<double> scales = readHeader(text);
     if (scales.isEmpty()) {
-        error = tr("not a recording file");
+        error = Text::tr("not a recording file");
         return nullptr;
     }
     auto replay = std::make_shared<Replay>();
@@ -146,7 +142,7 @@ std::shared_ptr<const Replay> Replay::read(QIODevice& device, QString& error)
         }
     }
     if (replay->lines.isEmpty()) {
-        error = tr("the recording has no samples");
+        error = Text::tr("the recording has no samples");
         return nullptr;
     }
     const qint64 last = replay->lines.last().timeMs;
@@ -159,7 +155,7 @@ std::shared_ptr<const Replay> Replay::read(QIODevice& device, QString& error)
 /// if the line is good.
 QString Replay::append(const QStringList& texts, const QVector<double>& scales)
 {
-    const QString noLine = tr("line %1 is not a line of a recording");
+    const QString noLine = Text::tr("line %1 is not a line of a recording");
     if (texts.size() != columns)
         return noLine;
     bool ok = false;
@@ -168,7 +164,7 @@ QString Replay::append(const QStringList& texts, const QVector<double>& scales)
     if (!ok || timeMs < 0 || timeMs > greatestTimeMs || !readValues(texts, scales, fields))
         return noLine;
     if (!lines.isEmpty() && timeMs < lines.last().timeMs)
-        return tr("line %1 is earlier than the line before");
+        return Text::tr("line %1 is earlier than the line before");
     lines.append({timeMs, valuesOf(fields)});
     return {};
 }

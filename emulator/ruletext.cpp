@@ -1,9 +1,9 @@
 #include "emulator/ruletext.h"
 
 #include "emulator/command.h"
+#include "emulator/text.h"
 #include "emulator/wholenumber.h"
 
-#include <QCoreApplication>
 #include <QStringList>
 
 #include <algorithm>
@@ -51,11 +51,6 @@ QString nameOf(Deed deed)
     const auto found = std::find_if(std::begin(options), std::end(options),
                                     [&](const Option& option) { return deed == option.deed; });
     return found == std::end(options) ? QString() : QString::fromLatin1(found->name);
-}
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("Rule", text);
 }
 
 QString hexDigits(const QByteArray& bytes)
@@ -173,8 +168,8 @@ Rule RuleReader::read(const Option& option, const QString& value)
     const int sign = value.lastIndexOf('=');
     if (sign < 0) {
         complain(option.extra == Extra::ReplyBytes
-                     ? tr("\"%1\" lacks \"=\" and the bytes of the reply").arg(value)
-                     : tr("\"%1\" lacks \"=\" and a number").arg(value));
+                     ? Text::tr("\"%1\" lacks \"=\" and the bytes of the reply").arg(value)
+                     : Text::tr("\"%1\" lacks \"=\" and a number").arg(value));
         return rule;
     }
     readPattern(value.left(sign));
@@ -189,7 +184,7 @@ void RuleReader::readPattern(const QString& text)
     QStringList given;
     const auto takeOnce = [&](const QString& kind) {
         if (given.contains(kind))
-            complain(tr("\"%1\" says %2 more than once").arg(text, kind));
+            complain(Text::tr("\"%1\" says %2 more than once").arg(text, kind));
         given.append(kind);
     };
     for (const QString& part : parts) {
@@ -200,7 +195,7 @@ void RuleReader::readPattern(const QString& text)
             takeOnce(timesKey);
             rule.times = number(part.mid(timesKey.size()), 1, greatestCount);
         } else {
-            takeOnce(tr("the argument bytes"));
+            takeOnce(Text::tr("the argument bytes"));
             readArguments(part);
         }
     }
@@ -210,7 +205,7 @@ void RuleReader::readMnemonic(const QString& text)
 {
     rule.prefix = text.toLatin1().toUpper();
     if (argumentLength(rule.prefix) < 0)
-        complain(tr("there is no command \"%1\"").arg(text));
+        complain(Text::tr("there is no command \"%1\"").arg(text));
 }
 
 void RuleReader::readArguments(const QString& text)
@@ -218,18 +213,18 @@ void RuleReader::readArguments(const QString& text)
     const QByteArray mnemonic = rule.prefix.left(mnemonicLength);
     const QString name = QString::fromLatin1(mnemonic);
     if (namesAxis(text) && !hasAxis(mnemonic)) {
-        complain(tr("\"%1\" names an axis, but %2 has none").arg(text, name));
+        complain(Text::tr("\"%1\" names an axis, but %2 has none").arg(text, name));
         return;
     }
     const std::optional<QByteArray> bytes = bytesOf(withoutAxisLetter(text));
     if (!bytes || bytes->isEmpty()) {
-        complain(
-            tr("\"%1\" is neither argument bytes, as in 01x, nor skip=N nor times=N").arg(text));
+        complain(Text::tr("\"%1\" is neither argument bytes, as in 01x, nor skip=N nor times=N")
+                     .arg(text));
         return;
     }
     rule.prefix += *bytes;
     if (rule.prefix.size() - mnemonicLength > argumentLength(mnemonic))
-        complain(tr("\"%1\" is more than the arguments of %2").arg(text, name));
+        complain(Text::tr("\"%1\" is more than the arguments of %2").arg(text, name));
 }
 
 void RuleReader::readExtra(Extra extra, const QString& text)
@@ -241,7 +236,7 @@ void RuleReader::readExtra(Extra extra, const QString& text)
         const std::optional<QByteArray> bytes = bytesOf(text);
         rule.reply = bytes.value_or(QByteArray());
         if (rule.reply.isEmpty())
-            complain(tr("\"%1\" is not the bytes of a reply, as in 003b013b").arg(text));
+            complain(Text::tr("\"%1\" is not the bytes of a reply, as in 003b013b").arg(text));
         break;
     }
     case Extra::Milliseconds:
@@ -276,7 +271,7 @@ ParsedRule parseRule(const QString& option, const QString& value)
     ParsedRule parsed;
     const Option* known = optionOf(option);
     if (!known) {
-        parsed.error = tr("there is no rule \"%1\"").arg(option);
+        parsed.error = Text::tr("there is no rule \"%1\"").arg(option);
         return parsed;
     }
     RuleReader reader;
