@@ -1,6 +1,7 @@
 #include "emulator/ruletext.h"
 
 #include "emulator/command.h"
+#include "emulator/commandtable.h"
 #include "emulator/text.h"
 #include "emulator/wholenumber.h"
 
