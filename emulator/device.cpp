@@ -136,12 +136,12 @@ StageState Device::stageState(int stage) const
     state.adjustInXMv = model.adjustIn(StageModel::X);
     state.adjustInYMv = model.adjustIn(StageModel::Y);
     state.inputs = model.inputs();
-    const PacketValues values = measured();
-    state.actuatorXMv = index == 0 ? values.rx1 : values.rx2;
-    state.actuatorYMv = index == 0 ? values.ry1 : values.ry2;
-    state.positionXMv = index == 0 ? values.x1 : values.x2;
-    state.positionYMv = index == 0 ? values.y1 : values.y2;
-    state.intensityMv = index == 0 ? values.i1 : values.i2;
+    const StageSignals told = measured()[index];
+    state.actuatorXMv = told.actuatorX;
+    state.actuatorYMv = told.actuatorY;
+    state.positionXMv = told.x;
+    state.positionYMv = told.y;
+    state.intensityMv = told.intensity;
     state.beamXUm = model.beamMicrometres(StageModel::X);
     state.beamYUm = model.beamMicrometres(StageModel::Y);
     return state;
@@ -225,16 +225,14 @@ PacketValues Device::measured(const Views& views) const
     if (source.kind() != SampleSource::Kind::Beam)
         return source.lastSample();
     PacketValues values;
-    values.x1 = models[0].positionMv(StageModel::X, views[0]);
-    values.y1 = models[0].positionMv(StageModel::Y, views[0]);
-    values.i1 = models[0].intensityMv(views[0]);
-    values.x2 = models[1].positionMv(StageModel::X, views[1]);
-    values.y2 = models[1].positionMv(StageModel::Y, views[1]);
-    values.i2 = models[1].intensityMv(views[1]);
-    values.rx1 = models[0].actuatorMv(StageModel::X);
-    values.ry1 = models[0].actuatorMv(StageModel::Y);
-    values.rx2 = models[1].actuatorMv(StageModel::X);
-    values.ry2 = models[1].actuatorMv(StageModel::Y);
+    for (std::size_t i = 0; i < models.size(); ++i) {
+        const StageModel& model = models[i];
+        values[i].x = model.positionMv(StageModel::X, views[i]);
+        values[i].y = model.positionMv(StageModel::Y, views[i]);
+        values[i].intensity = model.intensityMv(views[i]);
+        values[i].actuatorX = model.actuatorMv(StageModel::X);
+        values[i].actuatorY = model.actuatorMv(StageModel::Y);
+    }
     return values;
 }
 

@@ -51,17 +51,19 @@ Word asWord(double millivolts)
 
 PacketValues valuesOf(const std::array<double, columns>& mv)
 {
+    // Behind the time stand the signals of stage 1, those of stage 2, and the actuators of both.
+    constexpr std::size_t firstSignal = 1;
+    constexpr std::size_t firstActuator = 7;
     PacketValues values;
-    values.x1 = asWord<qint16>(mv[1]);
-    values.y1 = asWord<qint16>(mv[2]);
-    values.i1 = asWord<quint16>(mv[3]);
-    values.x2 = asWord<qint16>(mv[4]);
-    values.y2 = asWord<qint16>(mv[5]);
-    values.i2 = asWord<quint16>(mv[6]);
-    values.rx1 = asWord<qint16>(mv[7]);
-    values.ry1 = asWord<qint16>(mv[8]);
-    values.rx2 = asWord<qint16>(mv[9]);
-    values.ry2 = asWord<qint16>(mv[10]);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const std::size_t signal = firstSignal + 3 * i;
+        const std::size_t actuator = firstActuator + 2 * i;
+        values[i].x = asWord<qint16>(mv[signal]);
+        values[i].y = asWord<qint16>(mv[signal + 1]);
+        values[i].intensity = asWord<quint16>(mv[signal + 2]);
+        values[i].actuatorX = asWord<qint16>(mv[actuator]);
+        values[i].actuatorY = asWord<qint16>(mv[actuator + 1]);
+    }
     return values;
 }
 

@@ -51,7 +51,7 @@ inline emulator::ControllerOptions countingController(int first = 0)
     options.script.reserve(numbers);
     for (int i = 0; i < numbers; ++i) {
         emulator::PacketValues values{};
-        values.x1 = qint16(first + i);
+        values[0].x = qint16(first + i);
         options.script.append(values);
     }
     options.scriptRepeats = true;

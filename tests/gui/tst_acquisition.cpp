@@ -24,10 +24,10 @@ namespace {
 QVector<emulator::PacketValues> samples(int count)
 {
     emulator::PacketValues values{};
-    values.x1 = 1000;
-    values.y1 = -2000;
-    values.i1 = 4000;
-    values.rx1 = 5000;
+    values[0].x = 1000;
+    values[0].y = -2000;
+    values[0].intensity = 4000;
+    values[0].actuatorX = 5000;
     return QVector<emulator::PacketValues>(count, values);
 }
 

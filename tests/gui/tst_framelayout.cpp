@@ -349,8 +349,8 @@ void TestFrameLayout::numbersOfAnyWidthMoveNothing()
     const SampleFeed feed(*fixture);
     QVERIFY(feed.start());
     emulator::PacketValues values;
-    values.x1 = values.y1 = values.x2 = values.y2 = -32768;
-    values.i1 = values.i2 = 65535;
+    values[0].x = values[0].y = values[1].x = values[1].y = -32768;
+    values[0].intensity = values[1].intensity = 65535;
     QVERIFY(feed.show({values}));
     QCOMPARE(places(), before);
     for (const double reach : {0.05, 30.0, 5000.0}) {

@@ -78,9 +78,9 @@ double rangeOf(const WindowFixture& fixture, int stage)
 PacketValues sampleOf(int x, int y, int intensity)
 {
     PacketValues values;
-    values.x1 = values.x2 = qint16(x);
-    values.y1 = values.y2 = qint16(y);
-    values.i1 = values.i2 = quint16(intensity);
+    values[0].x = values[1].x = qint16(x);
+    values[0].y = values[1].y = qint16(y);
+    values[0].intensity = values[1].intensity = quint16(intensity);
     return values;
 }
 

@@ -100,8 +100,8 @@ QVector<emulator::PacketValues> numberedSamples(int count)
         if ((number & 0xFF) == ';' || number >> 8 == ';')
             continue;
         emulator::PacketValues values{};
-        values.x1 = number;
-        values.y1 = number;
+        values[0].x = number;
+        values[0].y = number;
         samples.append(values);
     }
     return samples;
