@@ -4,6 +4,9 @@
 #include "emulator/noisesource.h"
 #include "emulator/reply.h"
 
+#include <cstddef>
+#include <optional>
+
 namespace emulator {
 
 namespace {
@@ -23,6 +26,14 @@ StageModel stageModel(const ControllerOptions& options, quint64 stage, double in
 {
     return StageModel(beamPreset(options.preset), options.stages[stage - 1], intensityMv,
                       derivedSeed(options.seed, stage), options.group);
+}
+
+/// Index of stage 1 or 2; nothing for other numbers.
+std::optional<std::size_t> indexOf(int stage)
+{
+    if (stage < 1 || stage > Device::stages)
+        return std::nullopt;
+    return static_cast<std::size_t>(stage - 1);
 }
 
 } // namespace
@@ -110,33 +121,34 @@ QByteArray Device::id() const
 
 bool Device::stageOn(int stage) const
 {
-    return stage >= 1 && stage <= stages && models[static_cast<std::size_t>(stage - 1)].isOn();
+    const auto index = indexOf(stage);
+    return index && models[*index].isOn();
 }
 
 void Device::setStage(int stage, bool on)
 {
-    if (stage >= 1 && stage <= stages)
-        models[static_cast<std::size_t>(stage - 1)].setOn(on);
+    if (const auto index = indexOf(stage))
+        models[*index].setOn(on);
 }
 
 StageState Device::stageState(int stage) const
 {
     StageState state;
-    if (stage < 1 || stage > stages)
+    const auto index = indexOf(stage);
+    if (!index)
         return state;
-    const auto index = static_cast<std::size_t>(stage - 1);
-    const StageModel& model = models[index];
+    const StageModel& model = models[*index];
     state.on = model.isOn();
     state.active = model.isActive();
     state.held = model.isHeld();
     state.multiplexed = model.isMultiplexed();
-    state.frozen = frozen[index];
+    state.frozen = frozen[*index];
     state.pFactorMv = model.pFactor();
     state.sensitivityMv = model.sensitivity();
     state.adjustInXMv = model.adjustIn(StageModel::X);
     state.adjustInYMv = model.adjustIn(StageModel::Y);
     state.inputs = model.inputs();
-    const StageSignals told = measured()[index];
+    const StageSignals told = measured()[*index];
     state.actuatorXMv = told.actuatorX;
     state.actuatorYMv = told.actuatorY;
     state.positionXMv = told.x;
@@ -149,14 +161,14 @@ StageState Device::stageState(int stage) const
 
 void Device::setInputs(int stage, const ExternalInputs& inputs)
 {
-    if (stage >= 1 && stage <= stages)
-        models[static_cast<std::size_t>(stage - 1)].setInputs(inputs);
+    if (const auto index = indexOf(stage))
+        models[*index].setInputs(inputs);
 }
 
 void Device::setMultiplexed(int stage, bool on)
 {
-    if (stage >= 1 && stage <= stages)
-        models[static_cast<std::size_t>(stage - 1)].setMultiplexed(on);
+    if (const auto index = indexOf(stage))
+        models[*index].setMultiplexed(on);
 }
 
 void Device::setScript(const QVector<PacketValues>& script, bool repeats)
