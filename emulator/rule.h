@@ -26,14 +26,14 @@ struct Rule
 
     /// The bytes with which a command's frame begins: at least its mnemonic.
     QByteArray prefix;
-    /// So many commands pass before the rule acts for the first time.
+    /// Number of commands that pass before the rule acts for the first time.
     int skip = 0;
-    /// The rule acts so often; 0 for always.
+    /// How often the rule acts; 0 for always.
     int times = 0;
     Deed deed = Deed::CarryOut;
     /// The deed is done this much later. Commands that arrive before that wait.
     int lateMs = 0;
-    /// Only so many bytes of the reply are sent, or `wholeReply`.
+    /// Number of bytes of the reply that are sent, or `wholeReply`.
     int shortBytes = wholeReply;
     /// Of `Deed::Reply`.
     QByteArray reply;

@@ -68,8 +68,8 @@ inline QVector<quint16> numbersIn(const QByteArray& recording)
     return numbers;
 }
 
-/// The first line whose number is not so many more than that of the line before; empty if there is
-/// none.
+/// The first line whose number is not by `step` more than that of the line before; empty if there
+/// is none.
 inline QString gapIn(const QVector<quint16>& numbers, int step = 1)
 {
     if (numbers.isEmpty())
