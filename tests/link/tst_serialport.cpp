@@ -309,7 +309,7 @@ void TestSerialPort::aPortLostInTheMiddleOfAReplyEndsTheWait()
     QElapsedTimer time;
     time.start();
     one.client.getControllerId();
-    QTest::qWait(50);
+    QTRY_COMPARE(repliesOf(one.controller), 1);
     one.controller.unplug();
     QByteArray reply;
     one.client.fetchReply(reply);

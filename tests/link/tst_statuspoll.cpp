@@ -4,7 +4,6 @@
 
 #include <QtTest>
 
-#include <algorithm>
 #include <optional>
 
 namespace {
@@ -62,14 +61,6 @@ std::optional<bool> polledStage1(EmulatedLink& link)
         return std::nullopt;
     constexpr int flagsOffset = 2;
     return (uchar(reply.at(flagsOffset)) & statusflag::stabilised1) != 0;
-}
-
-int repliesOf(const EmulatedLink& link)
-{
-    const QVector<emulator::WireEvent> wire = link.controller.wire();
-    return int(std::count_if(wire.begin(), wire.end(), [](const emulator::WireEvent& event) {
-        return event.direction == emulator::WireEvent::ToHost;
-    }));
 }
 
 } // namespace
@@ -308,7 +299,7 @@ void TestStatusPoll::replyOfARepeatedCommandIsNoStatus()
     QByteArray reply;
     QVERIFY(link.client.fetchReply(reply));
     // The second reply has come, too, and lies there.
-    QTRY_COMPARE(repliesOf(link), 2);
+    QTRY_COMPARE(repliesOf(link.controller), 2);
     QTest::qWait(EmulatedLink::shortTimeoutMs / 2);
     QCOMPARE(link.controller.commands().size(), 2);
     QVERIFY(polledStage1(link) == true);

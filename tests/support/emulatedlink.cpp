@@ -6,6 +6,8 @@
 #include <QTimer>
 #include <QtTest>
 
+#include <algorithm>
+
 namespace {
 
 void actOrAskAgain(const std::function<bool()>& isTime, const std::function<void()>& act)
@@ -64,6 +66,14 @@ std::vector<MeasureSample> EmulatedLink::takeSamples()
     while (client.takeLiveSample(sample) != 0)
         samples.push_back(sample);
     return samples;
+}
+
+int repliesOf(const emulator::ControllerHandle& controller)
+{
+    const QVector<emulator::WireEvent> wire = controller.wire();
+    return int(std::count_if(wire.begin(), wire.end(), [](const emulator::WireEvent& event) {
+        return event.direction == emulator::WireEvent::ToHost;
+    }));
 }
 
 bool askIdentity(Connection& client)
