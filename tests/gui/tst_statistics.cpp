@@ -594,10 +594,7 @@ void TestStatistics::eachOfTwoSystemsHasSumsOfItsOwn()
     QVERIFY(fixture.click("pointingRadio"));
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
-    // The text is refreshed at most every 11 ms.
-    QElapsedTimer sinceStart;
-    sinceStart.start();
-    QVERIFY(waitWithoutEvents([&] { return sinceStart.elapsed() > 11; }));
+    waitForNextText();
     QVERIFY(feed.send(QVector<PacketValues>(20, sampleOf(0, 0)), 0));
     QVERIFY(feed.send(QVector<PacketValues>(20, sampleOf(1000, 0)), 1));
     fixture.tick();

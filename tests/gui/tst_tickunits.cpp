@@ -302,7 +302,7 @@ void TestTickUnits::aNewUnitClearsTheStatisticsInPointingMode()
     QVERIFY(fixture.click("checkBox_Stats1"));
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
-    QTest::qWait(15); // the text is refreshed every 11 ms
+    waitForNextText();
     QVERIFY(feed.show({sampleOf(1200, 0, 1000)}));
     QVERIFY(fixture.statisticsText(1).contains("#samples=1\n"));
     fixture.window().showConnection(fixture.controller(0).address(), false);
@@ -388,7 +388,7 @@ void TestTickUnits::aSignalBeyondTheIntensityIsNoNumberAndNoHarm()
     QVERIFY(!fixture.window().grab().isNull());
     // A new run is not spoilt by the last one.
     feed.clear();
-    QTest::qWait(15);
+    waitForNextText();
     QVERIFY(feed.show({sampleOf(0, 0, 1000)}));
     QVERIFY2(fixture.statisticsText(1).startsWith("\nx=0.000 ")
                  || fixture.statisticsText(1).startsWith("\nx=-0.000 "),

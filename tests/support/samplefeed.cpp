@@ -3,9 +3,11 @@
 #include "link/connection.h"
 #include "support/windowfixture.h"
 #include "window/mainwindow.h"
+#include "window/run.h"
 
 #include <QAction>
 #include <QDateTime>
+#include <QElapsedTimer>
 
 #include <algorithm>
 
@@ -68,4 +70,12 @@ void waitForNextMs()
 {
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
     waitWithoutEvents([now] { return QDateTime::currentMSecsSinceEpoch() > now; });
+}
+
+void waitForNextText()
+{
+    QElapsedTimer clock;
+    clock.start();
+    // A part of the first millisecond was over before.
+    waitWithoutEvents([&clock] { return clock.elapsed() > Run::textPeriodMs; });
 }
