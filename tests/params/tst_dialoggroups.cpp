@@ -2,6 +2,7 @@
 // system on display away from the common detector.
 
 #include "groupbench.h"
+#include "support/bytes.h"
 
 #include <QPushButton>
 #include <QtTest>

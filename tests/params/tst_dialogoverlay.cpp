@@ -3,6 +3,7 @@
 // them.
 
 #include "overlayexpectations.h"
+#include "support/bytes.h"
 
 #include <QDoubleSpinBox>
 #include <QtTest>

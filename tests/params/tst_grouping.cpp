@@ -3,6 +3,7 @@
 
 #include "link/connection.h"
 #include "params/grouping.h"
+#include "support/bytes.h"
 #include "support/emulatedlink.h"
 
 #include <QtTest>
@@ -21,11 +22,6 @@ Q_DECLARE_METATYPE(Flags)
 Q_DECLARE_METATYPE(Positions)
 
 namespace {
-
-QByteArray bytes(const char* hex)
-{
-    return QByteArray::fromHex(hex);
-}
 
 SystemState validIn(int group)
 {
