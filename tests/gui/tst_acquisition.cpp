@@ -3,6 +3,7 @@
 #include "plots/genericplot.h"
 #include "plots/thermoslider.h"
 #include "recording/dataloggerdialog.h"
+#include "support/plotcanvas.h"
 #include "support/widgetcheck.h"
 #include "support/windowfixture.h"
 #include "window/mainwindow.h"
@@ -14,7 +15,6 @@
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QtTest>
-#include <qwt_plot_canvas.h>
 
 #include <algorithm>
 
@@ -36,12 +36,6 @@ emulator::ControllerOptions scripted(int count)
     emulator::ControllerOptions options;
     options.script = samples(count);
     return options;
-}
-
-bool keepsBackingStore(const GenericPlot& plot)
-{
-    return qobject_cast<const QwtPlotCanvas*>(plot.canvas())
-        ->testPaintAttribute(QwtPlotCanvas::BackingStore);
 }
 
 int countOf(const emulator::ControllerHandle& controller, const QByteArray& command)

@@ -114,6 +114,14 @@ void addTestedButtons()
         QTest::newRow(qPrintable(button.name)) << button;
 }
 
+QStringList namesOfEach(const char* command, int count)
+{
+    QStringList names;
+    for (int number = 1; number <= count; ++number)
+        names.append(QStringLiteral("button%1_%2").arg(command).arg(number));
+    return names;
+}
+
 emulator::ControllerOptions steadyController()
 {
     emulator::PacketValues values{};
