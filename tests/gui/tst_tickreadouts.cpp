@@ -128,7 +128,7 @@ private slots:
 
     void aStateFromAnotherPathReachesTheButtonOfASingleSystem_data();
     void aStateFromAnotherPathReachesTheButtonOfASingleSystem();
-    void withTwoDisplayedSystemsItDoesNot();
+    void aStateFromAnotherPathDoesNotReachTheButtonsOfTwoSystems();
     void theStreamsFlagsReachButtonAndLight();
     void onlyTheLastSampleOfATickTellsTheState();
     void theLastSampleTellsTheMultiplexing();
@@ -144,7 +144,7 @@ private slots:
     void aTickLeavesWhatIsTypedAlone();
     void theSamplingRateIsLockedWhileAcquisitionRuns();
     void pulsesTakeTheSamplingRateOver();
-    void aSystemWithoutPulsesGivesItBack();
+    void aSystemWithoutPulsesGivesTheSamplingRateBack();
 };
 
 void TestTickReadouts::readoutsShowVoltsWithTwoDecimals()
@@ -330,7 +330,7 @@ void TestTickReadouts::aStateFromAnotherPathReachesTheButtonOfASingleSystem()
         [&] { return switchState(fixture, button) == QString("OFF unchecked lightcoral"); }));
 }
 
-void TestTickReadouts::withTwoDisplayedSystemsItDoesNot()
+void TestTickReadouts::aStateFromAnotherPathDoesNotReachTheButtonsOfTwoSystems()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.openWithSystems());
@@ -599,7 +599,7 @@ void TestTickReadouts::pulsesTakeTheSamplingRateOver()
     QVERIFY(counter->isEnabled());
 }
 
-void TestTickReadouts::aSystemWithoutPulsesGivesItBack()
+void TestTickReadouts::aSystemWithoutPulsesGivesTheSamplingRateBack()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());

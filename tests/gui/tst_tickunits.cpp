@@ -108,14 +108,14 @@ private slots:
     void hidingTheFirstOfThreeLeavesTheUnitOfTheOthers();
     void theLargestBeamGivesTheRange();
     void aNewUnitEmptiesTheCurvesOfItsStage();
-    void anEqualUnitKeepsThem();
+    void anEqualUnitKeepsPointsAndLimits();
     void aNewUnitClearsTheStatisticsInPointingMode();
     void aRecordOfUnknownDetectorsIsShownInVolts_data();
     void aRecordOfUnknownDetectorsIsShownInVolts();
     void aRecordWithoutADiameterIsDrawnOnce_data();
     void aRecordWithoutADiameterIsDrawnOnce();
     void withNothingDisplayedTheLabelsStay();
-    void aSignalBeyondTheIntensityIsNoNumberAndNoHarm();
+    void aSignalBeyondTheIntensityIsNotANumberAndTheNextRunIsRight();
 };
 
 void TestTickUnits::withoutDetectorsEverythingIsInVolts()
@@ -276,7 +276,7 @@ void TestTickUnits::aNewUnitEmptiesTheCurvesOfItsStage()
     QCOMPARE(pointsOf(fixture.intensityPlot(2), 0).size(), 1);
 }
 
-void TestTickUnits::anEqualUnitKeepsThem()
+void TestTickUnits::anEqualUnitKeepsPointsAndLimits()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());
@@ -369,7 +369,7 @@ void TestTickUnits::withNothingDisplayedTheLabelsStay()
     QCOMPARE(rangeOf(fixture, 1), 4.5);
 }
 
-void TestTickUnits::aSignalBeyondTheIntensityIsNoNumberAndNoHarm()
+void TestTickUnits::aSignalBeyondTheIntensityIsNotANumberAndTheNextRunIsRight()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.open());

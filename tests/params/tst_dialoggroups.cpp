@@ -58,7 +58,7 @@ class TestDialogGroups : public QObject
     Q_OBJECT
 
 private slots:
-    void nothingShowsTheControls();
+    void controlsOfGroupsStayHidden();
     void controlsSayWhatTheyDo();
     void openingTellsTheDetectorOfEachStage_data();
     void openingTellsTheDetectorOfEachStage();
@@ -87,7 +87,7 @@ private slots:
     void clicksDuringAnExchangeAreLost();
 };
 
-void TestDialogGroups::nothingShowsTheControls()
+void TestDialogGroups::controlsOfGroupsStayHidden()
 {
     ParamsBench bench;
     QVERIFY(bench.open());

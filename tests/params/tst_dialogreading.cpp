@@ -118,7 +118,7 @@ private slots:
     void triggersAreOfferedToThoseWhoKnowThem_data();
     void triggersAreOfferedToThoseWhoKnowThem();
     void triggersAreThoseOfTheDetectors();
-    void tickOfAnotherSystemIsGone();
+    void triggersOfAnotherSystemAreUnticked();
     void nothingOfAnotherSystemIsLeft();
     void detectorsAreThoseOfTheSystem();
     void lengthWithoutADetectorIsVolts();
@@ -493,7 +493,7 @@ void TestDialogReading::triggersAreThoseOfTheDetectors()
     QVERIFY(isChecked(bench, triggers));
 }
 
-void TestDialogReading::tickOfAnotherSystemIsGone()
+void TestDialogReading::triggersOfAnotherSystemAreUnticked()
 {
     ConnectionSettings record;
     record.pulsedLaser = true;
