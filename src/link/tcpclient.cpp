@@ -31,11 +31,6 @@ void TcpClient::releaseInPlace()
     release("TCP");
 }
 
-QString TcpClient::address() const
-{
-    return hostAddress.toString();
-}
-
 bool TcpClient::init(const QString& address, int baudOrPort)
 {
     logMessage().debug() << "Initializing TCP connection" << address;
@@ -45,6 +40,7 @@ bool TcpClient::init(const QString& address, int baudOrPort)
     if (!parsed.setAddress(address))
         return false;
     hostAddress = parsed;
+    hostText = parsed.toString();
     port = baudOrPort;
     return true;
 }

@@ -19,7 +19,7 @@ public:
     TcpClient();
     ~TcpClient() override;
 
-    QString address() const override;
+    QString address() const override { return hostText; }
     int connectionType() const override { return 1; }
     /// Takes a numeric address, not a name, and a port below 65536.
     bool init(const QString& address, int baudOrPort) override;
@@ -44,6 +44,8 @@ private:
 
     // Written only while the thread does not run.
     QHostAddress hostAddress;
+    /// Asked for at every display tick.
+    QString hostText;
     int port = defaultPort;
     /// Lives on the connection's thread.
     std::unique_ptr<QTimer> connectTimer;

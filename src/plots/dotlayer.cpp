@@ -70,7 +70,7 @@ struct Surface
 bool DotLayer::Painted::continuesAs(const Member& now) const
 {
     return generation == now.curve->samples().generation() && isSameScale(member.xMap, now.xMap)
-           && isSameScale(member.yMap, now.yMap) && look == DotLook::of(*now.curve);
+           && isSameScale(member.yMap, now.yMap) && look.isThatOf(*now.curve);
 }
 
 DotLayer::DotLayer(std::size_t sliceLength)
@@ -153,12 +153,12 @@ void DotLayer::addMember(const Member& member, const std::vector<Painted>& known
 std::shared_ptr<const DotStamp> DotLayer::stampOf(const Member& member,
                                                   const std::vector<Painted>& known) const
 {
-    const DotLook look = DotLook::of(*member.curve);
     const auto same = std::find_if(known.begin(), known.end(), [&](const Painted& painted) {
-        return painted.member.curve == member.curve && painted.look == look
+        return painted.member.curve == member.curve && painted.look.isThatOf(*member.curve)
                && painted.stamp->grid() == place.grid;
     });
-    return same != known.end() ? same->stamp : std::make_shared<DotStamp>(look, place.grid);
+    return same != known.end() ? same->stamp
+                               : std::make_shared<DotStamp>(DotLook::of(*member.curve), place.grid);
 }
 
 void DotLayer::stampNewDots()

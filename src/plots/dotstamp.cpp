@@ -134,11 +134,15 @@ bool DotLook::describes(const QwtPlotCurve& curve)
            && !curve.testPaintAttribute(QwtPlotCurve::MinimizeMemory);
 }
 
-bool operator==(const DotLook& one, const DotLook& other)
+// This runs for every curve and painting, so it copies nothing.
+bool DotLook::isThatOf(const QwtPlotCurve& curve) const
 {
-    return one.markPen == other.markPen && one.hasEllipse == other.hasEllipse
-           && one.ellipsePen == other.ellipsePen && one.ellipseBrush == other.ellipseBrush
-           && one.ellipseSize == other.ellipseSize;
+    const QwtSymbol* symbol = curve.symbol();
+    if (hasEllipse != (symbol != nullptr) || markPen != curve.pen())
+        return false;
+    return !symbol
+           || (ellipsePen == symbol->pen() && ellipseBrush == symbol->brush()
+               && ellipseSize == symbol->size());
 }
 
 DotStamp::DotStamp(const DotLook& look, const PixelGrid& grid)

@@ -22,6 +22,8 @@ struct DotLook
     static DotLook of(const QwtPlotCurve& curve);
     /// Whether all curves of this kind can be told by a look: dots without filling, and ellipses.
     static bool describes(const QwtPlotCurve& curve);
+    /// Whether `of` would be equal to this one.
+    bool isThatOf(const QwtPlotCurve& curve) const;
 
     QPen markPen;
     bool hasEllipse = false;
@@ -29,8 +31,6 @@ struct DotLook
     QBrush ellipseBrush;
     QSize ellipseSize;
 };
-
-bool operator==(const DotLook& one, const DotLook& other);
 
 /// The device pixels that one dot covers, as the library paints them. Where the density of the
 /// screen is not a whole number, dots differ by where they begin within a pixel (their phase).

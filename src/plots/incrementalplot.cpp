@@ -59,7 +59,8 @@ bool IncrementalPlot::addCurve(int index)
 
     auto curve = std::make_unique<DotCurve>(QString::number(curveCount()), *layer);
     curve->attach(this);
-    curves.insert(curves.begin() + index, {curve.release(), initialColor, true});
+    CurveData& samples = curve->samples();
+    curves.insert(curves.begin() + index, {curve.release(), &samples, initialColor, true});
     return true;
 }
 
@@ -105,7 +106,7 @@ void IncrementalPlot::appendData(const int& index, const QPointF& point)
         return;
 
     IndexedCurve& curve = curves[std::size_t(index)];
-    CurveData& samples = curve.item->samples();
+    CurveData& samples = *curve.samples;
     samples.append(point);
     changedArea.include(point);
     ++newPoints;
@@ -131,14 +132,14 @@ void IncrementalPlot::updateSymbol(IndexedCurve& curve)
 
 void IncrementalPlot::clearCurve(int index)
 {
-    curves[std::size_t(index)].item->samples().clear();
+    curves[std::size_t(index)].samples->clear();
     replot();
 }
 
 void IncrementalPlot::clearAllCurves()
 {
     for (const IndexedCurve& curve : curves)
-        curve.item->samples().clear();
+        curve.samples->clear();
     replot();
 }
 
@@ -160,7 +161,7 @@ void IncrementalPlot::replotIfChanged()
 {
     if (hasNewScales) {
         replot();
-    } else if (newPoints > 0) {
+    } else if (newPoints > 0 || hasNewItems) {
         replotPoints();
         noteReplot();
         emit replotted();
@@ -204,7 +205,7 @@ const QwtPlotCurve& IncrementalPlot::curve(int index) const
 
 const CurveData& IncrementalPlot::curveData(int index) const
 {
-    return curves.at(std::size_t(index)).item->samples();
+    return *curves.at(std::size_t(index)).samples;
 }
 
 void IncrementalPlot::drawItems(QPainter* painter, const QRectF& canvasRect,

@@ -57,10 +57,11 @@ public:
 
     /// As that of the library, which it hides; `replotIfChanged` draws the scales anew after it.
     void setAxisScale(int axis, double min, double max, double stepSize = 0.0);
-    /// Replots if points or scales came since the last replot: the canvas alone, unless scales did.
+    /// Replots if points, scales or items changed since the last replot: the canvas alone, unless
+    /// scales did.
     /// Where nothing but points came, only the part of the canvas that they change is painted.
     void replotIfChanged();
-    /// What is drawn with the points, such as a text, will be another one at the next replot.
+    /// What is drawn with the points, such as a text, has changed.
     void setItemsChanged() { hasNewItems = true; }
 
     int curveCount() const { return int(curves.size()); }
@@ -91,6 +92,8 @@ private:
     {
         /// Owned by the plot as an attached item.
         DotCurve* item;
+        /// Those of the item.
+        CurveData* samples;
         QColor color;
         /// Whether colour or size may have changed since the last point.
         bool mayLookOld;

@@ -105,7 +105,7 @@ void ConnectionOverviewDialog::removeLastRow()
     ui->listWidget->removeItemWidget(item.get());
 }
 
-void ConnectionOverviewDialog::update(const QList<ConnectionStatus>& statuses)
+void ConnectionOverviewDialog::update(const QVector<ConnectionStatus>& statuses)
 {
     while (connectionRows() < statuses.size())
         addConnectionRow();

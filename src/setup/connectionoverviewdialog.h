@@ -8,6 +8,7 @@
 #include <QDialog>
 #include <QList>
 #include <QString>
+#include <QVector>
 
 #include <memory>
 
@@ -33,7 +34,7 @@ public:
     /// Shows the statuses, row by row in their order. Called at every display tick. While nobody
     /// sees the dialog, only rows whose status has changed are touched: it can be shown at any
     /// time.
-    void update(const QList<ConnectionStatus>& statuses);
+    void update(const QVector<ConnectionStatus>& statuses);
     /// Entry i is the index of the connection at place i of the user's order.
     QList<int> order() const { return connectionOrder; }
     /// Entry i is the index of the connection at place i of the list as it is on the screen. It
@@ -84,5 +85,5 @@ private:
     QList<QListWidgetItem*> items;
     QList<int> connectionOrder;
     /// What the rows show; empty if the user may have changed some of it.
-    QList<ConnectionStatus> shownStatuses;
+    QVector<ConnectionStatus> shownStatuses;
 };

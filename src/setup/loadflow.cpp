@@ -89,7 +89,7 @@ void LoadFlow::makeSystem(ConnectionSettings record)
         record.name.set(connection->address());
     parts.systems.addLine(record, *connection);
 
-    const State state = usable && record.autoConnect ? State::Waiting : State::Down;
+    const State state = usable && record.autoConnect ? State::Waiting : State::NotWanted;
     pending.push_back({record, std::move(connection), state, {}});
 }
 
@@ -139,7 +139,9 @@ bool LoadFlow::mayBegin(std::list<Pending>::iterator system) const
 {
     return std::none_of(pending.begin(), std::list<Pending>::const_iterator(system),
                         [&system](const Pending& earlier) {
-                            return earlier.connection->address() == system->connection->address();
+                            return earlier.state != State::NotWanted
+                                   && earlier.connection->address()
+                                          == system->connection->address();
                         });
 }
 

@@ -37,14 +37,13 @@ public:
     bool load(const QString& path);
 
 private:
-    enum class State { Waiting, Arriving, Up, Down };
+    enum class State { NotWanted, Waiting, Arriving, Up, Down };
     /// A system that has its line, on its way to the registry.
     struct Pending
     {
         ConnectionSettings record;
         std::unique_ptr<Connection> connection;
-        /// `Down` from the beginning for a system that is not to be connected.
-        State state = State::Down;
+        State state = State::NotWanted;
         Arrival arrival;
     };
 

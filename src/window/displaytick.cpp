@@ -19,6 +19,7 @@ namespace {
 std::array<UnitChoice, 2> unitsOf(LiveSystems& systems)
 {
     std::vector<const DetectorPair*> displayed;
+    displayed.reserve(std::size_t(systems.displayed().size()));
     for (const int index : systems.displayed())
         displayed.push_back(systems.at(index).detectors);
     const LiveSystem* current = systems.current();

@@ -72,23 +72,24 @@ Connection* LiveSystems::find(const QString& address) const
 
 LiveSystem* LiveSystems::single()
 {
-    const QList<int>& shown = displayedIndices.isEmpty() ? commonIndices : displayedIndices;
-    return shown.size() == 1 ? &at(shown.first()) : nullptr;
+    const int index = onPlots.single();
+    return index >= 0 ? &at(index) : nullptr;
 }
 
 LiveSystem* LiveSystems::current()
 {
-    return currentIndex < size() ? &at(currentIndex) : nullptr;
+    return onPlots.current() < size() ? &at(onPlots.current()) : nullptr;
 }
 
 const LiveSystem* LiveSystems::current() const
 {
-    return currentIndex < size() ? &at(currentIndex) : nullptr;
+    return onPlots.current() < size() ? &at(onPlots.current()) : nullptr;
 }
 
-QList<ConnectionStatus> LiveSystems::statuses() const
+QVector<ConnectionStatus> LiveSystems::statuses() const
 {
-    QList<ConnectionStatus> copies;
+    QVector<ConnectionStatus> copies;
+    copies.reserve(size());
     for (const LiveSystem& system : systems)
         copies.append(system.status);
     return copies;
@@ -105,7 +106,7 @@ void LiveSystems::add(std::unique_ptr<Connection> connection, const ConnectionSe
     system.connection = std::move(connection);
     systems.push_back(std::move(system));
     emit added(index);
-    if (displayedIndices.size() < maxDisplayed && connectionAt(index).isConnected())
+    if (connectionAt(index).isConnected())
         display(index);
 }
 
@@ -142,28 +143,18 @@ void LiveSystems::show(const Connection* connection, bool show)
 
 void LiveSystems::display(int index)
 {
-    // A displayed system keeps its place.
-    if (displayedIndices.contains(index))
-        return;
-    if (displayedIndices.size() >= maxDisplayed) {
-        at(index).status.displayed = false;
-        return;
-    }
-    displayedIndices.append(index);
-    at(index).status.displayed = true;
-    if (shownCount() == 1)
-        currentIndex = index;
-    emit shown(index);
+    const bool isNew = onPlots.display(index);
+    at(index).status.displayed = onPlots.displayed().contains(index);
+    if (isNew)
+        emit shown(index);
 }
 
 void LiveSystems::hide(int index)
 {
-    if (!displayedIndices.removeOne(index))
+    if (!onPlots.hide(index))
         return;
     at(index).status.displayed = false;
-    chooseCurrent(index);
-    if (connectionAt(index).isConnected() && !commonIndices.contains(index)
-        && !at(index).isDismissed)
+    if (connectionAt(index).isConnected() && !common().contains(index) && !at(index).isDismissed)
         connectionAt(index).stopStream();
     emit hidden(index);
 }
@@ -181,34 +172,18 @@ void LiveSystems::showCommon(const Connection* connection, bool show)
 
 void LiveSystems::displayCommon(int index)
 {
-    if (commonIndices.contains(index))
-        return;
-    commonIndices.append(index);
-    if (shownCount() == 1)
-        currentIndex = index;
-    emit commonShown(index);
+    if (onPlots.showCommon(index))
+        emit commonShown(index);
 }
 
 void LiveSystems::hideCommon(int index)
 {
-    const int place = commonIndices.indexOf(index);
+    const int place = onPlots.hideCommon(index);
     if (place < 0)
         return;
-    commonIndices.removeAt(place);
-    chooseCurrent(index);
-    if (!displayedIndices.contains(index) && connectionAt(index).isStreaming()
-        && !at(index).isDismissed)
+    if (!displayed().contains(index) && connectionAt(index).isStreaming() && !at(index).isDismissed)
         connectionAt(index).stopStream();
     emit commonHidden(place);
-}
-
-/// The only one that is left on the plots, or else the last one that was there.
-void LiveSystems::chooseCurrent(int hiddenIndex)
-{
-    if (shownCount() > 1)
-        return;
-    const QList<int> left = displayedIndices + commonIndices;
-    currentIndex = left.isEmpty() ? hiddenIndex : left.first();
 }
 
 void LiveSystems::dismiss(const QList<const Connection*>& closing)
@@ -226,9 +201,8 @@ void LiveSystems::dismiss(const QList<const Connection*>& closing)
 bool LiveSystems::isStoppedByHiding(int index) const
 {
     const Connection& connection = connectionAt(index);
-    return displayedIndices.contains(index)
-               ? connection.isConnected()
-               : commonIndices.contains(index) && connection.isStreaming();
+    return displayed().contains(index) ? connection.isConnected()
+                                       : common().contains(index) && connection.isStreaming();
 }
 
 bool LiveSystems::close(const Connection* connection)
@@ -243,22 +217,14 @@ bool LiveSystems::close(const Connection* connection)
 
     const std::unique_ptr<Connection> closing = std::move(at(index).connection);
     systems.erase(systems.begin() + index);
-    const auto moveUp = [index](int& each) {
-        if (each > index)
-            --each;
-    };
-    std::for_each(displayedIndices.begin(), displayedIndices.end(), moveUp);
-    std::for_each(commonIndices.begin(), commonIndices.end(), moveUp);
-    moveUp(currentIndex);
-    if (!displayedIndices.isEmpty())
-        currentIndex = displayedIndices.first();
+    onPlots.forget(index);
     emit closed(index, closing.get());
     return true;
 }
 
 void LiveSystems::closeAll()
 {
-    displayedIndices.clear();
+    onPlots.hideAllDisplayed();
     QList<const Connection*> closing;
     for (const LiveSystem& system : systems)
         closing.prepend(system.connection.get());

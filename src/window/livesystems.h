@@ -4,9 +4,11 @@
 #include "setup/connectionregistry.h"
 #include "setup/graph.h"
 #include "window/livesystem.h"
+#include "window/shownsystems.h"
 
 #include <QList>
 #include <QObject>
+#include <QVector>
 
 #include <vector>
 
@@ -23,8 +25,6 @@ class LiveSystems final : public QObject
     Q_OBJECT
 
 public:
-    static constexpr int maxDisplayed = 50;
-
     explicit LiveSystems(QObject* parent = nullptr);
     ~LiveSystems() override;
 
@@ -39,15 +39,15 @@ public:
     Connection* find(const QString& address) const;
 
     /// Indices of the displayed systems, in the order in which they were shown.
-    const QList<int>& displayed() const { return displayedIndices; }
+    const QList<int>& displayed() const { return onPlots.displayed(); }
     /// Indices of the systems whose common detector is shown, in the order of its curves. When one
     /// is shown is not settled: the application itself leaves the list empty.
-    const QList<int>& common() const { return commonIndices; }
+    const QList<int>& common() const { return onPlots.common(); }
     /// The curve of the common detector at this place of its list: they follow those of all
     /// systems.
     int commonCurve(int place) const { return size() + place; }
     /// How many there are on the plots, in both lists together.
-    int shownCount() const { return displayedIndices.size() + commonIndices.size(); }
+    int shownCount() const { return onPlots.count(); }
     /// The displayed system if it is the only one; with none displayed the one whose common
     /// detector is shown, if that is the only one; null otherwise.
     LiveSystem* single();
@@ -57,7 +57,7 @@ public:
     const LiveSystem* current() const;
 
     /// Copies of the records, in the order of the list.
-    QList<ConnectionStatus> statuses() const;
+    QVector<ConnectionStatus> statuses() const;
 
     /// Registers a connection, and displays it if it is up and there is room.
     void add(std::unique_ptr<Connection> connection, const ConnectionSettings& settings,
@@ -79,7 +79,7 @@ public:
     ReconnectResult reconnect(const Connection* connection, QString& expectedId);
 
     /// Displays a connected system, or hides one. A hidden system does not stream. Beyond
-    /// `maxDisplayed` nothing is displayed.
+    /// `ShownSystems::maxDisplayed` nothing is displayed.
     void show(const Connection* connection, bool show);
     /// Shows the common detector of a connected system, or takes it off the plots.
     void showCommon(const Connection* connection, bool show);
@@ -116,10 +116,7 @@ private:
     void displayCommon(int index);
     void hideCommon(int index);
     bool isStoppedByHiding(int index) const;
-    void chooseCurrent(int hiddenIndex);
 
     std::vector<LiveSystem> systems;
-    QList<int> displayedIndices;
-    QList<int> commonIndices;
-    int currentIndex = 0;
+    ShownSystems onPlots;
 };

@@ -52,7 +52,7 @@ public:
     // What is registered, in the order of the list.
     const LiveSystems& liveSystems() const { return systems; }
     std::vector<Connection*> liveConnections() const;
-    QList<ConnectionStatus> liveStatuses() const { return systems.statuses(); }
+    QVector<ConnectionStatus> liveStatuses() const { return systems.statuses(); }
     /// Indices of the systems on the plots, in the order in which they were shown.
     const QList<int>& shownConnections() const { return systems.displayed(); }
 

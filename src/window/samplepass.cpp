@@ -15,6 +15,8 @@
 namespace {
 
 constexpr std::size_t maxSamplesPerTick = 501;
+/// Room for these is made before the store is locked.
+constexpr std::size_t usualSamplesPerTick = 16;
 
 bool isPulsed(const LiveSystem& system)
 {
@@ -46,6 +48,7 @@ std::vector<SampleBlock> drain(const LiveSystems& systems, const SampleSource& s
     for (const int index : source.systems) {
         const int curve = source.firstCurve ? *source.firstCurve + int(blocks.size()) : index;
         SampleBlock block{index, curve, {}};
+        block.samples.reserve(usualSamplesPerTick);
         (systems.connectionAt(index).*source.store)(block.samples, maxSamplesPerTick);
         blocks.push_back(std::move(block));
     }

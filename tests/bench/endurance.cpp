@@ -39,7 +39,7 @@ EnduranceOptions readOptions(int argc, char** argv)
     options.samplesToTake = parser.value(samples).toInt();
     options.seconds = parser.value(seconds).toInt();
     const bool isMode = options.pointing || parser.value(mode) == QLatin1String("oscilloscope");
-    if (!isGood || !isMode || options.systems < 1 || options.systems > LiveSystems::maxDisplayed
+    if (!isGood || !isMode || options.systems < 1 || options.systems > ShownSystems::maxDisplayed
         || options.samplesToTake < 1 || options.seconds < 1) {
         std::fputs("Usage: lumetra-endurance [--systems N] [--mode oscilloscope|pointing] "
                    "[--samples K] [--seconds S]\n",

@@ -3,6 +3,7 @@
 #include "app/switches.h"
 #include "link/connection.h"
 #include "plots/genericplot.h"
+#include "setup/connectionoverviewdialog.h"
 #include "setup/connectionwidget.h"
 #include "setup/settings.h"
 #include "setup/settingsdialog.h"
@@ -14,7 +15,9 @@
 
 #include <QAction>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTimer>
@@ -50,6 +53,29 @@ void showTcpTab(const WindowFixture& fixture)
     in<QTabWidget>(settingsDialog(fixture), "tabWidget").setCurrentIndex(1);
 }
 
+/// Labels in the rows of the overview, which follows with the tick.
+QStringList overviewLabels(const WindowFixture& fixture)
+{
+    fixture.tick();
+    const auto& list =
+        in<QListWidget>(*fixture.window().findChild<ConnectionOverviewDialog*>(), "listWidget");
+    QStringList labels;
+    for (int place = 1; place < list.count(); ++place)
+        labels.append(in<QLabel>(*list.itemWidget(list.item(place)), "label").text());
+    return labels;
+}
+
+/// When a controller got its label, which is the last thing of coming up; 0 if it got none.
+qint64 labelledAtNs(const emulator::ControllerHandle& controller)
+{
+    const QVector<emulator::WireEvent> wire = controller.wire();
+    for (const emulator::WireEvent& event : wire) {
+        if (event.direction == emulator::WireEvent::FromHost && event.bytes.startsWith("SLA"))
+            return event.timeNs;
+    }
+    return 0;
+}
+
 /// Presses "Save Settings". Labels of the systems of the file.
 QStringList savedLabels(const WindowFixture& fixture)
 {
@@ -81,6 +107,7 @@ private slots:
     void aLabelOfASystemWithoutAnAddressIsSaved();
     void impossibleDetectorDataLetTheWindowOpen_data();
     void impossibleDetectorDataLetTheWindowOpen();
+    void rowsAndCurvesStandInTheOrderOfTheFileWhenTheFirstSystemIsLate();
     void closingTheWindowEndsALoad();
 };
 
@@ -156,6 +183,24 @@ void TestSetupFile::impossibleDetectorDataLetTheWindowOpen()
     const QVector<QPointF> points = pointsOf(fixture.positionPlot(1), 0);
     for (const QPointF& point : points)
         QVERIFY(std::isfinite(point.y()));
+}
+
+void TestSetupFile::rowsAndCurvesStandInTheOrderOfTheFileWhenTheFirstSystemIsLate()
+{
+    WindowFixture fixture;
+    emulator::ControllerOptions slow;
+    constexpr int lateMs = 500;
+    slow.faults.lateMs = {{"GID", lateMs}};
+    fixture.addController(slow);
+    fixture.addController();
+    QVERIFY(fixture.writeSetupFile({fixture.record(0), fixture.record(1)}));
+    QVERIFY(fixture.open());
+    const QStringList labels{"System_1", "System_2"};
+    QCOMPARE(registeredLabels(fixture), labels);
+    QCOMPARE(overviewLabels(fixture), labels);
+    QCOMPARE(fixture.window().shownConnections(), QList<int>({0, 1}));
+    QVERIFY(labelledAtNs(fixture.controller(1)) > 0);
+    QVERIFY(labelledAtNs(fixture.controller(1)) < labelledAtNs(fixture.controller(0)));
 }
 
 void TestSetupFile::closingTheWindowEndsALoad()

@@ -337,7 +337,7 @@ void TestTickReadouts::aStateFromAnotherPathDoesNotReachTheButtonsOfTwoSystems()
     fixture.controller(0).setStage(1, true);
     fixture.controller(1).setStage(2, true);
     QVERIFY(fixture.tickUntil([&] {
-        const QList<ConnectionStatus> statuses = fixture.window().liveStatuses();
+        const QVector<ConnectionStatus> statuses = fixture.window().liveStatuses();
         return statuses.at(0).stabilised1 && statuses.at(1).stabilised2;
     }));
     QCOMPARE(switchState(fixture, "push_Stab1"), QString("OFF unchecked lightcoral"));

@@ -40,6 +40,8 @@ private slots:
     void samplesCanBeTakenAtOnce_data();
     void samplesCanBeTakenAtOnce();
     void takenSamplesComeBehindThoseThatAreThere();
+    void newestSamplesOfAnOverrunRingAreTakenAtOnce();
+    void writerAndReaderLoseNothingWhileThereIsRoom_data();
     void writerAndReaderLoseNothingWhileThereIsRoom();
 };
 
@@ -207,8 +209,28 @@ void TestMeasureStore::takenSamplesComeBehindThoseThatAreThere()
     QCOMPARE(taken.back().timeMs, quint64(3));
 }
 
+void TestMeasureStore::newestSamplesOfAnOverrunRingAreTakenAtOnce()
+{
+    measureStore store(8);
+    storeNumbers(store, 1, 10);
+    std::vector<MeasureSample> taken;
+    store.takeSamples(taken, 10);
+    QCOMPARE(taken.size(), std::size_t(7));
+    QCOMPARE(taken.front().timeMs, quint64(3));
+    QCOMPARE(taken.back().timeMs, quint64(9));
+    QCOMPARE(store.sampleCount(), 0);
+}
+
+void TestMeasureStore::writerAndReaderLoseNothingWhileThereIsRoom_data()
+{
+    QTest::addColumn<int>("most");
+    QTest::newRow("one by one") << 1;
+    QTest::newRow("some at once") << 501;
+}
+
 void TestMeasureStore::writerAndReaderLoseNothingWhileThereIsRoom()
 {
+    QFETCH(int, most);
     constexpr quint64 count = 20000;
     measureStore store(capacity);
     std::thread writer([&store] {
@@ -223,13 +245,12 @@ void TestMeasureStore::writerAndReaderLoseNothingWhileThereIsRoom()
     quint64 expected = 0;
     bool inOrder = true;
     while (expected < count) {
-        MeasureSample sample;
-        if (store.takeSample(sample) == 0) {
+        std::vector<MeasureSample> taken;
+        store.takeSamples(taken, std::size_t(most));
+        if (taken.empty())
             std::this_thread::yield();
-            continue;
-        }
-        inOrder = inOrder && sample.timeMs == expected;
-        ++expected;
+        for (const MeasureSample& sample : taken)
+            inOrder = inOrder && sample.timeMs == expected++;
     }
     writer.join();
     QVERIFY(inOrder);

@@ -62,6 +62,7 @@ private slots:
     void manyPointsBeyondTheBorderPaintAll();
     void newColourPaintsAll();
     void changedItemPaintsAll();
+    void changedItemWithoutNewPointsPaintsAll();
     void newScalePaintsAll();
     void canvasWithABackingStorePaintsAll();
 
@@ -291,6 +292,15 @@ void TestChangedPart::changedItemPaintsAll()
     plot->appendData(0, QPointF(1.0, 1.0));
     plot->replotIfChanged();
     QCOMPARE(painted->take().boundingRect(), plot->canvas()->contentsRect());
+}
+
+void TestChangedPart::changedItemWithoutNewPointsPaintsAll()
+{
+    plot->setItemsChanged();
+    plot->replotIfChanged();
+    QCOMPARE(painted->take().boundingRect(), plot->canvas()->contentsRect());
+    plot->replotIfChanged();
+    QVERIFY(painted->take().isEmpty());
 }
 
 void TestChangedPart::newScalePaintsAll()

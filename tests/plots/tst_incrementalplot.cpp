@@ -107,6 +107,7 @@ private slots:
     void clearingOneCurveLeavesTheOthersAndReplotsOnce();
     void clearingAllCurvesReplotsOnce();
     void clearedCurveHoldsNoMemory();
+    void pointsOfALongRunAreNeverMoved();
     void boundingRectangleIsComputedOnceUntilCleared();
     void boundingRectangleOfNothingIsInvalid();
 };
@@ -432,10 +433,25 @@ void TestIncrementalPlot::clearingAllCurvesReplotsOnce()
 void TestIncrementalPlot::clearedCurveHoldsNoMemory()
 {
     CurveData curve;
-    for (int i = 0; i < 1000; ++i)
+    for (int i = 0; i < 10000; ++i)
         curve.append(QPointF(i, i));
     curve.clear();
     QCOMPARE(curve.samples().capacity(), 0);
+}
+
+void TestIncrementalPlot::pointsOfALongRunAreNeverMoved()
+{
+    constexpr int fewPoints = 5000;
+    CurveData curve;
+    for (int i = 0; i < fewPoints; ++i)
+        curve.append(QPointF(i, -i));
+    const QPointF* const first = curve.first();
+    for (int i = fewPoints; i < CurveData::longRun; ++i)
+        curve.append(QPointF(i, -i));
+    QCOMPARE(curve.first(), first);
+    QCOMPARE(curve.sample(0), QPointF(0.0, 0.0));
+    QCOMPARE(curve.sample(CurveData::longRun - 1),
+             QPointF(CurveData::longRun - 1, 1 - CurveData::longRun));
 }
 
 void TestIncrementalPlot::boundingRectangleIsComputedOnceUntilCleared()

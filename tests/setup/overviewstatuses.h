@@ -2,8 +2,8 @@
 
 #include "setup/connectionstatus.h"
 
-#include <QList>
 #include <QStringList>
+#include <QVector>
 
 /// What the window tells the overview.
 namespace overviewstatuses {
@@ -20,9 +20,9 @@ inline ConnectionStatus status(const QString& label)
     return made;
 }
 
-inline QList<ConnectionStatus> statuses(const QStringList& labels)
+inline QVector<ConnectionStatus> statuses(const QStringList& labels)
 {
-    QList<ConnectionStatus> made;
+    QVector<ConnectionStatus> made;
     for (const QString& label : labels)
         made.append(status(label));
     return made;

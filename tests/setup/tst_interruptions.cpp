@@ -6,6 +6,7 @@
 #include "flowtools.h"
 #include "records.h"
 #include "support/logcapture.h"
+#include "support/pointermoves.h"
 
 #include <QtTest>
 
@@ -27,6 +28,7 @@ private slots:
     void cleanup();
 
     // Clicks.
+    void inputWaitsUntilALoadIsOver();
     void aSecondConnectMakesOneConnection();
     void aConnectDuringALoadIsKeptBesideTheLoaded();
     void aDeletionDuringALoadTakesItsOwnRecord();
@@ -123,6 +125,20 @@ ConnectionSettings TestInterruptions::absent(const QString& label)
     const ConnectionSettings record = stored(gone, label);
     gone.stopListening();
     return record;
+}
+
+void TestInterruptions::inputWaitsUntilALoadIsOver()
+{
+    const PointerMoves moves(bench->dialog);
+    bool isMoved = false;
+    whenConnecting([&] {
+        moves.move();
+        isMoved = true;
+    });
+    load({stored(host->addTcp(), "a")});
+    QVERIFY(isMoved);
+    QCOMPARE(moves.count(), 0);
+    QTRY_COMPARE(moves.count(), 1);
 }
 
 void TestInterruptions::aSecondConnectMakesOneConnection()

@@ -34,6 +34,7 @@ private slots:
     void aSecondLoadCountsAnew();
     void aSystemThatIsUpWaitsForThoseBeforeIt();
     void anUnmarkedSystemOfTheSameAddressHoldsNobodyUp();
+    void anUnmarkedSystemBehindALateOneHoldsNobodyUp();
 
 private:
     bool load(const QList<ConnectionSettings>& list)
@@ -217,6 +218,15 @@ void TestLoadFlow::anUnmarkedSystemOfTheSameAddressHoldsNobodyUp()
     load({quietTcp("AB000000001", "127.0.0.5", "a"), at("CD000000002", "127.0.0.5", "b")});
     QCOMPARE(bench->registry.statesWhenNew,
              QList<LinkState>({LinkState::NotConnected, LinkState::Connected}));
+}
+
+void TestLoadFlow::anUnmarkedSystemBehindALateOneHoldsNobodyUp()
+{
+    bench->advances = {3, 1};
+    load({at("AB000000001", "127.0.0.5", "late"), quietTcp("CD000000002", "127.0.0.6", "unmarked"),
+          at("EF000000003", "127.0.0.6", "next")});
+    QCOMPARE(told.filter("up "),
+             QStringList({"up next 127.0.0.6: 1 of 2", "up late 127.0.0.5: 2 of 2"}));
 }
 
 QTEST_MAIN(TestLoadFlow)

@@ -282,7 +282,7 @@ void TestOverview::aRowIsTouchedOnlyByChanges()
 
 void TestOverview::aHiddenRowIsLeftAloneWhileItsStatusStays()
 {
-    const QList<ConnectionStatus> all = statuses({"a", "b"});
+    const QVector<ConnectionStatus> all = statuses({"a", "b"});
     dialog->update(all);
     // A row that is touched gets its controls enabled each time.
     auto& button = named<QPushButton>(row(2), "enable1");
@@ -314,7 +314,7 @@ void TestOverview::aHiddenRowFollowsItsStatus_data()
 void TestOverview::aHiddenRowFollowsItsStatus()
 {
     QFETCH(Change, change);
-    QList<ConnectionStatus> all = statuses({"a", "b"});
+    QVector<ConnectionStatus> all = statuses({"a", "b"});
     dialog->update(all);
     const QStringList before = lookOf(row(2));
     const QStringList other = lookOf(row(1));
@@ -334,7 +334,7 @@ void TestOverview::aHiddenRowFollowsItsConnection()
 {
     TcpClient first;
     TcpClient second;
-    QList<ConnectionStatus> all = statuses({"a"});
+    QVector<ConnectionStatus> all = statuses({"a"});
     for (Connection* connection :
          {static_cast<Connection*>(&first), static_cast<Connection*>(&second)}) {
         all[0].connection = connection;
@@ -345,7 +345,7 @@ void TestOverview::aHiddenRowFollowsItsConnection()
 
 void TestOverview::hiddenRowsFollowAClosedSystem()
 {
-    QList<ConnectionStatus> all = statuses({"a", "b", "c"});
+    QVector<ConnectionStatus> all = statuses({"a", "b", "c"});
     all[1].displayed = true;
     dialog->update(all);
     all.removeFirst();
@@ -358,7 +358,7 @@ void TestOverview::hiddenRowsFollowAClosedSystem()
 
 void TestOverview::aRowIsPutRightAfterTheDialogWasClosed()
 {
-    const QList<ConnectionStatus> all = statuses({"a"});
+    const QVector<ConnectionStatus> all = statuses({"a"});
     dialog->update(all);
     widgettest::show(*dialog);
     dialog->update(all);

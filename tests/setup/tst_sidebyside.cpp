@@ -67,7 +67,7 @@ private slots:
     void eachControllerSeesTheSameBytesWithTheSameWaits();
     void linesRecordsAndConnectionsStandInTheOrderOfTheFile();
     void fiftySystemsAreUnderWayBeforeTheFirstWaitsAreOver();
-    void controllersThatFailCostTheOthersNothing();
+    void controllersThatFailCostTheOthersNothingOnTheWire();
     void systemsWithOneAddressComeUpOneAfterTheOther();
     void theSecondSystemOfOnePlaceFindsWhatTheFirstHasLeft();
     void aSystemWithoutALinkEndsBeforeTheNextOfItsAddress();
@@ -252,7 +252,7 @@ void TestSideBySide::fiftySystemsAreUnderWayBeforeTheFirstWaitsAreOver()
     QCOMPARE(registered(), labels);
 }
 
-void TestSideBySide::controllersThatFailCostTheOthersNothing()
+void TestSideBySide::controllersThatFailCostTheOthersNothingOnTheWire()
 {
     bench->useTimeout(Connection::defaultTimeoutMs);
     const ControllerHandle mute = add(silent());

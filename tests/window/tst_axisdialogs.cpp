@@ -76,15 +76,12 @@ void TestAxisDialogs::clickAsksForThePresentLimits_data()
                                  << "Stage 1: Rescale i axis, 5.00, 5.50";
     QTest::newRow("intensity 2") << "intensityPlot2" << int(QwtPlot::yLeft)
                                  << "Stage 2: Rescale i axis, 6.00, 6.50";
-    for (const char* place : {"position", "intensity"}) {
-        const bool isTop = QLatin1String(place) == QLatin1String("position");
-        const int axis = isTop ? QwtPlot::xTop : QwtPlot::xBottom;
-        QTest::addRow("time 1 at the %s", place)
-            << QStringLiteral("%1Plot1").arg(place) << axis
-            << "Stage 1:  Rescale Time Axis, 000:00:03, 000:00:30";
-        QTest::addRow("time 2 at the %s", place)
-            << QStringLiteral("%1Plot2").arg(place) << axis
-            << "Stage 2:  Rescale Time Axis, 000:00:04, 000:00:40";
+    for (const auto& [place, axis] : {std::pair{QStringLiteral("position"), QwtPlot::xTop},
+                                      std::pair{QStringLiteral("intensity"), QwtPlot::xBottom}}) {
+        QTest::newRow(qPrintable("time 1 at the " + place))
+            << place + "Plot1" << int(axis) << "Stage 1:  Rescale Time Axis, 000:00:03, 000:00:30";
+        QTest::newRow(qPrintable("time 2 at the " + place))
+            << place + "Plot2" << int(axis) << "Stage 2:  Rescale Time Axis, 000:00:04, 000:00:40";
     }
 }
 

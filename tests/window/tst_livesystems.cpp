@@ -75,7 +75,7 @@ void TestLiveSystems::recordOfANewSystemSaysWhatIsKnown()
     const Connection& up = bench->add(Link::Up, QStringLiteral("ttyUSB1"), settings);
     bench->add(Link::Down);
 
-    const QList<ConnectionStatus> statuses = systems().statuses();
+    const QVector<ConnectionStatus> statuses = systems().statuses();
     QCOMPARE(statuses.size(), 2);
     QCOMPARE(statuses[0].connection, &up);
     QCOMPARE(statuses[0].address, QStringLiteral("ttyUSB1"));

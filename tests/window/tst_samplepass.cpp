@@ -62,12 +62,13 @@ private slots:
     void valuesReachTheirPlotsInVolts();
     void blockSaysItsCurve();
     void singleSystemShowsItsReadouts();
-    void twoSystemsShowNone();
+    void twoSystemsLeaveReadoutsAndBarsAlone();
     void sweepWrapsByTheFirstSystemOnly();
     void sampleFromBeforeTheOriginBeginsANewSweep();
     void lastSampleOfABlockTellsTheState();
     void firmwareWithoutFlagsTellsNoState();
     void sampleThatEndsARunTellsNoStateAndLeavesOutTheRest();
+    void sampleThatEndsARunIsTheLastOneInReadoutsAndBars();
     void theFirstSystemCountsAndTheLastOneEndsTheRun();
     void unitOfTheDetectorIsShownOnlyWhereAllAgree_data();
     void unitOfTheDetectorIsShownOnlyWhereAllAgree();
@@ -252,14 +253,19 @@ void TestSamplePass::singleSystemShowsItsReadouts()
     QCOMPARE(bench->bar("thermoRY2").value(), 4.0);
 }
 
-void TestSamplePass::twoSystemsShowNone()
+void TestSamplePass::twoSystemsLeaveReadoutsAndBarsAlone()
 {
     addSystems(2);
+    bench->systems.show(&bench->connection(1), false);
     std::vector<MeasureSample> samples = countedSamples(1);
     samples[0].rx1 = 3000;
-    show({block(0, samples), block(1, {})});
-    QCOMPARE(bench->forms[0].lcdX.value(), 0.0);
-    QCOMPARE(bench->bar("thermoRX1").value(), 0.0);
+    show({block(0, samples)});
+    bench->systems.show(&bench->connection(1), true);
+    samples[0].x1 = 5000;
+    samples[0].rx1 = 7000;
+    show({block(0, samples), block(1, samples)});
+    QCOMPARE(bench->forms[0].lcdX.value(), 1.0);
+    QCOMPARE(bench->bar("thermoRX1").value(), 3.0);
 }
 
 void TestSamplePass::sweepWrapsByTheFirstSystemOnly()
@@ -324,6 +330,18 @@ void TestSamplePass::sampleThatEndsARunTellsNoStateAndLeavesOutTheRest()
     QVERIFY(!bench->systems.at(0).status.active1);
     QCOMPARE(pointsOf(plots().pointing(), 0).size(), 2);
     QCOMPARE(bench->statistics.run().samplesTaken(), 2);
+}
+
+void TestSamplePass::sampleThatEndsARunIsTheLastOneInReadoutsAndBars()
+{
+    addSystems(1);
+    bench->statistics.run().setLimit(2);
+    std::vector<MeasureSample> samples = countedSamples(5);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i].rx1 = qint16(1000 * (i + 1));
+    QVERIFY(!show({block(0, samples)}));
+    QCOMPARE(bench->forms[0].lcdX.value(), 1.5);
+    QCOMPARE(bench->bar("thermoRX1").value(), 2.0);
 }
 
 void TestSamplePass::theFirstSystemCountsAndTheLastOneEndsTheRun()

@@ -49,20 +49,29 @@ void TestTickTimer::periodIsThatOfTheUpdateRate_data()
     QTest::newRow("cut, not rounded") << 150 << 6;
     QTest::newRow("usual") << 100 << 10;
     QTest::newRow("slow") << 30 << 33;
+    QTest::newRow("slowest") << 1 << 1000;
 }
 
 void TestTickTimer::periodIsThatOfTheUpdateRate()
 {
     QFETCH(int, rateHz);
     setRate(rateHz);
-    QElapsedTimer clock;
-    clock.start();
-    bench->timer.start();
     QFETCH(int, periodMs);
-    QCOMPARE(bench->timer.period().count(), periodMs);
     QSignalSpy ticks(&bench->timer, &TickTimer::timeout);
-    QVERIFY(ticks.wait());
-    QVERIFY(clock.elapsed() >= periodMs);
+    QElapsedTimer clock;
+    // On a busy machine a tick can come late, but not each of so many.
+    constexpr int attempts = 50;
+    constexpr int muchTooLong = 5;
+    bool isInTime = false;
+    for (int i = 0; i < attempts && !isInTime; ++i) {
+        clock.start();
+        bench->timer.start();
+        QCOMPARE(bench->timer.period().count(), periodMs);
+        QVERIFY(ticks.wait());
+        QVERIFY(clock.elapsed() >= periodMs);
+        isInTime = clock.elapsed() < muchTooLong * periodMs;
+    }
+    QVERIFY(isInTime);
 }
 
 void TestTickTimer::firstTickDoesNotComeEarly()
