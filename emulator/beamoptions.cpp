@@ -4,6 +4,8 @@
 #include "emulator/replay.h"
 #include "emulator/text.h"
 
+#include <memory>
+
 namespace emulator {
 
 namespace {

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <variant>
 
 namespace emulator {
 

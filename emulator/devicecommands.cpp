@@ -4,6 +4,8 @@
 #include "emulator/noisesource.h"
 #include "emulator/reply.h"
 
+#include <array>
+
 namespace emulator {
 
 namespace {

@@ -9,6 +9,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <utility>
 #include <vector>
 
 using namespace emulator;

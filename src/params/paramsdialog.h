@@ -13,6 +13,7 @@
 #include <array>
 #include <list>
 #include <memory>
+#include <vector>
 
 class Connection;
 class QMessageBox;

@@ -16,6 +16,8 @@
 #include <QPointer>
 #include <QShowEvent>
 
+#include <utility>
+
 namespace {
 
 constexpr int serialTabIndex = 0;
