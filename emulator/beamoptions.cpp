@@ -2,8 +2,9 @@
 
 #include "emulator/optionreader.h"
 #include "emulator/replay.h"
+#include "emulator/text.h"
 
-#include <QCoreApplication>
+#include <memory>
 
 namespace emulator {
 
@@ -14,11 +15,6 @@ constexpr double greatestDiameterUm = 10000.0;
 constexpr double greatestOffsetUm = 10000.0;
 /// Of the connectors of the external inputs, and of what SPF, SDS and SAI store.
 constexpr int greatestInputMv = 5000;
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("BeamOptions", text);
-}
 
 QMap<QString, Preset> presets()
 {
@@ -42,47 +38,53 @@ QMap<QString, DetectorKind> detectors()
 OptionSection beamSection()
 {
     return {
-        tr("Beams and detectors"),
-        tr("1 and 2 at the end of a name stand for the stage."),
+        Text::tr("Beams and detectors"),
+        Text::tr("1 and 2 at the end of a name stand for the stage."),
         {
             {"seed",
-             tr("Seed of the beams; default: 1. The first controller takes N, the next N + 1, "
-                "and so on."),
+             Text::tr(
+                 "Seed of the beams; default: 1. The first controller takes N, the next N + 1, "
+                 "and so on."),
              "N"},
-            {"preset", tr("How much the beams move: still, quiet, typical (default) or noisy."),
+            {"preset",
+             Text::tr("How much the beams move: still, quiet, typical (default) or noisy."),
              "NAME"},
             {"detector",
-             tr("Detectors of both stages: lateral (default) or quadrant, with 50 mV per "
-                "micrometre, or 4qd, psd, wid, uvpsd4 or uvpsd10, with the volts of that type, "
-                "so that lengths are right on the screen."),
+             Text::tr(
+                 "Detectors of both stages: lateral (default) or quadrant, with 50 mV per "
+                 "micrometre, or 4qd, psd, wid, uvpsd4 or uvpsd10, with the volts of that type, "
+                 "so that lengths are right on the screen."),
              "NAME"},
-            {"detector1", tr("Detector of stage 1."), "NAME"},
-            {"detector2", tr("Detector of stage 2."), "NAME"},
+            {"detector1", Text::tr("Detector of stage 1."), "NAME"},
+            {"detector2", Text::tr("Detector of stage 2."), "NAME"},
             {"diameter1",
-             tr("Diameter of the spot on the detector, 0.1 to 10000 micrometres; default: "
-                "50."),
+             Text::tr("Diameter of the spot on the detector, 0.1 to 10000 micrometres; default: "
+                      "50."),
              "UM"},
-            {"diameter2", tr("The same for stage 2."), "UM"},
+            {"diameter2", Text::tr("The same for stage 2."), "UM"},
             {"offset1",
-             tr("Where the beam stands if nothing moves it, micrometres from the detector's "
-                "centre; default: 0:0."),
+             Text::tr("Where the beam stands if nothing moves it, micrometres from the detector's "
+                      "centre; default: 0:0."),
              "X:Y"},
-            {"offset2", tr("The same for stage 2."), "X:Y"},
-            {"replay", tr("Stream the samples of a recording file in place of the beams."), "FILE"},
+            {"offset2", Text::tr("The same for stage 2."), "X:Y"},
+            {"replay", Text::tr("Stream the samples of a recording file in place of the beams."),
+             "FILE"},
         }};
 }
 
 OptionSection inputSection()
 {
     return {
-        tr("P-factor and external inputs"),
-        tr("All in mV. The voltage at an input counts where the controller has stored 0."),
+        Text::tr("P-factor and external inputs"),
+        Text::tr("All in mV. The voltage at an input counts where the controller has stored 0."),
         {
-            {"pfactor", tr("P-factor that it has stored, 0 to 5000; default: 1000."), "MV"},
-            {"pfactor-input", tr("At the input of the P-factor; default: 1000."), "MV"},
-            {"sensitivity-input", tr("At the input of the sensitivity; default: 1000."), "MV"},
-            {"adjust-input1", tr("At the inputs of adjust-in of stage 1; default: 0:0."), "X:Y"},
-            {"adjust-input2", tr("The same for stage 2."), "X:Y"},
+            {"pfactor", Text::tr("P-factor that it has stored, 0 to 5000; default: 1000."), "MV"},
+            {"pfactor-input", Text::tr("At the input of the P-factor; default: 1000."), "MV"},
+            {"sensitivity-input", Text::tr("At the input of the sensitivity; default: 1000."),
+             "MV"},
+            {"adjust-input1", Text::tr("At the inputs of adjust-in of stage 1; default: 0:0."),
+             "X:Y"},
+            {"adjust-input2", Text::tr("The same for stage 2."), "X:Y"},
         }};
 }
 

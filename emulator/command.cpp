@@ -1,5 +1,7 @@
 #include "emulator/command.h"
 
+#include "emulator/commandtable.h"
+
 #include <algorithm>
 
 namespace emulator {

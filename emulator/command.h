@@ -33,17 +33,6 @@ struct ParseResult
     int consumed = 0;
 };
 
-/// A command has no length field and its arguments may hold the terminator, so that only the
-/// mnemonic tells how many argument bytes follow; -1 for an unknown mnemonic.
-int argumentLength(const QByteArray& mnemonic);
-
-/// True for a command whose second argument byte names an axis, x or y.
-bool hasAxis(const QByteArray& mnemonic);
-
-/// Number of bytes of the usual reply to a command, framing included; 2 for an unknown mnemonic.
-/// For the starts of a stream it is the first packet.
-int replyLength(const QByteArray& mnemonic);
-
 /// Looks for one command at the beginning of `input`. The caller drops `consumed` bytes and calls
 /// again. After bytes that are no command, parsing continues after the next terminator.
 ParseResult parseCommand(const QByteArray& input);

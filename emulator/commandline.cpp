@@ -5,9 +5,9 @@
 #include "emulator/optionsections.h"
 #include "emulator/optionsfile.h"
 #include "emulator/placementreader.h"
+#include "emulator/text.h"
 
 #include <QCommandLineParser>
-#include <QCoreApplication>
 
 #include <algorithm>
 #include <memory>
@@ -18,11 +18,6 @@
 namespace emulator {
 
 namespace {
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("CommandLine", text);
-}
 
 CommandLine failed(const QString& complaint)
 {
@@ -75,7 +70,7 @@ std::unique_ptr<Source> readFile(const QString& file, QString& error)
     std::unique_ptr<Source> source = makeSource(place, QStringList{QString()} + *arguments, error);
     if (!source || !source->parser.isSet("options"))
         return source;
-    error = place + tr("a file of options can not name another one");
+    error = place + Text::tr("a file of options can not name another one");
     return nullptr;
 }
 
@@ -108,7 +103,7 @@ QString strayArgument(const Sources& sources)
     for (const auto& source : sources) {
         const QStringList stray = source->parser.positionalArguments();
         if (!stray.isEmpty())
-            return source->place + tr("unexpected argument \"%1\"").arg(stray.first());
+            return source->place + Text::tr("unexpected argument \"%1\"").arg(stray.first());
     }
     return {};
 }
@@ -152,19 +147,19 @@ QVector<Placement> readPlacements(const Sources& sources, const ControllerOption
     addAll("tcp", readTcpPlacement);
     addAll("pty", readPtyPlacement);
     if (error.isEmpty() && placements.isEmpty())
-        error = tr("no controller to emulate: give --tcp ADDRESS:PORT or --pty LINK");
+        error = Text::tr("no controller to emulate: give --tcp ADDRESS:PORT or --pty LINK");
     return placements;
 }
 
 QString wholeHelp()
 {
-    const QString usage = tr("Usage: lumetra-emulator OPTION...");
-    const QString purpose =
-        tr("Emulates controllers for laser-beam position stabilisation. For each controller that "
-           "is ready a line \"tcp ADDRESS:PORT KEY\" or \"pty LINK KEY\" is printed.");
+    const QString usage = Text::tr("Usage: lumetra-emulator OPTION...");
+    const QString purpose = Text::tr(
+        "Emulates controllers for laser-beam position stabilisation. For each controller that "
+        "is ready a line \"tcp ADDRESS:PORT KEY\" or \"pty LINK KEY\" is printed.");
     const QString manner =
-        tr("What describes a controller holds for all where it stands alone. Behind a "
-           "controller's place it holds for that one only, and wins:");
+        Text::tr("What describes a controller holds for all where it stands alone. Behind a "
+                 "controller's place it holds for that one only, and wins:");
     const QString example = QStringLiteral("  lumetra-emulator --firmware 31 "
                                            "--tcp 127.0.0.11:2000,firmware=10,vm");
     return QStringList{usage + '\n', wrapped(purpose), wrapped(manner) + example + '\n',
@@ -195,8 +190,9 @@ CommandLine readCommandLine(const QStringList& arguments)
     if (error.isEmpty())
         line.placements = readPlacements(sources, common, error);
     if (error.isEmpty() && !common.key.isEmpty() && line.placements.size() > 1)
-        error = tr("--key: stands alone, but there are several controllers; put it behind the "
-                   "place of one, as in --pty LINK,key=KEY");
+        error =
+            Text::tr("--key: stands alone, but there are several controllers; put it behind the "
+                     "place of one, as in --pty LINK,key=KEY");
     line.quiet = isSet(sources, "quiet");
     return error.isEmpty() ? line : failed(error);
 }

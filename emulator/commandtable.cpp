@@ -1,6 +1,5 @@
-// The commands that controllers know, one row each.
+#include "emulator/commandtable.h"
 
-#include "emulator/command.h"
 #include "emulator/device.h"
 #include "emulator/packet.h"
 
@@ -29,6 +28,7 @@ constexpr ValueRule packetsPerSecond = {2, Device::leastRate, Device::greatestRa
 
 } // namespace
 
+// The commands that controllers know, one row each.
 const Operation* Device::operationOf(const QByteArray& mnemonic)
 {
     static constexpr Operation operations[] = {

@@ -1,5 +1,6 @@
 #include "emulator/controller.h"
 
+#include "emulator/commandtable.h"
 #include "emulator/identity.h"
 #include "emulator/wirelog.h"
 

@@ -43,12 +43,12 @@ struct Faults
     // Stream faults are counted in packets of the running stream, its first packet being number 1.
     // 0 means never.
 
-    /// Every so many packets one byte is missing: the first time byte 0, then byte 1, and so on.
+    /// One byte of every n-th packet is missing: the first time byte 0, then byte 1, and so on.
     int dropByteEvery = 0;
-    /// Before every so many packets stray bytes (0x80 to 0xFF) are inserted.
+    /// Stray bytes (0x80 to 0xFF) are inserted before every n-th packet.
     int insertBytesEvery = 0;
     int insertCount = 1;
-    /// Every so many packets one byte is inverted: the first time byte 0, then byte 1, and so on.
+    /// One byte of every n-th packet is inverted: the first time byte 0, then byte 1, and so on.
     int corruptByteEvery = 0;
     /// The link is closed after this many packets.
     int closeAfterPackets = 0;

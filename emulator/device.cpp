@@ -4,6 +4,10 @@
 #include "emulator/noisesource.h"
 #include "emulator/reply.h"
 
+#include <cstddef>
+#include <optional>
+#include <variant>
+
 namespace emulator {
 
 namespace {
@@ -23,6 +27,14 @@ StageModel stageModel(const ControllerOptions& options, quint64 stage, double in
 {
     return StageModel(beamPreset(options.preset), options.stages[stage - 1], intensityMv,
                       derivedSeed(options.seed, stage), options.group);
+}
+
+/// Index of stage 1 or 2; nothing for other numbers.
+std::optional<std::size_t> indexOf(int stage)
+{
+    if (stage < 1 || stage > Device::stages)
+        return std::nullopt;
+    return static_cast<std::size_t>(stage - 1);
 }
 
 } // namespace
@@ -110,38 +122,39 @@ QByteArray Device::id() const
 
 bool Device::stageOn(int stage) const
 {
-    return stage >= 1 && stage <= stages && models[static_cast<std::size_t>(stage - 1)].isOn();
+    const auto index = indexOf(stage);
+    return index && models[*index].isOn();
 }
 
 void Device::setStage(int stage, bool on)
 {
-    if (stage >= 1 && stage <= stages)
-        models[static_cast<std::size_t>(stage - 1)].setOn(on);
+    if (const auto index = indexOf(stage))
+        models[*index].setOn(on);
 }
 
 StageState Device::stageState(int stage) const
 {
     StageState state;
-    if (stage < 1 || stage > stages)
+    const auto index = indexOf(stage);
+    if (!index)
         return state;
-    const auto index = static_cast<std::size_t>(stage - 1);
-    const StageModel& model = models[index];
+    const StageModel& model = models[*index];
     state.on = model.isOn();
     state.active = model.isActive();
     state.held = model.isHeld();
     state.multiplexed = model.isMultiplexed();
-    state.frozen = frozen[index];
+    state.frozen = frozen[*index];
     state.pFactorMv = model.pFactor();
     state.sensitivityMv = model.sensitivity();
     state.adjustInXMv = model.adjustIn(StageModel::X);
     state.adjustInYMv = model.adjustIn(StageModel::Y);
     state.inputs = model.inputs();
-    const PacketValues values = measured();
-    state.actuatorXMv = index == 0 ? values.rx1 : values.rx2;
-    state.actuatorYMv = index == 0 ? values.ry1 : values.ry2;
-    state.positionXMv = index == 0 ? values.x1 : values.x2;
-    state.positionYMv = index == 0 ? values.y1 : values.y2;
-    state.intensityMv = index == 0 ? values.i1 : values.i2;
+    const StageSignals told = measured()[*index];
+    state.actuatorXMv = told.actuatorX;
+    state.actuatorYMv = told.actuatorY;
+    state.positionXMv = told.x;
+    state.positionYMv = told.y;
+    state.intensityMv = told.intensity;
     state.beamXUm = model.beamMicrometres(StageModel::X);
     state.beamYUm = model.beamMicrometres(StageModel::Y);
     return state;
@@ -149,14 +162,14 @@ StageState Device::stageState(int stage) const
 
 void Device::setInputs(int stage, const ExternalInputs& inputs)
 {
-    if (stage >= 1 && stage <= stages)
-        models[static_cast<std::size_t>(stage - 1)].setInputs(inputs);
+    if (const auto index = indexOf(stage))
+        models[*index].setInputs(inputs);
 }
 
 void Device::setMultiplexed(int stage, bool on)
 {
-    if (stage >= 1 && stage <= stages)
-        models[static_cast<std::size_t>(stage - 1)].setMultiplexed(on);
+    if (const auto index = indexOf(stage))
+        models[*index].setMultiplexed(on);
 }
 
 void Device::setScript(const QVector<PacketValues>& script, bool repeats)
@@ -225,16 +238,14 @@ PacketValues Device::measured(const Views& views) const
     if (source.kind() != SampleSource::Kind::Beam)
         return source.lastSample();
     PacketValues values;
-    values.x1 = models[0].positionMv(StageModel::X, views[0]);
-    values.y1 = models[0].positionMv(StageModel::Y, views[0]);
-    values.i1 = models[0].intensityMv(views[0]);
-    values.x2 = models[1].positionMv(StageModel::X, views[1]);
-    values.y2 = models[1].positionMv(StageModel::Y, views[1]);
-    values.i2 = models[1].intensityMv(views[1]);
-    values.rx1 = models[0].actuatorMv(StageModel::X);
-    values.ry1 = models[0].actuatorMv(StageModel::Y);
-    values.rx2 = models[1].actuatorMv(StageModel::X);
-    values.ry2 = models[1].actuatorMv(StageModel::Y);
+    for (std::size_t i = 0; i < models.size(); ++i) {
+        const StageModel& model = models[i];
+        values[i].x = model.positionMv(StageModel::X, views[i]);
+        values[i].y = model.positionMv(StageModel::Y, views[i]);
+        values[i].intensity = model.intensityMv(views[i]);
+        values[i].actuatorX = model.actuatorMv(StageModel::X);
+        values[i].actuatorY = model.actuatorMv(StageModel::Y);
+    }
     return values;
 }
 

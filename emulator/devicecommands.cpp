@@ -4,6 +4,8 @@
 #include "emulator/noisesource.h"
 #include "emulator/reply.h"
 
+#include <array>
+
 namespace emulator {
 
 namespace {
@@ -122,8 +124,7 @@ Answer Device::tellActive(const Request&)
 
 Answer Device::tellIntensity(const Request& request)
 {
-    const PacketValues values = measured();
-    return words({request.stage == 0 ? values.i1 : values.i2});
+    return words({measured()[request.stage].intensity});
 }
 
 Answer Device::switchOn(const Request& request)
@@ -196,7 +197,8 @@ Answer Device::driveActuator(const Request& request)
 Answer Device::tellActuators(const Request&)
 {
     const PacketValues values = measured();
-    return words({values.rx1, values.ry1, values.rx2, values.ry2});
+    return words(
+        {values[0].actuatorX, values[0].actuatorY, values[1].actuatorX, values[1].actuatorY});
 }
 
 Answer Device::multiplexOn(const Request& request)
@@ -219,7 +221,7 @@ Answer Device::tellMultiplex(const Request&)
 Answer Device::tellPositions(const Request&)
 {
     const PacketValues values = measured({StageModel::View::Common, StageModel::View::Common});
-    return words({values.x1, values.y1, values.x2, values.y2});
+    return words({values[0].x, values[0].y, values[1].x, values[1].y});
 }
 
 Answer Device::tellError(const Request&)

@@ -1,6 +1,7 @@
 #include "emulator/devicelink.h"
 
-#include <QCoreApplication>
+#include "emulator/text.h"
+
 #include <QFile>
 
 #include <array>
@@ -14,11 +15,6 @@
 namespace emulator {
 
 namespace {
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("DeviceLink", text);
-}
 
 /// Target of a symbolic link; empty for anything else.
 QString targetOf(const QString& link)
@@ -82,7 +78,8 @@ bool DeviceLink::make(const QString& link, const QString& terminal, QString& err
     if (!made && errno == EEXIST) {
         if (!isStale(link, terminal)) {
             const QString inTheWay = targetOf(link);
-            error = inTheWay.isEmpty() ? tr("exists") : tr("exists, and leads to %1").arg(inTheWay);
+            error = inTheWay.isEmpty() ? Text::tr("exists")
+                                       : Text::tr("exists, and leads to %1").arg(inTheWay);
             return false;
         }
         made = replaceLink(link, terminal);

@@ -8,6 +8,7 @@
 #include "emulator/tcpface.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace emulator {
 

@@ -1,9 +1,8 @@
 #include "emulator/faultoptions.h"
 
 #include "emulator/optionreader.h"
+#include "emulator/text.h"
 #include "emulator/wholenumber.h"
-
-#include <QCoreApplication>
 
 namespace emulator {
 
@@ -12,45 +11,41 @@ namespace {
 /// Stray bytes before one packet.
 constexpr int greatestInsertCount = 16384;
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("FaultOptions", text);
-}
-
 OptionSection ruleSection()
 {
     return {
-        tr("Faults of commands"),
-        tr("RULE is MNEMONIC[:ARGS][:skip=N][:times=N], as SPF or SAI:01x:times=1: the "
-           "command, the first bytes of its arguments in hexadecimal digits, an axis as x or y, "
-           "how many such commands pass first, and how often the rule acts. Options with the "
-           "same RULE act together. Of several rules the first that fits a command acts. All "
-           "may be repeated."),
+        Text::tr("Faults of commands"),
+        Text::tr(
+            "RULE is MNEMONIC[:ARGS][:skip=N][:times=N], as SPF or SAI:01x:times=1: the "
+            "command, the first bytes of its arguments in hexadecimal digits, an axis as x or y, "
+            "how many such commands pass first, and how often the rule acts. Options with the "
+            "same RULE act together. Of several rules the first that fits a command acts. All "
+            "may be repeated."),
         {
-            {"refuse", tr("Refuse such commands."), "RULE"},
-            {"silent", tr("Do not answer them, nor carry them out."), "RULE"},
+            {"refuse", Text::tr("Refuse such commands."), "RULE"},
+            {"silent", Text::tr("Do not answer them, nor carry them out."), "RULE"},
             {"reply",
-             tr("Answer exactly these bytes, as in GSF=003b013b, and do not carry "
-                "them out."),
+             Text::tr("Answer exactly these bytes, as in GSF=003b013b, and do not carry "
+                      "them out."),
              "RULE=BYTES"},
-            {"late", tr("Carry out and answer them only after MS milliseconds."), "RULE=MS"},
-            {"short", tr("Send only the first N bytes of the reply."), "RULE=N"},
-            {"close-on", tr("Close the connection when one comes."), "RULE"},
-            {"half-close-on", tr("Close the sending side when one comes."), "RULE"},
-            {"garbage", tr("Answer every known command with noise.")},
+            {"late", Text::tr("Carry out and answer them only after MS milliseconds."), "RULE=MS"},
+            {"short", Text::tr("Send only the first N bytes of the reply."), "RULE=N"},
+            {"close-on", Text::tr("Close the connection when one comes."), "RULE"},
+            {"half-close-on", Text::tr("Close the sending side when one comes."), "RULE"},
+            {"garbage", Text::tr("Answer every known command with noise.")},
         }};
 }
 
 OptionSection streamFaultSection()
 {
-    return {tr("Faults of streams"),
+    return {Text::tr("Faults of streams"),
             {},
             {
-                {"drop-every", tr("Leave out a byte of every Nth packet."), "N"},
-                {"insert-every", tr("Insert stray bytes before every Nth packet."), "N"},
-                {"insert-count", tr("How many of them, 0 to 16384; default: 1."), "N"},
-                {"corrupt-every", tr("Invert a byte of every Nth packet."), "N"},
-                {"close-after", tr("Close the connection behind the Nth packet."), "N"},
+                {"drop-every", Text::tr("Leave out a byte of every Nth packet."), "N"},
+                {"insert-every", Text::tr("Insert stray bytes before every Nth packet."), "N"},
+                {"insert-count", Text::tr("How many of them, 0 to 16384; default: 1."), "N"},
+                {"corrupt-every", Text::tr("Invert a byte of every Nth packet."), "N"},
+                {"close-after", Text::tr("Close the connection behind the Nth packet."), "N"},
             }};
 }
 

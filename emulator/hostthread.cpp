@@ -5,6 +5,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <utility>
 
 #ifdef LUMETRA_THREAD_SANITIZER
 extern "C" {

@@ -3,11 +3,13 @@
 #include "emulator/ptyface.h"
 #include "emulator/quitsignals.h"
 #include "emulator/tcpface.h"
+#include "emulator/text.h"
 
 #include <QCoreApplication>
 
 #include <cstdio>
 #include <memory>
+#include <utility>
 #include <vector>
 
 using namespace emulator;
@@ -27,19 +29,15 @@ void reportConnections(Face& face)
 {
     const QString place = face.place();
     QObject::connect(&face, &Face::hostConnected, &face, [place](const QString& peer) {
-        say(stderr,
-            peer.isEmpty()
-                ? QCoreApplication::translate("Program", "%1: connected").arg(place)
-                : QCoreApplication::translate("Program", "%1: %2 connected").arg(place, peer));
+        say(stderr, peer.isEmpty() ? Text::tr("%1: connected").arg(place)
+                                   : Text::tr("%1: %2 connected").arg(place, peer));
     });
-    QObject::connect(&face, &Face::hostDisconnected, &face, [place] {
-        say(stderr, QCoreApplication::translate("Program", "%1: disconnected").arg(place));
-    });
-    QObject::connect(&face.controller(), &Controller::refused, &face,
-                     [place](const QByteArray& mnemonic) {
-                         say(stderr, QCoreApplication::translate("Program", "%1: refused %2")
-                                         .arg(place, QString::fromLatin1(mnemonic)));
-                     });
+    QObject::connect(&face, &Face::hostDisconnected, &face,
+                     [place] { say(stderr, Text::tr("%1: disconnected").arg(place)); });
+    QObject::connect(
+        &face.controller(), &Controller::refused, &face, [place](const QByteArray& mnemonic) {
+            say(stderr, Text::tr("%1: refused %2").arg(place, QString::fromLatin1(mnemonic)));
+        });
 }
 
 using Faces = std::vector<std::unique_ptr<Face>>;
@@ -90,10 +88,8 @@ void announce(const Faces& faces)
 void reportUnplayedRules(const Faces& faces)
 {
     for (const auto& face : faces) {
-        for (const QString& rule : face->controller().unplayedRules()) {
-            say(stderr, QCoreApplication::translate("Program", "%1: %2 never acted")
-                            .arg(face->place(), rule));
-        }
+        for (const QString& rule : face->controller().unplayedRules())
+            say(stderr, Text::tr("%1: %2 never acted").arg(face->place(), rule));
     }
 }
 

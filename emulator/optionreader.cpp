@@ -1,21 +1,12 @@
 #include "emulator/optionreader.h"
 
 #include "emulator/rulelist.h"
+#include "emulator/text.h"
 #include "emulator/wholenumber.h"
 
 #include <QCommandLineParser>
-#include <QCoreApplication>
 
 namespace emulator {
-
-namespace {
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("OptionReader", text);
-}
-
-} // namespace
 
 OptionReader::OptionReader(const QCommandLineParser& commandLineParser, const QString& optionPlace)
     : parser(commandLineParser)
@@ -77,7 +68,7 @@ double OptionReader::decimalIn(const QString& option, const QString& text, doubl
     const double number = text.toDouble(&ok);
     const bool inRange = number >= least && number <= greatest;
     if (!ok || !inRange)
-        complain(option, tr("\"%1\" is not a number from %2 to %3")
+        complain(option, Text::tr("\"%1\" is not a number from %2 to %3")
                              .arg(text, QString::number(least), QString::number(greatest)));
     return number;
 }
@@ -90,7 +81,7 @@ QStringList OptionReader::pairIn(const QString& option)
     const QStringList pair = text(option).split(':');
     if (pair.size() == 2)
         return pair;
-    complain(option, tr("\"%1\" is not two numbers, as in 20:-5").arg(text(option)));
+    complain(option, Text::tr("\"%1\" is not two numbers, as in 20:-5").arg(text(option)));
     return {};
 }
 
@@ -120,7 +111,7 @@ void OptionReader::seed(const QString& option, quint64& value)
     bool ok = false;
     value = text(option).toULongLong(&ok);
     if (!ok)
-        complain(option, tr("\"%1\" is not a whole number from 0").arg(text(option)));
+        complain(option, Text::tr("\"%1\" is not a whole number from 0").arg(text(option)));
 }
 
 void OptionReader::rate(const QString& option, double& value, double least, double greatest)
@@ -131,7 +122,7 @@ void OptionReader::rate(const QString& option, double& value, double least, doub
     value = text(option).toDouble(&ok);
     const bool inRange = value >= least && value <= greatest;
     if (!ok || (!inRange && value != 0.0)) {
-        complain(option, tr("\"%1\" is neither 0 nor a rate from %2 to %3")
+        complain(option, Text::tr("\"%1\" is neither 0 nor a rate from %2 to %3")
                              .arg(text(option), QString::number(least), QString::number(greatest)));
     }
 }
@@ -140,8 +131,9 @@ bool OptionReader::isOneOf(const QString& option, const QStringList& choices)
 {
     if (choices.contains(text(option)))
         return true;
-    complain(option,
-             tr("\"%1\" is none of %2").arg(text(option), choices.join(QStringLiteral(", "))));
+    complain(
+        option,
+        Text::tr("\"%1\" is none of %2").arg(text(option), choices.join(QStringLiteral(", "))));
     return false;
 }
 

@@ -5,8 +5,8 @@
 #include "emulator/faultoptions.h"
 #include "emulator/identity.h"
 #include "emulator/optionreader.h"
+#include "emulator/text.h"
 
-#include <QCoreApplication>
 #include <QRegularExpression>
 
 namespace emulator {
@@ -19,37 +19,34 @@ constexpr int greatestGroup = 99;
 constexpr double leastTriggerRateHz = 0.01;
 constexpr double greatestTriggerRateHz = 1000.0;
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("OptionSections", text);
-}
-
 OptionSection identitySection()
 {
     return {
-        tr("Controller"),
+        Text::tr("Controller"),
         {},
         {
-            {"label", tr("Label that it has stored, up to 25 bytes."), "TEXT"},
+            {"label", Text::tr("Label that it has stored, up to 25 bytes."), "TEXT"},
             {"key",
-             tr("Its key: 11 capital letters and digits, different for each "
-                "controller."),
+             Text::tr("Its key: 11 capital letters and digits, different for each "
+                      "controller."),
              "KEY"},
             {"group",
-             tr("Controllers of one group, 1 to 99, share a common detector. 0 "
-                "(default) is no group."),
+             Text::tr("Controllers of one group, 1 to 99, share a common detector. 0 "
+                      "(default) is no group."),
              "N"},
             {"firmware",
-             tr("Firmware number; default: 40. 10 and below, above 10 and above 30 differ."), "N"},
-            {"vm", tr("Firmware of the kind VM.")},
-            {"trigger", tr("Capable of packets by trigger pulses.")},
+             Text::tr("Firmware number; default: 40. 10 and below, above 10 and above 30 differ."),
+             "N"},
+            {"vm", Text::tr("Firmware of the kind VM.")},
+            {"trigger", Text::tr("Capable of packets by trigger pulses.")},
             {"trigger-rate",
-             tr("Trigger pulses per second, 0.01 to 1000, or 0 for none; default: 10."), "HZ"},
+             Text::tr("Trigger pulses per second, 0.01 to 1000, or 0 for none; default: 10."),
+             "HZ"},
             {"baud",
-             tr("Baud rate of its serial line until SBR changes it: 115200 (default), "
-                "460800 or 921600."),
+             Text::tr("Baud rate of its serial line until SBR changes it: 115200 (default), "
+                      "460800 or 921600."),
              "RATE"},
-            {"no-flow-control", tr("Its serial port has no hardware flow control.")},
+            {"no-flow-control", Text::tr("Its serial port has no hardware flow control.")},
         }};
 }
 
@@ -61,7 +58,7 @@ void readKey(OptionReader& reader, QByteArray& key)
         QRegularExpression::anchoredPattern(QStringLiteral("[A-Z0-9]{%1}").arg(keyLength)));
     const QString text = reader.text("key");
     if (!form.match(text).hasMatch())
-        reader.complain("key", tr("\"%1\" is not %2 capital letters and digits")
+        reader.complain("key", Text::tr("\"%1\" is not %2 capital letters and digits")
                                    .arg(text, QString::number(keyLength)));
     key = text.toLatin1();
 }
@@ -73,9 +70,8 @@ void readLabel(OptionReader& reader, QByteArray& label)
     const QString text = reader.text("label");
     label = text.toLocal8Bit();
     if (label.size() > Device::labelLength)
-        reader.complain(
-            "label",
-            tr("\"%1\" is longer than %2 bytes").arg(text, QString::number(Device::labelLength)));
+        reader.complain("label", Text::tr("\"%1\" is longer than %2 bytes")
+                                     .arg(text, QString::number(Device::labelLength)));
 }
 
 void readIdentity(OptionReader& reader, ControllerOptions& options)
@@ -96,26 +92,29 @@ void readIdentity(OptionReader& reader, ControllerOptions& options)
 
 OptionSection programSection()
 {
-    return {tr("Program"),
-            {},
-            {
-                {"tcp",
-                 tr("Put a controller at this numeric address. Port 0 picks a free port. May be "
-                    "repeated, one controller each."),
-                 "ADDRESS:PORT[,OPTION...]"},
-                {"pty",
-                 tr("Put a controller on a pseudo terminal that is found under this link, as under "
-                    "/dev/ttyUSB77. May be repeated, one controller each."),
-                 "LINK[,OPTION...]"},
-                {"options",
-                 tr("Read further options from a file, as they would stand on the command line. "
-                    "Lines that begin with # are comments. May be repeated."),
-                 "FILE"},
-                {"quiet",
-                 tr("Say nothing of connections, refused commands and rules that no command met.")},
-                {{"h", "help"}, tr("Show this help.")},
-                {{"v", "version"}, tr("Show the version.")},
-            }};
+    return {
+        Text::tr("Program"),
+        {},
+        {
+            {"tcp",
+             Text::tr("Put a controller at this numeric address. Port 0 picks a free port. May be "
+                      "repeated, one controller each."),
+             "ADDRESS:PORT[,OPTION...]"},
+            {"pty",
+             Text::tr(
+                 "Put a controller on a pseudo terminal that is found under this link, as under "
+                 "/dev/ttyUSB77. May be repeated, one controller each."),
+             "LINK[,OPTION...]"},
+            {"options",
+             Text::tr("Read further options from a file, as they would stand on the command line. "
+                      "Lines that begin with # are comments. May be repeated."),
+             "FILE"},
+            {"quiet",
+             Text::tr(
+                 "Say nothing of connections, refused commands and rules that no command met.")},
+            {{"h", "help"}, Text::tr("Show this help.")},
+            {{"v", "version"}, Text::tr("Show the version.")},
+        }};
 }
 
 QVector<OptionSection> controllerSections()

@@ -1,6 +1,7 @@
 #include "emulator/optionsfile.h"
 
-#include <QCoreApplication>
+#include "emulator/text.h"
+
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
@@ -34,9 +35,7 @@ std::optional<QStringList> argumentsIn(const QString& text, QString& error)
         if (line.trimmed().startsWith('#'))
             continue;
         if (hasOpenQuote(line)) {
-            error =
-                QCoreApplication::translate("OptionsFile", "line %1: a double quote is not closed")
-                    .arg(number);
+            error = Text::tr("line %1: a double quote is not closed").arg(number);
             return std::nullopt;
         }
         arguments += QProcess::splitCommand(line);

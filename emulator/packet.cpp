@@ -18,10 +18,15 @@ QByteArray encodePacket(const PacketValues& values, quint8 flagsA, quint8 flagsB
     packet.append(terminator);
     packet.append(static_cast<char>(flagsA));
     packet.append(static_cast<char>(flagsB));
-    for (const int value :
-         {int(values.x1), int(values.y1), int(values.i1), int(values.x2), int(values.y2),
-          int(values.i2), int(values.rx1), int(values.ry1), int(values.rx2), int(values.ry2)})
-        appendWord(packet, value);
+    for (const StageSignals& stage : values) {
+        appendWord(packet, stage.x);
+        appendWord(packet, stage.y);
+        appendWord(packet, stage.intensity);
+    }
+    for (const StageSignals& stage : values) {
+        appendWord(packet, stage.actuatorX);
+        appendWord(packet, stage.actuatorY);
+    }
     packet.append(terminator);
     return packet;
 }

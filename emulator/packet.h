@@ -3,24 +3,25 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+#include <array>
+
 namespace emulator {
 
 constexpr int packetLength = 25;
 
-/// The ten values of a stream packet, millivolts, in the order of the wire.
-struct PacketValues
+/// What a stream packet tells of one stage, millivolts.
+struct StageSignals
 {
-    qint16 x1 = 0;
-    qint16 y1 = 0;
-    quint16 i1 = 0;
-    qint16 x2 = 0;
-    qint16 y2 = 0;
-    quint16 i2 = 0;
-    qint16 rx1 = 0;
-    qint16 ry1 = 0;
-    qint16 rx2 = 0;
-    qint16 ry2 = 0;
+    qint16 x = 0;
+    qint16 y = 0;
+    quint16 intensity = 0;
+    qint16 actuatorX = 0;
+    qint16 actuatorY = 0;
 };
+
+/// The values of a stream packet, of stage 1 and of stage 2. On the wire the actuators of both
+/// stand behind the rest.
+using PacketValues = std::array<StageSignals, 2>;
 
 /// Bits 3 to 6 have the same meaning in a packet's first flag byte and in the reply to GSF.
 enum StatusFlag : quint8 {

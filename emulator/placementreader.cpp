@@ -2,9 +2,9 @@
 
 #include "emulator/optionreader.h"
 #include "emulator/optionsections.h"
+#include "emulator/text.h"
 
 #include <QCommandLineParser>
-#include <QCoreApplication>
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -13,11 +13,6 @@
 namespace emulator {
 
 namespace {
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("PlacementReader", text);
-}
 
 /// A place and the options behind it, each a name or NAME=VALUE.
 struct Pieces
@@ -60,13 +55,13 @@ QString formError(const QString& text, const QList<QCommandLineOption>& known)
             return candidate.names().contains(name);
         });
     if (option == known.end())
-        return tr("there is no option \"%1\"").arg(name);
+        return Text::tr("there is no option \"%1\"").arg(name);
     const bool takesValue = !option->valueName().isEmpty();
     const bool hasValue = text.contains('=');
     if (takesValue && !hasValue)
-        return tr("%1: a value is missing").arg(name);
+        return Text::tr("%1: a value is missing").arg(name);
     if (hasValue && !takesValue)
-        return tr("%1: takes no value").arg(name);
+        return Text::tr("%1: takes no value").arg(name);
     return {};
 }
 
@@ -127,7 +122,7 @@ std::optional<Placement> readTcpPlacement(const QString& text, const ControllerO
     Placement placement;
     placement.tcp = tcpPlace(pieces.place);
     if (!placement.tcp) {
-        error = tr("--tcp: \"%1\" is not a numeric address and a port, as in 127.0.0.1:2000")
+        error = Text::tr("--tcp: \"%1\" is not a numeric address and a port, as in 127.0.0.1:2000")
                     .arg(pieces.place);
         return std::nullopt;
     }
@@ -141,7 +136,7 @@ std::optional<Placement> readPtyPlacement(const QString& text, const ControllerO
     Placement placement;
     placement.link = pieces.place;
     if (placement.link.isEmpty()) {
-        error = tr("--pty: the link has no name");
+        error = Text::tr("--pty: the link has no name");
         return std::nullopt;
     }
     return withOptions(placement, "pty", pieces, common, error);

@@ -1,6 +1,7 @@
 #include "emulator/replay.h"
 
-#include <QCoreApplication>
+#include "emulator/text.h"
+
 #include <QFile>
 #include <QTextStream>
 
@@ -19,11 +20,6 @@ constexpr double mvPerMillimetre = 1200.0;
 constexpr double mvPerMicrometre = 50.0;
 /// The last line lasts at most as long as all lines before it together.
 constexpr qint64 greatestTimeMs = std::numeric_limits<qint64>::max() / 2;
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("Replay", text);
-}
 
 /// Millivolts per unit of a column, from the unit in brackets of its name; 0 if it is unknown.
 double scaleOf(const QString& columnName)
@@ -55,17 +51,19 @@ Word asWord(double millivolts)
 
 PacketValues valuesOf(const std::array<double, columns>& mv)
 {
+    // Behind the time stand the signals of stage 1, those of stage 2, and the actuators of both.
+    constexpr std::size_t firstSignal = 1;
+    constexpr std::size_t firstActuator = 7;
     PacketValues values;
-    values.x1 = asWord<qint16>(mv[1]);
-    values.y1 = asWord<qint16>(mv[2]);
-    values.i1 = asWord<quint16>(mv[3]);
-    values.x2 = asWord<qint16>(mv[4]);
-    values.y2 = asWord<qint16>(mv[5]);
-    values.i2 = asWord<quint16>(mv[6]);
-    values.rx1 = asWord<qint16>(mv[7]);
-    values.ry1 = asWord<qint16>(mv[8]);
-    values.rx2 = asWord<qint16>(mv[9]);
-    values.ry2 = asWord<qint16>(mv[10]);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const std::size_t signal = firstSignal + 3 * i;
+        const std::size_t actuator = firstActuator + 2 * i;
+        values[i].x = asWord<qint16>(mv[signal]);
+        values[i].y = asWord<qint16>(mv[signal + 1]);
+        values[i].intensity = asWord<quint16>(mv[signal + 2]);
+        values[i].actuatorX = asWord<qint16>(mv[actuator]);
+        values[i].actuatorY = asWord<qint16>(mv[actuator + 1]);
+    }
     return values;
 }
 
@@ -114,13 +112,13 @@ std::shared_ptr<const Replay> Replay::load(const QString& path, QString& error)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        error = tr("%1: %2").arg(path, file.errorString());
+        error = Text::tr("%1: %2").arg(path, file.errorString());
         return nullptr;
     }
     QString reason;
     std::shared_ptr<const Replay> replay = read(file, reason);
     if (!replay)
-        error = tr("%1: %2").arg(path, reason);
+        error = Text::tr("%1: %2").arg(path, reason);
     return replay;
 }
 
@@ -130,7 +128,7 @@ std::shared_ptr<const Replay> Replay::read(QIODevice& device, QString& error)
     text.setCodec("UTF-8");
     const QVector<double> scales = readHeader(text);
     if (scales.isEmpty()) {
-        error = tr("not a recording file");
+        error = Text::tr("not a recording file");
         return nullptr;
     }
     auto replay = std::make_shared<Replay>();
@@ -146,7 +144,7 @@ std::shared_ptr<const Replay> Replay::read(QIODevice& device, QString& error)
         }
     }
     if (replay->lines.isEmpty()) {
-        error = tr("the recording has no samples");
+        error = Text::tr("the recording has no samples");
         return nullptr;
     }
     const qint64 last = replay->lines.last().timeMs;
@@ -159,7 +157,7 @@ std::shared_ptr<const Replay> Replay::read(QIODevice& device, QString& error)
 /// if the line is good.
 QString Replay::append(const QStringList& texts, const QVector<double>& scales)
 {
-    const QString noLine = tr("line %1 is not a line of a recording");
+    const QString noLine = Text::tr("line %1 is not a line of a recording");
     if (texts.size() != columns)
         return noLine;
     bool ok = false;
@@ -168,7 +166,7 @@ QString Replay::append(const QStringList& texts, const QVector<double>& scales)
     if (!ok || timeMs < 0 || timeMs > greatestTimeMs || !readValues(texts, scales, fields))
         return noLine;
     if (!lines.isEmpty() && timeMs < lines.last().timeMs)
-        return tr("line %1 is earlier than the line before");
+        return Text::tr("line %1 is earlier than the line before");
     lines.append({timeMs, valuesOf(fields)});
     return {};
 }

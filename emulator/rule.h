@@ -1,9 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QString>
-
-#include <optional>
 
 namespace emulator {
 
@@ -29,14 +26,14 @@ struct Rule
 
     /// The bytes with which a command's frame begins: at least its mnemonic.
     QByteArray prefix;
-    /// So many commands pass before the rule acts for the first time.
+    /// Number of commands that pass before the rule acts for the first time.
     int skip = 0;
-    /// The rule acts so often; 0 for always.
+    /// How often the rule acts; 0 for always.
     int times = 0;
     Deed deed = Deed::CarryOut;
     /// The deed is done this much later. Commands that arrive before that wait.
     int lateMs = 0;
-    /// Only so many bytes of the reply are sent, or `wholeReply`.
+    /// Number of bytes of the reply that are sent, or `wholeReply`.
     int shortBytes = wholeReply;
     /// Of `Deed::Reply`.
     QByteArray reply;
@@ -74,24 +71,5 @@ private:
 
 /// Begins a rule for commands whose frame begins with `prefix`, at least a mnemonic.
 RuleDraft on(const QByteArray& prefix);
-
-/// The rule as the option that makes it, such as "refuse SPF:01" or "late SAI:01x:times=1=500". A
-/// rule that several options make is the list of them: "refuse SEA, late SEA=500"; see `RuleList`.
-QString describe(const Rule& rule);
-
-struct ParsedRule
-{
-    /// Empty if the text is no rule.
-    std::optional<Rule> rule;
-    /// Why it is none, in words for the user.
-    QString error;
-};
-
-/// Reads a rule from an option and its value. The option is one of refuse, silent, close-on,
-/// half-close-on, reply, late and short. The value is MNEMONIC[:ARGS][:skip=N][:times=N], where
-/// ARGS are pairs of hexadecimal digits, where the letter x or y stands for the byte of an axis.
-/// Behind it stands "=" and, for reply, its bytes in hexadecimal digits, for late, milliseconds,
-/// and for short, the number of bytes.
-ParsedRule parseRule(const QString& option, const QString& value);
 
 } // namespace emulator

@@ -2,6 +2,7 @@
 
 #include "emulator/command.h"
 #include "emulator/controlleroptions.h"
+#include "emulator/ruletext.h"
 
 #include <QtGlobal>
 

@@ -1,6 +1,7 @@
 #include "emulator/rulelist.h"
 
-#include <QCoreApplication>
+#include "emulator/ruletext.h"
+#include "emulator/text.h"
 
 #include <algorithm>
 
@@ -41,7 +42,7 @@ QString RuleList::add(const QString& option, const QString& value)
     const bool isTaken = entry && entry->options.contains(part);
     const bool endsSometime = said.times > 0;
     if (isTaken && !endsSometime) {
-        return QCoreApplication::translate("RuleList", "\"%1\" and \"%2\" can not both act")
+        return Text::tr("\"%1\" and \"%2\" can not both act")
             .arg(entry->options.value(part), describe(said));
     }
     if (!entry || isTaken) {

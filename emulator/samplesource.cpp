@@ -3,6 +3,8 @@
 #include "emulator/disturbance.h"
 #include "emulator/replay.h"
 
+#include <utility>
+
 namespace emulator {
 
 SampleSource::SampleSource(const QVector<PacketValues>& samples, bool scriptRepeats,

@@ -9,15 +9,10 @@ namespace emulator {
 
 namespace {
 
-/// Corner of the intensity's noise.
-constexpr double lightCornerHz = 20.0;
-constexpr double dipDepth = 0.3;
-constexpr double leastInterruptionSeconds = 0.1;
-constexpr double greatestInterruptionSeconds = 5.0;
-constexpr int eventDrawsPerSecond = 100;
-constexpr double secondsPerHour = 3600.0;
+/// Long enough for the sampler's low pass to settle on the beam.
+constexpr int settlingSteps = beamStepsPerSecond / 100;
 /// Numbers of the random streams of a stage.
-enum SeedStream : quint64 { XBeam, XNoise, YBeam, YNoise, Light, CommonPlace };
+enum SeedStream : quint64 { XBeam, XNoise, YBeam, YNoise, LightNoise, CommonPlace };
 
 /// How far the centre of a common detector is, along each axis, from where a beam meets its own
 /// detector's centre: at most this, and this share of a small detector's half length.
@@ -28,12 +23,6 @@ constexpr double greatestCommonOffsetShare = 1.0 / 6.0;
 constexpr double leastOffsetOfStage = 0.65;
 constexpr double greatestOffsetOfStage = 0.85;
 constexpr double greatestShiftOfGroup = 0.15;
-
-double lightSmoothing()
-{
-    static const double smoothing = lowPassSmoothing(lightCornerHz);
-    return smoothing;
-}
 
 qint16 wholeMillivolts(double value, double least, double greatest)
 {
@@ -87,15 +76,12 @@ StageModel::AxisState::AxisState(const BeamPreset& preset, BeamAxis axis, quint6
     , detectorNoise(derivedSeed(seed, axis == BeamAxis::Horizontal ? XNoise : YNoise))
 {}
 
-StageModel::StageModel(const BeamPreset& disturbances, const StageOptions& options,
-                       double intensity, quint64 seed, int group)
-    : preset(disturbances)
-    , undisturbed{options.offsetXUm, options.offsetYUm}
-    , fullIntensityMv(intensity)
+StageModel::StageModel(const BeamPreset& preset, const StageOptions& options, double intensity,
+                       quint64 seed, int group)
+    : undisturbed{options.offsetXUm, options.offsetYUm}
     , whiteMicrometres(preset.whiteDensity * std::sqrt(beamStepsPerSecond / 2.0))
-    , lightDrive(preset.intensityRms * std::sqrt(lightSmoothing() * (2.0 - lightSmoothing())))
     , own(DetectorModel(options.detector, options.spotDiameterUm, intensity), PerAxis{})
-    , lightNoise(derivedSeed(seed, Light))
+    , light(preset, intensity, derivedSeed(seed, LightNoise))
     , axisStates{AxisState(preset, BeamAxis::Horizontal, seed),
                  AxisState(preset, BeamAxis::Vertical, seed)}
     , onCommonPath(options.multiplexed)
@@ -107,8 +93,7 @@ StageModel::StageModel(const BeamPreset& disturbances, const StageOptions& optio
     }
     updateGain();
     updateTargets();
-    // Long enough for the sampler's low pass to settle on the beam.
-    advance(beamStepsPerSecond / eventDrawsPerSecond);
+    advance(settlingSteps);
 }
 
 void StageModel::advance(int steps)
@@ -234,14 +219,13 @@ void StageModel::step()
 {
     // Too little light stops the loops one step later.
     const bool loopsWork = on && watched().hasEnoughLight();
-    stepLight();
+    const double arrivingMv = light.nextMv();
     PerAxis noise;
     for (const Axis axis : {X, Y}) {
         AxisState& state = ofAxis(axis);
         beam[axis] = state.disturbance.next() + undisturbed[axis] + state.loop.correction();
         noise[axis] = whiteMicrometres * state.detectorNoise.gaussian();
     }
-    const double arrivingMv = fullIntensityMv * lightPassing * (1.0 + lightFluctuation);
     own.step(beam, noise, arrivingMv);
     if (common)
         common->step(beam, noise, arrivingMv);
@@ -254,37 +238,6 @@ void StageModel::stepLoops()
     // The bandwidth holds the gain already: the error is taken back to the beam's micrometres.
     for (const Axis axis : {X, Y})
         ofAxis(axis).loop.step(watched().errorMicrometres(axis, ofAxis(axis).targetMv));
-}
-
-void StageModel::stepLight()
-{
-    constexpr double sqrt3 = 1.73205080756887729353;
-    const double drive = sqrt3 * (2.0 * lightNoise.uniform() - 1.0);
-    lightFluctuation += lightDrive * drive - lightSmoothing() * lightFluctuation;
-
-    if (stepsOfInterruption > 0 && --stepsOfInterruption == 0)
-        lightPassing = 1.0;
-    if (stepsToEventDraw > 0) {
-        --stepsToEventDraw;
-        return;
-    }
-    stepsToEventDraw = beamStepsPerSecond / eventDrawsPerSecond - 1;
-    if (stepsOfInterruption == 0)
-        lightPassing = interruption();
-}
-
-/// Draws whether the beam is blocked or weakened from now on; the share that passes.
-double StageModel::interruption()
-{
-    constexpr double drawsPerHour = secondsPerHour * eventDrawsPerSecond;
-    const double draw = lightNoise.uniform() * drawsPerHour;
-    if (draw >= preset.blocksPerHour + preset.dipsPerHour)
-        return 1.0;
-    const double seconds =
-        leastInterruptionSeconds
-        + (greatestInterruptionSeconds - leastInterruptionSeconds) * lightNoise.uniform();
-    stepsOfInterruption = static_cast<int>(seconds * beamStepsPerSecond);
-    return draw < preset.blocksPerHour ? 0.0 : 1.0 - dipDepth;
 }
 
 } // namespace emulator

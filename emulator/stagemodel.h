@@ -3,6 +3,7 @@
 #include "emulator/beampreset.h"
 #include "emulator/detectorreading.h"
 #include "emulator/disturbance.h"
+#include "emulator/light.h"
 #include "emulator/noisesource.h"
 #include "emulator/stabilisationloop.h"
 #include "emulator/stageoptions.h"
@@ -35,7 +36,7 @@ public:
 
     /// `intensityMv` is the intensity signal of the undimmed, centred beam. A `group` above 0 has a
     /// common detector.
-    StageModel(const BeamPreset& disturbances, const StageOptions& options, double intensityMv,
+    StageModel(const BeamPreset& preset, const StageOptions& options, double intensityMv,
                quint64 seed, int group = 0);
 
     void advance(int steps);
@@ -105,19 +106,13 @@ private:
     void updateGain();
     void updateTargets();
     void step();
-    void stepLight();
     void stepLoops();
-    double interruption();
 
-    BeamPreset preset;
     PerAxis undisturbed;
-    double fullIntensityMv;
     double whiteMicrometres;
-    /// What a drive of variance 1 adds to the fluctuation of the light.
-    double lightDrive;
     DetectorReading own;
     std::optional<DetectorReading> common;
-    NoiseSource lightNoise;
+    Light light;
     std::array<AxisState, axes> axisStates;
     bool on = false;
     bool held = false;
@@ -127,10 +122,6 @@ private:
     ExternalInputs external;
     std::array<int, axes> adjustInMv{};
     PerAxis beam{};
-    double lightFluctuation = 0.0;
-    double lightPassing = 1.0;
-    int stepsToEventDraw = 0;
-    int stepsOfInterruption = 0;
 };
 
 } // namespace emulator

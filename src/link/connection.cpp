@@ -5,6 +5,9 @@
 
 #include <QIODevice>
 
+#include <utility>
+#include <vector>
+
 namespace {
 
 constexpr unsigned long endPollMs = 10;

@@ -1,5 +1,5 @@
+#include "link/commandframe.h"
 #include "link/connection.h"
-#include "link/packet.h"
 
 namespace {
 

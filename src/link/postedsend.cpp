@@ -4,6 +4,7 @@
 #include "link/triggerobject.h"
 
 #include <chrono>
+#include <utility>
 
 void SendDelivery::finish()
 {

@@ -2,6 +2,8 @@
 
 #include "link/triggerobject.h"
 
+#include <utility>
+
 SendQueue::SendQueue() = default;
 
 SendQueue::~SendQueue() = default;

@@ -5,10 +5,12 @@
 #include "link/replyboundary.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 
 #include <cerrno>
 #include <fcntl.h>
 #include <linux/serial.h>
+#include <memory>
 #include <sys/ioctl.h>
 #include <unistd.h>
 

@@ -5,8 +5,11 @@
 #include "link/replyboundary.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QTcpSocket>
 #include <QTimer>
+
+#include <memory>
 
 namespace {
 

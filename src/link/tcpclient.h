@@ -4,6 +4,8 @@
 
 #include <QHostAddress>
 
+#include <memory>
+
 class QTcpSocket;
 class QTimer;
 

@@ -3,8 +3,7 @@
 #include "link/ask.h"
 #include "link/connection.h"
 #include "link/replyforms.h"
-
-#include <QCoreApplication>
+#include "params/paramstext.h"
 
 namespace {
 
@@ -117,11 +116,6 @@ std::vector<ApplyFailure> Application::run()
     return failures;
 }
 
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("ParamsDialog", text);
-}
-
 } // namespace
 
 bool operator==(const ApplyFailure& one, const ApplyFailure& other)
@@ -133,16 +127,17 @@ QString messageOf(const ApplyFailure& failure)
 {
     switch (failure.what) {
     case What::PFactor:
-        return tr("P-Factor of stage %1 wasn't set!").arg(numberOf(failure.stage));
+        return ParamsText::tr("P-Factor of stage %1 wasn't set!").arg(numberOf(failure.stage));
     case What::ExternalPFactor:
-        return tr("P-Factor of stage %1 wasn't set external!").arg(numberOf(failure.stage));
+        return ParamsText::tr("P-Factor of stage %1 wasn't set external!")
+            .arg(numberOf(failure.stage));
     case What::Sensitivity:
-        return tr("Sensitivity cable of detector %1 is not connected!")
+        return ParamsText::tr("Sensitivity cable of detector %1 is not connected!")
             .arg(numberOf(failure.stage));
     case What::AdjustIn:
         break;
     }
-    return tr("%1-adjust value of stage %2 has not been accepted ")
+    return ParamsText::tr("%1-adjust value of stage %2 has not been accepted ")
         .arg(QLatin1Char(static_cast<char>(failure.axis)))
         .arg(numberOf(failure.stage));
 }

@@ -16,6 +16,8 @@
 #include <QShowEvent>
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace {
 

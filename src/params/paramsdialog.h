@@ -14,6 +14,7 @@
 #include <functional>
 #include <list>
 #include <memory>
+#include <vector>
 
 class Connection;
 class QMessageBox;

@@ -5,6 +5,9 @@
 #include "params/paramsdialog.h"
 #include "ui_paramsdialog.h"
 
+#include <memory>
+#include <vector>
+
 std::unique_ptr<Ui::ParamsDialog> ParamsDialog::makeForm()
 {
     logMessage().debug() << "Constructing ParamsDialog";

@@ -16,6 +16,8 @@
 #include <QScrollBar>
 #include <QTextCursor>
 
+#include <utility>
+
 namespace {
 
 /// Nothing is taken from the queue of events while a test runs.

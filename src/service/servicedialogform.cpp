@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
+#include <vector>
 
 using servicetests::Stages;
 

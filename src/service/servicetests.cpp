@@ -6,16 +6,9 @@
 #include "link/connection.h"
 #include "service/servicetexts.h"
 
-#include <QCoreApplication>
-
 namespace servicetests {
 
 namespace {
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("ServiceDialog", text);
-}
 
 ServiceTest asking(PlainCommand command, QString (*text)(const QByteArray&))
 {
@@ -37,7 +30,7 @@ ServiceTest switching(ArgumentCommand command, Stages stages, const QString& wha
     const QByteArray argument =
         QByteArray(1, static_cast<char>(number)).append(command::terminator);
     const QString names = stages == Stages::Both ? QStringLiteral("1+2") : QString::number(number);
-    return setting(command, argument, tr("%1 Stage %2").arg(what, names));
+    return setting(command, argument, ServiceText::tr("%1 Stage %2").arg(what, names));
 }
 
 QByteArray axisArgument(Stage stage, BeamAxis axis, int valueMv)
@@ -53,8 +46,9 @@ QChar letterOf(BeamAxis axis)
 ServiceTest settingMillivolts(ArgumentCommand command, Stage stage, int valueMv,
                               const QString& what)
 {
-    return setting(command, command::stageValueArgument(stage, static_cast<qint16>(valueMv)),
-                   tr("%1 stage %2 to %3mV").arg(what).arg(numberOf(stage)).arg(valueMv));
+    return setting(
+        command, command::stageValueArgument(stage, static_cast<qint16>(valueMv)),
+        ServiceText::tr("%1 stage %2 to %3mV").arg(what).arg(numberOf(stage)).arg(valueMv));
 }
 
 } // namespace
@@ -84,34 +78,37 @@ ServiceTest oneShot()
 ServiceTest stop()
 {
     return asking(&Connection::clearLiveStream, [](const QByteArray& reply) {
-        return servicetexts::outcome(tr("Clear Live Stream"), reply);
+        return servicetexts::outcome(ServiceText::tr("Clear Live Stream"), reply);
     });
 }
 
 ServiceTest setAndHold(Stages stages)
 {
-    return switching(&Connection::setAndHold, stages, tr("Set&Hold"));
+    return switching(&Connection::setAndHold, stages, ServiceText::tr("Set&Hold"));
 }
 
 ServiceTest clearSetAndHold(Stages stages)
 {
-    return switching(&Connection::clearSetAndHold, stages, tr("Clear Set&Hold"));
+    return switching(&Connection::clearSetAndHold, stages, ServiceText::tr("Clear Set&Hold"));
 }
 
 ServiceTest setTriggerFreeze(Stages stages)
 {
-    return switching(&Connection::setTriggerFreeze, stages, tr("Set Trigger Freeze"));
+    return switching(&Connection::setTriggerFreeze, stages, ServiceText::tr("Set Trigger Freeze"));
 }
 
 ServiceTest clearTriggerFreeze(Stages stages)
 {
-    return switching(&Connection::clearTriggerFreeze, stages, tr("Clear Trigger Freeze"));
+    return switching(&Connection::clearTriggerFreeze, stages,
+                     ServiceText::tr("Clear Trigger Freeze"));
 }
 
 ServiceTest driveActuator(Stage stage, BeamAxis axis, int valueMv)
 {
     return setting(&Connection::setDriveActuator, axisArgument(stage, axis, valueMv),
-                   tr("Set Drive Actuator Stage %1 - %2").arg(numberOf(stage)).arg(letterOf(axis)));
+                   ServiceText::tr("Set Drive Actuator Stage %1 - %2")
+                       .arg(numberOf(stage))
+                       .arg(letterOf(axis)));
 }
 
 ServiceTest lastError()
@@ -133,19 +130,20 @@ ServiceTest memory()
 
 ServiceTest pFactor(Stage stage, int valueMv)
 {
-    return settingMillivolts(&Connection::setPFactor, stage, valueMv, tr("Set P factor"));
+    return settingMillivolts(&Connection::setPFactor, stage, valueMv,
+                             ServiceText::tr("Set P factor"));
 }
 
 ServiceTest sensitivity(Stage stage, int valueMv)
 {
     return settingMillivolts(&Connection::setDetectorSensitivity, stage, valueMv,
-                             tr("Set detector sensitivity"));
+                             ServiceText::tr("Set detector sensitivity"));
 }
 
 ServiceTest adjustIn(Stage stage, BeamAxis axis, int valueMv)
 {
     const QByteArray argument = axisArgument(stage, axis, valueMv);
-    const QString what = tr("Set adjust in stage %1 axis %2 to %3")
+    const QString what = ServiceText::tr("Set adjust in stage %1 axis %2 to %3")
                              .arg(numberOf(stage))
                              .arg(letterOf(axis).toUpper())
                              .arg(valueMv);

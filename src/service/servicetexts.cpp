@@ -4,8 +4,6 @@
 #include "link/replyforms.h"
 #include "service/speedtest.h"
 
-#include <QCoreApplication>
-
 #include <algorithm>
 
 namespace servicetexts {
@@ -18,11 +16,6 @@ using command::payloadOffset;
 constexpr int errorLetters = 3;
 constexpr int errorCodeOffset = payloadOffset + errorLetters;
 constexpr int hexadecimal = 16;
-
-QString tr(const char* text)
-{
-    return QCoreApplication::translate("ServiceDialog", text);
-}
 
 QString pair(int one, int two)
 {
@@ -52,13 +45,16 @@ MeasureSample sampleOf(const QByteArray& reply, int firmwareVersion)
 QStringList linesOf(const MeasureSample& sample)
 {
     return {
-        tr("On/Off Stage 1/2: %1\n").arg(pair(sample.stabilised1, sample.stabilised2)),
-        tr("Active Stage 1/2: %1\n").arg(pair(sample.active1, sample.active2)),
-        tr("(Multiplex) Stage 1/2: %1\n").arg(pair(sample.multiplex1, sample.multiplex2)),
-        tr("Stage 1 x/y/i: %1 [mV]\n").arg(beam(sample.x1, sample.y1, sample.intensity1)),
-        tr("Stage 2 x/y/i: %1 [mV]\n").arg(beam(sample.x2, sample.y2, sample.intensity2)),
-        tr("Range 1 x/y: %1 [mV]\n").arg(pair(sample.rx1, sample.ry1)),
-        tr("Range 2 x/y: %1 [mV]\n").arg(pair(sample.rx2, sample.ry2)),
+        ServiceText::tr("On/Off Stage 1/2: %1\n").arg(pair(sample.stabilised1, sample.stabilised2)),
+        ServiceText::tr("Active Stage 1/2: %1\n").arg(pair(sample.active1, sample.active2)),
+        ServiceText::tr("(Multiplex) Stage 1/2: %1\n")
+            .arg(pair(sample.multiplex1, sample.multiplex2)),
+        ServiceText::tr("Stage 1 x/y/i: %1 [mV]\n")
+            .arg(beam(sample.x1, sample.y1, sample.intensity1)),
+        ServiceText::tr("Stage 2 x/y/i: %1 [mV]\n")
+            .arg(beam(sample.x2, sample.y2, sample.intensity2)),
+        ServiceText::tr("Range 1 x/y: %1 [mV]\n").arg(pair(sample.rx1, sample.ry1)),
+        ServiceText::tr("Range 2 x/y: %1 [mV]\n").arg(pair(sample.rx2, sample.ry2)),
     };
 }
 
@@ -71,7 +67,9 @@ QString boardId(const QByteArray& reply)
 
 QString outcome(const QString& what, const QByteArray& reply)
 {
-    return what + (command::isAcceptedByTwo(reply) ? tr(": Success\n") : tr(": Failed\n"));
+    return what
+           + (command::isAcceptedByTwo(reply) ? ServiceText::tr(": Success\n")
+                                              : ServiceText::tr(": Failed\n"));
 }
 
 QString outcomeOfMillivolts(const QString& what, const QByteArray& reply)
@@ -82,23 +80,24 @@ QString outcomeOfMillivolts(const QString& what, const QByteArray& reply)
 QString intensity(const QByteArray& reply)
 {
     if (!hasValue(reply))
-        return tr("Get Intensity: failed - no response\n");
-    return tr("Get Intensity:%1\n").arg(command::signedValueAt(reply.constData(), payloadOffset));
+        return ServiceText::tr("Get Intensity: failed - no response\n");
+    return ServiceText::tr("Get Intensity:%1\n")
+        .arg(command::signedValueAt(reply.constData(), payloadOffset));
 }
 
 QString activeSignal(const QByteArray& reply)
 {
     if (!hasValue(reply))
-        return tr("Get Active Signal: failed - no response\n");
+        return ServiceText::tr("Get Active Signal: failed - no response\n");
     const auto isActive = [&](int stage) { return reply.at(payloadOffset + stage) != 0 ? 1 : 0; };
-    return tr("Get Active Signal: \n  Active 1: %1\n  Active 2: %2\n")
+    return ServiceText::tr("Get Active Signal: \n  Active 1: %1\n  Active 2: %2\n")
         .arg(isActive(0))
         .arg(isActive(1));
 }
 
 QStringList oneShot(const QByteArray& reply, int firmwareVersion)
 {
-    QStringList texts{outcome(tr("Trigger One Shot"), reply)};
+    QStringList texts{outcome(ServiceText::tr("Trigger One Shot"), reply)};
     if (command::isAcceptedByTwo(reply) && packet::isWhole(reply))
         texts += linesOf(sampleOf(reply, firmwareVersion));
     return texts;
@@ -107,17 +106,18 @@ QStringList oneShot(const QByteArray& reply, int firmwareVersion)
 QString lastError(const QByteArray& reply)
 {
     if (!command::isAcceptedByOne(reply) || reply.size() < command::errorReplyLength)
-        return tr("Get Error: Failed\n");
+        return ServiceText::tr("Get Error: Failed\n");
     // Put together, as a damaged reply can have anything in the place of the letters.
-    return tr("Get Error: Command:") + QString::fromLatin1(reply.mid(payloadOffset, errorLetters))
-           + tr(" Code: ") + QString::number(static_cast<qint8>(reply.at(errorCodeOffset)))
-           + QLatin1Char('\n');
+    return ServiceText::tr("Get Error: Command:")
+           + QString::fromLatin1(reply.mid(payloadOffset, errorLetters))
+           + ServiceText::tr(" Code: ")
+           + QString::number(static_cast<qint8>(reply.at(errorCodeOffset))) + QLatin1Char('\n');
 }
 
 QStringList memory(const QByteArray& reply)
 {
     if (reply.size() != command::memoryReplyLength)
-        return {tr("Not supported! \n")};
+        return {ServiceText::tr("Not supported! \n")};
     QStringList lines;
     for (int index = 0; index < memoryBytes; ++index) {
         // Kept: a byte is read as a signed number, so that AB is written as ffffffffffffffab.
@@ -132,13 +132,14 @@ QString speed(const SpeedResult& result)
 {
     switch (result.outcome) {
     case SpeedResult::Outcome::NotStarted:
-        return tr("Speed Test: Failed - stream couldn't start\n");
+        return ServiceText::tr("Speed Test: Failed - stream couldn't start\n");
     case SpeedResult::Outcome::NotStopped:
-        return tr("Speed Test: Failed - stream couldn't be stopped - maybe reconnect\n");
+        return ServiceText::tr(
+            "Speed Test: Failed - stream couldn't be stopped - maybe reconnect\n");
     case SpeedResult::Outcome::Counted:
         break;
     }
-    return tr("Speed Test: %1 of 500 received").arg(result.received);
+    return ServiceText::tr("Speed Test: %1 of 500 received").arg(result.received);
 }
 
 } // namespace servicetexts

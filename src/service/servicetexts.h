@@ -1,10 +1,17 @@
 #pragma once
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QString>
 #include <QStringList>
 
 struct SpeedResult;
+
+/// Translates the texts of the service dialog in those of its rooms that are no `QObject`.
+struct ServiceText
+{
+    Q_DECLARE_TR_FUNCTIONS(ServiceDialog)
+};
 
 // What the service dialog says of replies, as plain text. A text that ends in a line end leaves an
 // empty line behind it in the result box, where each text is a paragraph of its own.

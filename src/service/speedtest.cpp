@@ -4,6 +4,8 @@
 #include "link/commandframe.h"
 #include "link/connection.h"
 
+#include <QThread>
+
 namespace {
 
 constexpr unsigned long measuredMs = 1000;

@@ -5,6 +5,9 @@
 
 #include <QKeyEvent>
 
+#include <algorithm>
+#include <utility>
+
 ConnectionWidget::ConnectionWidget(QString number, QString label, QString address, QWidget* parent)
     : QWidget(parent)
     , ui(std::make_unique<Ui::ConnectionWidget>())

@@ -12,6 +12,8 @@
 #include <QThread>
 
 #include <algorithm>
+#include <memory>
+#include <optional>
 #include <utility>
 
 namespace {

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <list>
+#include <memory>
 
 /// Where a load stands when it begins to connect a system, or when one has come up.
 struct LoadProgress

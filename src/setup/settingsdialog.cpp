@@ -17,6 +17,8 @@
 #include <QPointer>
 #include <QShowEvent>
 
+#include <utility>
+
 namespace {
 
 constexpr int serialTabIndex = 0;

@@ -12,6 +12,8 @@
 #include <QAction>
 #include <QDateTime>
 
+#include <array>
+
 namespace {
 
 /// The clock of `MeasureSample::timeMs`.

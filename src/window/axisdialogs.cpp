@@ -5,6 +5,8 @@
 #include "window/plotframe.h"
 #include "window/showontop.h"
 
+#include <optional>
+
 AxisDialogs::AxisDialogs(const Stages& stageViews, const PlotFrame& plotFrame, QWidget& window)
     : stages(stageViews)
     , frame(plotFrame)

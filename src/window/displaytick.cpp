@@ -13,6 +13,8 @@
 #include <QAction>
 
 #include <algorithm>
+#include <array>
+#include <vector>
 
 namespace {
 

@@ -4,6 +4,7 @@
 
 #include <QSet>
 #include <QString>
+#include <QThread>
 
 Farewell::Farewell(Connection& leaving, bool isOnPlots)
     : connection(leaving)

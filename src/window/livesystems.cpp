@@ -9,9 +9,11 @@
 #include "window/farewell.h"
 
 #include <QPointer>
+#include <QThread>
 
 #include <algorithm>
 #include <list>
+#include <memory>
 #include <utility>
 
 namespace {

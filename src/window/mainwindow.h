@@ -19,6 +19,7 @@
 #include <QMainWindow>
 
 #include <memory>
+#include <vector>
 
 class ConnectionOverviewDialog;
 class DataLoggerDialog;

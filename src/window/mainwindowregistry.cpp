@@ -15,8 +15,12 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QMessageBox>
+#include <QThread>
 
 #include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
 
 namespace {
 

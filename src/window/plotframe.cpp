@@ -6,6 +6,8 @@
 #include <QScrollArea>
 #include <qwt_scale_widget.h>
 
+#include <optional>
+
 namespace {
 
 /// Share of the window's width that the pointing plots take at most.

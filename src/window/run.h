@@ -5,6 +5,8 @@
 
 #include <QtGlobal>
 
+#include <array>
+
 /// The counting of a run: how many samples it takes, how many it has, and the figures of each
 /// stage. The first system on the plots counts the samples; the sums belong to each system.
 ///

@@ -10,6 +10,7 @@
 #include "window/statistics.h"
 #include "window/statusflags.h"
 
+#include <array>
 #include <utility>
 
 namespace {

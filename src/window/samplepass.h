@@ -6,6 +6,7 @@
 
 #include <QList>
 
+#include <array>
 #include <optional>
 #include <vector>
 

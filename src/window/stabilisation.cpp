@@ -10,6 +10,8 @@
 #include "window/monitortoolbar.h"
 #include "window/statusflags.h"
 
+#include <QThread>
+
 namespace {
 
 /// Time that a controller without status in its stream takes to have switched.

@@ -8,6 +8,8 @@
 
 #include <QList>
 
+#include <array>
+
 class QColor;
 class QLabel;
 struct UnitChoice;

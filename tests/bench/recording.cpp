@@ -143,8 +143,8 @@ void recordLinesCopied(benchmark::State& state)
     countLines(state, text.size());
 }
 
-/// All that is done for the recordings of a tick, the writing to files included, which only every
-/// so many ticks lead to. The arguments are the number of systems and of the samples of each: 5 at
+/// All that is done for the recordings of a tick, the writing to files included, which comes only
+/// every few ticks. The arguments are the number of systems and of the samples of each: 5 at
 /// 500 Hz and 100 ticks a second, 501 after a stall. Of all this only the taking belongs to the
 /// tick.
 void recordTick(benchmark::State& state)

@@ -3,9 +3,9 @@
 #include "controls/calmcombobox.h"
 #include "controls/calmspinbox.h"
 #include "controls/decimalspinbox.h"
+#include "support/wheel.h"
 
 #include <QVBoxLayout>
-#include <QWheelEvent>
 #include <QtTest>
 
 namespace {
@@ -36,15 +36,6 @@ struct Controls
     QDoubleSpinBox* other = new QDoubleSpinBox(&window);
     bool isActive = false;
 };
-
-void turnWheel(QWidget& widget)
-{
-    constexpr int oneNotch = 120;
-    const QPointF middle = QRectF(widget.rect()).center();
-    QWheelEvent event(middle, widget.mapToGlobal(middle.toPoint()), {}, {0, oneNotch}, Qt::NoButton,
-                      Qt::NoModifier, Qt::NoScrollPhase, false);
-    QApplication::sendEvent(&widget, &event);
-}
 
 } // namespace
 

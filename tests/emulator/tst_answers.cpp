@@ -14,16 +14,16 @@ namespace {
 PacketValues distinctValues()
 {
     PacketValues values;
-    values.x1 = 0x0102;
-    values.y1 = -1000;
-    values.i1 = 4000;
-    values.x2 = 0x0304;
-    values.y2 = -2;
-    values.i2 = 3500;
-    values.rx1 = 0x1112;
-    values.ry1 = 0x1314;
-    values.rx2 = 0x1516;
-    values.ry2 = 0x1719;
+    values[0].x = 0x0102;
+    values[0].y = -1000;
+    values[0].intensity = 4000;
+    values[1].x = 0x0304;
+    values[1].y = -2;
+    values[1].intensity = 3500;
+    values[0].actuatorX = 0x1112;
+    values[0].actuatorY = 0x1314;
+    values[1].actuatorX = 0x1516;
+    values[1].actuatorY = 0x1719;
     return values;
 }
 

@@ -1,6 +1,7 @@
 #include "emulator/commandline.h"
 #include "emulator/helptext.h"
 #include "emulator/optionsfile.h"
+#include "emulator/ruletext.h"
 
 #include <QTemporaryDir>
 #include <QtTest>

@@ -37,7 +37,7 @@ class TestController final : public QObject
     Q_OBJECT
 
 private slots:
-    void anyLinkWillDo();
+    void controllerWorksOnAnyLink();
     void packetsAreLostWhileTheHostDoesNotRead();
     void stallIsCaughtUpOnlyInPart();
     void refusalIsTold();
@@ -52,7 +52,7 @@ private slots:
     void longStreamDoesNotFillTheLog();
 };
 
-void TestController::anyLinkWillDo()
+void TestController::controllerWorksOnAnyLink()
 {
     KeepingLink link;
     Controller controller({}, link, nullptr);

@@ -36,7 +36,7 @@ private slots:
     void faultsMayChangeOnTheWay();
     void unsolicitedBytesArrive();
     void secondHostIsTurnedAway();
-    void hostMayComeBack();
+    void hostThatComesBackIsAnswered();
     void controllerThatIsOffTurnsEverybodyAway();
     void settingsSurviveThePowerCut();
     void anotherControllerMayStandBehindTheAddress();
@@ -300,7 +300,7 @@ void TestFaults::secondHostIsTurnedAway()
     QCOMPARE(first.exchange(statusRequest, statusBytes).size(), statusBytes);
 }
 
-void TestFaults::hostMayComeBack()
+void TestFaults::hostThatComesBackIsAnswered()
 {
     EmulatorHost host;
     const ControllerHandle controller = host.addTcp();

@@ -1,4 +1,5 @@
 #include "emulator/commandline.h"
+#include "emulator/ruletext.h"
 #include "program.h"
 #include "wiretools.h"
 

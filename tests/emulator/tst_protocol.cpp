@@ -153,16 +153,16 @@ void TestProtocol::anySplitGivesTheSameCommands()
 void TestProtocol::packetIsEncodedHighByteFirst()
 {
     PacketValues values;
-    values.x1 = 0x0102;
-    values.y1 = -1;
-    values.i1 = 0xF001;
-    values.x2 = -32768;
-    values.y2 = 32767;
-    values.i2 = 0x3B3B;
-    values.rx1 = 5000;
-    values.ry1 = 10000;
-    values.rx2 = 0;
-    values.ry2 = -1000;
+    values[0].x = 0x0102;
+    values[0].y = -1;
+    values[0].intensity = 0xF001;
+    values[1].x = -32768;
+    values[1].y = 32767;
+    values[1].intensity = 0x3B3B;
+    values[0].actuatorX = 5000;
+    values[0].actuatorY = 10000;
+    values[1].actuatorX = 0;
+    values[1].actuatorY = -1000;
 
     QCOMPARE(encodePacket(values, 0x88, 0x03),
              hex("00 3b 88 03 0102 ffff f001 8000 7fff 3b3b 1388 2710 0000 fc18 3b"));

@@ -63,16 +63,16 @@ void TestReplay::linesBecomeMillivolts()
     QVERIFY(replay);
     QCOMPARE(replay->lineCount(), 1);
     const PacketValues values = replay->at(0);
-    QCOMPARE(values.x1, qint16(1234));
-    QCOMPARE(values.y1, qint16(-500));
-    QCOMPARE(values.i1, quint16(4000));
-    QCOMPARE(values.x2, qint16(1));
-    QCOMPARE(values.y2, qint16(-1));
-    QCOMPARE(values.i2, quint16(3500));
-    QCOMPARE(values.rx1, qint16(5000));
-    QCOMPARE(values.ry1, qint16(4990));
-    QCOMPARE(values.rx2, qint16(10000));
-    QCOMPARE(values.ry2, qint16(0));
+    QCOMPARE(values[0].x, qint16(1234));
+    QCOMPARE(values[0].y, qint16(-500));
+    QCOMPARE(values[0].intensity, quint16(4000));
+    QCOMPARE(values[1].x, qint16(1));
+    QCOMPARE(values[1].y, qint16(-1));
+    QCOMPARE(values[1].intensity, quint16(3500));
+    QCOMPARE(values[0].actuatorX, qint16(5000));
+    QCOMPARE(values[0].actuatorY, qint16(4990));
+    QCOMPARE(values[1].actuatorX, qint16(10000));
+    QCOMPARE(values[1].actuatorY, qint16(0));
 }
 
 void TestReplay::lengthsBecomeMillivolts()
@@ -85,10 +85,10 @@ void TestReplay::lengthsBecomeMillivolts()
         read(lengths + "0\t1.0000\t-2.0000\t4.00\t10.00\t-2.00\t3.50\t5\t5\t5\t5\n");
 
     QVERIFY(replay);
-    QCOMPARE(replay->at(0).x1, qint16(1200));
-    QCOMPARE(replay->at(0).y1, qint16(-2400));
-    QCOMPARE(replay->at(0).x2, qint16(500));
-    QCOMPARE(replay->at(0).y2, qint16(-100));
+    QCOMPARE(replay->at(0)[0].x, qint16(1200));
+    QCOMPARE(replay->at(0)[0].y, qint16(-2400));
+    QCOMPARE(replay->at(0)[1].x, qint16(500));
+    QCOMPARE(replay->at(0)[1].y, qint16(-100));
 }
 
 void TestReplay::micrometresAreKnownHoweverTheyWereWritten_data()
@@ -109,7 +109,7 @@ void TestReplay::micrometresAreKnownHoweverTheyWereWritten()
     const auto replay = read(lengths + "0\t10.00\t0\t4.00\t0\t0\t3.50\t5\t5\t5\t5\n");
 
     QVERIFY(replay);
-    QCOMPARE(replay->at(0).x1, qint16(500));
+    QCOMPARE(replay->at(0)[0].x, qint16(500));
 }
 
 void TestReplay::valuesComeAtTheirTimes()
@@ -118,15 +118,15 @@ void TestReplay::valuesComeAtTheirTimes()
     const auto replay = read(header + "0\t0.001" + rest + "10\t0.002" + rest + "30\t0.003" + rest);
 
     QVERIFY(replay);
-    QCOMPARE(replay->at(0).x1, qint16(1));
-    QCOMPARE(replay->at(9).x1, qint16(1));
-    QCOMPARE(replay->at(10).x1, qint16(2));
-    QCOMPARE(replay->at(29).x1, qint16(2));
-    QCOMPARE(replay->at(30).x1, qint16(3));
+    QCOMPARE(replay->at(0)[0].x, qint16(1));
+    QCOMPARE(replay->at(9)[0].x, qint16(1));
+    QCOMPARE(replay->at(10)[0].x, qint16(2));
+    QCOMPARE(replay->at(29)[0].x, qint16(2));
+    QCOMPARE(replay->at(30)[0].x, qint16(3));
     // The last line lasts for the mean of the others, 15 ms; then it begins anew.
-    QCOMPARE(replay->at(44).x1, qint16(3));
-    QCOMPARE(replay->at(45).x1, qint16(1));
-    QCOMPARE(replay->at(45 * 1000 + 12).x1, qint16(2));
+    QCOMPARE(replay->at(44)[0].x, qint16(3));
+    QCOMPARE(replay->at(45)[0].x, qint16(1));
+    QCOMPARE(replay->at(45 * 1000 + 12)[0].x, qint16(2));
 }
 
 void TestReplay::whatIsNoRecordingIsNamed_data()
@@ -179,10 +179,10 @@ void TestReplay::valuesBeyondSixteenBitsAreCut()
     const auto replay = read(header + "0\t99.0\t-99.0\t99.0\tnan\t0\t0\t0\t0\t0\t0\n");
 
     QVERIFY(replay);
-    QCOMPARE(replay->at(0).x1, qint16(32767));
-    QCOMPARE(replay->at(0).y1, qint16(-32768));
-    QCOMPARE(replay->at(0).i1, quint16(65535));
-    QCOMPARE(replay->at(0).x2, qint16(0));
+    QCOMPARE(replay->at(0)[0].x, qint16(32767));
+    QCOMPARE(replay->at(0)[0].y, qint16(-32768));
+    QCOMPARE(replay->at(0)[0].intensity, quint16(65535));
+    QCOMPARE(replay->at(0)[1].x, qint16(0));
 }
 
 void TestReplay::notANumberIsReadHoweverItWasPrinted_data()
@@ -210,8 +210,8 @@ void TestReplay::notANumberIsReadHoweverItWasPrinted()
     const auto replay = read(header + "0\t" + text + "\t0.5\t4\t0\t0\t0\t0\t0\t0\t0\n");
 
     QVERIFY(replay);
-    QCOMPARE(replay->at(0).x1, qint16(0));
-    QCOMPARE(replay->at(0).y1, qint16(500));
+    QCOMPARE(replay->at(0)[0].x, qint16(0));
+    QCOMPARE(replay->at(0)[0].y, qint16(500));
 }
 
 void TestReplay::equalTimesAreTaken()
@@ -220,7 +220,7 @@ void TestReplay::equalTimesAreTaken()
     const auto replay = read(header + "0\t0.001" + rest + "0\t0.002" + rest);
 
     QVERIFY(replay);
-    QCOMPARE(replay->at(0).x1, qint16(2));
+    QCOMPARE(replay->at(0)[0].x, qint16(2));
 }
 
 void TestReplay::streamCarriesTheRecordingInItsOwnTime()

@@ -1,5 +1,6 @@
 #include "emulator/controlleroptions.h"
 #include "emulator/rulebook.h"
+#include "emulator/ruletext.h"
 #include "wiretools.h"
 
 #include <QtTest>

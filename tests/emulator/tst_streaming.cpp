@@ -188,7 +188,7 @@ void TestStreaming::newScriptTakesOverTheRunningStream()
     client.exchange(startAt(1000), packetBytes);
 
     PacketValues values;
-    values.y2 = 321;
+    values[1].y = 321;
     controller.setScript({values});
 
     QCOMPARE(wordAt(client.read(packetBytes), 12), 321);
@@ -419,7 +419,7 @@ void TestStreaming::hundredControllersStreamAtOnce()
         ControllerOptions options;
         options.script = countingScript(samples);
         for (PacketValues& values : options.script)
-            values.x2 = static_cast<qint16>(number);
+            values[1].x = static_cast<qint16>(number);
         clients.push_back(std::make_unique<HostClient>(host.addTcp(options)));
         clients.back()->send(startAt(50));
     }

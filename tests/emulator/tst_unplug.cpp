@@ -85,9 +85,9 @@ private slots:
     void connectionsEndByUnplugging_data();
     void connectionsEndByUnplugging();
     void powerCutSwitchesStagesOff();
-    void commandMayUnplug_data();
-    void commandMayUnplug();
-    void packetMayUnplug();
+    void ruleOfACommandCanUnplug_data();
+    void ruleOfACommandCanUnplug();
+    void closeBehindAPacketUnplugs();
 
 private:
     QString linkPath() const { return folder->filePath("ttyUSB77"); }
@@ -371,7 +371,7 @@ void TestUnplug::powerCutSwitchesStagesOff()
     QVERIFY(!controller.isStreaming());
 }
 
-void TestUnplug::commandMayUnplug_data()
+void TestUnplug::ruleOfACommandCanUnplug_data()
 {
     QTest::addColumn<bool>("half");
 
@@ -379,7 +379,7 @@ void TestUnplug::commandMayUnplug_data()
     QTest::newRow("half close") << true;
 }
 
-void TestUnplug::commandMayUnplug()
+void TestUnplug::ruleOfACommandCanUnplug()
 {
     QFETCH(bool, half);
     ControllerOptions options;
@@ -396,7 +396,7 @@ void TestUnplug::commandMayUnplug()
     QVERIFY(!somethingIsAt(linkPath()));
 }
 
-void TestUnplug::packetMayUnplug()
+void TestUnplug::closeBehindAPacketUnplugs()
 {
     ControllerOptions options;
     options.faults.closeAfterPackets = 5;

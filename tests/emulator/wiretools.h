@@ -51,9 +51,9 @@ inline QVector<emulator::PacketValues> countingScript(int samples)
     QVector<emulator::PacketValues> script;
     for (int i = 1; i <= samples; ++i) {
         emulator::PacketValues values;
-        values.x1 = static_cast<qint16>(i);
-        values.y1 = static_cast<qint16>(-i);
-        values.i1 = static_cast<quint16>(40000 + i);
+        values[0].x = static_cast<qint16>(i);
+        values[0].y = static_cast<qint16>(-i);
+        values[0].intensity = static_cast<quint16>(40000 + i);
         script.append(values);
     }
     return script;

@@ -51,7 +51,7 @@ inline emulator::ControllerOptions countingController(int first = 0)
     options.script.reserve(numbers);
     for (int i = 0; i < numbers; ++i) {
         emulator::PacketValues values{};
-        values.x1 = qint16(first + i);
+        values[0].x = qint16(first + i);
         options.script.append(values);
     }
     options.scriptRepeats = true;
@@ -68,8 +68,8 @@ inline QVector<quint16> numbersIn(const QByteArray& recording)
     return numbers;
 }
 
-/// The first line whose number is not so many more than that of the line before; empty if there is
-/// none.
+/// The first line whose number is not by `step` more than that of the line before; empty if there
+/// is none.
 inline QString gapIn(const QVector<quint16>& numbers, int step = 1)
 {
     if (numbers.isEmpty())

@@ -3,6 +3,7 @@
 #include "plots/genericplot.h"
 #include "plots/thermoslider.h"
 #include "recording/dataloggerdialog.h"
+#include "support/plotcanvas.h"
 #include "support/widgetcheck.h"
 #include "support/windowfixture.h"
 #include "window/mainwindow.h"
@@ -14,7 +15,6 @@
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QtTest>
-#include <qwt_plot_canvas.h>
 
 #include <algorithm>
 
@@ -24,10 +24,10 @@ namespace {
 QVector<emulator::PacketValues> samples(int count)
 {
     emulator::PacketValues values{};
-    values.x1 = 1000;
-    values.y1 = -2000;
-    values.i1 = 4000;
-    values.rx1 = 5000;
+    values[0].x = 1000;
+    values[0].y = -2000;
+    values[0].intensity = 4000;
+    values[0].actuatorX = 5000;
     return QVector<emulator::PacketValues>(count, values);
 }
 
@@ -36,12 +36,6 @@ emulator::ControllerOptions scripted(int count)
     emulator::ControllerOptions options;
     options.script = samples(count);
     return options;
-}
-
-bool keepsBackingStore(const GenericPlot& plot)
-{
-    return qobject_cast<const QwtPlotCanvas*>(plot.canvas())
-        ->testPaintAttribute(QwtPlotCanvas::BackingStore);
 }
 
 int countOf(const emulator::ControllerHandle& controller, const QByteArray& command)

@@ -1,38 +1,20 @@
 // Limits that are typed in the dialogs of the axes, and what the plots make of them.
 
 #include "axisbench.h"
+#include "axisranges.h"
 #include "model/detector.h"
 
 #include <qwt_plot_shapeitem.h>
 
+using axisranges::timeRange;
+using axisranges::valueRanges;
+
 namespace {
-
-QString range(const GenericPlot& plot, QwtPlot::Axis axis)
-{
-    const QwtInterval interval = plot.axisInterval(axis);
-    return QStringLiteral("%1..%2").arg(interval.minValue()).arg(interval.maxValue());
-}
-
-/// Ranges of the position and intensity axes of stage 1 and 2.
-QStringList valueRanges(const WindowFixture& fixture)
-{
-    return {range(fixture.positionPlot(1), QwtPlot::yLeft),
-            range(fixture.positionPlot(2), QwtPlot::yLeft),
-            range(fixture.intensityPlot(1), QwtPlot::yLeft),
-            range(fixture.intensityPlot(2), QwtPlot::yLeft)};
-}
 
 /// Ranges of the time axes of stage 1 and 2.
 QStringList timeRanges(const WindowFixture& fixture)
 {
-    QStringList ranges;
-    for (int stage = 1; stage <= 2; ++stage) {
-        const QString shown = range(fixture.positionPlot(stage), QwtPlot::xTop);
-        const bool same = range(fixture.positionPlot(stage), QwtPlot::xBottom) == shown
-                          && range(fixture.intensityPlot(stage), QwtPlot::xBottom) == shown;
-        ranges.append(same ? shown : QStringLiteral("differ"));
-    }
-    return ranges;
+    return {timeRange(fixture, 1), timeRange(fixture, 2)};
 }
 
 /// Lengths of the marks of zero, oldest first, in milliseconds.

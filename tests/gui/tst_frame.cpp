@@ -81,7 +81,7 @@ private slots:
     void countersIgnoreTheWheelWithoutFocus();
     void onlyPointingModeCountsSamples();
     void startWaitsForASystem();
-    void recordingIsOff();
+    void recordingLightIsRed();
     void constructionIsLogged();
 
 private:
@@ -398,7 +398,7 @@ void TestFrame::startWaitsForASystem()
     QVERIFY(!fixture->clickAction("startAction"));
 }
 
-void TestFrame::recordingIsOff()
+void TestFrame::recordingLightIsRed()
 {
     const auto* light = fixture->find<QLabel>("recordingLight");
     QCOMPARE(light->maximumSize(), QSize(22, 22));

@@ -21,15 +21,34 @@
 #include <QtTest>
 #include <qwt_plot_canvas.h>
 
+#include <utility>
+
 namespace {
 
 const QSize usualSize(1280, 960);
 
+QVector<QRect> placesOfAllWidgets(const WindowFixture& fixture)
+{
+    QVector<QRect> places;
+    for (const QWidget* widget : fixture.window().findChildren<QWidget*>())
+        places.append(widget->geometry());
+    return places;
+}
+
+/// Takes events until they move nothing any more.
+bool settle(const WindowFixture& fixture)
+{
+    QVector<QRect> before;
+    return QTest::qWaitFor([&] {
+        const QVector<QRect> now = placesOfAllWidgets(fixture);
+        return std::exchange(before, now) == now;
+    });
+}
+
 bool resizeTo(const WindowFixture& fixture, const QSize& size)
 {
     fixture.window().resize(size);
-    return QTest::qWaitFor([&] { return fixture.window().size() == size; })
-           && (QTest::qWait(50), true);
+    return QTest::qWaitFor([&] { return fixture.window().size() == size; }) && settle(fixture);
 }
 
 /// Left edge and width within the scrolled contents.
@@ -349,13 +368,13 @@ void TestFrameLayout::numbersOfAnyWidthMoveNothing()
     const SampleFeed feed(*fixture);
     QVERIFY(feed.start());
     emulator::PacketValues values;
-    values.x1 = values.y1 = values.x2 = values.y2 = -32768;
-    values.i1 = values.i2 = 65535;
+    values[0].x = values[0].y = values[1].x = values[1].y = -32768;
+    values[0].intensity = values[1].intensity = 65535;
     QVERIFY(feed.show({values}));
     QCOMPARE(places(), before);
     for (const double reach : {0.05, 30.0, 5000.0}) {
         fixture->window().rescaleAxis(1, -reach, reach, true);
-        QTest::qWait(50);
+        QVERIFY(settle(*fixture));
         QCOMPARE(places(), before);
     }
 }

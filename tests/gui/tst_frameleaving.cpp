@@ -87,15 +87,15 @@ private slots:
     void closingEndsConnectionsOfTheSetupFile();
     void controllersOfTheSetupFileAreStoppedSideBySide();
     void destroyingEndsWhatWasNotClosed();
-    void nothingIsDoneTwice();
+    void closingTwiceStopsAndDeletesOnce();
     void closingSaysThatItDisconnects();
     void closingWithoutAConnectionSaysNothing();
     void closingTakesAllWindowsAlong();
     void exitEntryCloses();
     void nothingTicksBehindTheEnd();
     void slotsAreHarmlessBehindTheEnd();
-    void leavingInTheMiddleOfARun();
-    void leavingBehindLostLinks();
+    void leavingInTheMiddleOfARunStopsTheStream();
+    void leavingBeforeLossesAreToldWarnsOfNothing();
     void whatComesUpBehindTheEndIsDropped();
     void closingEndsTheServiceDialogsConnection();
 
@@ -182,7 +182,7 @@ void TestFrameLeaving::destroyingEndsWhatWasNotClosed()
     QTRY_VERIFY(!fixture.controller().isConnected());
 }
 
-void TestFrameLeaving::nothingIsDoneTwice()
+void TestFrameLeaving::closingTwiceStopsAndDeletesOnce()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -284,7 +284,7 @@ void TestFrameLeaving::slotsAreHarmlessBehindTheEnd()
     QVERIFY(window.liveConnections().empty());
 }
 
-void TestFrameLeaving::leavingInTheMiddleOfARun()
+void TestFrameLeaving::leavingInTheMiddleOfARunStopsTheStream()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());
@@ -296,7 +296,7 @@ void TestFrameLeaving::leavingInTheMiddleOfARun()
     QVERIFY(!fixture.controller().isStreaming());
 }
 
-void TestFrameLeaving::leavingBehindLostLinks()
+void TestFrameLeaving::leavingBeforeLossesAreToldWarnsOfNothing()
 {
     WindowFixture fixture(3);
     QVERIFY(fixture.openWithSystems());

@@ -1,5 +1,6 @@
 // The plots as the frame presents them: ranges and zoom.
 
+#include "axisranges.h"
 #include "plots/colorscalesframe.h"
 #include "plots/genericplot.h"
 #include "support/replotcounter.h"
@@ -15,31 +16,11 @@
 #include <qwt_plot_shapeitem.h>
 #include <qwt_scale_draw.h>
 
+using axisranges::range;
+using axisranges::timeRange;
+using axisranges::valueRanges;
+
 namespace {
-
-QString range(const GenericPlot& plot, QwtPlot::Axis axis)
-{
-    const QwtInterval interval = plot.axisInterval(axis);
-    return QStringLiteral("%1..%2").arg(interval.minValue()).arg(interval.maxValue());
-}
-
-/// Ranges of the position and intensity axes of stage 1 and 2.
-QStringList valueRanges(const WindowFixture& fixture)
-{
-    return {range(fixture.positionPlot(1), QwtPlot::yLeft),
-            range(fixture.positionPlot(2), QwtPlot::yLeft),
-            range(fixture.intensityPlot(1), QwtPlot::yLeft),
-            range(fixture.intensityPlot(2), QwtPlot::yLeft)};
-}
-
-/// Range of a stage's time axis, if all of its plots have the same.
-QString timeRange(const WindowFixture& fixture, int stage)
-{
-    const QString shown = range(fixture.positionPlot(stage), QwtPlot::xTop);
-    const bool same = range(fixture.positionPlot(stage), QwtPlot::xBottom) == shown
-                      && range(fixture.intensityPlot(stage), QwtPlot::xBottom) == shown;
-    return same ? shown : QStringLiteral("differ");
-}
 
 /// Where the dark grey lines of that title stand, oldest first.
 QVector<QRectF> midLines(const GenericPlot& plot, const char* title = "Horizontale Mittellinie")

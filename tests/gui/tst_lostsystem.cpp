@@ -44,7 +44,7 @@ private slots:
     void aLostSystemSaysReconnect();
     void aSystemThatWasLostBeforeItCameSaysReconnect();
     void aSystemThatWasLostBeforeItCameIsTakenOffThePlots();
-    void aLossDuringTheStopOfAClosedSystemIsNoNews();
+    void aLinkLostDuringTheStopOfAClosedSystemIsNotTold();
     void ofTwoWithOneAddressTheConnectedOneIsShown();
     void ofTwoWithOneAddressTheConnectedOneIsLost();
 };
@@ -100,7 +100,7 @@ void TestLostSystem::aSystemThatWasLostBeforeItCameIsTakenOffThePlots()
     QVERIFY(fixture.window().shownConnections().isEmpty());
 }
 
-void TestLostSystem::aLossDuringTheStopOfAClosedSystemIsNoNews()
+void TestLostSystem::aLinkLostDuringTheStopOfAClosedSystemIsNotTold()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.open());

@@ -44,7 +44,7 @@ ControllerOptions sending(const QVector<PacketValues>& samples)
 ControllerOptions standingAt(qint16 mv)
 {
     PacketValues values{};
-    values.x1 = mv;
+    values[0].x = mv;
     ControllerOptions options;
     options.script = {values};
     options.scriptRepeats = true;
@@ -89,16 +89,16 @@ void recordRegularly(const QString& path, const ConnectionSettings& settings,
                         QDateTime::currentDateTime());
     MeasureSample sample;
     for (const PacketValues& values : samples) {
-        sample.x1 = values.x1;
-        sample.y1 = values.y1;
-        sample.intensity1 = values.i1;
-        sample.x2 = values.x2;
-        sample.y2 = values.y2;
-        sample.intensity2 = values.i2;
-        sample.rx1 = values.rx1;
-        sample.ry1 = values.ry1;
-        sample.rx2 = values.rx2;
-        sample.ry2 = values.ry2;
+        sample.x1 = values[0].x;
+        sample.y1 = values[0].y;
+        sample.intensity1 = values[0].intensity;
+        sample.x2 = values[1].x;
+        sample.y2 = values[1].y;
+        sample.intensity2 = values[1].intensity;
+        sample.rx1 = values[0].actuatorX;
+        sample.ry1 = values[0].actuatorY;
+        sample.rx2 = values[1].actuatorX;
+        sample.ry2 = values[1].actuatorY;
         record.take({sample}, {true, false});
         sample.timeMs += periodMs;
     }
@@ -163,7 +163,8 @@ void TestRecordingValues::everyTypeOfDetectorIsRecordedInItsUnit()
     QFETCH(QString, unit);
     QFETCH(QString, x);
     QFETCH(QString, y);
-    RecordingBench bench(2, sending({{2000, -1000, 4000, 2000, -1000, 4000, 0, 0, 0, 0}}));
+    RecordingBench bench(
+        2, sending({PacketValues{{{2000, -1000, 4000, 0, 0}, {2000, -1000, 4000, 0, 0}}}}));
     QVERIFY(bench.fixture.open());
     // Each stage once in length beside the other one in volts.
     for (std::size_t stage = 0; stage < 2; ++stage) {
@@ -191,9 +192,9 @@ void TestRecordingValues::lengthsAreWhatTheControllerSent()
 {
     constexpr int divider = 5;
     QVector<PacketValues> samples(2 * divider + 1);
-    samples[0] = {2000, -2000, 4000, 1200, -1, 3500, 5000, 5000, 5000, 5000};
-    samples[divider] = {0, 5, 0, -1200, 0, 0, 4990, 5010, 0, 10000};
-    samples[2 * divider] = {4000, -4000, 4000, 32767, -32768, 3500, 5000, 5000, -4, 4};
+    samples[0] = {{{2000, -2000, 4000, 5000, 5000}, {1200, -1, 3500, 5000, 5000}}};
+    samples[divider] = {{{0, 5, 0, 4990, 5010}, {-1200, 0, 0, 0, 10000}}};
+    samples[2 * divider] = {{{4000, -4000, 4000, 5000, 5000}, {32767, -32768, 3500, -4, 4}}};
     RecordingBench bench(1, sending(samples));
     QVERIFY(bench.fixture.open());
     ConnectionSettings record = bench.fixture.record();
@@ -294,7 +295,8 @@ void TestRecordingValues::numbersHaveAPointInALocaleWithAComma()
 {
     const DefaultLocale german{QLocale(QLocale::German)};
     QCOMPARE(QLocale().decimalPoint(), QChar(','));
-    RecordingBench bench(1, sending({{1234, -1234, 4005, 0, -1, 5, 5000, 4999, -4, 32767}}));
+    RecordingBench bench(
+        1, sending({PacketValues{{{1234, -1234, 4005, 5000, 4999}, {0, -1, 5, -4, 32767}}}}));
     QVERIFY(bench.openAndStart());
     QVERIFY(bench.ticksUntilLines(1));
     QVERIFY(bench.click("pushButton_Stop"));
@@ -307,10 +309,10 @@ void TestRecordingValues::replayedRecordingHasTheSameValuesAgain()
     constexpr int rateHz = 100;
     constexpr quint64 periodMs = 1000 / rateHz;
     const QVector<PacketValues> samples{
-        {0, -1, 4000, 1234, -1234, 3500, 5000, 4999, 0, 10000},
-        {32767, -32768, 65535, 32767, -32768, 0, 32767, -32768, -4, -5},
-        {5, -5, 4005, 1000, -1000, 5, 15, 25, 4995, 5005},
-        {250, -250, 4015, 1, -2, 3505, 5015, 5025, 5035, 5045}};
+        {{{0, -1, 4000, 5000, 4999}, {1234, -1234, 3500, 0, 10000}}},
+        {{{32767, -32768, 65535, 32767, -32768}, {32767, -32768, 0, -4, -5}}},
+        {{{5, -5, 4005, 15, 25}, {1000, -1000, 5, 4995, 5005}}},
+        {{{250, -250, 4015, 5015, 5025}, {1, -2, 3505, 5035, 5045}}}};
     RecordingBench bench(0);
     QString error;
     ControllerOptions options;

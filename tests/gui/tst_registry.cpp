@@ -80,7 +80,7 @@ private slots:
     void cleanup();
     void firstSystemBringsUpTheReadouts();
     void secondSystemHidesTheReadouts();
-    void closingOneOfTwoBringsThemBackForTheSurvivor();
+    void closingOneOfTwoShowsTheReadoutsOfTheOther();
     void closingTheMiddleMovesIndicesAndCurves();
     void closingKeepsTheOrderOfShowing();
     void closingTheMiddleLeavesTheOthersStreaming();
@@ -138,7 +138,7 @@ void TestRegistry::secondSystemHidesTheReadouts()
         QCOMPARE(textColor(fixture, label), QColor(Qt::black));
 }
 
-void TestRegistry::closingOneOfTwoBringsThemBackForTheSurvivor()
+void TestRegistry::closingOneOfTwoShowsTheReadoutsOfTheOther()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.openWithSystems());

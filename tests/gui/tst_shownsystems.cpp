@@ -82,7 +82,7 @@ private slots:
     void labelsOfSeveralCanBeReadOnADarkDesktop();
     void theSystemBeyondFiftyIsNotShown();
     void hidingAnIdleSystemSaysThatItDisconnects();
-    void hidingAStreamingSystemIsNoMatterOfWords();
+    void hidingAStreamingSystemShowsNoNotice();
 };
 
 void TestShownSystems::recolouringAHiddenSystemLeavesTheLabels()
@@ -188,7 +188,7 @@ void TestShownSystems::hidingAnIdleSystemSaysThatItDisconnects()
     QVERIFY(!QGuiApplication::overrideCursor());
 }
 
-void TestShownSystems::hidingAStreamingSystemIsNoMatterOfWords()
+void TestShownSystems::hidingAStreamingSystemShowsNoNotice()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.openWithSystems());

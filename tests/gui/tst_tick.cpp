@@ -45,12 +45,12 @@ QVector<int> every(int step, int from, int count)
 PacketValues sampleAt(int x1, int y1, int x2, int y2)
 {
     PacketValues values;
-    values.x1 = qint16(x1);
-    values.y1 = qint16(y1);
-    values.i1 = 3000;
-    values.x2 = qint16(x2);
-    values.y2 = qint16(y2);
-    values.i2 = 3000;
+    values[0].x = qint16(x1);
+    values[0].y = qint16(y1);
+    values[0].intensity = 3000;
+    values[1].x = qint16(x2);
+    values[1].y = qint16(y2);
+    values[1].intensity = 3000;
     return values;
 }
 
@@ -103,8 +103,8 @@ void TestTick::samplesBecomePointsOfTheirCurves()
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
     PacketValues values = sampleAt(1500, -2750, 999, -1);
-    values.i1 = 3520;
-    values.i2 = 65535;
+    values[0].intensity = 3520;
+    values[1].intensity = 65535;
     QVERIFY(feed.show({values}));
 
     QCOMPARE(pointsOf(fixture.pointingPlot(1), 0), (QVector<QPointF>{{1.5, -2.75}}));

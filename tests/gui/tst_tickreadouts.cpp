@@ -128,7 +128,7 @@ private slots:
 
     void aStateFromAnotherPathReachesTheButtonOfASingleSystem_data();
     void aStateFromAnotherPathReachesTheButtonOfASingleSystem();
-    void withTwoDisplayedSystemsItDoesNot();
+    void aStateFromAnotherPathDoesNotReachTheButtonsOfTwoSystems();
     void theStreamsFlagsReachButtonAndLight();
     void onlyTheLastSampleOfATickTellsTheState();
     void theLastSampleTellsTheMultiplexing();
@@ -144,7 +144,7 @@ private slots:
     void aTickLeavesWhatIsTypedAlone();
     void theSamplingRateIsLockedWhileAcquisitionRuns();
     void pulsesTakeTheSamplingRateOver();
-    void aSystemWithoutPulsesGivesItBack();
+    void aSystemWithoutPulsesGivesTheSamplingRateBack();
 };
 
 void TestTickReadouts::readoutsShowVoltsWithTwoDecimals()
@@ -154,12 +154,12 @@ void TestTickReadouts::readoutsShowVoltsWithTwoDecimals()
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
     PacketValues values;
-    values.x1 = 1236;
-    values.y1 = -2344;
-    values.i1 = 3519;
-    values.x2 = -7;
-    values.y2 = 32767;
-    values.i2 = 65535;
+    values[0].x = 1236;
+    values[0].y = -2344;
+    values[0].intensity = 3519;
+    values[1].x = -7;
+    values[1].y = 32767;
+    values[1].intensity = 65535;
     QVERIFY(feed.show({values}));
     QCOMPARE(readouts(fixture), (QVector<double>{1.24, -2.34, 3.52, -0.01, 32.77, 65.53}));
 }
@@ -171,9 +171,9 @@ void TestTickReadouts::readoutsAverageOverTheLatest41Samples()
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
     PacketValues first;
-    first.x1 = 4100;
-    first.y2 = -8200;
-    first.i2 = 4100;
+    first[0].x = 4100;
+    first[1].y = -8200;
+    first[1].intensity = 4100;
     QVERIFY(feed.show(QVector<PacketValues>{first} + QVector<PacketValues>(40)));
     QCOMPARE(readouts(fixture), (QVector<double>{0.1, 0.0, 0.0, 0.0, -0.2, 0.1}));
     QVERIFY(feed.show({PacketValues()}));
@@ -187,12 +187,12 @@ void TestTickReadouts::aSystemShownAgainStartsItsAverageAnew()
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
     PacketValues values;
-    values.x1 = 2000;
+    values[0].x = 2000;
     QVERIFY(feed.show(QVector<PacketValues>(30, values)));
     const QString address = fixture.controller().address();
     fixture.window().showConnection(address, false);
     fixture.window().showConnection(address, true);
-    values.x1 = 1000;
+    values[0].x = 1000;
     QVERIFY(feed.show({values}));
     QCOMPARE(readouts(fixture).first(), 1.0);
 }
@@ -205,13 +205,13 @@ void TestTickReadouts::theLastSystemLeftStartsItsAverageAnew()
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
     PacketValues values;
-    values.x1 = 2000;
+    values[0].x = 2000;
     QVERIFY(feed.show(QVector<PacketValues>(30, values), 0));
     QCOMPARE(readouts(fixture).first(), 2.0);
 
     fixture.window().showConnection(fixture.controller(1).address(), true);
     fixture.window().showConnection(fixture.controller(0).address(), false);
-    values.x1 = 1000;
+    values[0].x = 1000;
     QVERIFY(feed.show({values}, 1));
     QCOMPARE(readouts(fixture).first(), 1.0);
 }
@@ -223,12 +223,12 @@ void TestTickReadouts::clearingStartsTheAverageAnew()
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
     PacketValues values;
-    values.x1 = 2000;
-    values.y2 = 4000;
+    values[0].x = 2000;
+    values[1].y = 4000;
     QVERIFY(feed.show(QVector<PacketValues>(30, values)));
     feed.clear();
-    values.x1 = 1000;
-    values.y2 = -1000;
+    values[0].x = 1000;
+    values[1].y = -1000;
     QVERIFY(feed.show({values}));
     QCOMPARE(readouts(fixture).at(0), 1.0);
     QCOMPARE(readouts(fixture).at(4), -1.0);
@@ -241,7 +241,7 @@ void TestTickReadouts::aNewUnitStartsTheAverageAnew()
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
     PacketValues values;
-    values.x1 = values.x2 = 1200;
+    values[0].x = values[1].x = 1200;
     QVERIFY(feed.show(QVector<PacketValues>(30, values)));
     DetectorPair& detectors = *fixture.window().liveSystems().at(0).detectors;
     detectors.setDetectorType(0, PsdDetector);
@@ -259,12 +259,12 @@ void TestTickReadouts::piezoBarsShowTheNewestSample()
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
     PacketValues early;
-    early.rx1 = early.ry1 = early.rx2 = early.ry2 = 9000;
+    early[0].actuatorX = early[0].actuatorY = early[1].actuatorX = early[1].actuatorY = 9000;
     PacketValues late;
-    late.rx1 = 1000;
-    late.ry1 = 2500;
-    late.rx2 = 5000;
-    late.ry2 = 7750;
+    late[0].actuatorX = 1000;
+    late[0].actuatorY = 2500;
+    late[1].actuatorX = 5000;
+    late[1].actuatorY = 7750;
     QVERIFY(feed.show({early, early, late}));
     QCOMPARE(bars(fixture), (QVector<double>{1.0, 2.5, 5.0, 7.75}));
 }
@@ -276,9 +276,9 @@ void TestTickReadouts::twoDisplayedSystemsLeaveReadoutsAndBarsAlone()
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
     PacketValues values;
-    values.x1 = values.y1 = values.x2 = values.y2 = 1000;
-    values.i1 = values.i2 = 1000;
-    values.rx1 = values.ry1 = values.rx2 = values.ry2 = 5000;
+    values[0].x = values[0].y = values[1].x = values[1].y = 1000;
+    values[0].intensity = values[1].intensity = 1000;
+    values[0].actuatorX = values[0].actuatorY = values[1].actuatorX = values[1].actuatorY = 5000;
     QVERIFY(feed.send({values}, 0));
     QVERIFY(feed.show({values}, 1));
     QCOMPARE(pointsOf(fixture.pointingPlot(1), 0).size(), 1);
@@ -293,8 +293,8 @@ void TestTickReadouts::clearingZeroesReadoutsAndBars()
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
     PacketValues values;
-    values.x1 = 1000;
-    values.rx1 = 5000;
+    values[0].x = 1000;
+    values[0].actuatorX = 5000;
     QVERIFY(feed.show({values}));
     QVERIFY(fixture.clickAction("clearAction"));
     QCOMPARE(readouts(fixture), QVector<double>(6, 0.0));
@@ -330,7 +330,7 @@ void TestTickReadouts::aStateFromAnotherPathReachesTheButtonOfASingleSystem()
         [&] { return switchState(fixture, button) == QString("OFF unchecked lightcoral"); }));
 }
 
-void TestTickReadouts::withTwoDisplayedSystemsItDoesNot()
+void TestTickReadouts::aStateFromAnotherPathDoesNotReachTheButtonsOfTwoSystems()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.openWithSystems());
@@ -599,7 +599,7 @@ void TestTickReadouts::pulsesTakeTheSamplingRateOver()
     QVERIFY(counter->isEnabled());
 }
 
-void TestTickReadouts::aSystemWithoutPulsesGivesItBack()
+void TestTickReadouts::aSystemWithoutPulsesGivesTheSamplingRateBack()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());

@@ -78,9 +78,9 @@ double rangeOf(const WindowFixture& fixture, int stage)
 PacketValues sampleOf(int x, int y, int intensity)
 {
     PacketValues values;
-    values.x1 = values.x2 = qint16(x);
-    values.y1 = values.y2 = qint16(y);
-    values.i1 = values.i2 = quint16(intensity);
+    values[0].x = values[1].x = qint16(x);
+    values[0].y = values[1].y = qint16(y);
+    values[0].intensity = values[1].intensity = quint16(intensity);
     return values;
 }
 
@@ -108,14 +108,14 @@ private slots:
     void hidingTheFirstOfThreeLeavesTheUnitOfTheOthers();
     void theLargestBeamGivesTheRange();
     void aNewUnitEmptiesTheCurvesOfItsStage();
-    void anEqualUnitKeepsThem();
+    void anEqualUnitKeepsPointsAndLimits();
     void aNewUnitClearsTheStatisticsInPointingMode();
     void aRecordOfUnknownDetectorsIsShownInVolts_data();
     void aRecordOfUnknownDetectorsIsShownInVolts();
     void aRecordWithoutADiameterIsDrawnOnce_data();
     void aRecordWithoutADiameterIsDrawnOnce();
     void withNothingDisplayedTheLabelsStay();
-    void aSignalBeyondTheIntensityIsNoNumberAndNoHarm();
+    void aSignalBeyondTheIntensityIsNotANumberAndTheNextRunIsRight();
 };
 
 void TestTickUnits::withoutDetectorsEverythingIsInVolts()
@@ -276,7 +276,7 @@ void TestTickUnits::aNewUnitEmptiesTheCurvesOfItsStage()
     QCOMPARE(pointsOf(fixture.intensityPlot(2), 0).size(), 1);
 }
 
-void TestTickUnits::anEqualUnitKeepsThem()
+void TestTickUnits::anEqualUnitKeepsPointsAndLimits()
 {
     WindowFixture fixture(2);
     QVERIFY(fixture.open());
@@ -302,7 +302,7 @@ void TestTickUnits::aNewUnitClearsTheStatisticsInPointingMode()
     QVERIFY(fixture.click("checkBox_Stats1"));
     const SampleFeed feed(fixture);
     QVERIFY(feed.start());
-    QTest::qWait(15); // the text is refreshed every 11 ms
+    waitForNextText();
     QVERIFY(feed.show({sampleOf(1200, 0, 1000)}));
     QVERIFY(fixture.statisticsText(1).contains("#samples=1\n"));
     fixture.window().showConnection(fixture.controller(0).address(), false);
@@ -369,7 +369,7 @@ void TestTickUnits::withNothingDisplayedTheLabelsStay()
     QCOMPARE(rangeOf(fixture, 1), 4.5);
 }
 
-void TestTickUnits::aSignalBeyondTheIntensityIsNoNumberAndNoHarm()
+void TestTickUnits::aSignalBeyondTheIntensityIsNotANumberAndTheNextRunIsRight()
 {
     WindowFixture fixture(1);
     QVERIFY(fixture.open());
@@ -388,7 +388,7 @@ void TestTickUnits::aSignalBeyondTheIntensityIsNoNumberAndNoHarm()
     QVERIFY(!fixture.window().grab().isNull());
     // A new run is not spoilt by the last one.
     feed.clear();
-    QTest::qWait(15);
+    waitForNextText();
     QVERIFY(feed.show({sampleOf(0, 0, 1000)}));
     QVERIFY2(fixture.statisticsText(1).startsWith("\nx=0.000 ")
                  || fixture.statisticsText(1).startsWith("\nx=-0.000 "),

@@ -68,7 +68,7 @@ private slots:
     void pollReplacesWhatNobodyFetched();
     void stopThatIsGivenUpHasFailed();
     void lostPortEndsTheWait();
-    void forgottenPollIsNone();
+    void replyOfAForgottenPollIsNotTaken();
 };
 
 void TestSettling::nothingIsSettledFromTheBeginning()
@@ -214,7 +214,7 @@ void TestSettling::lostPortEndsTheWait()
     QVERIFY(time.elapsed() < longTimeoutMs);
 }
 
-void TestSettling::forgottenPollIsNone()
+void TestSettling::replyOfAForgottenPollIsNotTaken()
 {
     ExchangeBench bench;
     bench.poll();

@@ -378,7 +378,7 @@ void TestStream::oldSamplesNeverAppearInANewStream()
     link.client.stopStream();
 
     emulator::PacketValues other{};
-    other.x1 = 900;
+    other[0].x = 900;
     link.controller.setScript({other, other});
     QVERIFY(link.startStream());
     QTRY_VERIFY(link.client.samplesStored() > 5);
@@ -456,7 +456,7 @@ void TestStream::wholePacketsSurviveFaults()
     QVector<int> whole;
     for (int number = 1 + startAnswer; number <= packets; ++number) {
         if (!hit(number, dropEvery) && !hit(number, corruptEvery))
-            whole.append(script[number - 1].x1);
+            whole.append(script[number - 1][0].x);
     }
     QVERIFY(whole.size() > packets / 2);
     QVector<int> stored;
@@ -505,7 +505,7 @@ void TestStream::slowReaderLosesTheOldestSamples()
     const QVector<int> stored = x1Of(link.takeSamples());
     QCOMPARE(stored.size(), Connection::storeCapacity - 1);
     QCOMPARE(link.client.droppedSamples(), quint64(packets - startAnswer - stored.size()));
-    QCOMPARE(stored.last(), int(numberedSamples(packets).last().x1));
+    QCOMPARE(stored.last(), int(numberedSamples(packets).last()[0].x));
 }
 
 QTEST_GUILESS_MAIN(TestStream)

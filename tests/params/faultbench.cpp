@@ -65,12 +65,12 @@ QStringList warningsIn(const LogCapture& log)
 ControllerOptions onFixedPositions(ControllerOptions options)
 {
     emulator::PacketValues values{};
-    values.x1 = 250;
-    values.y1 = -1;
-    values.x2 = -4000;
-    values.y2 = 1000;
+    values[0].x = 250;
+    values[0].y = -1;
+    values[1].x = -4000;
+    values[1].y = 1000;
     // The end of a packet is not that of a confirmed stop.
-    values.ry2 = 5000;
+    values[1].actuatorY = 5000;
     options.script = {values};
     options.scriptRepeats = true;
     return options;

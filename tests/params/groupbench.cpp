@@ -187,11 +187,6 @@ QByteArray toPartner(const QByteArray& command)
     return namesOfSystems[GroupBench::partner] + command;
 }
 
-QByteArray bytes(const char* hex)
-{
-    return QByteArray::fromHex(hex);
-}
-
 std::vector<Failure> failuresOf(const QByteArray& command)
 {
     const QByteArray tooShort(1, '\0');

@@ -63,9 +63,6 @@ private:
 QByteArray toCurrent(const QByteArray& command);
 QByteArray toPartner(const QByteArray& command);
 
-/// Bytes of hexadecimal digits.
-QByteArray bytes(const char* hex);
-
 /// A failure of a command, and how often it happens.
 struct Failure
 {

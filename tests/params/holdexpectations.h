@@ -23,6 +23,12 @@ inline bool isSetEnabled(const ParamsBench& bench, Stage stage)
     return bench.find<QPushButton>(setButton(stage)).isEnabled();
 }
 
+/// Whether the controller holds the stage at a position.
+inline bool isHeld(const ParamsBench& bench, Stage stage)
+{
+    return bench.link.controller.stage(numberOf(stage)).held;
+}
+
 inline QByteArray holdCommand(Stage stage)
 {
     return QByteArray("SSH").append(char(numberOf(stage))).append(';');

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "groupbench.h"
+#include "support/bytes.h"
 
 // What goes over the two wires when positions are applied, and what is told of failures, all of it
 // written out.

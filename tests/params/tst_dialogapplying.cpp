@@ -2,6 +2,7 @@
 // and what is told of a failure.
 
 #include "paramsbench.h"
+#include "support/bytes.h"
 #include "support/logcapture.h"
 
 #include <QAbstractButton>
@@ -21,11 +22,6 @@ namespace {
 constexpr char apply[] = "pushButtonApply";
 constexpr char triggers[] = "checkBoxDisplayLowRepetitionWithTriggers";
 constexpr int rateHz = 300;
-
-QByteArray bytes(const char* hex)
-{
-    return QByteArray::fromHex(hex);
-}
 
 /// What Apply sends when everything comes from the external inputs.
 QByteArrayList externalEverywhere()

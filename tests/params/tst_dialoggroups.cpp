@@ -2,6 +2,7 @@
 // system on display away from the common detector.
 
 #include "groupbench.h"
+#include "support/bytes.h"
 
 #include <QPushButton>
 #include <QtTest>
@@ -57,7 +58,7 @@ class TestDialogGroups : public QObject
     Q_OBJECT
 
 private slots:
-    void nothingShowsTheControls();
+    void controlsOfGroupsStayHidden();
     void controlsSayWhatTheyDo();
     void openingTellsTheDetectorOfEachStage_data();
     void openingTellsTheDetectorOfEachStage();
@@ -86,7 +87,7 @@ private slots:
     void clicksDuringAnExchangeAreLost();
 };
 
-void TestDialogGroups::nothingShowsTheControls()
+void TestDialogGroups::controlsOfGroupsStayHidden()
 {
     ParamsBench bench;
     QVERIFY(bench.open());

@@ -18,11 +18,6 @@ Stage otherThan(Stage stage)
     return stage == Stage::One ? Stage::Two : Stage::One;
 }
 
-bool isHeld(const FaultBench& faults, Stage stage)
-{
-    return faults.bench.link.controller.stage(numberOf(stage)).held;
-}
-
 /// What goes over the wire, from the stop of a stream to its start if one runs.
 QByteArrayList exchanged(const QByteArrayList& commands, bool streams)
 {
@@ -97,7 +92,7 @@ void TestDialogHoldFaults::holdThatFailsCanBeAskedAgain()
                  exchanged(failed, streams) + exchanged(reading(), streams));
         QCOMPARE(faults.difference(FaultBench::formOfController()), QString());
         QCOMPARE(faults.warnings(), QStringList());
-        QVERIFY(!isHeld(faults, stage));
+        QVERIFY(!isHeld(faults.bench, stage));
         QVERIFY(isSetEnabled(faults.bench, stage));
         QVERIFY(isUsable(faults, streams));
     }
@@ -105,7 +100,7 @@ void TestDialogHoldFaults::holdThatFailsCanBeAskedAgain()
     QCOMPARE(faults.bench.commands(),
              exchanged(holding(stage), streams) + exchanged(reading(), streams));
     QCOMPARE(faults.warnings(), QStringList());
-    QVERIFY(isHeld(faults, stage) && !isHeld(faults, otherThan(stage)));
+    QVERIFY(isHeld(faults.bench, stage) && !isHeld(faults.bench, otherThan(stage)));
     QVERIFY(!isSetEnabled(faults.bench, stage));
     QVERIFY(isSetEnabled(faults.bench, otherThan(stage)));
     QVERIFY(isUsable(faults, streams));
@@ -137,7 +132,7 @@ void TestDialogHoldFaults::positionThatFailsDoesNotStopTheHold()
                  exchanged(holding(stage), streams) + exchanged(reading(), streams));
         QCOMPARE(faults.difference(FaultBench::formWithout(unread)), QString());
         QCOMPARE(faults.unread(), unread.isEmpty() ? QString() : position.name);
-        QVERIFY(isHeld(faults, stage));
+        QVERIFY(isHeld(faults.bench, stage));
         QVERIFY(!isSetEnabled(faults.bench, stage));
         QVERIFY(isUsable(faults, streams));
 
@@ -186,7 +181,7 @@ void TestDialogHoldFaults::holdStandsWhereTheReadingBehindItFails()
     QCOMPARE(faults.bench.commands(), exchanged(holding(stage), true) + exchanged(reading(), true));
     QCOMPARE(faults.difference(expected), QString());
     QCOMPARE(faults.unread(), question.name);
-    QVERIFY(isHeld(faults, stage));
+    QVERIFY(isHeld(faults.bench, stage));
     QVERIFY(!isSetEnabled(faults.bench, stage));
     QVERIFY(isUsable(faults, true));
 }

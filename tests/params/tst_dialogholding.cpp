@@ -46,10 +46,10 @@ Rule noStatus()
 ControllerOptions withPositions(qint16 x1, qint16 y1, qint16 x2, qint16 y2)
 {
     emulator::PacketValues values{};
-    values.x1 = x1;
-    values.y1 = y1;
-    values.x2 = x2;
-    values.y2 = y2;
+    values[0].x = x1;
+    values[0].y = y1;
+    values[1].x = x2;
+    values[1].y = y2;
     ControllerOptions options;
     options.script = {values};
     options.scriptRepeats = true;

@@ -13,11 +13,6 @@ Q_DECLARE_METATYPE(Stage)
 
 namespace {
 
-bool isHeld(const FaultBench& faults, Stage stage)
-{
-    return faults.bench.link.controller.stage(numberOf(stage)).held;
-}
-
 const QByteArrayList stop{"CLS;"};
 const QByteArrayList start{QByteArray("SLS\0\0\x01\x2c;", 8)};
 
@@ -75,7 +70,7 @@ void TestDialogHoldStreamFaults::stopThatFailsOnceIsRepeated()
     QCOMPARE(faults.bench.commands(),
              stop + stop + holding(stage) + start + stop + reading() + start);
     QCOMPARE(faults.warnings(), QStringList());
-    QVERIFY(isHeld(faults, stage));
+    QVERIFY(isHeld(faults.bench, stage));
     QVERIFY(!isSetEnabled(faults.bench, stage));
     QVERIFY(faults.streams());
     QCOMPARE(faults.bench.streamErrors, 0);
@@ -100,7 +95,7 @@ void TestDialogHoldStreamFaults::streamThatDoesNotStopLetsNothingThrough()
     QCOMPARE(faults.difference(FaultBench::formWithout(questions())), QString());
     QCOMPARE(faults.unread(), namesOf(questions()));
     QVERIFY(faults.bench.failure().isNull());
-    QVERIFY(!isHeld(faults, stage));
+    QVERIFY(!isHeld(faults.bench, stage));
     QVERIFY(isSetEnabled(faults.bench, stage));
     QCOMPARE(faults.bench.streamErrors, 2);
     QVERIFY(faults.streams());
@@ -109,7 +104,7 @@ void TestDialogHoldStreamFaults::streamThatDoesNotStopLetsNothingThrough()
     faults.bench.link.controller.setRules({});
     QVERIFY(faults.click(setButton(stage)));
     QCOMPARE(faults.warnings(), QStringList());
-    QVERIFY(isHeld(faults, stage));
+    QVERIFY(isHeld(faults.bench, stage));
     QVERIFY(faults.streams());
     QCOMPARE(faults.bench.streamErrors, 2);
 }
@@ -136,14 +131,14 @@ void TestDialogHoldStreamFaults::holdStandsWhereTheStreamDoesNotStartAgain()
     QCOMPARE(faults.warnings(), QStringList());
     QVERIFY(faults.bench.failure().isNull());
     QCOMPARE(faults.bench.streamErrors, 1);
-    QVERIFY(isHeld(faults, stage));
+    QVERIFY(isHeld(faults.bench, stage));
     QVERIFY(!isSetEnabled(faults.bench, stage));
     QVERIFY(faults.isQuiet());
     QVERIFY(faults.hasButtons());
 
     QVERIFY(startOver(faults, stage));
     QVERIFY(faults.click(setButton(stage)));
-    QVERIFY(isHeld(faults, stage));
+    QVERIFY(isHeld(faults.bench, stage));
     QVERIFY(faults.streams());
     QCOMPARE(faults.bench.streamErrors, 1);
 }
@@ -166,7 +161,7 @@ void TestDialogHoldStreamFaults::silentStartHoldsTheReadingBack()
     QCOMPARE(faults.unread(), namesOf(questions()));
     QVERIFY(faults.bench.failure().isNull());
     QCOMPARE(faults.bench.streamErrors, 1);
-    QVERIFY(isHeld(faults, stage));
+    QVERIFY(isHeld(faults.bench, stage));
     QVERIFY(!isSetEnabled(faults.bench, stage));
     QVERIFY(!faults.bench.link.client.isStreaming());
     QVERIFY(faults.hasButtons());
@@ -174,7 +169,7 @@ void TestDialogHoldStreamFaults::silentStartHoldsTheReadingBack()
     QVERIFY(startOver(faults, stage));
     QVERIFY(faults.click(setButton(stage)));
     QCOMPARE(faults.warnings(), QStringList());
-    QVERIFY(isHeld(faults, stage));
+    QVERIFY(isHeld(faults.bench, stage));
     QVERIFY(faults.streams());
     QCOMPARE(faults.bench.streamErrors, 1);
 }

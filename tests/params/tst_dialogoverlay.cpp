@@ -3,6 +3,7 @@
 // them.
 
 #include "overlayexpectations.h"
+#include "support/bytes.h"
 
 #include <QDoubleSpinBox>
 #include <QtTest>
@@ -31,9 +32,9 @@ private slots:
     void positionsBecomeTheTargetsOfThePartner();
     void successChangesNothingInTheForm();
     void positionsOfTheControllerGoToThePartner();
-    void partnerThatIsThereIsNotLedThere();
-    void partnerThatIsHalfThereIsLedThereWhole_data();
-    void partnerThatIsHalfThereIsLedThereWhole();
+    void partnerOnTheCommonPathIsNotLedThere();
+    void partnerWithOneStageOnTheCommonPathIsLedThereWithBoth_data();
+    void partnerWithOneStageOnTheCommonPathIsLedThereWithBoth();
     void streamsGoOn_data();
     void streamsGoOn();
     void onlyARunningStreamIsStopped_data();
@@ -98,7 +99,7 @@ void TestDialogOverlay::positionsOfTheControllerGoToThePartner()
     QCOMPARE(bench.controller(partner).stage(2).adjustInYMv, 250);
 }
 
-void TestDialogOverlay::partnerThatIsThereIsNotLedThere()
+void TestDialogOverlay::partnerOnTheCommonPathIsNotLedThere()
 {
     GroupBench bench;
     bench.states[partner].isOnCommonPath = {true, true};
@@ -110,7 +111,7 @@ void TestDialogOverlay::partnerThatIsThereIsNotLedThere()
     QVERIFY(bench.failure().isNull());
 }
 
-void TestDialogOverlay::partnerThatIsHalfThereIsLedThereWhole_data()
+void TestDialogOverlay::partnerWithOneStageOnTheCommonPathIsLedThereWithBoth_data()
 {
     QTest::addColumn<Flags>("before");
     QTest::addColumn<QList<Rule>>("rules");
@@ -123,7 +124,7 @@ void TestDialogOverlay::partnerThatIsHalfThereIsLedThereWhole_data()
     QTest::newRow("stage 2 is there and refuses") << second << QList<Rule>{on("SMD\2").refuse()};
 }
 
-void TestDialogOverlay::partnerThatIsHalfThereIsLedThereWhole()
+void TestDialogOverlay::partnerWithOneStageOnTheCommonPathIsLedThereWithBoth()
 {
     QFETCH(Flags, before);
     QFETCH(QList<Rule>, rules);

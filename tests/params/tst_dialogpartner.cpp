@@ -1,6 +1,7 @@
 // How the parameter dialog finds the other system of the group, and locks it.
 
 #include "groupbench.h"
+#include "support/bytes.h"
 
 #include <QMessageBox>
 #include <QtTest>

@@ -118,7 +118,7 @@ private slots:
     void triggersAreOfferedToThoseWhoKnowThem_data();
     void triggersAreOfferedToThoseWhoKnowThem();
     void triggersAreThoseOfTheDetectors();
-    void tickOfAnotherSystemIsGone();
+    void triggersOfAnotherSystemAreUnticked();
     void nothingOfAnotherSystemIsLeft();
     void detectorsAreThoseOfTheSystem();
     void lengthWithoutADetectorIsVolts();
@@ -380,10 +380,10 @@ void TestDialogReading::positionsAreThoseOfOnePacket()
 {
     ControllerOptions options;
     emulator::PacketValues values{};
-    values.x1 = 250;
-    values.y1 = -1;
-    values.x2 = -4000;
-    values.y2 = 1000;
+    values[0].x = 250;
+    values[0].y = -1;
+    values[1].x = -4000;
+    values[1].y = 1000;
     options.script = {values};
     options.scriptRepeats = true;
     ParamsBench bench(options);
@@ -493,7 +493,7 @@ void TestDialogReading::triggersAreThoseOfTheDetectors()
     QVERIFY(isChecked(bench, triggers));
 }
 
-void TestDialogReading::tickOfAnotherSystemIsGone()
+void TestDialogReading::triggersOfAnotherSystemAreUnticked()
 {
     ConnectionSettings record;
     record.pulsedLaser = true;
@@ -513,7 +513,7 @@ void TestDialogReading::nothingOfAnotherSystemIsLeft()
     const SensitivityOffered offered;
     ControllerOptions options;
     emulator::PacketValues values{};
-    values.x1 = 250;
+    values[0].x = 250;
     options.script = {values};
     options.scriptRepeats = true;
     ParamsBench bench(options, recordWithTypes(2, 2));

@@ -3,6 +3,7 @@
 
 #include "link/connection.h"
 #include "params/grouping.h"
+#include "support/bytes.h"
 #include "support/emulatedlink.h"
 
 #include <QtTest>
@@ -21,11 +22,6 @@ Q_DECLARE_METATYPE(Flags)
 Q_DECLARE_METATYPE(Positions)
 
 namespace {
-
-QByteArray bytes(const char* hex)
-{
-    return QByteArray::fromHex(hex);
-}
 
 SystemState validIn(int group)
 {
@@ -93,10 +89,10 @@ private slots:
     void stageLeavesTheCommonPathIfItsReplyBeginsWithZero();
     void overlaySendsThePositionsAsTheyCame();
     void overlaidPartnerHasThePositionsAsTargets();
-    void partnerThatIsThereIsNotLedThere();
-    void partnerThatIsHalfThereIsLedThereWhole_data();
-    void partnerThatIsHalfThereIsLedThereWhole();
-    void partnerThatWasThereStaysThereWhenItRefuses();
+    void partnerOnTheCommonPathIsNotLedThere();
+    void partnerWithOneStageOnTheCommonPathIsLedThereWithBoth_data();
+    void partnerWithOneStageOnTheCommonPathIsLedThereWithBoth();
+    void stageOnTheCommonPathStaysNotedWhenItRefuses();
     void partnerThatDoesNotComeEndsTheOverlay_data();
     void partnerThatDoesNotComeEndsTheOverlay();
     void missingPositionsEndTheOverlay_data();
@@ -242,7 +238,7 @@ void TestGrouping::overlaidPartnerHasThePositionsAsTargets()
     QVERIFY(stage1.multiplexed && stage2.multiplexed);
 }
 
-void TestGrouping::partnerThatIsThereIsNotLedThere()
+void TestGrouping::partnerOnTheCommonPathIsNotLedThere()
 {
     Pair pair;
     QVERIFY(pair.connect());
@@ -251,14 +247,14 @@ void TestGrouping::partnerThatIsThereIsNotLedThere()
     QCOMPARE(pair.partner.controller.commands(), targetCommands());
 }
 
-void TestGrouping::partnerThatIsHalfThereIsLedThereWhole_data()
+void TestGrouping::partnerWithOneStageOnTheCommonPathIsLedThereWithBoth_data()
 {
     QTest::addColumn<Flags>("before");
     QTest::newRow("stage 1 is there") << Flags{true, false};
     QTest::newRow("stage 2 is there") << Flags{false, true};
 }
 
-void TestGrouping::partnerThatIsHalfThereIsLedThereWhole()
+void TestGrouping::partnerWithOneStageOnTheCommonPathIsLedThereWithBoth()
 {
     QFETCH(Flags, before);
     Pair pair;
@@ -269,7 +265,7 @@ void TestGrouping::partnerThatIsHalfThereIsLedThereWhole()
     QCOMPARE(pair.isThere, (Flags{true, true}));
 }
 
-void TestGrouping::partnerThatWasThereStaysThereWhenItRefuses()
+void TestGrouping::stageOnTheCommonPathStaysNotedWhenItRefuses()
 {
     Pair pair;
     QVERIFY(pair.connect());

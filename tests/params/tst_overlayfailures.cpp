@@ -2,6 +2,7 @@
 // and that both streams go on.
 
 #include "overlayexpectations.h"
+#include "support/bytes.h"
 
 #include <QtTest>
 

@@ -1,6 +1,7 @@
 // What is set at a controller, on the wire, without a form.
 
 #include "params/parameterapplying.h"
+#include "support/bytes.h"
 #include "support/emulatedlink.h"
 
 #include <QtTest>
@@ -34,11 +35,6 @@ StageWishes allOf(int pFactorMv, int sensitivityMv, AxisValues adjustIn)
 Wishes bySoftware()
 {
     return {allOf(1500, 700, {-1000, 250}), allOf(290, 5000, {0, -5000})};
-}
-
-QByteArray bytes(const char* hex)
-{
-    return QByteArray::fromHex(hex);
 }
 
 } // namespace

@@ -125,10 +125,10 @@ void TestParameterReading::positionsAreThoseOfOnePacket()
 {
     ControllerOptions options;
     emulator::PacketValues values{};
-    values.x1 = 250;
-    values.y1 = -1;
-    values.x2 = -4000;
-    values.y2 = 1000;
+    values[0].x = 250;
+    values[0].y = -1;
+    values[1].x = -4000;
+    values[1].y = 1000;
     options.script = {values};
     options.scriptRepeats = true;
     EmulatedLink link(options);

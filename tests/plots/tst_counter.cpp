@@ -1,11 +1,11 @@
 #include "plots/counter.h"
+#include "support/wheel.h"
 #include "support/widgetcheck.h"
 
 #include <QLabel>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QSpinBox>
-#include <QWheelEvent>
 #include <QtTest>
 
 namespace {
@@ -39,14 +39,6 @@ public:
     Counter counter{&window, QString(), QString(), 1, 500, 1, &partner};
     bool active = false;
 };
-
-void turnWheel(QSpinBox& box)
-{
-    const QPoint pos = box.rect().center();
-    QWheelEvent event(pos, box.mapToGlobal(pos), QPoint(), QPoint(0, 120), Qt::NoButton,
-                      Qt::NoModifier, Qt::NoScrollPhase, false);
-    QApplication::sendEvent(&box, &event);
-}
 
 QStringList labelTexts(const Counter& counter)
 {

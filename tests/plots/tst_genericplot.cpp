@@ -1,11 +1,11 @@
 #include "plots/curvedata.h"
 #include "plots/genericplot.h"
+#include "support/plotcanvas.h"
 #include "support/replotcounter.h"
 #include "support/widgetcheck.h"
 
 #include <QPainterPath>
 #include <QtTest>
-#include <qwt_plot_canvas.h>
 #include <qwt_plot_grid.h>
 #include <qwt_plot_layout.h>
 #include <qwt_plot_shapeitem.h>
@@ -18,12 +18,6 @@ constexpr int allAxes[] = {QwtPlot::yLeft, QwtPlot::yRight, QwtPlot::xBottom, Qw
 QwtPlotZoomer* zoomerOf(const GenericPlot& plot)
 {
     return plot.canvas()->findChild<QwtPlotZoomer*>();
-}
-
-bool keepsBackingStore(const GenericPlot& plot)
-{
-    return qobject_cast<const QwtPlotCanvas*>(plot.canvas())
-        ->testPaintAttribute(QwtPlotCanvas::BackingStore);
 }
 
 QList<const QwtPlotShapeItem*> midLines(const GenericPlot& plot, const QString& title)

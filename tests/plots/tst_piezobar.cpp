@@ -143,7 +143,7 @@ private:
         return (bar.upperBound() - bar.lowerBound()) / ordinary->bar.pipeRect().height();
     }
 
-    /// A value from which a step of so many pixels stays on its pixel.
+    /// A value from which a step of `pixels` stays on its pixel.
     double valueWithRoomFor(double pixels) const
     {
         constexpr double near = 4.0;

@@ -68,7 +68,7 @@ public:
         return recorder.start(plan, systems, rates, now);
     }
 
-    /// Gives the recorder so many samples of a system, 2 ms apart, if it is recorded.
+    /// Gives the recorder `count` samples of a system, 2 ms apart, if it is recorded.
     void take(int system, int count, const SamplePlace& place = {true, false})
     {
         std::vector<MeasureSample> samples;

@@ -50,7 +50,7 @@ private slots:
     void resultsCanNotBeTyped();
     void resultsHaveTheirBackground();
     void resultsAreReadableInADarkPalette();
-    void nothingIsCut();
+    void everyTextHasRoom();
     void warningMovesNothing();
     void tipTellsWhatOneFileHolds();
     void chooserHasTheFocusAtEachOpening();
@@ -202,7 +202,7 @@ void TestDataLoggerForm::resultsAreReadableInADarkPalette()
     QApplication::setPalette(before);
 }
 
-void TestDataLoggerForm::nothingIsCut()
+void TestDataLoggerForm::everyTextHasRoom()
 {
     DataLoggerBench bench;
     QVERIFY(bench.open(500));

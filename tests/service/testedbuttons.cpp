@@ -114,19 +114,27 @@ void addTestedButtons()
         QTest::newRow(qPrintable(button.name)) << button;
 }
 
+QStringList namesOfEach(const char* command, int count)
+{
+    QStringList names;
+    for (int number = 1; number <= count; ++number)
+        names.append(QStringLiteral("button%1_%2").arg(command).arg(number));
+    return names;
+}
+
 emulator::ControllerOptions steadyController()
 {
     emulator::PacketValues values{};
-    values.x1 = 250;
-    values.y1 = -1;
-    values.i1 = 3500;
-    values.x2 = -4000;
-    values.y2 = 1000;
-    values.i2 = 7;
-    values.rx1 = 100;
-    values.ry1 = -100;
-    values.rx2 = 4999;
-    values.ry2 = -5000;
+    values[0].x = 250;
+    values[0].y = -1;
+    values[0].intensity = 3500;
+    values[1].x = -4000;
+    values[1].y = 1000;
+    values[1].intensity = 7;
+    values[0].actuatorX = 100;
+    values[0].actuatorY = -100;
+    values[1].actuatorX = 4999;
+    values[1].actuatorY = -5000;
     emulator::ControllerOptions options;
     options.script = {values};
     options.scriptRepeats = true;

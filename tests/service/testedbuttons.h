@@ -29,5 +29,8 @@ const QVector<TestedButton>& testedButtons();
 /// Column "button", and a row for each.
 void addTestedButtons();
 
+/// The names of the first `count` buttons of a command.
+QStringList namesOfEach(const char* command, int count);
+
 /// A controller whose every sample is the one of which `testedButtons` tells.
 emulator::ControllerOptions steadyController();

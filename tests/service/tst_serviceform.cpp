@@ -35,14 +35,6 @@ QStringList methodsOf(const QMetaObject& object, QMetaMethod::MethodType type)
     return methods;
 }
 
-QStringList namesOfEach(const char* command, int count)
-{
-    QStringList names;
-    for (int number = 1; number <= count; ++number)
-        names.append(QStringLiteral("button%1_%2").arg(command).arg(number));
-    return names;
-}
-
 } // namespace
 
 class TestServiceForm : public QObject

@@ -20,14 +20,6 @@ QStringList tabOrderFrom(const ServiceBench& bench, QWidget& first)
     return names;
 }
 
-QStringList namesOfEach(const char* command, int count)
-{
-    QStringList names;
-    for (int number = 1; number <= count; ++number)
-        names.append(QStringLiteral("button%1_%2").arg(command).arg(number));
-    return names;
-}
-
 } // namespace
 
 class TestServiceKeyboard : public QObject

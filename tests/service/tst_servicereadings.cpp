@@ -2,6 +2,7 @@
 // and what they are sent with.
 
 #include "servicebench.h"
+#include "support/bytes.h"
 #include "support/logcapture.h"
 #include "testedbuttons.h"
 
@@ -20,11 +21,6 @@ using emulator::on;
 using emulator::Rule;
 
 namespace {
-
-QByteArray bytes(const char* hex)
-{
-    return QByteArray::fromHex(hex);
-}
 
 const QByteArray memoryCommand("RFR\0\0\xFF;", 7);
 

@@ -1,15 +1,11 @@
 // What the service dialog says of replies, byte by byte.
 
 #include "service/servicetexts.h"
+#include "support/bytes.h"
 
 #include <QtTest>
 
 namespace {
-
-QByteArray bytes(const char* hex)
-{
-    return QByteArray::fromHex(hex);
-}
 
 /// Every value of its own, all with the sign bit in use somewhere.
 const QByteArray wholePacket = bytes("003b"

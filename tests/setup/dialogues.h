@@ -11,7 +11,7 @@
 namespace dialogues {
 
 constexpr int timeoutMs = DialogBench::shortTimeoutMs;
-/// A stop that no stream answers is waited for so long, and one that nobody answers.
+/// How long a stop is waited for that no stream answers, and one that nobody answers.
 constexpr int idleStopMs = timeoutMs * 3 / 2;
 constexpr int silenceMs = timeoutMs * 2;
 
@@ -21,7 +21,7 @@ struct Dialogue
     QByteArrayList commands;
     std::vector<qint64> timesNs;
 
-    /// Whether so long a wait lies between a command and the next one. The controller sees a
+    /// Whether a wait of `ms` lies between a command and the next one. The controller sees a
     /// command when it gets a processor, which can be late for the first of the two.
     bool hasPause(int behind, int ms) const
     {

@@ -22,7 +22,7 @@ private slots:
     void aMarkedSystemIsConnectedAndKept();
     void anUnmarkedSystemIsOnlyListed();
     void aSystemThatDoesNotAnswerIsListedAndDown();
-    void aSystemThatIsDownFollowsItsLaserWhenItComesUp();
+    void recordDecidesTheTriggerModeOfASystemThatIsDown();
     void thePointerTellsToWaitWhileASystemIsRegistered();
     void aSerialSystemIsFoundAtThePortWhereItIsNow();
     void aSystemWithALineIsSkipped();
@@ -113,7 +113,7 @@ void TestLoadFlow::aSystemThatDoesNotAnswerIsListedAndDown()
     QCOMPARE(bench->tcpList.count(), 1);
 }
 
-void TestLoadFlow::aSystemThatIsDownFollowsItsLaserWhenItComesUp()
+void TestLoadFlow::recordDecidesTheTriggerModeOfASystemThatIsDown()
 {
     bench->outcome = LinkOutcome::NoLink;
     ConnectionSettings unmarked = quietTcp("CD000000002", "127.0.0.6", "b");

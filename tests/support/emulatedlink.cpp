@@ -7,6 +7,8 @@
 #include <QTimer>
 #include <QtTest>
 
+#include <algorithm>
+
 namespace {
 
 void actOrAskAgain(const std::function<bool()>& isTime, const std::function<void()>& act)
@@ -64,6 +66,14 @@ std::vector<MeasureSample> EmulatedLink::takeSamples()
     return samples;
 }
 
+int repliesOf(const emulator::ControllerHandle& controller)
+{
+    const QVector<emulator::WireEvent> wire = controller.wire();
+    return int(std::count_if(wire.begin(), wire.end(), [](const emulator::WireEvent& event) {
+        return event.direction == emulator::WireEvent::ToHost;
+    }));
+}
+
 bool askIdentity(Connection& client)
 {
     const ControllerIdentity identity = readIdentity(ask(client, &Connection::getControllerId));
@@ -95,8 +105,8 @@ QVector<emulator::PacketValues> numberedSamples(int count)
         if ((number & 0xFF) == ';' || number >> 8 == ';')
             continue;
         emulator::PacketValues values{};
-        values.x1 = number;
-        values.y1 = number;
+        values[0].x = number;
+        values[0].y = number;
         samples.append(values);
     }
     return samples;

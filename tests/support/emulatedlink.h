@@ -41,6 +41,9 @@ struct EmulatedLink
 /// controller of ours answered.
 bool askIdentity(Connection& client);
 
+/// How often the controller has sent something since the last `clearWire`.
+int repliesOf(const emulator::ControllerHandle& controller);
+
 /// Acts on the thread of the connection, which is still to be started, within its event loop and as
 /// soon as `isTime` holds there.
 void onThreadOf(Connection& client, std::function<bool()> isTime, std::function<void()> act);

@@ -3,7 +3,7 @@
 #include <csignal>
 #include <sys/resource.h>
 
-/// Files can not grow beyond so many bytes while this lives: a disk that is full.
+/// Files can not grow beyond a number of bytes while this lives: a disk that is full.
 class FullDisk final
 {
 public:

@@ -3,9 +3,11 @@
 #include "link/connection.h"
 #include "support/windowfixture.h"
 #include "window/mainwindow.h"
+#include "window/run.h"
 
 #include <QAction>
 #include <QDateTime>
+#include <QElapsedTimer>
 
 #include <algorithm>
 
@@ -53,12 +55,12 @@ QVector<emulator::PacketValues> countedSamples(int count, int first)
     QVector<emulator::PacketValues> samples;
     for (int i = 0; i < count; ++i) {
         emulator::PacketValues values;
-        values.x1 = qint16(first + i);
-        values.y1 = qint16(-(first + i) - 1000);
-        values.i1 = quint16(first + i + 2000);
-        values.x2 = qint16(first + i + 300);
-        values.y2 = qint16(-(first + i) - 1300);
-        values.i2 = quint16(first + i + 2300);
+        values[0].x = qint16(first + i);
+        values[0].y = qint16(-(first + i) - 1000);
+        values[0].intensity = quint16(first + i + 2000);
+        values[1].x = qint16(first + i + 300);
+        values[1].y = qint16(-(first + i) - 1300);
+        values[1].intensity = quint16(first + i + 2300);
         samples.append(values);
     }
     return samples;
@@ -68,4 +70,12 @@ void waitForNextMs()
 {
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
     waitWithoutEvents([now] { return QDateTime::currentMSecsSinceEpoch() > now; });
+}
+
+void waitForNextText()
+{
+    QElapsedTimer clock;
+    clock.start();
+    // A part of the first millisecond was over before.
+    waitWithoutEvents([&clock] { return clock.elapsed() > Run::textPeriodMs; });
 }

@@ -36,3 +36,6 @@ QVector<emulator::PacketValues> countedSamples(int count, int first = 1);
 
 /// Waits until the wall clock shows another millisecond.
 void waitForNextMs();
+
+/// Waits until the text of the statistics is due, even if it has just been built.
+void waitForNextText();

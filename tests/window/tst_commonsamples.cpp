@@ -63,7 +63,7 @@ private slots:
     void lastOneEndsARunWhileNoSystemIsDisplayed_data();
     void lastOneEndsARunWhileNoSystemIsDisplayed();
     void samplesTellNoState();
-    void nothingIsPainted();
+    void samplesOfCommonDetectorsReplotNothing();
     void nothingIsShownWhileTheAcquisitionStands();
     void tickLeavesTheirSamples();
 
@@ -288,7 +288,7 @@ void TestCommonSamples::samplesTellNoState()
     QVERIFY(!bench->systems.at(0).status.multiplex2);
 }
 
-void TestCommonSamples::nothingIsPainted()
+void TestCommonSamples::samplesOfCommonDetectorsReplotNothing()
 {
     ScriptedConnection& connection = bench->addCommon();
     // A plot owns the items that stand on it.

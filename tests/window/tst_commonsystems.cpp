@@ -34,7 +34,7 @@ private slots:
     void closingAMiddleOneMovesTheIndicesOfTheLater();
     void closedSystemLeavesBothListsBeforeItGoes();
     void disconnectedSystemIsTakenOff();
-    void closingAllTakesThemOff();
+    void closingAllHidesThemFromTheLastToTheFirst();
     void hiddenSystemStreamsOnForItsCommonDetector();
     void systemOnNoPlotDoesNotStream();
 
@@ -207,7 +207,7 @@ void TestCommonSystems::disconnectedSystemIsTakenOff()
     QCOMPARE(systems().common(), QList<int>{1});
 }
 
-void TestCommonSystems::closingAllTakesThemOff()
+void TestCommonSystems::closingAllHidesThemFromTheLastToTheFirst()
 {
     addHidden(2);
     show(0);

@@ -189,7 +189,7 @@ void TestFarewell::systemsWithOneAddressAreStoppedInTurn()
     sayFarewell(std::move(farewells));
     QCOMPARE(first.controller.commands(), QByteArrayList{"CLS;"});
     QCOMPARE(second.controller.commands(), QByteArrayList{"CLS;"});
-    // A stop that no stream answers is waited for so long.
+    // How long a stop that no stream answers is waited for.
     constexpr qint64 waitNs = EmulatedLink::shortTimeoutMs * 3LL / 2 * 1000000;
     const qint64 firstNs = first.controller.wire().first().timeNs;
     QVERIFY(second.controller.wire().first().timeNs - firstNs >= waitNs);

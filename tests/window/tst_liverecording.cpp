@@ -70,7 +70,7 @@ struct Bench : MonitorBench
         return file.open(QIODevice::ReadOnly) && file.readAll() == "old";
     }
 
-    /// A tick with so many samples of each system.
+    /// A tick with this number of samples of each system.
     void tick(const QList<int>& counts)
     {
         std::vector<SampleBlock> blocks;

@@ -32,7 +32,7 @@ private slots:
     void systemThatIsDownIsRegisteredAndNotDisplayed();
     void eachGraphHasItsColour_data();
     void eachGraphHasItsColour();
-    void otherGraphsHaveNone();
+    void colourOfAnUnknownGraphIsNotTold();
     void displayedAreInTheOrderOfShowing();
     void displayedSystemKeepsItsPlace();
     void closingAMiddleOneMovesTheIndicesOfTheLater_data();
@@ -157,7 +157,7 @@ void TestLiveSystems::eachGraphHasItsColour()
     QCOMPARE(status.colorI == QColor(Qt::red), graph == 2);
 }
 
-void TestLiveSystems::otherGraphsHaveNone()
+void TestLiveSystems::colourOfAnUnknownGraphIsNotTold()
 {
     bench->add();
     const QSignalSpy colored(&systems(), &LiveSystems::colored);

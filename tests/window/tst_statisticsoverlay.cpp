@@ -48,7 +48,7 @@ private slots:
 
     void nothingShowsUnlessItIsWanted();
     void showingPutsTextAndCrossOnThePlot();
-    void hidingTakesThemAway();
+    void hidingTakesTextAndCrossAway();
     void textIsRedAndInTheCorner();
     void textIsTheOneSetLast();
     void crossStandsAroundTheMean();
@@ -105,7 +105,7 @@ void TestStatisticsOverlay::showingPutsTextAndCrossOnThePlot()
     QVERIFY(!itemOf(bench->stages[1].plots().pointing(), QwtPlotItem::Rtti_PlotTextLabel));
 }
 
-void TestStatisticsOverlay::hidingTakesThemAway()
+void TestStatisticsOverlay::hidingTakesTextAndCrossAway()
 {
     overlay().show(true);
     overlay().show(false);

@@ -1,6 +1,5 @@
 #include "window/statisticssums.h"
 
-#include <QElapsedTimer>
 #include <QVector>
 #include <QtTest>
 

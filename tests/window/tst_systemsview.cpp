@@ -33,9 +33,9 @@ private slots:
     void registeredSystemHasCurvesInItsColours();
     void closedSystemTakesItsCurvesAlong();
     void firstDisplayedSystemBringsUpItsReadouts();
-    void secondDisplayedSystemHidesThem();
+    void secondDisplayedSystemHidesReadoutsAndAxisColour();
     void thirdDisplayedSystemChangesNothing();
-    void lastOneLeftBringsThemBack();
+    void lastOneLeftBringsReadoutsAndAxisColourBack();
     void withNoneDisplayedTheControlsAreDisabled();
     void hiddenSystemLosesItsPoints();
     void newColourGoesToCurvesAndAxisNames();
@@ -108,7 +108,7 @@ void TestSystemsView::firstDisplayedSystemBringsUpItsReadouts()
     QCOMPARE(bench->forms[0].lcdX.value(), 3.0);
 }
 
-void TestSystemsView::secondDisplayedSystemHidesThem()
+void TestSystemsView::secondDisplayedSystemHidesReadoutsAndAxisColour()
 {
     const ConnectionSettings red = colored("#ff0000", "#ff0000", "#ff0000");
     bench->add(SystemsBench::Link::Up, QStringLiteral("ttyUSB1"), red);
@@ -128,7 +128,7 @@ void TestSystemsView::thirdDisplayedSystemChangesNothing()
     QVERIFY(!showsSingle());
 }
 
-void TestSystemsView::lastOneLeftBringsThemBack()
+void TestSystemsView::lastOneLeftBringsReadoutsAndAxisColourBack()
 {
     bench->add();
     bench->add(SystemsBench::Link::Up, QStringLiteral("ttyUSB2"),

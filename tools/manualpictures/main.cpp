@@ -1,8 +1,8 @@
 // Takes the pictures of docs/manual/pictures: the real window goes through the first ten minutes of
 // the user manual on one emulated controller, worked by mouse and keyboard.
 
-#include "app/messagelog.h"
 #include "app/switches.h"
+#include "demo/picturefolder.h"
 #include "demo/systems.h"
 #include "demo/windowhand.h"
 #include "emulator/emulatorhost.h"
@@ -16,7 +16,6 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QCommandLineParser>
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
@@ -154,21 +153,10 @@ int fail(const char* what)
 
 int main(int argc, char** argv)
 {
-    qputenv("LC_NUMERIC", "C");
-    qInstallMessageHandler(writeToMessageLog);
-    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
-    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    QApplication application(argc, argv);
-    QCommandLineParser parser;
-    parser.setApplicationDescription("Takes the pictures of the user manual.");
-    parser.addHelpOption();
-    parser.addPositionalArgument("folder", "Where the pictures go; it must exist.");
-    parser.process(application);
-    if (parser.positionalArguments().size() != 1)
-        parser.showHelp(1);
-
-    const QString pictures = QDir(parser.positionalArguments().first()).absolutePath();
+    startAsTheApplication();
+    const QApplication application(argc, argv);
+    const QString pictures =
+        QDir(pictureFolder("Takes the pictures of the user manual.")).absolutePath();
     const QTemporaryDir home;
     // The path of the recording is on a picture, so it must not be that of the temporary folder.
     QDir::setCurrent(home.path());

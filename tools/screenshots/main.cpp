@@ -1,8 +1,8 @@
 // Takes the pictures of docs/screenshots: the real window on emulated controllers, worked by mouse
 // and keyboard.
 
-#include "app/messagelog.h"
 #include "app/switches.h"
+#include "demo/picturefolder.h"
 #include "demo/systems.h"
 #include "demo/windowhand.h"
 #include "emulator/emulatorhost.h"
@@ -20,7 +20,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
-#include <QCommandLineParser>
 #include <QDeadlineTimer>
 #include <QDialog>
 #include <QLCDNumber>
@@ -221,20 +220,9 @@ void takeSmallest(MainWindow& window, const WindowHand& hand)
 
 int main(int argc, char** argv)
 {
-    qputenv("LC_NUMERIC", "C");
-    qInstallMessageHandler(writeToMessageLog);
-    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
-    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    QApplication application(argc, argv);
-    QCommandLineParser parser;
-    parser.setApplicationDescription("Takes pictures of the application at work.");
-    parser.addHelpOption();
-    parser.addPositionalArgument("folder", "Where the pictures go; it must exist.");
-    parser.process(application);
-    if (parser.positionalArguments().size() != 1)
-        parser.showHelp(1);
-
+    startAsTheApplication();
+    const QApplication application(argc, argv);
+    const QString pictures = pictureFolder("Takes pictures of the application at work.");
     const QTemporaryDir home;
     switches::configDir = QDir(home.path());
     switches::autoSerialSearch = false;
@@ -260,7 +248,7 @@ int main(int argc, char** argv)
     window.resize(normalSize);
     window.show();
     window.resizeGraphs();
-    const WindowHand hand(window, parser.positionalArguments().first());
+    const WindowHand hand(window, pictures);
     takeOneSystem(window, hand);
     takePointingMode(window, hand);
     takeThreeSystems(window, hand);
