@@ -63,6 +63,7 @@ private slots:
     void aClockThatWasSetBackGivesTimesAsTheyCome();
 
     void linesOfALateTickAreFormedByTurns();
+    void severalLateTicksOfOneSystemStayWithinATurn();
     void everySystemHasItsTurn();
     void whatIsBehindAtTheStopIsRecorded();
 
@@ -425,6 +426,17 @@ void TestRecorder::linesOfALateTickAreFormedByTurns()
         QCOMPARE(bench->numbers(name).last(), many);
         QVERIFY(bench->lines(name).last().startsWith(QByteArray::number(2 * (many - 1)) + '\t'));
     }
+}
+
+void TestRecorder::severalLateTicksOfOneSystemStayWithinATurn()
+{
+    constexpr int turn = int(Recorder::linesPerTurn);
+    constexpr int many = turn * 4 / 5;
+    QVERIFY(!bench->startAll({0}, everySample));
+    bench->take(0, many);
+    bench->take(0, many);
+    QVERIFY(!bench->recorder.flush(0));
+    QCOMPARE(bench->numbers("run_A.csv").size(), turn);
 }
 
 void TestRecorder::everySystemHasItsTurn()
